@@ -1,0 +1,49 @@
+/// The audio platform as the engine needs it: one callback-driven 48 kHz float output that follows
+/// the user's default device. Implemented once per sound system.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace tobrin {
+
+/// What a device calls. `render` fills `frames` samples of each channel on the render thread and
+/// must be real-time safe; `right` is null or equal to `left` for a mono device. `changed` may come
+/// on any thread of the device's own, never from inside `render`: the default device or its format
+/// was switched, the sound server was lost, or it came back.
+struct AudioCallbacks {
+  void (*render)(void* context, float* left, float* right, uint32_t frames) noexcept = nullptr;
+  void* context = nullptr;
+  std::function<void()> changed;
+};
+
+class AudioDevice {
+ public:
+  virtual ~AudioDevice() = default;
+
+  /// Connects if need be and starts calling `render` in blocks of about 256 frames. Returns whether
+  /// the stream runs, or is sure to as soon as the server schedules it; false leaves the reason in
+  /// `problem`. After a failure or a lost server a started device goes on trying by itself until
+  /// `pause`, and says `changed` when it runs again. Thread: any; calls are serialised by the
+  /// owner.
+  virtual bool start() = 0;
+
+  /// Stops calling `render` and leaves the device idle: no wake-ups until the next `start`.
+  /// When it returns, the last callback has ended.
+  virtual void pause() = 0;
+
+  /// Whether the stream runs now, as the sound system sees it. Thread: any.
+  [[nodiscard]] virtual bool isRunning() const = 0;
+
+  /// Why the last start failed or what was lost, in words; empty while all is well. Thread: any.
+  [[nodiscard]] virtual std::string problem() const = 0;
+
+  /// What the sound goes through, for people ("PipeWire, Built-in Audio"). Thread: any.
+  [[nodiscard]] virtual std::string description() const = 0;
+
+  /// Must be called once, before the first `start`.
+  virtual void setCallbacks(AudioCallbacks callbacks) = 0;
+};
+
+}  // namespace tobrin

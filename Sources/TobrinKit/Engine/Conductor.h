@@ -1,0 +1,63 @@
+/// Turns key events into sounding voices: picks the take, measures the force, starts the voice and
+/// refines its weights as the sensor's picture completes, plays releases, and suspends the engine
+/// when nobody types. Every field is touched on the conductor's queue only, which is also the one
+/// producer of the mixer's ring. Public operations may be called from any thread and hop onto the
+/// queue, without waiting unless they say so.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+#include "Engine/AudioOutput.h"
+#include "Engine/EngineSettings.h"
+#include "Engine/KeyEvent.h"
+#include "Engine/SerialQueue.h"
+#include "Force/ForceSensor.h"
+#include "Packs/LoadedPack.h"
+
+namespace tobrin {
+
+class Conductor final {
+ public:
+  static constexpr const char* queueName = "app.tobrin.conductor";
+  /// Milliseconds after a key-down at which its voice is weighted anew; the last is final.
+  static constexpr std::array<double, 3> refineAtMs = {4, 10, 16};
+
+  /// Called on the queue once per key-down.
+  using ForceCallback = std::function<void(const ForceReading&)>;
+
+  /// The queue must outlive the conductor and be drained or stopped before it goes. `sensor` may be
+  /// null.
+  Conductor(SerialQueue& queue, std::unique_ptr<AudioOutput> audio,
+            std::unique_ptr<ForceSensor> sensor);
+  ~Conductor();
+  Conductor(const Conductor&) = delete;
+  Conductor& operator=(const Conductor&) = delete;
+
+  /// Set before the first event, or on the queue.
+  void setOnForce(ForceCallback onForce);
+
+  void handle(const KeyEvent& event);
+  /// `wakeNow` starts what the settings allow at once, not only at the next key.
+  void apply(const EngineSettings& settings, bool wakeNow);
+  /// Fades what sounds, then plays from `pack` (null: silence). The old pack is kept alive for 2 s.
+  void setPack(std::shared_ptr<const LoadedPack> pack);
+  /// Plays a short demonstration phrase.
+  void audition();
+  void resetCalibration();
+  /// Takes sensor and output up again after the machine slept.
+  void systemDidWake();
+  /// Waits: stops the sensor, pauses the output, marks the engine suspended.
+  void shutdown();
+
+  [[nodiscard]] bool forceSensingAvailable() const;
+  [[nodiscard]] const AudioOutput& audio() const;
+
+ private:
+  class Core;
+  std::shared_ptr<Core> core_;  // shared with the tasks waiting on the queue
+};
+
+}  // namespace tobrin

@@ -1,0 +1,73 @@
+/// Streams an accelerometer on a thread of its own, turns each report into one impact magnitude in
+/// g with slow gravity and tilt removed, keeps a running noise floor, and answers which impact was
+/// the strongest between two times. Threads: `ingest` on the sensor thread; queries from any thread
+/// under the ring's lock; `start` and `stop` from any thread, serialised.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "Force/MotionSource.h"
+
+namespace tobrin {
+
+/// The strongest impact of a time window.
+struct ForceWindow {
+  float peak = 0;         ///< g
+  uint64_t peakTime = 0;  ///< host ticks; 0 where every sample is 0
+  int64_t samples = 0;    ///< counted in the window
+  uint64_t latest = 0;    ///< time of the newest sample in the ring
+
+  bool operator==(const ForceWindow&) const = default;
+};
+
+class ForceSensor final {
+ public:
+  static constexpr std::size_t capacity = 4096;  ///< samples kept; about 4 s at 1000 a second
+
+  struct Sample {
+    uint64_t time = 0;  ///< host ticks
+    float value = 0;    ///< g
+
+    bool operator==(const Sample&) const = default;
+  };
+
+  explicit ForceSensor(std::unique_ptr<MotionSource> source);
+  ~ForceSensor();
+  ForceSensor(const ForceSensor&) = delete;
+  ForceSensor& operator=(const ForceSensor&) = delete;
+
+  /// Starts streaming if it does not; returns whether it streams.
+  bool start();
+  /// Ends streaming; when it returns the sensor thread has ended. Ring and noise are kept.
+  void stop();
+  [[nodiscard]] bool isRunning() const;
+  [[nodiscard]] std::string problem() const;
+  [[nodiscard]] std::string description() const;
+
+  /// Takes one report. Reports of any length but 22 bytes are ignored. Thread: sensor, or the one
+  /// thread of a test. Never allocates.
+  void ingest(std::span<const uint8_t> report, uint64_t time);
+
+  /// The strongest sample with from <= time <= to; nothing where there is no sample.
+  [[nodiscard]] std::optional<ForceWindow> window(uint64_t from, uint64_t to) const;
+
+  /// All samples with from <= time <= to, oldest first.
+  [[nodiscard]] std::vector<Sample> samples(uint64_t from, uint64_t to) const;
+
+  [[nodiscard]] float noiseFloor() const;          ///< g
+  [[nodiscard]] uint64_t lastSampleTime() const;   ///< host ticks
+  [[nodiscard]] uint64_t reportsReceived() const;  ///< accepted since creation
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace tobrin

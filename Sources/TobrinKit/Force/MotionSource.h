@@ -1,0 +1,44 @@
+/// A stream of accelerometer reports as the force sensor takes them. Implemented once per kind of
+/// device. All calls but `interrupt` come from the sensor's own thread.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+
+namespace tobrin {
+
+class MotionSource {
+ public:
+  /// Length of the one report format taken: bytes 6, 10 and 14 start the x, y and z acceleration as
+  /// little-endian signed 32-bit fixed point 16.16 in g; the rest is not used.
+  static constexpr std::size_t reportBytes = 22;
+
+  /// Receives one report and its time in `MachTime` ticks. Must not keep the span.
+  using Sink = std::function<void(std::span<const uint8_t> report, uint64_t time)>;
+
+  virtual ~MotionSource() = default;
+
+  /// Opens the device and switches it on; false leaves the reason in `problem`.
+  virtual bool open() = 0;
+
+  /// Hands reports to `sink` until `interrupt`. A device that vanishes is waited for here and taken
+  /// up again.
+  virtual void run(const Sink& sink) = 0;
+
+  /// Switches the device off and closes it.
+  virtual void close() = 0;
+
+  /// Ends a `run`, also one that has yet to begin. Thread: any.
+  virtual void interrupt() = 0;
+
+  /// Why `open` failed, in words. Thread: the sensor's, or any after `open` has returned.
+  [[nodiscard]] virtual std::string problem() const = 0;
+
+  /// What the reports come from, for people.
+  [[nodiscard]] virtual std::string description() const = 0;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,59 @@
+/// A pack's description as it stands in its "pack.json", and the summary the library lists.
+/// Plain values, compared field by field.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tobrin {
+
+struct PackManifest {
+  static constexpr const char* fileName = "pack.json";
+
+  /// Paths are relative to the pack folder; their order is the order of the variants.
+  struct Group {
+    std::map<std::string, std::vector<std::string>> down;  ///< tier name to press takes
+    std::optional<std::vector<std::string>> up;            ///< release takes
+
+    bool operator==(const Group&) const = default;
+  };
+
+  int64_t formatVersion = 1;
+  std::string id;
+  std::string name;
+  std::string kind;
+  std::optional<std::string> summary;
+  std::optional<std::string> author;
+  std::optional<std::string> license;
+  std::map<std::string, Group> groups;  ///< keyed by key-group name
+
+  bool operator==(const PackManifest&) const = default;
+
+  /// Decodes JSON text. Throws `std::runtime_error` whose text names the key at fault.
+  static PackManifest fromJson(std::string_view text);
+
+  /// JSON text: pretty-printed, keys sorted at every level, "/" not escaped, absent fields left
+  /// out.
+  [[nodiscard]] std::string toJson() const;
+};
+
+struct PackInfo {
+  std::string id;
+  std::string name;
+  std::string kind;
+  std::optional<std::string> summary;
+  std::filesystem::path directory;
+  bool isBundled = false;
+
+  bool operator==(const PackInfo&) const = default;
+
+  /// Reads the folder's manifest. Throws `PackError` (missingManifest, invalidManifest).
+  static PackInfo read(const std::filesystem::path& directory, bool isBundled);
+};
+
+}  // namespace tobrin

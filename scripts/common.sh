@@ -1,0 +1,34 @@
+# Shared by the commands of ./dev; sourced at the project's root.
+
+say() { printf 'dev: %s\n' "$*"; }
+die() {
+  printf 'dev: %s\n' "$*" >&2
+  exit 1
+}
+
+as_root() {
+  if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+# wanted_packages FILE: the names a package list holds.
+wanted_packages() { sed -e 's/#.*//' -e 's/[[:space:]]//g' -e '/^$/d' "$1"; }
+
+# ensure_packages FILE: installs what is missing of a package list; silent when nothing is.
+ensure_packages() {
+  local missing=() package
+  for package in $(wanted_packages "$1"); do
+    dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+  say "installing: ${missing[*]}"
+  as_root apt-get update -qq
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# build_preset PRESET [NINJA_ARGS]: configures where need be and builds.
+build_preset() {
+  local preset=$1
+  shift
+  [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >/dev/null
+  cmake --build --preset "$preset" "$@"
+}

@@ -1,0 +1,1 @@
+main() { build_preset "${1:-release}"; }

@@ -1,0 +1,1 @@
+main() { ensure_packages scripts/packages.txt; }
