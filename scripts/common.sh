@@ -1,5 +1,8 @@
 # Shared by the commands of ./dev; sourced at the project's root.
 
+# The compiler cache, where there is one, serves every checkout.
+export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+
 say() { printf 'dev: %s\n' "$*"; }
 die() {
   printf 'dev: %s\n' "$*" >&2
