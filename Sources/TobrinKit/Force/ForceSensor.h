@@ -4,41 +4,31 @@
 /// under the ring's lock; `start` and `stop` from any thread, serialised.
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "Force/ForceRing.h"
 #include "Force/MotionSource.h"
 
 namespace tobrin {
 
-/// The strongest impact of a time window.
-struct ForceWindow {
-  float peak = 0;         ///< g
-  uint64_t peakTime = 0;  ///< host ticks; 0 where every sample is 0
-  int64_t samples = 0;    ///< counted in the window
-  uint64_t latest = 0;    ///< time of the newest sample in the ring
-
-  bool operator==(const ForceWindow&) const = default;
-};
-
 class ForceSensor final {
  public:
-  static constexpr std::size_t capacity = 4096;  ///< samples kept; about 4 s at 1000 a second
+  static constexpr std::size_t capacity = ForceRing::capacity;  ///< samples kept
+  static constexpr const char* threadName = "Tobrin.ForceSensor";
 
-  struct Sample {
-    uint64_t time = 0;  ///< host ticks
-    float value = 0;    ///< g
+  using Sample = ForceSample;
 
-    bool operator==(const Sample&) const = default;
-  };
-
-  explicit ForceSensor(std::unique_ptr<MotionSource> source);
+  /// `source` may be null: such a sensor never starts. `onThreadStart` runs first on every sensor
+  /// thread, to name it and to ask for scheduling.
+  explicit ForceSensor(std::unique_ptr<MotionSource> source,
+                       std::function<void()> onThreadStart = nullptr);
   ~ForceSensor();
   ForceSensor(const ForceSensor&) = delete;
   ForceSensor& operator=(const ForceSensor&) = delete;
@@ -52,7 +42,7 @@ class ForceSensor final {
   [[nodiscard]] std::string description() const;
 
   /// Takes one report. Reports of any length but 22 bytes are ignored. Thread: sensor, or the one
-  /// thread of a test. Never allocates.
+  /// thread of a test or a replay that never starts the sensor. Never allocates.
   void ingest(std::span<const uint8_t> report, uint64_t time);
 
   /// The strongest sample with from <= time <= to; nothing where there is no sample.

@@ -1,0 +1,100 @@
+#include "Force/ForceClassifier.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace tobrin {
+namespace {
+
+constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+constexpr float infinity = std::numeric_limits<float>::infinity();
+
+TEST(ForceClassifier, StrengthIsCountedFromTheNoiseFloor) {
+  struct {
+    const char* label;
+    float sensitivity, peak, noise, expected;
+  } const rows[] = {
+      {"typical", 1, 0.02f, 0.001f, 1},
+      {"twice as far above the floor", 1, 0.0385f, 0.001f, 2.0f},
+      {"exactly the floor", 1, 0.0015f, 0.001f, 0},
+      {"below the floor", 1, 0.001f, 0.001f, 0},
+      {"sensitivity counts", 2, 0.02f, 0.001f, 2},
+      {"no sensitivity is 0.05", 0, 0.02f, 0.001f, 0.05f},
+      {"sensitivity that is no number", nan, 0.02f, 0.001f, 0.05f},
+      {"noise above the reference", 1, 0.07501f, 0.05f, 1.0f},
+      {"peak that is no number", 1, nan, 0.001f, 0},
+  };
+  for (const auto& row : rows) {
+    ForceClassifier classifier;
+    classifier.sensitivity = row.sensitivity;
+    EXPECT_NEAR(classifier.relative(row.peak, row.noise), row.expected, 2e-3f) << row.label;
+  }
+}
+
+TEST(ForceClassifier, PositionIsLinearInTheLogarithmBetweenCenters) {
+  struct {
+    float relative, position;
+  } const rows[] = {
+      {0, 0},   {0.4f, 0}, {std::sqrt(0.4f), 0.5f},     {1, 1},        {2.2f, 2},
+      {4, 3},   {100, 3},  {std::sqrt(2.2f * 4), 2.5f}, {infinity, 3}, {-1, 0},
+      {nan, 0},
+  };
+  for (const auto& row : rows)
+    EXPECT_NEAR(ForceClassifier::tierPosition(row.relative), row.position, 1e-5f) << row.relative;
+}
+
+TEST(ForceClassifier, ReferenceIsTheBoundedMedianOfTheNewestPeaks) {
+  ForceClassifier classifier;
+  for (const float unusable : {0.0f, -1.0f, infinity, nan})
+    for (int i = 0; i < 20; ++i)
+      classifier.record(unusable);
+  for (int i = 0; i < 11; ++i)
+    classifier.record(0.03f + 0.001f * static_cast<float>(i));
+  EXPECT_EQ(classifier.reference(), ForceClassifier::defaultReference) << "too few peaks";
+  classifier.record(0.041f);
+  EXPECT_FLOAT_EQ(classifier.reference(), 0.036f) << "the upper middle of twelve";
+  for (int i = 0; i < 96; ++i)
+    classifier.record(0.5f);
+  EXPECT_FLOAT_EQ(classifier.reference(), 0.08f) << "at most four times the base";
+  for (int i = 0; i < 48; ++i)
+    classifier.record(0.001f);
+  EXPECT_FLOAT_EQ(classifier.reference(), 0.08f) << "48 of 96 are still hard";
+  classifier.record(0.001f);
+  EXPECT_FLOAT_EQ(classifier.reference(), 0.005f) << "the oldest went, at least a quarter";
+  classifier.reset();
+  classifier.record(0.05f);
+  EXPECT_EQ(classifier.reference(), ForceClassifier::defaultReference) << "history is gone";
+}
+
+TEST(ForceClassifier, WeightsPickOrBlendNeighbours) {
+  const float half = std::sqrt(0.5f);
+  struct {
+    float position;
+    bool blend;
+    std::array<float, tierCount> weights;
+  } const rows[] = {
+      {1.5f, true, {0, half, half, 0}}, {3, true, {0, 0, 0, 1}},     {2.00005f, true, {0, 0, 1, 0}},
+      {2.5f, false, {0, 0, 0, 1}},      {1.4f, false, {0, 1, 0, 0}}, {-2, true, {1, 0, 0, 0}},
+      {9, false, {0, 0, 0, 1}},         {nan, true, {1, 0, 0, 0}},
+  };
+  for (const auto& row : rows) {
+    const auto weights = ForceClassifier::weights(row.position, row.blend);
+    for (std::size_t i = 0; i < tierCount; ++i)
+      EXPECT_NEAR(weights[i], row.weights[i], 1e-6f) << row.position << " layer " << i;
+  }
+}
+
+TEST(ForceClassifier, EdgeGainActsOutsideTheTiersOnly) {
+  struct {
+    float relative, gain;
+  } const rows[] = {{0, 0.45f},  {0.1f, 0.5f}, {0.4f, 1},
+                    {2, 1},      {4, 1},       {5, std::pow(1.25f, 0.25f)},
+                    {16, 1.25f}, {-3, 0.45f},  {nan, 1}};
+  for (const auto& row : rows)
+    EXPECT_NEAR(ForceClassifier::edgeGain(row.relative), row.gain, 1e-6f) << row.relative;
+}
+
+}  // namespace
+}  // namespace tobrin
