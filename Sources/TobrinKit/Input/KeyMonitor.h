@@ -1,0 +1,89 @@
+/// Hears every key press and release of every application on a thread of its own and hands each one
+/// to a handler. Only key code, press or release and time leave it; it never blocks, alters or
+/// records keystrokes.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <future>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include "Engine/KeyEvent.h"
+#include "Engine/MachTime.h"
+#include "Input/KeySource.h"
+#include "Input/ModifierTracker.h"
+
+namespace tobrin {
+
+/// What a key monitor takes from the platform.
+struct KeyMonitorOptions {
+  /// Called first on the monitor's thread, to name it and to ask for real-time scheduling.
+  std::function<void(std::string_view threadName)> onThreadStart;
+  /// The clock events are stamped with on delivery, in `MachTime` ticks.
+  std::function<uint64_t()> now = &MachTime::now;
+  /// The first pause before a lost source is opened again; doubles up to `longestRetry`.
+  std::chrono::milliseconds firstRetry{250};
+  std::chrono::milliseconds longestRetry{4000};
+};
+
+class KeyMonitor final {
+ public:
+  static constexpr std::string_view threadName = "Tobrin.KeyMonitor";
+  /// A backlog after a stall would play as a burst: events older than this are not handed on.
+  static constexpr double staleMs = 250;
+
+  /// Called on the monitor's thread, one event at a time; must return quickly.
+  using Handler = std::function<void(const KeyEvent&)>;
+
+  KeyMonitor(std::unique_ptr<KeySource> source, Handler handler, KeyMonitorOptions options = {});
+  ~KeyMonitor();
+  KeyMonitor(const KeyMonitor&) = delete;
+  KeyMonitor& operator=(const KeyMonitor&) = delete;
+
+  /// Starts listening; true if it does or already did. False where the source cannot open (no
+  /// permission, no keyboards to be had): nothing then runs, and the caller may try again later.
+  /// Waits until the source is open. Thread: any but the monitor's.
+  bool start();
+
+  /// When it returns, the handler's last call has ended. Which modifiers are held is remembered.
+  /// Thread: any but the monitor's.
+  void stop();
+
+  /// Whether keys are heard now; false while a lost source is being waited for. Thread: any.
+  [[nodiscard]] bool isRunning() const { return running_.load(std::memory_order_acquire); }
+
+  [[nodiscard]] bool hasPermission() const { return source_->hasPermission(); }
+  bool requestPermission() { return source_->requestPermission(); }
+  [[nodiscard]] std::string problem() const { return source_->problem(); }
+  [[nodiscard]] std::string description() const { return source_->description(); }
+
+ private:
+  void run(std::promise<bool> opened);
+  bool openAgain();
+  void handle(const KeySource::Event& event);
+  void endThread();
+
+  // fixed after construction
+  const std::unique_ptr<KeySource> source_;
+  const Handler handler_;
+  const KeyMonitorOptions options_;
+
+  ModifierTracker modifiers_;         // monitor thread
+  std::atomic<bool> running_{false};  // written by the monitor thread
+
+  std::mutex control_;  // serialises start and stop
+  std::thread thread_;  // guarded by control_
+
+  std::mutex stopMutex_;
+  std::condition_variable stopChanged_;
+  bool stopping_ = false;  // guarded by stopMutex_
+};
+
+}  // namespace tobrin

@@ -1,0 +1,60 @@
+/// The keyboards as the key monitor takes them: presses, releases and changes of modifier keys, of
+/// every application, heard and never altered. Implemented once per way of hearing them.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace tobrin {
+
+class KeySource {
+ public:
+  enum class EventType : uint8_t { keyDown, keyUp, flagsChanged };
+
+  struct Event {
+    EventType type = EventType::keyDown;
+    uint16_t code = 0;        ///< virtual key code
+    bool autorepeat = false;  ///< of a `keyDown`: the key was held, not struck
+    uint32_t flags = 0;       ///< modifier keys held after the event, as bits of `ModifierTracker`
+    /// When it happened, by the kernel or the display server, in `MachTime` ticks; nothing where
+    /// their clock cannot be trusted.
+    std::optional<uint64_t> time = {};
+  };
+
+  /// Receives one event on the thread that called `run`.
+  using Sink = std::function<void(const Event&)>;
+
+  virtual ~KeySource() = default;
+
+  /// Starts to listen; false leaves the reason in `problem`. Thread: key.
+  virtual bool open() = 0;
+
+  /// Hands events to `sink` until `interrupt`, or until the source is lost for good; then `problem`
+  /// says why and the source may be closed and opened again. Keyboards that come and go are the
+  /// source's own business. No wake-ups while nobody types. Thread: key.
+  virtual void run(const Sink& sink) = 0;
+
+  /// Stops listening, if it does; forgets an `interrupt`. Thread: key, or the one that has ended
+  /// it.
+  virtual void close() = 0;
+
+  /// Ends a `run`, also one that has yet to begin; in force until `close`. Thread: any.
+  virtual void interrupt() = 0;
+
+  /// Whether the user lets this program hear the keyboards. Thread: any.
+  [[nodiscard]] virtual bool hasPermission() const = 0;
+
+  /// Asks for that permission where the desktop has a way to ask; whether it is there now.
+  /// Thread: any.
+  virtual bool requestPermission() = 0;
+
+  /// Why `open` failed or what ended `run`, in words; empty while all is well. Thread: any.
+  [[nodiscard]] virtual std::string problem() const = 0;
+
+  /// What the keys are heard through, for people. Thread: any.
+  [[nodiscard]] virtual std::string description() const = 0;
+};
+
+}  // namespace tobrin

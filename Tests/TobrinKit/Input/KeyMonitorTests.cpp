@@ -1,0 +1,110 @@
+#include "Input/KeyMonitor.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "Support/ScriptedKeySource.h"
+
+namespace tobrin {
+namespace {
+
+using testing::KeyScript;
+using testing::ScriptedKeySource;
+using Type = KeySource::EventType;
+
+constexpr uint64_t startOfTime = 10'000'000'000;
+constexpr uint64_t oneMs = 1'000'000;
+
+class KeyMonitorTest : public ::testing::Test {
+ protected:
+  KeyMonitor& monitor() { return monitor_; }
+
+  KeyScript script;
+  uint64_t clock = startOfTime;  // written only while no event is on its way
+  std::vector<KeyEvent> heard;
+  int threads = 0;
+
+  void expectHeard(const std::vector<KeyEvent>& expected) {
+    EXPECT_EQ(heard, expected);
+    heard.clear();
+  }
+
+ private:
+  KeyMonitor monitor_{std::make_unique<ScriptedKeySource>(script),
+                      [this](const KeyEvent& event) { heard.push_back(event); },
+                      {.onThreadStart = [this](std::string_view) { ++threads; },
+                       .now = [this] { return clock; },
+                       .firstRetry = std::chrono::milliseconds(1),
+                       .longestRetry = std::chrono::milliseconds(2)}};
+};
+
+TEST_F(KeyMonitorTest, AHeldLetterIsOnePressAndOneRelease) {
+  ASSERT_TRUE(monitor().start());
+  script.press(0);
+  clock += 300 * oneMs;
+  for (int i = 0; i < 3; ++i)
+    script.send({.type = Type::keyDown, .code = 0, .autorepeat = true});
+  clock += oneMs;
+  script.release(0);
+  monitor().stop();
+  expectHeard({{0, KeyAction::down, startOfTime}, {0, KeyAction::up, startOfTime + 301 * oneMs}});
+}
+
+TEST_F(KeyMonitorTest, ABacklogIsDroppedButModifiersStayRight) {
+  ASSERT_TRUE(monitor().start());
+  const auto send = [&](Type type, uint16_t code, uint32_t flags, uint64_t ageMs) {
+    script.send({type, code, false, flags, clock - ageMs * oneMs});
+  };
+  send(Type::keyDown, 0, 0, 251);
+  send(Type::keyUp, 0, 0, 251);
+  send(Type::flagsChanged, 56, 0x2, 400);  // a stale press is not heard, yet it counts
+  send(Type::keyDown, 1, 0x2, 250);
+  send(Type::flagsChanged, 56, 0x2, 0);
+  send(Type::flagsChanged, 56, 0, 0);
+  script.send({Type::keyUp, 1, false, 0, clock + 5 * oneMs});  // a stamp ahead of the clock
+  monitor().stop();
+  expectHeard({{1, KeyAction::down, clock}, {56, KeyAction::up, clock}, {1, KeyAction::up, clock}});
+}
+
+TEST_F(KeyMonitorTest, StartsOnceStopsAndStartsAgain) {
+  monitor().stop();  // before any start
+  for (int round = 1; round <= 20; ++round) {
+    EXPECT_TRUE(monitor().start());
+    EXPECT_TRUE(monitor().start());
+    EXPECT_TRUE(monitor().isRunning());
+    EXPECT_EQ(threads, round);
+    script.press(49);
+    monitor().stop();
+    EXPECT_FALSE(monitor().isRunning());
+  }
+  EXPECT_EQ(heard.size(), 20U);
+}
+
+TEST_F(KeyMonitorTest, ASourceThatCannotOpenLeavesNothingRunning) {
+  script.allow(false);
+  EXPECT_FALSE(monitor().start());
+  EXPECT_FALSE(monitor().isRunning());
+  EXPECT_EQ(monitor().problem(), "not allowed");
+  script.allow(true);
+  EXPECT_TRUE(monitor().start());
+}
+
+TEST_F(KeyMonitorTest, ALostSourceIsTakenUpAgain) {
+  ASSERT_TRUE(monitor().start());
+  script.allow(false);
+  script.lose();
+  script.awaitOpens(4);  // refused at least twice since
+  EXPECT_FALSE(monitor().isRunning());
+  EXPECT_FALSE(monitor().start());  // asks at once
+  script.allow(true);
+  EXPECT_TRUE(monitor().start());
+  script.lose();
+  script.press(49);  // taken once it listens again
+  monitor().stop();
+  expectHeard({{49, KeyAction::down, startOfTime}});
+  EXPECT_EQ(threads, 3);
+}
+
+}  // namespace
+}  // namespace tobrin
