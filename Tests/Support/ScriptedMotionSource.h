@@ -10,7 +10,7 @@
 #include "Force/MotionReport.h"
 #include "Force/MotionSource.h"
 
-namespace tobrin::test {
+namespace tobrin::testing {
 
 class ScriptedMotionSource final : public MotionSource {
  public:
@@ -72,4 +72,4 @@ class ScriptedMotionSource final : public MotionSource {
   Controls& controls_;
 };
 
-}  // namespace tobrin::test
+}  // namespace tobrin::testing

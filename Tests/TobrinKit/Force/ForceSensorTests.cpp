@@ -13,7 +13,7 @@
 namespace tobrin {
 namespace {
 
-using test::ScriptedMotionSource;
+using testing::ScriptedMotionSource;
 
 /// Feeds one impact of exactly `g` at `time` to a sensor at rest at 0: the average has moved by a
 /// twentieth when the magnitude is taken.

@@ -1,0 +1,126 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+#include <thread>
+
+#include "Force/ForceSensor.h"
+#include "Force/KeyTrace.h"
+#include "Force/TraceCsv.h"
+#include "Force/TraceSource.h"
+#include "Support/TempFolder.h"
+
+namespace tobrin {
+namespace {
+
+constexpr uint64_t millisecond = 1'000'000;
+
+/// A trace at rest with one impact of `g` at each of `hits`, `ms` milliseconds long at 1000 Hz.
+MotionTrace traceOf(uint64_t ms, const std::vector<uint64_t>& hits) {
+  MotionTrace trace;
+  for (uint64_t i = 0; i < ms; ++i) {
+    const bool hit = std::find(hits.begin(), hits.end(), i) != hits.end();
+    trace.samples.push_back({i * millisecond, {0, 0, hit ? 1.0 : 0.0}});
+  }
+  return trace;
+}
+
+TEST(MotionTrace, WhatIsWrittenReadsBack) {
+  MotionTrace trace = traceOf(3, {1});
+  trace.samples[2].acceleration = {-0.25, 1e-6, 123.5};
+  std::ostringstream text;
+  text << MotionTrace::header << "\r\n";
+  for (const auto& sample : trace.samples)
+    writeMotionSample(text, sample);
+  text << "\n\n";
+  EXPECT_EQ(MotionTrace::parse(text.str(), "it").samples, trace.samples);
+  EXPECT_EQ(trace.period(), 3 * millisecond);
+}
+
+TEST(MotionTrace, MalformedTracesAreNamedWithFileAndLine) {
+  struct {
+    const char* text;
+    const char* error;
+  } const rows[] = {
+      {"", "T:1: expected the header \"time_ns,x,y,z\""},
+      {"time,x,y,z\n", "T:1: expected the header \"time_ns,x,y,z\""},
+      {"time_ns,x,y,z\n1,2,3\n", "T:2: expected 4 fields (time_ns,x,y,z), found 3"},
+      {"time_ns,x,y,z\n1,0,0,0\n1,0,zero,0\n", "T:3: y is no number: \"zero\""},
+      {"time_ns,x,y,z\n1,0,0,inf\n", "T:2: z is no number: \"inf\""},
+      {"time_ns,x,y,z\n-1,0,0,0\n",
+       "T:2: time_ns is no whole number from 0 to 9223372036854775807: \"-1\""},
+      {"time_ns,x,y,z\n99999,0,0,0\n5,0,0,0\n", "T:3: the time goes back, from 99999 to 5"},
+      {"time_ns,x,y,z\n1,0,0,0\n\n2,0,0,0\n", "T:3: the line is empty"},
+      {"time_ns,x,y,z\n7,0,0,0\n7,0,0,0\n",
+       "T: a trace needs at least two samples at different times"},
+      {"time_ns,x,y,z\n1,0,0,0\n9,0,0,0\n", "T: more than 100000 samples a second"},
+  };
+  for (const auto& row : rows) {
+    try {
+      MotionTrace::parse(row.text, "T");
+      ADD_FAILURE() << "accepted: " << row.text;
+    } catch (const TraceError& error) {
+      EXPECT_STREQ(error.what(), row.error);
+    }
+  }
+}
+
+TEST(KeyTrace, ReadsCodesAndRefusesWhatIsNone) {
+  const KeyTrace trace = KeyTrace::parse("time_ns,code\n5,0\n5,65535\n", "K");
+  EXPECT_EQ(trace.keys, (std::vector<KeyTrace::KeyDown>{{5, 0}, {5, 65535}}));
+  EXPECT_THROW((void)KeyTrace::parse("time_ns,code\n5,65536\n", "K"), TraceError);
+  EXPECT_THROW((void)KeyTrace::parse("time_ns,code\n5,1\n4,1\n", "K"), TraceError);
+}
+
+TEST(TraceSource, RepeatsStampedWithThePresent) {
+  const auto clock = std::make_shared<VirtualTraceClock>(1000 * millisecond);
+  ForceSensor sensor(
+      std::make_unique<TraceSource>(traceOf(10, {4}), "t", clock, TraceSource::Times::present));
+  ASSERT_TRUE(sensor.start());
+  clock->advanceTo(1013 * millisecond);
+  EXPECT_EQ(sensor.reportsReceived(), 14u);
+  EXPECT_EQ(sensor.window(0, UINT64_MAX)->peakTime, 1004 * millisecond);
+  clock->advanceTo(1020 * millisecond);
+  EXPECT_EQ(sensor.window(1005 * millisecond, UINT64_MAX)->peakTime, 1014 * millisecond);
+  // A clock far ahead is not caught up with: the trace goes on from there.
+  const uint64_t before = sensor.reportsReceived();
+  clock->advanceTo(60'000 * millisecond);
+  EXPECT_LE(sensor.reportsReceived(), before + 1);
+  EXPECT_EQ(sensor.lastSampleTime(), 60'000 * millisecond);
+}
+
+TEST(TraceSource, RecordedTimesAreKeptAndPassedSamplesLeftOut) {
+  const auto clock = std::make_shared<VirtualTraceClock>(0);
+  ForceSensor sensor(std::make_unique<TraceSource>(traceOf(100, {5, 20}), "t", clock,
+                                                   TraceSource::Times::recorded));
+  ASSERT_TRUE(sensor.start());
+  clock->advanceTo(10 * millisecond);
+  EXPECT_EQ(sensor.reportsReceived(), 11u);
+  sensor.stop();
+  clock->advanceTo(15 * millisecond);  // nobody listens
+  ASSERT_TRUE(sensor.start());
+  clock->advanceTo(1000 * millisecond);
+  EXPECT_EQ(sensor.reportsReceived(), 11u + 85u);
+  EXPECT_EQ(sensor.window(10 * millisecond, UINT64_MAX)->peakTime, 20 * millisecond);
+}
+
+TEST(TraceSource, RealTimePacesAndAnUnusableFileIsToldInWords) {
+  const testing::TempFolder folder;
+  const auto file = folder.path() / "trace.csv";
+  ForceSensor sensor(std::make_unique<TraceSource>(file, std::make_shared<RealTraceClock>(),
+                                                   TraceSource::Times::present));
+  EXPECT_FALSE(sensor.start());
+  EXPECT_EQ(sensor.problem(), file.string() + ": No such file or directory");
+  folder.write("trace.csv", "time_ns,x,y,z\n0,0,0,0\n5000000,0,0,0\n");
+  ASSERT_TRUE(sensor.start());
+  while (sensor.reportsReceived() < 4)
+    std::this_thread::yield();
+  const uint64_t last = sensor.lastSampleTime();
+  EXPECT_LE(last, RealTraceClock().now());
+  sensor.stop();
+  const auto samples = sensor.samples(0, UINT64_MAX);
+  EXPECT_EQ(samples[1].time - samples[0].time, 5 * millisecond);
+}
+
+}  // namespace
+}  // namespace tobrin
