@@ -17,7 +17,7 @@ KeyMonitor::~KeyMonitor() {
 }
 
 bool KeyMonitor::start() {
-  const std::scoped_lock lock(control_);
+  const MutexLock lock(control_);
   if (isRunning()) return true;
   endThread();  // of a source that was lost and is being waited for
   {
@@ -33,7 +33,7 @@ bool KeyMonitor::start() {
 }
 
 void KeyMonitor::stop() {
-  const std::scoped_lock lock(control_);
+  const MutexLock lock(control_);
   endThread();
 }
 

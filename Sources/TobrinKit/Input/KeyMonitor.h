@@ -17,6 +17,7 @@
 
 #include "Engine/KeyEvent.h"
 #include "Engine/MachTime.h"
+#include "Engine/Mutex.h"
 #include "Input/KeySource.h"
 #include "Input/ModifierTracker.h"
 
@@ -68,7 +69,7 @@ class KeyMonitor final {
   void run(std::promise<bool> opened);
   bool openAgain();
   void handle(const KeySource::Event& event);
-  void endThread();
+  void endThread() TOBRIN_REQUIRES(control_);
 
   // fixed after construction
   const std::unique_ptr<KeySource> source_;
@@ -78,10 +79,10 @@ class KeyMonitor final {
   ModifierTracker modifiers_;         // monitor thread
   std::atomic<bool> running_{false};  // written by the monitor thread
 
-  std::mutex control_;  // serialises start and stop
-  std::thread thread_;  // guarded by control_
+  Mutex control_;  // serialises start and stop
+  std::thread thread_ TOBRIN_GUARDED_BY(control_);
 
-  std::mutex stopMutex_;
+  std::mutex stopMutex_;  // a plain one, for the condition
   std::condition_variable stopChanged_;
   bool stopping_ = false;  // guarded by stopMutex_
 };

@@ -1,0 +1,55 @@
+#include "Input/ChordRecognizer.h"
+
+#include <utility>
+
+#include "Input/ModifierTracker.h"
+
+namespace tobrin {
+namespace {
+
+struct Sides {
+  uint32_t modifier;
+  uint16_t left;
+  uint16_t right;
+};
+constexpr Sides sides[] = {{Modifiers::control, 59, 62},
+                           {Modifiers::option, 58, 61},
+                           {Modifiers::shift, 56, 60},
+                           {Modifiers::command, 55, 54}};
+
+}  // namespace
+
+void ChordRecognizer::set(const Hotkey& hotkey, std::function<void()> pressed) {
+  const MutexLock lock(mutex_);
+  hotkey_ = hotkey;
+  pressed_ = std::move(pressed);
+}
+
+void ChordRecognizer::clear() {
+  const MutexLock lock(mutex_);
+  pressed_ = nullptr;
+}
+
+void ChordRecognizer::observe(const KeyEvent& event) {
+  if (const uint32_t mask = ModifierTracker::mask(event.code); mask != 0) {
+    held_ = event.action == KeyAction::down ? held_ | mask : held_ & ~mask;
+    return;
+  }
+  if (event.action != KeyAction::down) return;
+
+  const MutexLock lock(mutex_);
+  if (pressed_ && event.code == hotkey_.keyCode && modifiers() == hotkey_.modifiers.rawValue) {
+    pressed_();
+  }
+}
+
+uint32_t ChordRecognizer::modifiers() const {
+  uint32_t result = 0;
+  for (const Sides& side : sides) {
+    const uint32_t either = ModifierTracker::mask(side.left) | ModifierTracker::mask(side.right);
+    if ((held_ & either) != 0) result |= side.modifier;
+  }
+  return result;
+}
+
+}  // namespace tobrin

@@ -1,0 +1,57 @@
+/// The desktop's way of telling a program that a key combination was pressed in any application.
+/// Implemented once per platform. Thread: main, but for `observe`.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "Engine/KeyEvent.h"
+#include "Input/Hotkey.h"
+
+namespace tobrin {
+
+/// What became of the wish to be told of a key combination.
+struct ShortcutGrab {
+  enum class Result : uint8_t {
+    granted,
+    taken,  ///< another program has it
+    failed  ///< `error` says why
+  };
+  Result result = Result::granted;
+  int32_t error = 0;  ///< of the platform; meaningful for people who look it up
+
+  bool operator==(const ShortcutGrab&) const = default;
+};
+
+class ShortcutService {
+ public:
+  /// The error where the desktop has no way at all to offer a shortcut.
+  static constexpr int32_t unavailable = -9868;
+
+  virtual ~ShortcutService() = default;
+
+  /// Whether the desktop uses the combination itself, by its settings as they are now. False where
+  /// they cannot be read.
+  [[nodiscard]] virtual bool isReserved(const Hotkey& hotkey) = 0;
+
+  /// Asks to be told of each press of `hotkey`, once a press however long it is held; replaces an
+  /// earlier grab. `pressed` is called on a thread of the service and must return quickly.
+  virtual ShortcutGrab grab(const Hotkey& hotkey, std::function<void()> pressed) = 0;
+
+  /// Gives the combination back. When it returns, the last `pressed` has ended.
+  virtual void release() = 0;
+
+  /// The character the current keyboard layout gives the key, UTF-8; nothing where it gives none.
+  [[nodiscard]] virtual std::optional<std::string> keyName(uint32_t keyCode) = 0;
+
+  /// Must be told of every key event. A service falls back on them where the desktop offers nothing
+  /// better; other programs then see the combination too. Thread: key.
+  virtual void observe(const KeyEvent& event) = 0;
+
+  /// What the shortcut goes through, for people.
+  [[nodiscard]] virtual std::string description() const = 0;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,109 @@
+#include "Input/GlobalHotkey.h"
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <vector>
+
+#include "Input/ChordRecognizer.h"
+
+namespace tobrin {
+namespace {
+
+using Kind = GlobalHotkey::Status::Kind;
+using Result = ShortcutGrab::Result;
+
+constexpr Hotkey toggle{40, {Modifiers::control | Modifiers::option | Modifiers::command}};
+
+class FakeService final : public ShortcutService {
+ public:
+  bool isReserved(const Hotkey&) override { return reserved; }
+  ShortcutGrab grab(const Hotkey& hotkey, std::function<void()> action) override {
+    grabs.push_back(hotkey);
+    pressed = answer.result == Result::granted ? std::move(action) : nullptr;
+    return answer;
+  }
+  void release() override { pressed = nullptr; }
+  std::optional<std::string> keyName(uint32_t) override { return std::nullopt; }
+  void observe(const KeyEvent&) override {}
+  [[nodiscard]] std::string description() const override { return "a fake"; }
+
+  bool reserved = false;
+  ShortcutGrab answer;
+  std::vector<Hotkey> grabs;
+  std::function<void()> pressed;
+};
+
+TEST(GlobalHotkey, EveryOutcomeIsAStatusAndHoldsNothingItShouldNot) {
+  const struct {
+    const char* label;
+    bool reserved;
+    ShortcutGrab answer;
+    GlobalHotkey::Status status;
+    std::size_t grabs;
+  } rows[] = {
+      {"granted", false, {}, {Kind::active, toggle, 0}, 1},
+      {"another program's", false, {Result::taken, 0}, {Kind::taken, toggle, 0}, 1},
+      {"the desktop's", true, {}, {Kind::reservedBySystem, toggle, 0}, 0},
+      {"an error", false, {Result::failed, -19}, {Kind::failed, toggle, -19}, 1},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.label);
+    FakeService service;
+    service.reserved = row.reserved;
+    service.answer = row.answer;
+    GlobalHotkey hotkey(service, [] {});
+    EXPECT_EQ(hotkey.registerHotkey(toggle), row.status);
+    EXPECT_EQ(service.grabs.size(), row.grabs);
+    EXPECT_EQ(service.pressed != nullptr, row.status.kind == Kind::active);
+    EXPECT_EQ(hotkey.registerHotkey(std::nullopt).kind, Kind::off);
+    EXPECT_EQ(service.pressed, nullptr);
+  }
+}
+
+TEST(GlobalHotkey, ANewShortcutReplacesTheOldAndDestructionReleases) {
+  FakeService service;
+  int presses = 0;
+  {
+    GlobalHotkey hotkey(service, [&] { ++presses; });
+    hotkey.registerHotkey(toggle);
+    service.reserved = true;
+    EXPECT_EQ(hotkey.registerHotkey(Hotkey{49, {Modifiers::command}}).kind, Kind::reservedBySystem);
+    EXPECT_EQ(service.pressed, nullptr);  // the first one is gone although the second never came
+    service.reserved = false;
+    hotkey.registerHotkey(toggle);
+    service.pressed();
+  }
+  EXPECT_EQ(presses, 1);
+  EXPECT_EQ(service.pressed, nullptr);
+}
+
+TEST(ChordRecognizer, HearsExactlyItsCombinationOnceAPress) {
+  ChordRecognizer chords;
+  int presses = 0;
+  const auto down = [&](uint16_t code) { chords.observe({code, KeyAction::down, 0}); };
+  const auto up = [&](uint16_t code) { chords.observe({code, KeyAction::up, 0}); };
+  down(62);  // held since before the combination was set
+  chords.set(toggle, [&] { ++presses; });
+
+  for (const uint16_t code : std::initializer_list<uint16_t>{57, 58, 54, 40})
+    down(code);
+  EXPECT_EQ(presses, 1) << "right Control, left Option, right Command; Caps Lock aside";
+  up(40);
+  down(56);
+  down(40);
+  EXPECT_EQ(presses, 1) << "Shift is one modifier too many";
+  up(56);
+  up(54);
+  down(40);
+  EXPECT_EQ(presses, 1) << "Command is missing";
+  down(55);
+  down(40);
+  EXPECT_EQ(presses, 2);
+  chords.clear();
+  down(40);
+  EXPECT_EQ(presses, 2);
+}
+
+}  // namespace
+}  // namespace tobrin
