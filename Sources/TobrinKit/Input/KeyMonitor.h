@@ -26,7 +26,7 @@ namespace tobrin {
 /// What a key monitor takes from the platform.
 struct KeyMonitorOptions {
   /// Called first on the monitor's thread, to name it and to ask for real-time scheduling.
-  std::function<void(std::string_view threadName)> onThreadStart;
+  std::function<void(std::string_view threadName)> onThreadStart = nullptr;
   /// The clock events are stamped with on delivery, in `MachTime` ticks.
   std::function<uint64_t()> now = &MachTime::now;
   /// The first pause before a lost source is opened again; doubles up to `longestRetry`.

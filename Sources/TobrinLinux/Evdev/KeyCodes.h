@@ -1,0 +1,23 @@
+/// The one table between the kernel's key codes (evdev) and the virtual key codes used everywhere
+/// else. An X server's key codes are the kernel's plus `xOffset`. Thread: any.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace tobrin {
+
+struct KeyCodes {
+  static constexpr uint16_t xOffset = 8;
+
+  /// The virtual key code of a kernel key code; nothing for keys that are not part of typing
+  /// (media, volume, power, mouse buttons), which stay silent.
+  static std::optional<uint16_t> virtualCode(uint32_t kernelCode);
+
+  /// The kernel codes of a virtual key code, the usual one first; several where PC keyboards have
+  /// more keys than there are virtual codes.
+  static std::vector<uint16_t> kernelCodes(uint32_t virtualCode);
+};
+
+}  // namespace tobrin

@@ -1,0 +1,36 @@
+/// Ownership of XCB's objects.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+namespace tobrin {
+
+struct FreeDeleter {
+  void operator()(void* memory) const { std::free(memory); }
+};
+
+/// A reply, an event or an error, which XCB leaves to its receiver.
+template <typename T>
+using XReply = std::unique_ptr<T, FreeDeleter>;
+
+struct XDisconnect {
+  void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+};
+using XConnection = std::unique_ptr<xcb_connection_t, XDisconnect>;
+
+/// Connects to a display; an empty name means the environment's. Nothing where no server answers.
+inline XConnection connectToX(const std::string& display) {
+  XConnection connection(xcb_connect(display.empty() ? nullptr : display.c_str(), nullptr));
+  if (xcb_connection_has_error(connection.get()) != 0) return nullptr;
+  return connection;
+}
+
+inline const xcb_screen_t& firstScreen(xcb_connection_t* connection) {
+  return *xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
+}
+
+}  // namespace tobrin
