@@ -1,3 +1,7 @@
-int main() {
-  return 2;
+#include <iostream>
+
+#include "CommandLine.h"
+
+int main(int argc, char** argv) {
+  return tobrin::runPackWorkshop({argv + 1, argv + argc}, {std::cout, std::cerr});
 }

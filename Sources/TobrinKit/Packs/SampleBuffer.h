@@ -20,9 +20,20 @@ class SampleBuffer final {
   SampleBuffer(const SampleBuffer&) = delete;
   SampleBuffer& operator=(const SampleBuffer&) = delete;
 
+  /// Channel blocks of `frames` samples, with room for at least one; a null `right` makes it mono.
+  struct Blocks {
+    std::unique_ptr<float[]> left;
+    std::unique_ptr<float[]> right;
+    std::size_t frames = 0;
+  };
+
+  /// Takes the blocks over without a copy.
+  SampleBuffer(Blocks blocks, double sampleRate);
+
   /// Decodes a whole audio file and converts it to `sampleRate`; channels beyond the second are
-  /// dropped. A file that would need more than `maxBytes` of decoded audio (8 bytes a frame at
-  /// `sampleRate`) is refused before any memory is taken. Throws `PackError` (decode).
+  /// dropped. Samples that are not finite become 0. A file that would need more than `maxBytes` of
+  /// decoded audio (8 bytes a frame at `sampleRate`) is refused before that memory is taken, also
+  /// where its header understates its length. Throws `PackError` (decode).
   static std::unique_ptr<SampleBuffer> load(const std::filesystem::path& file, double sampleRate,
                                             uint64_t maxBytes = UINT64_MAX);
 

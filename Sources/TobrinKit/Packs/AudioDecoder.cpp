@@ -1,0 +1,135 @@
+#include "Packs/AudioDecoder.h"
+
+#include <sndfile.h>
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+#include <optional>
+#include <system_error>
+
+#include "Packs/FrameStore.h"
+#include "Packs/PackError.h"
+#include "Packs/RegularFile.h"
+#include "Packs/Resampler.h"
+
+namespace tobrin {
+namespace {
+
+constexpr std::size_t stepSamples = 8192;  // decoded at once, over all channels: stays in cache
+constexpr int lowestRate = 1000;           // below, a few bytes would become minutes of sound
+constexpr int highestRate = 1'536'000;
+constexpr uint64_t credibleFramesPerByte = 16;  // of compressed speech; more is grown on demand
+
+struct Closer {
+  void operator()(SNDFILE* file) const { sf_close(file); }
+};
+using SoundFile = std::unique_ptr<SNDFILE, Closer>;
+
+SoundFile openSound(const RegularFile& file, SF_INFO& info) {
+  SoundFile sound(sf_open_fd(file.descriptor(), SFM_READ, &info, SF_FALSE));
+  if (!sound) throw std::runtime_error(sf_strerror(nullptr));
+  if (info.channels < 1 || info.samplerate < lowestRate || info.samplerate > highestRate)
+    throw std::runtime_error("unsupported format");
+  return sound;
+}
+
+/// Planar frames of the first two channels; `right` is untouched for mono.
+void deinterleave(const float* interleaved, std::size_t frames, std::size_t channels, float* left,
+                  float* right) {
+  for (std::size_t i = 0; i < frames; ++i)
+    left[i] = finiteOrZero(interleaved[i * channels]);
+  if (channels < 2) return;
+  for (std::size_t i = 0; i < frames; ++i)
+    right[i] = finiteOrZero(interleaved[i * channels + 1]);
+}
+
+}  // namespace
+
+/// One file on its way through the decoder and, where the rates differ, the converter.
+class AudioDecoder::Run final {
+ public:
+  Run(AudioDecoder& owner, const std::filesystem::path& path, FrameAllowance& allowance)
+      : owner_(owner),
+        file_(path),
+        sound_(openSound(file_, info_)),
+        channels_(static_cast<std::size_t>(info_.channels)),
+        ratio_(owner.sampleRate_ / info_.samplerate),
+        store_(channels_ >= 2, allowance) {
+    if (info_.samplerate != owner.sampleRate_)  // whole rates are exact in both types
+      resampler_.emplace(info_.samplerate, owner.sampleRate_, channels_ >= 2);
+  }
+
+  std::unique_ptr<SampleBuffer> decode() {
+    announce();
+    const std::size_t stepFrames = std::max<std::size_t>(stepSamples / channels_, 1);
+    owner_.interleaved_.resize(stepFrames * channels_);
+    owner_.left_.resize(stepFrames);
+    owner_.right_.resize(stepFrames);
+    while (const std::size_t frames = read(stepFrames))
+      pass(frames);
+    if (resampler_) resampler_->finish(converted());
+    return std::make_unique<SampleBuffer>(store_.finish(), owner_.sampleRate_);
+  }
+
+ private:
+  /// Announces the length that the header claims, so that a file too long is refused unread. One
+  /// frame less than computed: the converter's own rounding has the last word.
+  void announce() {
+    if (info_.frames <= 0 || info_.frames == SF_COUNT_MAX) return;
+    const double frames = std::floor(static_cast<double>(info_.frames) * ratio_);
+    if (frames < 1) return;
+    if (frames > 0x1p62) throw AllowanceExceeded();
+    store_.expect(static_cast<uint64_t>(frames) - (resampler_ ? 1 : 0),
+                  file_.size() * credibleFramesPerByte);
+  }
+
+  /// Frames decoded, 0 at the end.
+  std::size_t read(std::size_t frames) {
+    const sf_count_t count =
+        sf_readf_float(sound_.get(), owner_.interleaved_.data(), static_cast<sf_count_t>(frames));
+    if (sf_error(sound_.get()) != SF_ERR_NO_ERROR)
+      throw std::runtime_error(sf_strerror(sound_.get()));
+    return static_cast<std::size_t>(std::max<sf_count_t>(count, 0));
+  }
+
+  void pass(std::size_t frames) {
+    float* const left = owner_.left_.data();
+    float* const right = channels_ >= 2 ? owner_.right_.data() : nullptr;
+    deinterleave(owner_.interleaved_.data(), frames, channels_, left, right);
+    if (resampler_)
+      resampler_->process(left, right, frames, converted());
+    else
+      store_.append(left, right, frames);
+  }
+
+  Resampler::Sink converted() {
+    return [this](const float* left, const float* right, std::size_t frames) {
+      store_.append(left, right, frames);
+    };
+  }
+
+  AudioDecoder& owner_;
+  RegularFile file_;
+  SF_INFO info_{};
+  SoundFile sound_;
+  std::size_t channels_;
+  double ratio_;
+  FrameStore store_;
+  std::optional<Resampler> resampler_;
+};
+
+std::unique_ptr<SampleBuffer> AudioDecoder::decode(const std::filesystem::path& file,
+                                                   FrameAllowance& allowance) {
+  try {
+    return Run(*this, file, allowance).decode();
+  } catch (const std::bad_alloc&) {
+    throw PackError::decode(file, "could not allocate buffer");
+  } catch (const std::length_error&) {
+    throw PackError::decode(file, "could not allocate buffer");
+  } catch (const std::runtime_error& error) {
+    throw PackError::decode(file, error.what());
+  }
+}
+
+}  // namespace tobrin

@@ -1,0 +1,32 @@
+/// Decodes audio files (WAV, FLAC, Ogg, MP3 and what else libsndfile reads) to planar float at one
+/// sample rate. Trusts nothing that a header says: memory follows what was really decoded.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+#include "Packs/FrameAllowance.h"
+#include "Packs/SampleBuffer.h"
+
+namespace tobrin {
+
+class AudioDecoder final {
+ public:
+  explicit AudioDecoder(double sampleRate) : sampleRate_(sampleRate) {}
+
+  /// Decodes a whole file; its first two channels, samples that are not finite as 0. The frames of
+  /// the result stay taken off the allowance. Throws `PackError` (decode) and `AllowanceExceeded`.
+  std::unique_ptr<SampleBuffer> decode(const std::filesystem::path& file,
+                                       FrameAllowance& allowance);
+
+ private:
+  class Run;
+
+  double sampleRate_;
+  std::vector<float> interleaved_;  // scratch, kept for the next file
+  std::vector<float> left_;
+  std::vector<float> right_;
+};
+
+}  // namespace tobrin

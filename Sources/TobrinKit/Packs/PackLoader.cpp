@@ -1,0 +1,142 @@
+#include "Packs/PackLoader.h"
+
+#include <algorithm>
+#include <atomic>
+#include <system_error>
+#include <thread>
+
+#include "Packs/AudioDecoder.h"
+#include "Packs/PackError.h"
+
+namespace tobrin {
+namespace {
+
+constexpr uint64_t budgetFrames = LoadedPack::memoryBudget / bytesPerFrame;
+constexpr std::size_t leastFilesPerThread = 4;  // below, starting a thread costs more than it saves
+
+bool isWithin(const std::filesystem::path& folder, const std::filesystem::path& file) {
+  return std::mismatch(folder.begin(), folder.end(), file.begin(), file.end()).first ==
+         folder.end();
+}
+
+}  // namespace
+
+std::shared_ptr<const LoadedPack> LoadedPack::load(const PackInfo& info, double sampleRate) {
+  PackManifest manifest;
+  try {
+    manifest = readManifest(info.directory);
+  } catch (const PackError&) {
+    throw;
+  } catch (const std::runtime_error& error) {
+    throw PackError::invalidManifest(info.directory / PackManifest::fileName, error.what());
+  }
+  Contents contents = PackLoader(info.directory, sampleRate).load(manifest);
+  return std::make_shared<const LoadedPack>(info, std::move(manifest), std::move(contents));
+}
+
+LoadedPack::Contents PackLoader::load(const PackManifest& manifest) {
+  std::error_code ignored;
+  plan(manifest);
+  realDirectory_ = std::filesystem::canonical(directory_, ignored);
+  contents_.buffers.resize(paths_.size());
+  decodeAhead();
+  settle();
+  return std::move(contents_);
+}
+
+void PackLoader::plan(const PackManifest& manifest) {
+  for (const auto& [groupName, listed] : manifest.groups) {
+    const auto group = keyGroup(groupName);
+    if (!group) continue;
+    for (const auto& [tierName, paths] : listed.down) {
+      const auto tier = tierNamed(tierName);
+      if (tier && !paths.empty()) contents_.down[*group][*tier] = entries(paths);
+    }
+    if (listed.up && !listed.up->empty()) contents_.up[*group] = entries(*listed.up);
+  }
+}
+
+std::vector<std::size_t> PackLoader::entries(const std::vector<std::string>& paths) {
+  std::vector<std::size_t> result;
+  result.reserve(paths.size());
+  for (const std::string& path : paths) {
+    const auto [found, isNew] = entryOf_.try_emplace(path, paths_.size());
+    if (isNew) paths_.push_back(path);
+    result.push_back(found->second);
+  }
+  return result;
+}
+
+/// Decodes what it can on several threads under one budget. A file that fails, or that finds the
+/// budget used up by whatever else is being decoded, is left open: `settle` has the last word.
+void PackLoader::decodeAhead() {
+  FrameAllowance allowance(budgetFrames);
+  std::atomic<std::size_t> next{0};
+  std::atomic<bool> failed{false};
+  const auto work = [&] {
+    AudioDecoder decoder(sampleRate_);
+    // Relaxed: the results are read after the join.
+    while (!failed.load(std::memory_order_relaxed)) {
+      const std::size_t entry = next.fetch_add(1, std::memory_order_relaxed);
+      if (entry >= paths_.size()) return;
+      try {
+        contents_.buffers[entry] = decode(paths_[entry], decoder, allowance);
+      } catch (...) {
+        failed.store(true, std::memory_order_relaxed);
+      }
+    }
+  };
+  const std::size_t cores = threads_ != 0 ? threads_ : std::thread::hardware_concurrency();
+  const std::size_t wanted = std::min(cores, paths_.size() / leastFilesPerThread);
+  std::vector<std::jthread> others;
+  try {
+    while (others.size() + 1 < wanted)
+      others.emplace_back(work);
+  } catch (const std::system_error&) {
+    // The system refuses more threads: those that run do the work.
+  }
+  work();
+}
+
+/// Goes through the files in order, keeps what is there, decodes what was left open, and meets
+/// every error where a single thread would have met it.
+void PackLoader::settle() {
+  AudioDecoder decoder(sampleRate_);
+  uint64_t framesLeft = budgetFrames;
+  for (std::size_t entry = 0; entry < paths_.size(); ++entry) {
+    Buffer& buffer = contents_.buffers[entry];
+    if (!buffer) {
+      // Later files make room, so that the budget holds; they come again in their turn.
+      std::for_each(contents_.buffers.begin() + static_cast<std::ptrdiff_t>(entry),
+                    contents_.buffers.end(), [](Buffer& later) { later.reset(); });
+      FrameAllowance allowance(framesLeft);
+      try {
+        buffer = decode(paths_[entry], decoder, allowance);
+      } catch (const AllowanceExceeded&) {
+        throw PackError::invalidManifest(directory_, "pack is too large");
+      }
+    }
+    framesLeft -= buffer->frames();
+  }
+}
+
+PackLoader::Buffer PackLoader::decode(const std::string& path, AudioDecoder& decoder,
+                                      FrameAllowance& allowance) const {
+  return decoder.decode(resolved(path), allowance);
+}
+
+/// The file of a path. One that leaves the folder, by its text or through a symbolic link, is
+/// refused; one that leads nowhere is left for the decoder to report.
+std::filesystem::path PackLoader::resolved(const std::string& path) const {
+  const auto escapes = [&] {
+    return PackError::invalidManifest(directory_, "path escapes pack: " + path);
+  };
+  if (path.find("..") != std::string::npos || path.starts_with('/')) throw escapes();
+  std::filesystem::path file = directory_ / path;
+  std::error_code missing;
+  const auto target = std::filesystem::canonical(file, missing);
+  if (!missing && !isWithin(realDirectory_, target)) throw escapes();
+  return file;
+}
+
+}  // namespace tobrin

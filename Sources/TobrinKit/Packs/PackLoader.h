@@ -1,0 +1,47 @@
+/// Decodes the takes that a manifest lists, on all cores. What comes out, and which error where
+/// something is wrong, is what one thread going through the lists in order would give.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "Packs/FrameAllowance.h"
+#include "Packs/LoadedPack.h"
+#include "Packs/PackManifest.h"
+
+namespace tobrin {
+
+class AudioDecoder;
+
+class PackLoader final {
+ public:
+  /// `threads` is the most to use, this one included; 0 stands for one a core.
+  PackLoader(std::filesystem::path directory, double sampleRate, unsigned threads = 0)
+      : directory_(std::move(directory)), sampleRate_(sampleRate), threads_(threads) {}
+
+  /// Throws `PackError`.
+  LoadedPack::Contents load(const PackManifest& manifest);
+
+ private:
+  using Buffer = std::unique_ptr<SampleBuffer>;
+
+  void plan(const PackManifest& manifest);
+  std::vector<std::size_t> entries(const std::vector<std::string>& paths);
+  void decodeAhead();
+  void settle();
+  Buffer decode(const std::string& path, AudioDecoder& decoder, FrameAllowance& allowance) const;
+  [[nodiscard]] std::filesystem::path resolved(const std::string& path) const;
+
+  std::filesystem::path directory_;
+  std::filesystem::path realDirectory_;  // without symbolic links
+  double sampleRate_;
+  unsigned threads_;
+  std::vector<std::string> paths_;  // distinct, in the order of the lists
+  std::unordered_map<std::string, std::size_t> entryOf_;
+  LoadedPack::Contents contents_;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,179 @@
+#include "Packs/PackManifest.h"
+
+#include <nlohmann/json.hpp>
+#include <set>
+#include <stdexcept>
+#include <system_error>
+
+#include "Packs/LoadedPack.h"
+#include "Packs/PackError.h"
+#include "Packs/RegularFile.h"
+
+namespace tobrin {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr uint64_t maxManifestBytes = 4u << 20;  // a starter pack's manifest has 3 KiB
+constexpr int maxDepth = 64;                     // the format itself needs 4
+
+constexpr const char* knownKeys[] = {"formatVersion", "id",     "name",    "kind",
+                                     "summary",       "author", "license", "groups"};
+
+[[noreturn]] void fail(const std::string& text) {
+  throw std::runtime_error(text);
+}
+
+/// Watches the parser: refuses deep nesting, and names written twice where one of the two would be
+/// lost silently. Names that the format does not know are free (some authors repeat "comment").
+class ParseGuard {
+ public:
+  bool operator()(int depth, Json::parse_event_t event, Json& parsed) {
+    if (depth > maxDepth) fail("nested too deeply");
+    if (event == Json::parse_event_t::object_start) names_.emplace_back();
+    if (event == Json::parse_event_t::object_end) names_.pop_back();
+    if (event == Json::parse_event_t::key) note(depth, parsed.get_ref<const std::string&>());
+    return true;
+  }
+
+ private:
+  void note(int depth, const std::string& name) {
+    if (depth == 1) inGroups_ = name == "groups";
+    const bool known = depth > 1 ? inGroups_
+                                 : std::find(std::begin(knownKeys), std::end(knownKeys), name) !=
+                                       std::end(knownKeys);
+    if (known && !names_.back().insert(name).second) fail("\"" + name + "\" stands there twice");
+  }
+
+  std::vector<std::set<std::string>> names_;  // of the open objects, outermost first
+  bool inGroups_ = false;
+};
+
+Json parsed(std::string_view text) {
+  try {
+    return Json::parse(text, ParseGuard());
+  } catch (const Json::exception& error) {
+    const std::string reason = error.what();  // "[json.exception.NAME.NUMBER] reason"
+    const auto start = reason.find("] ");
+    fail("not valid JSON: " + (start == std::string::npos ? reason : reason.substr(start + 2)));
+  }
+}
+
+const Json& required(const Json& object, const std::string& path, const char* key) {
+  const auto found = object.find(key);
+  if (found == object.end()) fail("\"" + path + key + "\" is missing");
+  return *found;
+}
+
+std::string stringValue(const Json& value, const std::string& path) {
+  if (!value.is_string()) fail("\"" + path + "\" is not a string");
+  return value.get<std::string>();
+}
+
+std::optional<std::string> optionalString(const Json& object, const char* key) {
+  const auto found = object.find(key);
+  if (found == object.end() || found->is_null()) return std::nullopt;
+  return stringValue(*found, key);
+}
+
+int64_t integerValue(const Json& value, const std::string& path) {
+  const bool fits =
+      value.is_number_integer() &&
+      (!value.is_number_unsigned() || value.get<uint64_t>() <= static_cast<uint64_t>(INT64_MAX));
+  if (!fits) fail("\"" + path + "\" is not an integer");
+  return value.get<int64_t>();
+}
+
+std::vector<std::string> pathList(const Json& value, const std::string& path) {
+  if (!value.is_array()) fail("\"" + path + "\" is not a list");
+  std::vector<std::string> paths;
+  paths.reserve(value.size());
+  for (const Json& entry : value)
+    paths.push_back(stringValue(entry, path));
+  return paths;
+}
+
+const Json& objectValue(const Json& value, const std::string& path) {
+  if (!value.is_object()) fail("\"" + path + "\" is not an object");
+  return value;
+}
+
+PackManifest::Group groupValue(const Json& value, const std::string& path) {
+  const Json& object = objectValue(value, path);
+  PackManifest::Group group;
+  const std::string downPath = path + ".down";
+  const Json& down = objectValue(required(object, path + ".", "down"), downPath);
+  for (const auto& [tierName, paths] : down.items())
+    group.down[tierName] = pathList(paths, downPath + "." + tierName);
+  if (const auto up = object.find("up"); up != object.end() && !up->is_null())
+    group.up = pathList(*up, path + ".up");
+  return group;
+}
+
+Json groupJson(const PackManifest::Group& group) {
+  Json object = {{"down", group.down}};
+  if (group.up) object["up"] = *group.up;
+  return object;
+}
+
+}  // namespace
+
+PackManifest PackManifest::fromJson(std::string_view text) {
+  const Json document = parsed(text);
+  if (!document.is_object()) fail("not a JSON object");
+  PackManifest manifest;
+  manifest.formatVersion = integerValue(required(document, "", "formatVersion"), "formatVersion");
+  manifest.id = stringValue(required(document, "", "id"), "id");
+  manifest.name = stringValue(required(document, "", "name"), "name");
+  manifest.kind = stringValue(required(document, "", "kind"), "kind");
+  manifest.summary = optionalString(document, "summary");
+  manifest.author = optionalString(document, "author");
+  manifest.license = optionalString(document, "license");
+  for (const auto& [groupName, value] :
+       objectValue(required(document, "", "groups"), "groups").items())
+    manifest.groups[groupName] = groupValue(value, "groups." + groupName);
+  return manifest;
+}
+
+std::string PackManifest::toJson() const {
+  Json document = {{"formatVersion", formatVersion},
+                   {"id", id},
+                   {"name", name},
+                   {"kind", kind},
+                   {"groups", Json::object()}};
+  if (summary) document["summary"] = *summary;
+  if (author) document["author"] = *author;
+  if (license) document["license"] = *license;
+  for (const auto& [groupName, group] : groups)
+    document["groups"][groupName] = groupJson(group);
+  return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+PackManifest LoadedPack::readManifest(const std::filesystem::path& directory) {
+  std::string text;
+  try {
+    text = RegularFile(directory / PackManifest::fileName).readText(maxManifestBytes);
+  } catch (const std::system_error& error) {
+    if (error.code() == std::errc::file_too_large) fail("the file is too large");
+    throw PackError::missingManifest(directory);
+  }
+  return PackManifest::fromJson(text);
+}
+
+PackInfo PackInfo::read(const std::filesystem::path& directory, bool isBundled) {
+  try {
+    PackManifest manifest = LoadedPack::readManifest(directory);
+    return {std::move(manifest.id),
+            std::move(manifest.name),
+            std::move(manifest.kind),
+            std::move(manifest.summary),
+            directory,
+            isBundled};
+  } catch (const PackError&) {
+    throw;
+  } catch (const std::runtime_error& error) {
+    throw PackError::invalidManifest(directory / PackManifest::fileName, error.what());
+  }
+}
+
+}  // namespace tobrin

@@ -1,0 +1,68 @@
+#include "Packs/RegularFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace tobrin {
+namespace {
+
+[[noreturn]] void fail(int reason) {
+  throw std::system_error(reason, std::generic_category());
+}
+
+template <typename Call>
+auto retried(Call call) {
+  for (;;) {
+    const auto result = call();
+    if (result >= 0 || errno != EINTR) return result;
+  }
+}
+
+}  // namespace
+
+RegularFile::RegularFile(const std::filesystem::path& path) {
+  const std::string& name = path.native();
+  if (name.find('\0') != std::string::npos) fail(ENOENT);
+  // Opening a FIFO without O_NONBLOCK waits for its writer; a regular file ignores the flag.
+  descriptor_ =
+      retried([&] { return ::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); });
+  if (descriptor_ < 0) fail(errno);
+  struct stat status {};
+  const int reason = ::fstat(descriptor_, &status) != 0 ? errno
+                     : S_ISDIR(status.st_mode)          ? EISDIR
+                     : !S_ISREG(status.st_mode)         ? EINVAL
+                                                        : 0;
+  if (reason != 0) {
+    ::close(descriptor_);
+    fail(reason);
+  }
+  size_ = static_cast<uint64_t>(status.st_size);
+}
+
+RegularFile::~RegularFile() {
+  ::close(descriptor_);
+}
+
+std::string RegularFile::readText(uint64_t maxBytes) const {
+  if (size_ > maxBytes) fail(EFBIG);
+  std::string text;
+  // One byte more than the size shows the end; a file that grows meanwhile is read on.
+  for (std::size_t length = 0;;) {
+    text.resize(length == 0 ? size_ + 1 : 2 * length);
+    const ssize_t count =
+        retried([&] { return ::read(descriptor_, &text[length], text.size() - length); });
+    if (count < 0) fail(errno);
+    length += static_cast<std::size_t>(count);
+    if (length > maxBytes) fail(EFBIG);
+    if (count == 0) {
+      text.resize(length);
+      return text;
+    }
+  }
+}
+
+}  // namespace tobrin

@@ -1,0 +1,32 @@
+/// Opens files that others supplied: only regular ones, so that a FIFO or a device in a pack folder
+/// can neither hang a load nor feed it without end. Owns its descriptor. Thread: any.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+namespace tobrin {
+
+class RegularFile final {
+ public:
+  /// Opens a file for reading. Throws `std::system_error` with the system's reason alone as text.
+  explicit RegularFile(const std::filesystem::path& path);
+  ~RegularFile();
+  RegularFile(const RegularFile&) = delete;
+  RegularFile& operator=(const RegularFile&) = delete;
+
+  /// Valid as long as this object; positioned at the start until something reads.
+  [[nodiscard]] int descriptor() const { return descriptor_; }
+  [[nodiscard]] uint64_t size() const { return size_; }  ///< bytes, when it was opened
+
+  /// The whole content, refused with `EFBIG` where it is longer than `maxBytes`.
+  /// Throws `std::system_error`.
+  [[nodiscard]] std::string readText(uint64_t maxBytes) const;
+
+ private:
+  int descriptor_ = -1;
+  uint64_t size_ = 0;
+};
+
+}  // namespace tobrin

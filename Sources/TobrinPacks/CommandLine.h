@@ -1,0 +1,15 @@
+/// The command line of the pack workshop, apart from the process it runs in.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Command.h"
+
+namespace tobrin {
+
+/// Runs one command; `arguments` without the program's name. Returns the exit status: 0 done,
+/// 1 failed with one line on `streams.err`, 2 wrong usage.
+int runPackWorkshop(const std::vector<std::string>& arguments, const CommandStreams& streams);
+
+}  // namespace tobrin
