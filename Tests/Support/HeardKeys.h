@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <string>
+#include <utility>
 
 #include "Engine/KeyEvent.h"
 
@@ -14,7 +15,9 @@ class HeardKeys {
  public:
   void operator()(const KeyEvent& event) {
     const std::scoped_lock lock(mutex_);
-    text_ += (event.action == KeyAction::down ? "+" : "-") + std::to_string(event.code) + " ";
+    text_ += event.action == KeyAction::down ? '+' : '-';
+    text_ += std::to_string(event.code);
+    text_ += ' ';
     ++count_;
     last_ = event;
     changed_.notify_all();

@@ -1,0 +1,145 @@
+#include "Evdev/EvdevKeySource.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+namespace tobrin {
+namespace {
+
+/// What `run` waits for besides keyboards, in this order.
+enum Waits : std::size_t { wakeWait, hotplugWait, permissionWait, seatWait, firstKeyboardWait };
+
+bool isReadable(const std::string& node) {
+  return faccessat(AT_FDCWD, node.c_str(), R_OK, AT_EACCESS) == 0;
+}
+
+}  // namespace
+
+struct EvdevKeySource::Watches {
+  KeyboardWatch changes;  // before the first list is read, so that no change is missed
+  KeyboardList list;
+  SeatWatch seat;
+};
+
+EvdevKeySource::EvdevKeySource() = default;
+EvdevKeySource::~EvdevKeySource() = default;
+
+bool EvdevKeySource::open() {
+  if (!KeyboardList::isPossible()) {
+    setProblem("this system has no input devices");
+    return false;
+  }
+  watches_ = std::make_unique<Watches>();
+  isOurs_ = watches_->seat.isOurs();
+  takeUpKeyboards();
+  if (refused_) watches_.reset();
+  return !refused_;
+}
+
+/// Opens every keyboard that is not open yet, unless another user sits at them.
+void EvdevKeySource::takeUpKeyboards() {
+  std::string refusals;
+  for (const std::string& node : watches_->list.nodes(watches_->seat.seat())) {
+    const auto hasNode = [&](const auto& keyboard) { return keyboard->node() == node; };
+    if (!isOurs_ || std::any_of(keyboards_.begin(), keyboards_.end(), hasNode)) continue;
+    int error = 0;
+    if (auto keyboard = Keyboard::open(node, error)) {
+      keyboards_.push_back(std::move(keyboard));
+    } else if (error == EACCES || error == EPERM) {
+      refusals += (refusals.empty() ? "" : ", ") + node;
+    }
+  }
+  refused_ = keyboards_.empty() && !refusals.empty();
+  setProblem(refused_ ? "no permission to read " + refusals : "");
+}
+
+void EvdevKeySource::run(const Sink& sink) {
+  std::vector<pollfd> waits = everythingToWaitFor();
+  for (;;) {
+    if (poll(waits.data(), waits.size(), -1) < 0) {
+      if (errno == EINTR) continue;
+      setProblem("waiting for keys failed: " + std::generic_category().message(errno));
+      return;
+    }
+    if (waits[wakeWait].revents != 0) return;
+    bool changed = takeKeys(waits, sink);
+    if (waits[seatWait].revents != 0) changed |= takeSeatChange(sink);
+    if (waits[hotplugWait].revents != 0 || waits[permissionWait].revents != 0) {
+      watches_->changes.clear();
+      changed = true;
+    }
+    if (!changed) continue;
+    takeUpKeyboards();
+    waits = everythingToWaitFor();
+  }
+}
+
+std::vector<pollfd> EvdevKeySource::everythingToWaitFor() const {
+  std::vector<pollfd> waits(firstKeyboardWait);
+  waits[wakeWait].fd = wake_.fd();
+  waits[hotplugWait].fd = watches_->changes.hotplugFd();
+  waits[permissionWait].fd = watches_->changes.permissionFd();
+  waits[seatWait].fd = watches_->seat.fd();
+  for (const auto& keyboard : keyboards_)
+    waits.push_back({keyboard->fd(), 0, 0});
+  for (pollfd& wait : waits)
+    wait.events = POLLIN;
+  return waits;
+}
+
+/// Whether a keyboard has gone.
+bool EvdevKeySource::takeKeys(const std::vector<pollfd>& waits, const Sink& sink) {
+  std::size_t wait = firstKeyboardWait;
+  const auto removed = std::remove_if(keyboards_.begin(), keyboards_.end(), [&](auto& keyboard) {
+    if (waits[wait++].revents == 0 || keyboard->takeAll(sink)) return false;
+    keyboard->releaseAll(sink);
+    return true;
+  });
+  const bool anyGone = removed != keyboards_.end();
+  keyboards_.erase(removed, keyboards_.end());
+  return anyGone;
+}
+
+/// Whether the seat has changed hands. Keyboards are closed while they are not ours.
+bool EvdevKeySource::takeSeatChange(const Sink& sink) {
+  watches_->seat.clear();
+  const bool wasOurs = std::exchange(isOurs_, watches_->seat.isOurs());
+  if (wasOurs == isOurs_) return false;
+  for (const auto& keyboard : keyboards_)
+    keyboard->releaseAll(sink);
+  keyboards_.clear();
+  return true;
+}
+
+void EvdevKeySource::close() {
+  keyboards_.clear();
+  watches_.reset();
+  wake_.clear();
+}
+
+void EvdevKeySource::interrupt() {
+  wake_.raise();
+}
+
+bool EvdevKeySource::hasPermission() const {
+  const std::vector<std::string> nodes = KeyboardList().nodes(SeatWatch().seat());
+  return nodes.empty() || std::any_of(nodes.begin(), nodes.end(), isReadable);
+}
+
+std::string EvdevKeySource::problem() const {
+  const MutexLock lock(mutex_);
+  return problem_;
+}
+
+void EvdevKeySource::setProblem(const std::string& problem) {
+  const MutexLock lock(mutex_);
+  problem_ = problem;
+}
+
+}  // namespace tobrin

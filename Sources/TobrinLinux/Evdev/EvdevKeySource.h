@@ -1,0 +1,60 @@
+/// Hears every keyboard of this seat straight from the kernel: all at once, plugged in or taken
+/// away at any time, remappers' virtual keyboards included. For Wayland, where the display server
+/// tells nobody, and for the console. Needs the right to read the devices (on Debian the group
+/// "input"). Never grabs a device; a keyboard that a remapper has grabbed is silent by itself, so
+/// that nothing is heard twice.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Engine/Mutex.h"
+#include "Evdev/Keyboard.h"
+#include "Evdev/KeyboardList.h"
+#include "Evdev/SeatWatch.h"
+#include "Input/KeySource.h"
+#include "Threads/WakeEvent.h"
+
+struct pollfd;
+
+namespace tobrin {
+
+class EvdevKeySource final : public KeySource {
+ public:
+  EvdevKeySource();
+  ~EvdevKeySource() override;
+
+  /// False where there are keyboards and none may be read. Without any keyboard it waits for one.
+  bool open() override;
+  void run(const Sink& sink) override;
+  void close() override;
+  void interrupt() override;
+  [[nodiscard]] bool hasPermission() const override;
+  /// Nobody can be asked: an administrator grants it.
+  bool requestPermission() override { return hasPermission(); }
+  [[nodiscard]] std::string problem() const override;
+  [[nodiscard]] std::string description() const override { return "kernel keyboards (evdev)"; }
+
+ private:
+  struct Watches;
+
+  void setProblem(const std::string& problem);
+  void takeUpKeyboards();
+  bool takeKeys(const std::vector<pollfd>& waits, const Sink& sink);
+  bool takeSeatChange(const Sink& sink);
+  [[nodiscard]] std::vector<pollfd> everythingToWaitFor() const;
+
+  WakeEvent wake_;  // any thread
+
+  // key thread
+  std::unique_ptr<Watches> watches_;  // while open
+  std::vector<std::unique_ptr<Keyboard>> keyboards_;
+  bool isOurs_ = true;    // whether our user sits at the keyboards
+  bool refused_ = false;  // of the keyboards there are, not one may be read
+
+  mutable Mutex mutex_;
+  std::string problem_ TOBRIN_GUARDED_BY(mutex_);
+};
+
+}  // namespace tobrin

@@ -1,0 +1,44 @@
+/// One keyboard of the kernel's, opened for listening and never grabbed. Thread: key.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "Evdev/HeldKeys.h"
+#include "Input/KeySource.h"
+
+struct libevdev;
+
+namespace tobrin {
+
+class Keyboard final {
+ public:
+  /// Opens a device node; nothing where that fails, with the reason in `error` (an errno).
+  static std::unique_ptr<Keyboard> open(const std::string& node, int& error);
+  ~Keyboard();
+  Keyboard(const Keyboard&) = delete;
+  Keyboard& operator=(const Keyboard&) = delete;
+
+  /// To poll for reading.
+  [[nodiscard]] int fd() const { return fd_; }
+  [[nodiscard]] const std::string& node() const { return node_; }
+
+  /// Hands on all that has come in; false once the keyboard is gone (which a read tells before the
+  /// hotplug service does).
+  bool takeAll(const KeySource::Sink& sink);
+
+  /// Releases what is still held on it.
+  void releaseAll(const KeySource::Sink& sink);
+
+ private:
+  Keyboard(std::string node, int fd, libevdev* device);
+
+  const std::string node_;
+  const int fd_;
+  libevdev* const device_;  // owned
+  bool monotonic_ = false;  // whether the kernel stamps on our clock
+  HeldKeys held_;
+};
+
+}  // namespace tobrin

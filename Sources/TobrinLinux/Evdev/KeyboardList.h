@@ -1,0 +1,60 @@
+/// Which keyboards there are, and a notice when that, or the right to read them, may have changed.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct udev;
+struct udev_monitor;
+
+namespace tobrin {
+
+struct UdevDeleter {
+  void operator()(udev* context) const;
+  void operator()(udev_monitor* monitor) const;
+};
+
+class KeyboardList final {
+ public:
+  KeyboardList();
+
+  /// Whether this system has input devices at all.
+  static bool isPossible();
+
+  /// The device nodes of the keyboards of a seat ("seat0"), in order. Keyboards are devices with
+  /// all letters or a whole keypad, told without opening them: no mice, power buttons or lid
+  /// switches. A remapper's virtual keyboard is one like any other. Thread: one at a time.
+  [[nodiscard]] std::vector<std::string> nodes(std::string_view seat) const;
+
+ private:
+  std::unique_ptr<udev, UdevDeleter> udev_;
+};
+
+/// Thread: one at a time.
+class KeyboardWatch final {
+ public:
+  KeyboardWatch();
+  ~KeyboardWatch();
+  KeyboardWatch(const KeyboardWatch&) = delete;
+  KeyboardWatch& operator=(const KeyboardWatch&) = delete;
+
+  /// To poll for reading; -1 where there is no such service.
+  [[nodiscard]] int hotplugFd() const;
+  [[nodiscard]] int permissionFd() const { return inotify_; }
+
+  /// Takes all notices. Call it before `KeyboardList::nodes`, so that none is missed.
+  void clear();
+
+ private:
+  std::unique_ptr<udev, UdevDeleter> udev_;
+  std::unique_ptr<udev_monitor, UdevDeleter> monitor_;
+  int inotify_ = -1;
+};
+
+/// Whether a device with these keys is a keyboard; `keys` is the kernel's bitmap of them in
+/// hexadecimal words, the highest first.
+bool isKeyboard(std::string_view keys);
+
+}  // namespace tobrin

@@ -1,0 +1,39 @@
+/// Whose keys those of the seat's keyboards are: a user's devices stay readable while another
+/// user's session is in front, and what is typed there is nobody else's business. Thread: one at a
+/// time.
+#pragma once
+
+#include <memory>
+#include <string>
+
+struct sd_login_monitor;
+
+namespace tobrin {
+
+class SeatWatch final {
+ public:
+  SeatWatch();
+
+  /// The seat this program belongs to ("seat0").
+  [[nodiscard]] const std::string& seat() const { return seat_; }
+
+  /// Whether the session in front is this program's or another one of its user's; true as well
+  /// where no login manager runs or no session is in front.
+  [[nodiscard]] bool isOurs() const;
+
+  /// To poll for reading when `isOurs` may have changed; -1 where no login manager runs.
+  [[nodiscard]] int fd() const;
+
+  /// Takes all notices.
+  void clear();
+
+ private:
+  struct Unref {
+    void operator()(sd_login_monitor* monitor) const;
+  };
+  std::string session_;  // this program's own; may be empty
+  std::string seat_;
+  std::unique_ptr<sd_login_monitor, Unref> monitor_;
+};
+
+}  // namespace tobrin

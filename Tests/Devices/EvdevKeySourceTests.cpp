@@ -1,0 +1,207 @@
+// Against the kernel's own devices: run these as root in a virtual machine.
+#include "Evdev/EvdevKeySource.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <linux/input.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <thread>
+
+#include "Input/KeyMonitor.h"
+#include "Support/HeardKeys.h"
+#include "Support/VirtualKeyboard.h"
+
+namespace tobrin {
+namespace {
+
+using std::chrono::milliseconds;
+using testing::HeardKeys;
+using testing::VirtualKeyboard;
+
+class EvdevKeySourceTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!VirtualKeyboard::isPossible()) GTEST_SKIP() << "no /dev/uinput";
+  }
+
+  /// Types on a keyboard just plugged in until it is heard, which takes the time of a hotplug.
+  bool becomesHeard(VirtualKeyboard& keyboard) {
+    for (int attempt = 0; attempt < 100; ++attempt) {
+      keyboard.press({KEY_F12});
+      keyboard.release({KEY_F12});
+      std::this_thread::sleep_for(milliseconds(50));
+      if (!heard.await(0).empty()) {
+        std::this_thread::sleep_for(milliseconds(50));
+        heard.await(0);
+        return true;
+      }
+    }
+    return false;
+  }
+
+  HeardKeys heard;
+  KeyMonitor monitor{std::make_unique<EvdevKeySource>(), std::ref(heard)};
+};
+
+TEST_F(EvdevKeySourceTest, HearsKeyboardsPluggedInBeforeAndAfter) {
+  VirtualKeyboard first("First");
+  std::this_thread::sleep_for(milliseconds(500));  // the device manager's rules
+  ASSERT_TRUE(monitor.start()) << monitor.problem();
+  ASSERT_TRUE(becomesHeard(first));
+  VirtualKeyboard second("Second");
+  ASSERT_TRUE(becomesHeard(second));
+
+  const uint64_t before = MachTime::now();
+  first.press({KEY_A, KEY_LEFTSHIFT});
+  EXPECT_EQ(heard.await(2), "+0 +56 ");
+  second.press({KEY_B, KEY_VOLUMEUP, KEY_CAPSLOCK});
+  EXPECT_EQ(heard.await(2), "+11 +57 ");
+  first.release({KEY_LEFTSHIFT, KEY_A});
+  EXPECT_EQ(heard.await(2), "-56 -0 ");
+  second.release({KEY_CAPSLOCK, KEY_VOLUMEUP, KEY_B});
+  EXPECT_EQ(heard.await(1), "-11 ");
+  EXPECT_GT(heard.last().time, before);
+}
+
+TEST_F(EvdevKeySourceTest, AKeyboardThatVanishesReleasesWhatItHeldAndMayComeBack) {
+  std::optional<VirtualKeyboard> keyboard(std::in_place, "Loose plug");
+  ASSERT_TRUE(monitor.start());
+  ASSERT_TRUE(becomesHeard(*keyboard));
+  keyboard->press({KEY_LEFTCTRL, KEY_C});
+  EXPECT_EQ(heard.await(2), "+59 +8 ");
+  keyboard.reset();
+  EXPECT_EQ(heard.await(2), "-59 -8 ");
+  for (int round = 0; round < 5; ++round) {
+    keyboard.emplace("Loose plug");
+    EXPECT_TRUE(becomesHeard(*keyboard)) << round;
+  }
+}
+
+TEST_F(EvdevKeySourceTest, AHeldKeyIsOnePress) {
+  VirtualKeyboard keyboard("Repeating", {.repeats = true});
+  ASSERT_TRUE(monitor.start());
+  ASSERT_TRUE(becomesHeard(keyboard));
+  keyboard.press({KEY_SPACE});
+  std::this_thread::sleep_for(milliseconds(600));
+  keyboard.release({KEY_SPACE});
+  EXPECT_EQ(heard.await(2), "+49 -49 ");
+}
+
+TEST_F(EvdevKeySourceTest, AGrabbedKeyboardIsHeardThroughItsTwinAlone) {
+  VirtualKeyboard real("Real");
+  ASSERT_TRUE(monitor.start());
+  ASSERT_TRUE(becomesHeard(real));
+  real.press({KEY_LEFTSHIFT});  // its release will go to the remapper
+  EXPECT_EQ(heard.await(1), "+56 ");
+
+  const int remapper = open(real.node().c_str(), O_RDONLY);
+  ASSERT_EQ(ioctl(remapper, EVIOCGRAB, 1), 0);
+  VirtualKeyboard twin("Twin");
+  ASSERT_TRUE(becomesHeard(twin));
+  real.release({KEY_LEFTSHIFT});
+  real.press({KEY_A});
+  twin.press({KEY_B});
+  EXPECT_EQ(heard.await(1), "+11 ");
+  twin.press({KEY_LEFTSHIFT});
+  twin.release({KEY_LEFTSHIFT});
+  twin.press({KEY_LEFTSHIFT});
+  EXPECT_EQ(heard.await(2), "-56 +56 ") << "the lost release costs one press, no more";
+  close(remapper);
+}
+
+TEST_F(EvdevKeySourceTest, AnOverrunBufferLeavesNoKeyStuck) {
+  VirtualKeyboard keyboard("Fast");
+  EvdevKeySource source;
+  std::this_thread::sleep_for(milliseconds(500));
+  ASSERT_TRUE(source.open());
+  for (int i = 0; i < 2000; ++i) {
+    keyboard.press({KEY_A});
+    keyboard.release({KEY_A});
+  }
+  keyboard.press({KEY_RIGHTSHIFT, KEY_B});
+  int balanceOfA = 0;
+  uint32_t flags = 0;
+  source.run([&](const KeySource::Event& event) {
+    if (event.code == 0) balanceOfA += event.type == KeySource::EventType::keyDown ? 1 : -1;
+    flags = event.flags;
+    if (event.code == 11) source.interrupt();
+  });
+  EXPECT_EQ(balanceOfA, 0);
+  EXPECT_EQ(flags, 0x4U);
+}
+
+TEST_F(EvdevKeySourceTest, OnlyKeyboardsAreOpened) {
+  const VirtualKeyboard buttons("Power button", {.letters = false});
+  const VirtualKeyboard keyboard("Keyboard");
+  std::this_thread::sleep_for(milliseconds(500));
+  const auto nodes = KeyboardList().nodes("seat0");
+  EXPECT_EQ(std::count(nodes.begin(), nodes.end(), keyboard.node()), 1);
+  EXPECT_EQ(std::count(nodes.begin(), nodes.end(), buttons.node()), 0);
+  EXPECT_TRUE(KeyboardList().nodes("seat7").empty());
+}
+
+/// Starts `body` in a process without privileges; its result is the exit status.
+pid_t startAsNobody(const std::function<int()>& body) {
+  const pid_t child = fork();
+  if (child == 0) _exit(setgid(65534) == 0 && setuid(65534) == 0 ? body() : 99);
+  return child;
+}
+
+int exitStatus(pid_t child) {
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 98;
+}
+
+TEST_F(EvdevKeySourceTest, PermissionIsThatOfTheDevices) {
+  const VirtualKeyboard keyboard("Guarded");
+  std::this_thread::sleep_for(milliseconds(500));
+  for (const std::string& node : KeyboardList().nodes("seat0"))
+    chmod(node.c_str(), 0600);
+  const auto mayListen = [] {
+    EvdevKeySource source;
+    const bool opened = source.open();
+    if (opened != source.hasPermission() || opened != source.problem().empty()) return 2;
+    return opened ? 1 : 0;
+  };
+  EXPECT_EQ(exitStatus(startAsNobody(mayListen)), 0);
+  chmod(keyboard.node().c_str(), 0644);
+  EXPECT_EQ(exitStatus(startAsNobody(mayListen)), 1);
+  chmod(keyboard.node().c_str(), 0600);
+  EXPECT_EQ(exitStatus(startAsNobody(mayListen)), 0);
+}
+
+TEST_F(EvdevKeySourceTest, AKeyboardThatMayBeReadLaterIsTakenUpThen) {
+  const VirtualKeyboard readable("Readable");
+  std::this_thread::sleep_for(milliseconds(500));
+  chmod(readable.node().c_str(), 0644);
+  const pid_t listener = startAsNobody([] {
+    EvdevKeySource source;
+    if (!source.open()) return 2;
+    int result = 3;
+    source.run([&](const KeySource::Event& event) {
+      result = event.code;
+      source.interrupt();
+    });
+    return result;
+  });
+  VirtualKeyboard guarded("Guarded");  // by the device manager: root and its group only
+  std::this_thread::sleep_for(milliseconds(500));
+  guarded.press({KEY_A});
+  std::this_thread::sleep_for(milliseconds(100));
+  EXPECT_EQ(waitpid(listener, nullptr, WNOHANG), 0);
+  chmod(guarded.node().c_str(), 0644);
+  std::this_thread::sleep_for(milliseconds(500));
+  guarded.press({KEY_B});
+  EXPECT_EQ(exitStatus(listener), 11);
+}
+
+}  // namespace
+}  // namespace tobrin

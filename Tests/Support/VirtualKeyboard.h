@@ -1,0 +1,59 @@
+/// A keyboard of the kernel's own kind, made through uinput: plugged in when constructed, pulled
+/// out when destroyed. Needs root and /dev/uinput.
+#pragma once
+
+#include <libevdev/libevdev-uinput.h>
+#include <libevdev/libevdev.h>
+#include <unistd.h>
+
+#include <initializer_list>
+#include <stdexcept>
+#include <string>
+
+namespace tobrin::testing {
+
+class VirtualKeyboard final {
+ public:
+  struct Shape {
+    bool letters = true;   ///< without them it is a bare pair of buttons
+    bool repeats = false;  ///< the kernel repeats held keys
+  };
+
+  static bool isPossible() { return access("/dev/uinput", R_OK | W_OK) == 0; }
+
+  VirtualKeyboard(const std::string& name, Shape shape) {
+    libevdev* plan = libevdev_new();
+    libevdev_set_name(plan, name.c_str());
+    libevdev_enable_event_code(plan, EV_KEY, KEY_POWER, nullptr);
+    libevdev_enable_event_code(plan, EV_KEY, BTN_LEFT, nullptr);
+    for (unsigned key = KEY_ESC; shape.letters && key <= KEY_MICMUTE; ++key) {
+      libevdev_enable_event_code(plan, EV_KEY, key, nullptr);
+    }
+    if (shape.repeats) libevdev_enable_event_type(plan, EV_REP);
+    const int failure =
+        libevdev_uinput_create_from_device(plan, LIBEVDEV_UINPUT_OPEN_MANAGED, &device_);
+    libevdev_free(plan);
+    if (failure < 0) throw std::runtime_error("uinput refuses the keyboard");
+  }
+  explicit VirtualKeyboard(const std::string& name) : VirtualKeyboard(name, Shape{}) {}
+  ~VirtualKeyboard() { libevdev_uinput_destroy(device_); }
+  VirtualKeyboard(const VirtualKeyboard&) = delete;
+  VirtualKeyboard& operator=(const VirtualKeyboard&) = delete;
+
+  [[nodiscard]] std::string node() const { return libevdev_uinput_get_devnode(device_); }
+
+  void press(std::initializer_list<unsigned> keys) { write(keys, 1); }
+  void release(std::initializer_list<unsigned> keys) { write(keys, 0); }
+
+ private:
+  void write(std::initializer_list<unsigned> keys, int value) {
+    for (const unsigned key : keys) {
+      libevdev_uinput_write_event(device_, EV_KEY, key, value);
+      libevdev_uinput_write_event(device_, EV_SYN, SYN_REPORT, 0);
+    }
+  }
+
+  libevdev_uinput* device_ = nullptr;
+};
+
+}  // namespace tobrin::testing
