@@ -1,0 +1,34 @@
+/// Tells when a device of one subsystem of the kernel comes or changes. Uses udev's own events
+/// where udev runs, so that the device's permissions are set when the news arrives. Thread: one.
+#pragma once
+
+#include <memory>
+
+struct udev;
+struct udev_monitor;
+
+namespace tobrin {
+
+class WakeEvent;
+
+class DeviceWatch final {
+ public:
+  explicit DeviceWatch(const char* subsystem);
+  ~DeviceWatch();
+  DeviceWatch(const DeviceWatch&) = delete;
+  DeviceWatch& operator=(const DeviceWatch&) = delete;
+
+  /// Waits for news since the last call; false where `interrupt` was set instead. Never wakes up in
+  /// between.
+  [[nodiscard]] bool wait(const WakeEvent& interrupt);
+
+ private:
+  struct Release {
+    void operator()(udev* context) const;
+    void operator()(udev_monitor* monitor) const;
+  };
+  std::unique_ptr<udev, Release> context_;
+  std::unique_ptr<udev_monitor, Release> monitor_;  // null: no news ever comes
+};
+
+}  // namespace tobrin

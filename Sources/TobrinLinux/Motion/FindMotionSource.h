@@ -1,0 +1,24 @@
+/// Chooses what the force sensor listens to on this machine.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "Force/MotionSource.h"
+
+namespace tobrin {
+
+/// Names a recorded trace to play instead of a device.
+inline constexpr const char* motionTraceVariable = "TOBRIN_MOTION_TRACE";
+
+struct MotionPaths {
+  std::filesystem::path sys = "/sys";
+  std::filesystem::path dev = "/dev";
+};
+
+/// The trace that the environment names, else a HID device that sends motion reports itself, else
+/// an IIO accelerometer, else null. Opens no device: whether it can be read, `open` tells. Costs a
+/// look into two folders. Thread: any.
+[[nodiscard]] std::unique_ptr<MotionSource> findMotionSource(const MotionPaths& paths = {});
+
+}  // namespace tobrin

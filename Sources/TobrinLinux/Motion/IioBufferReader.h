@@ -1,0 +1,54 @@
+/// Reads the kernel's buffer of an IIO device: every sample once, with its time.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "Force/SampleClock.h"
+#include "Motion/FileDescriptor.h"
+#include "Motion/IioDevice.h"
+#include "Motion/IioLayout.h"
+#include "Motion/IioReader.h"
+#include "Motion/Sysfs.h"
+
+namespace tobrin {
+
+class IioBufferReader final : public IioReader {
+ public:
+  enum class Rate {
+    highest,  ///< the highest that is of use
+    asFound,  ///< what the device runs at
+  };
+
+  /// Opens the device without changing it; nothing, with a reason, where it has no buffer, where
+  /// another program reads it, or where this one may not.
+  static std::unique_ptr<IioBufferReader> prepare(const IioDevice& device,
+                                                  const IioCalibration& calibration, Rate rate,
+                                                  std::string& reason);
+
+  [[nodiscard]] bool start(std::string& reason) override;
+  [[nodiscard]] End stream(const MotionSource::Sink& sink, const WakeEvent& interrupt) override;
+  [[nodiscard]] std::string description() const override;
+
+ private:
+  IioBufferReader(IioDevice device, const IioCalibration& calibration, Rate rate,
+                  FileDescriptor file, IioLayout layout);
+  [[nodiscard]] bool chooseElements(std::string& reason);
+  void chooseTrigger();
+  void pass(std::size_t frames, uint64_t readTime, const MotionSource::Sink& sink);
+
+  // Fixed after construction.
+  IioDevice device_;
+  IioCalibration calibration_;
+  Rate rate_;
+  FileDescriptor file_;
+  IioLayout layout_;
+  // Sensor thread.
+  std::vector<uint8_t> bytes_;
+  SampleClock clock_;
+  std::optional<double> hz_;
+  AttributeChanges changes_;  // last: restored before the file closes
+};
+
+}  // namespace tobrin

@@ -1,0 +1,37 @@
+/// Asks an IIO device for single readings, for where its buffer cannot be used. Slower and coarser
+/// than the buffer, but needs no more than the right to read.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <optional>
+
+#include "Motion/FileDescriptor.h"
+#include "Motion/IioDevice.h"
+#include "Motion/IioReader.h"
+
+namespace tobrin {
+
+class IioPollReader final : public IioReader {
+ public:
+  /// Nothing, with a reason, where the device does not answer.
+  static std::unique_ptr<IioPollReader> prepare(const IioDevice& device,
+                                                const IioCalibration& calibration,
+                                                std::string& reason);
+
+  [[nodiscard]] bool start(std::string& reason) override;
+  [[nodiscard]] End stream(const MotionSource::Sink& sink, const WakeEvent& interrupt) override;
+  [[nodiscard]] std::string description() const override;
+
+ private:
+  IioPollReader(IioDevice device, const IioCalibration& calibration,
+                std::array<FileDescriptor, 3> axes);
+  [[nodiscard]] std::optional<std::array<double, 3>> readCounts() const;
+
+  // Fixed after construction.
+  IioDevice device_;
+  IioCalibration calibration_;
+  std::array<FileDescriptor, 3> axes_;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,33 @@
+/// One way of taking samples out of an IIO device. Its destructor puts back what `start` changed.
+/// Thread: sensor.
+#pragma once
+
+#include <string>
+
+#include "Force/MotionSource.h"
+
+namespace tobrin {
+
+class WakeEvent;
+
+class IioReader {
+ public:
+  enum class End {
+    interrupted,
+    gone,    ///< the device was removed
+    silent,  ///< the device sends nothing
+  };
+
+  virtual ~IioReader() = default;
+
+  /// Switches the stream on, which may take some ten milliseconds; false leaves a reason.
+  [[nodiscard]] virtual bool start(std::string& reason) = 0;
+
+  /// Hands samples on until something ends it.
+  [[nodiscard]] virtual End stream(const MotionSource::Sink& sink, const WakeEvent& interrupt) = 0;
+
+  /// How samples arrive, for people.
+  [[nodiscard]] virtual std::string description() const = 0;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,77 @@
+#include "Force/SampleClock.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace tobrin {
+namespace {
+
+constexpr uint64_t millisecond = 1'000'000;
+constexpr uint64_t start = 1000 * millisecond;
+
+/// When sample `i` of a 1000 Hz stream is read: half a millisecond after it, with some jitter.
+uint64_t readTimeOf(uint64_t i) {
+  return start + i * millisecond + 500'000 + (i * 7919) % 300'000;
+}
+
+TEST(SampleClock, JudgesStampsByTheClockBeforeBelievingThem) {
+  using Origin = SampleClock::Origin;
+  struct {
+    const char* label;
+    double pace;
+    int64_t shift;
+    Origin origin;
+    int64_t mostError;  // ticks, once judged
+  } const rows[] = {
+      {"on the clock", 1, 0, Origin::clock, 0},
+      {"another origin, far ahead", 1, 1'700'000'000'000'000'000, Origin::counter, 800'000},
+      {"another origin, behind", 1, -900'000'000, Origin::counter, 800'000},
+      {"a cheap crystal", 1.0002, -900'000'000, Origin::counter, 900'000},
+      {"microseconds", 0.001, 0, Origin::reading, 900'000},
+      {"never set", 0, 0, Origin::reading, 900'000},
+  };
+  for (const auto& row : rows) {
+    SampleClock clock;
+    uint64_t last = 0;
+    for (uint64_t i = 0; i < 5000; ++i) {
+      const auto counted = static_cast<int64_t>(row.pace * static_cast<double>(i * millisecond));
+      const int64_t stamp = row.pace == 0 ? 0 : static_cast<int64_t>(start) + counted + row.shift;
+      const uint64_t time = clock.place(stamp, readTimeOf(i), 0);
+      ASSERT_GE(time, last) << row.label;
+      ASSERT_LE(time, readTimeOf(i)) << row.label;
+      last = time;
+      if (i > 150) {
+        const int64_t error = static_cast<int64_t>(time - (start + i * millisecond));
+        ASSERT_LE(std::abs(error), row.mostError) << row.label << " sample " << i;
+      }
+    }
+    EXPECT_EQ(clock.origin(), row.origin) << row.label;
+  }
+}
+
+TEST(SampleClock, StampsThatJumpAreNotBelievedAnyMore) {
+  SampleClock clock;
+  for (uint64_t i = 0; i < 200; ++i)
+    clock.place(static_cast<int64_t>(start + i * millisecond), readTimeOf(i), 0);
+  ASSERT_EQ(clock.origin(), SampleClock::Origin::clock);
+  for (const int64_t wild : {int64_t{0}, INT64_MIN, INT64_MAX, int64_t{-1}})
+    EXPECT_EQ(clock.place(wild, readTimeOf(200), 0), readTimeOf(200)) << wild;
+  for (uint64_t i = 201; i < 600; ++i)
+    clock.place(static_cast<int64_t>(start + i * millisecond), readTimeOf(i), 0);
+  EXPECT_EQ(clock.origin(), SampleClock::Origin::clock) << "and believed again";
+}
+
+TEST(SampleClock, BatchesWithoutStampsAreSpreadAtTheirPace) {
+  SampleClock clock;
+  uint64_t time = 0;
+  for (uint64_t read = 1; read <= 50; ++read)
+    for (std::size_t newer = 10; newer-- > 0;)
+      time = clock.place(std::nullopt, start + read * 10 * millisecond, newer);
+  EXPECT_EQ(time, start + 500 * millisecond);
+  const uint64_t first = clock.place(std::nullopt, start + 510 * millisecond, 9);
+  EXPECT_NEAR(static_cast<double>(first - start), 501e6, 0.2e6);
+}
+
+}  // namespace
+}  // namespace tobrin

@@ -1,0 +1,245 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "Motion/FindMotionSource.h"
+#include "Motion/IioBufferReader.h"
+#include "Motion/IioRate.h"
+#include "Motion/IioSource.h"
+#include "Support/TempFolder.h"
+
+namespace tobrin {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+TEST(IioScanType, TakesTheBitsThatCount) {
+  struct {
+    const char* type;
+    Bytes bytes;
+    int64_t number;
+  } const rows[] = {
+      {"le:s16/16>>0", {0xfe, 0xff}, -2},
+      {"be:s16/16>>0", {0xff, 0xfe}, -2},
+      {"le:s16/32>>0", {0xe8, 0x03, 0xe8, 0x03}, 1000},  // the upper half is garbage
+      {"le:s12/16>>4", {0x0f, 0x80}, -2048},
+      {"be:u12/16>>4", {0x80, 0x0f}, 2048},
+      {"le:s64/64>>0", {1, 2, 3, 4, 5, 6, 7, 0x80}, -0x7ff8f9fafbfcfdff},
+      {"le:u8/8>>0", {0xff}, 255},
+  };
+  for (const auto& row : rows) {
+    const auto type = IioScanType::parse(row.type);
+    ASSERT_TRUE(type) << row.type;
+    EXPECT_EQ(type->decode(row.bytes), row.number) << row.type;
+  }
+  for (const char* wrong :
+       {"", "le:s16", "le:s16/16", "xe:s16/16>>0", "le:f32/32>>0", "le:s17/16>>0", "le:s0/16>>0",
+        "le:s16/24>>0", "le:s12/16>>5", "le:s16/16>>4294967295", "le:s16/16X2>>0", "le:s16/16>>0 "})
+    EXPECT_FALSE(IioScanType::parse(wrong)) << wrong;
+}
+
+TEST(IioLayout, NumbersLieAtMultiplesOfTheirSizeInTheOrderOfTheirIndex) {
+  const IioScanType axis = *IioScanType::parse("le:s32/32>>0");
+  const IioScanType stamp = *IioScanType::parse("le:s64/64>>0");
+  const IioLayout layout({{IioLayout::stamp, 3, stamp},
+                          {IioLayout::z, 2, axis},
+                          {IioLayout::x, 0, axis},
+                          {IioLayout::y, 1, axis}});
+  EXPECT_EQ(layout.frameBytes(), 24u);
+  const Bytes frame = {0xf9, 0xfd, 0xff, 0xff, 0x7c, 0xff, 0xff, 0xff, 0x4d, 0x43, 0x0f, 0x00,
+                       0xaa, 0xbb, 0xcc, 0xdd, 0x75, 0x69, 0x42, 0x5c, 0x06, 0x00, 0x00, 0x00};
+  const IioLayout::Frame decoded = layout.decode(frame);
+  EXPECT_EQ(decoded.axes, (std::array<int64_t, 3>{-519, -132, 1000269}));
+  EXPECT_EQ(decoded.stamp, 27317660021);
+  const IioScanType narrow = *IioScanType::parse("be:s16/16>>0");
+  EXPECT_EQ(
+      IioLayout({{IioLayout::x, 0, narrow}, {IioLayout::y, 1, narrow}, {IioLayout::z, 2, narrow}})
+          .frameBytes(),
+      6u)
+      << "no time stamp, no padding";
+}
+
+TEST(IioRate, PrefersWhatShowsAKeystrokeWhole) {
+  using Texts = std::vector<std::string>;
+  struct {
+    const char* available;
+    Texts first;
+  } const rows[] = {
+      {"1 10 25 50 100 200 400 1600 5376", {"1600", "400", "200"}},
+      {"12.500000 25 1000 3200", {"1000", "25", "12.500000"}},
+      {"100 50", {"100", "50"}},
+      {"[1 1 4000]", {"1000"}},
+      {"[0.5 0.5 250]", {"250"}},
+      {"", {"1000", "800"}},
+      {"nonsense 0 -5", {"1000", "800"}},
+  };
+  for (const auto& row : rows) {
+    Texts rates = ratesToTry(row.available);
+    ASSERT_GE(rates.size(), row.first.size()) << row.available;
+    rates.resize(row.first.size());
+    EXPECT_EQ(rates, row.first) << row.available;
+  }
+}
+
+/// A tree of files as the kernel shows IIO devices.
+class FakeIio {
+ public:
+  void add(int number, const std::vector<std::pair<std::string, std::string>>& attributes) {
+    const std::string device = devices + "iio:device" + std::to_string(number) + "/";
+    for (const char* axis : {"x", "y", "z"})
+      folder_.write(device + "in_accel_" + axis + "_raw", "0\n");
+    folder_.write(device + "name", "accel_" + std::to_string(number) + "\n");
+    folder_.write(device + "in_accel_scale", "0.000009806\n");
+    for (const auto& [name, text] : attributes)
+      folder_.write(device + name, text);
+  }
+  void addBuffer(int number) {
+    const std::string device = devices + "iio:device" + std::to_string(number) + "/";
+    int index = 0;
+    for (const char* name : {"in_accel_x", "in_accel_y", "in_accel_z", "in_timestamp"}) {
+      const std::string element = device + "scan_elements/" + name;
+      folder_.write(element + "_type", index < 3 ? "le:s16/16>>0" : "le:s64/64>>0");
+      folder_.write(element + "_index", std::to_string(index++));
+      folder_.write(element + "_en", "0\n");
+    }
+    folder_.write(device + "scan_elements/in_temp_en", "1\n");
+    folder_.write(device + "buffer/enable", "0\n");
+    folder_.write(device + "in_accel_sampling_frequency", "12\n");
+    folder_.write("dev/iio:device" + std::to_string(number), "");
+  }
+  [[nodiscard]] std::string attribute(int number, const std::string& name) const {
+    return *sysfs::read(folder_.path() / (devices + "iio:device" + std::to_string(number)) / name);
+  }
+  void write(const std::string& file, const std::string& text) const { folder_.write(file, text); }
+  [[nodiscard]] IioPaths paths() const { return {folder_.path() / "sys", folder_.path() / "dev"}; }
+
+  static inline const std::string devices = "sys/bus/iio/devices/";
+
+ private:
+  testing::TempFolder folder_;
+};
+
+TEST(IioDevice, TheSensorBesideTheKeyboardComesFirst) {
+  FakeIio tree;
+  tree.add(0, {{"label", "accel-display"}});
+  tree.add(1, {});
+  tree.add(10, {{"location", "base"}});
+  tree.write(FakeIio::devices + "iio:device2/in_anglvel_x_raw", "0");
+  const auto devices = IioDevice::findAll(tree.paths());
+  ASSERT_EQ(devices.size(), 3u) << "a gyroscope is none";
+  EXPECT_EQ(devices[0].title(), "accel_10 (iio:device10)");
+  EXPECT_EQ(devices[1].name, "accel_1");
+  EXPECT_EQ(devices[2].place, IioDevice::Place::lid);
+  EXPECT_TRUE(IioDevice::findAll({"/nowhere", "/nowhere"}).empty());
+}
+
+TEST(IioDevice, CountsBecomeGByScaleOffsetAndMount) {
+  struct {
+    const char* label;
+    std::vector<std::pair<std::string, std::string>> attributes;
+    std::array<double, 3> counts;
+    Acceleration expected;
+  } const rows[] = {
+      {"common scale", {{"in_accel_scale", "9.80665"}}, {1, 2, 3}, {1, 2, 3}},
+      {"own scale and offset",
+       {{"in_accel_scale", "9.80665"}, {"in_accel_y_scale", "19.6133"}, {"in_accel_z_offset", "5"}},
+       {1, 2, 3},
+       {1, 4, 8}},
+      {"turned",
+       {{"in_accel_scale", "9.80665"}, {"in_mount_matrix", "0, -1, 0; 1, 0, 0; 0, 0, 1\n"}},
+       {1, 2, 3},
+       {-2, 1, 3}},
+      {"a matrix of nothing is left out",
+       {{"in_accel_scale", "9.80665"}, {"mount_matrix", "0, 0, 0; 0, 0, 0; 0, 0, 0"}},
+       {1, 2, 3},
+       {1, 2, 3}},
+  };
+  for (const auto& row : rows) {
+    FakeIio tree;
+    tree.add(0, row.attributes);
+    std::string reason;
+    const auto calibration = IioDevice::findAll(tree.paths())[0].calibration(reason);
+    ASSERT_TRUE(calibration) << row.label << reason;
+    const Acceleration g = calibration->apply(row.counts);
+    EXPECT_NEAR(g.x, row.expected.x, 1e-9) << row.label;
+    EXPECT_NEAR(g.y, row.expected.y, 1e-9) << row.label;
+    EXPECT_NEAR(g.z, row.expected.z, 1e-9) << row.label;
+  }
+  for (const char* scale : {"0", "nan", "inf", "-1", "", "1e999"}) {
+    FakeIio tree;
+    tree.add(0, {{"in_accel_scale", scale}});
+    IioSource source(tree.paths());
+    EXPECT_FALSE(source.open()) << scale;
+    EXPECT_EQ(source.problem(),
+              "accel_0 (iio:device0) does not say the size of its counts (in_accel_scale)");
+  }
+}
+
+TEST(IioBufferReader, PutsBackWhatItChanged) {
+  FakeIio tree;
+  tree.add(0, {{"in_accel_sampling_frequency_available", "12 100 200"},
+               {"current_timestamp_clock", "realtime"}});
+  tree.addBuffer(0);
+  const IioDevice device = IioDevice::findAll(tree.paths())[0];
+  std::string reason;
+  {
+    auto reader = IioBufferReader::prepare(device, *device.calibration(reason),
+                                           IioBufferReader::Rate::highest, reason);
+    ASSERT_TRUE(reader) << reason;
+    EXPECT_EQ(tree.attribute(0, "in_accel_sampling_frequency"), "12") << "not before start";
+    ASSERT_TRUE(reader->start(reason)) << reason;
+    EXPECT_EQ(tree.attribute(0, "in_accel_sampling_frequency"), "200");
+    EXPECT_EQ(tree.attribute(0, "current_timestamp_clock"), "monotonic");
+    EXPECT_EQ(tree.attribute(0, "scan_elements/in_accel_y_en"), "1");
+    EXPECT_EQ(tree.attribute(0, "scan_elements/in_temp_en"), "0");
+    EXPECT_EQ(tree.attribute(0, "buffer/enable"), "1");
+    EXPECT_EQ(reader->description(), "accel_0 (iio:device0), 200 Hz");
+    auto second = IioBufferReader::prepare(device, *device.calibration(reason),
+                                           IioBufferReader::Rate::highest, reason);
+    EXPECT_FALSE(second);
+    EXPECT_EQ(reason, "accel_0 (iio:device0) is in use by another program");
+  }
+  EXPECT_EQ(tree.attribute(0, "in_accel_sampling_frequency"), "12");
+  EXPECT_EQ(tree.attribute(0, "current_timestamp_clock"), "realtime");
+  EXPECT_EQ(tree.attribute(0, "scan_elements/in_accel_y_en"), "0");
+  EXPECT_EQ(tree.attribute(0, "scan_elements/in_temp_en"), "1");
+  EXPECT_EQ(tree.attribute(0, "buffer/enable"), "0");
+}
+
+TEST(IioSource, ReadsSinglyWhereThereIsNoBuffer) {
+  FakeIio tree;
+  tree.add(0, {{"in_accel_scale", "9.80665"}, {"in_accel_z_raw", "1\n"}});
+  IioSource source(tree.paths());
+  ASSERT_TRUE(source.open()) << source.problem();
+  EXPECT_EQ(source.description(), "accel_0 (iio:device0), single readings");
+  int reports = 0;
+  source.run([&](std::span<const uint8_t> report, uint64_t) {
+    EXPECT_EQ(decodeMotionReport(report), (Acceleration{0, 0, 1}));
+    if (++reports == 3) source.interrupt();
+  });
+  EXPECT_EQ(reports, 3);
+  source.close();
+}
+
+TEST(FindMotionSource, TraceThenRawDeviceThenAccelerometer) {
+  FakeIio tree;
+  const MotionPaths paths{tree.paths().sys, tree.paths().dev};
+  EXPECT_FALSE(findMotionSource(paths));
+  tree.add(0, {});
+  EXPECT_EQ(findMotionSource(paths)->description(), "IIO accelerometer");
+  const char descriptor[] = "\x06\x00\xff\x09\x03\xa1\x01\x75\x08\x95\x16\x81\x02\xc0";
+  tree.write("sys/class/hidraw/hidraw0/device/report_descriptor",
+             std::string(descriptor, sizeof descriptor - 1));
+  const auto raw = findMotionSource(paths);
+  EXPECT_EQ(raw->description(), "HID motion sensor");
+  EXPECT_FALSE(raw->open()) << "its node is missing";
+  EXPECT_EQ(raw->problem(),
+            "cannot open " + (paths.dev / "hidraw0").string() + ": No such file or directory");
+  setenv(motionTraceVariable, "/no/such.csv", 1);
+  const auto trace = findMotionSource(paths);
+  unsetenv(motionTraceVariable);
+  EXPECT_EQ(trace->description(), "motion trace /no/such.csv");
+}
+
+}  // namespace
+}  // namespace tobrin
