@@ -1,0 +1,32 @@
+/// Which bits of an X server's key state stand for which modifier keys. The server's settings
+/// decide; only Shift, Control and Caps Lock have bits of their own. Thread: the connection's.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "Input/Hotkey.h"
+
+namespace tobrin {
+
+class XModifierMap {
+ public:
+  explicit XModifierMap(xcb_connection_t* connection);
+
+  /// The bits of a shortcut's modifiers.
+  [[nodiscard]] uint16_t mask(Modifiers modifiers) const;
+
+  /// Every combination of the bits of Caps Lock, Num Lock and Scroll Lock, nothing among them: a
+  /// shortcut works whichever of them is on.
+  [[nodiscard]] std::vector<uint16_t> lockCombinations() const;
+
+ private:
+  uint16_t option_ = XCB_MOD_MASK_1;
+  uint16_t command_ = XCB_MOD_MASK_4;
+  uint16_t numLock_ = 0;
+  uint16_t scrollLock_ = 0;
+};
+
+}  // namespace tobrin
