@@ -6,6 +6,7 @@
 
 #include "JsonOutput.h"
 #include "Packs/LoadedPack.h"
+#include "PrintableText.h"
 
 namespace tobrin {
 namespace {
@@ -34,7 +35,8 @@ nlohmann::ordered_json asJson(const LoadedPack& pack) {
 }
 
 void printTable(const LoadedPack& pack, std::ostream& out) {
-  out << pack.info().name << " (" << pack.info().id << ", " << pack.info().kind << ")\n";
+  const PackInfo& info = pack.info();
+  out << printable(info.name + " (" + info.id + ", " + info.kind + ")") << '\n';
   out << std::left << std::setw(12) << "group" << std::right;
   for (const Tier tier : allTiers)
     out << std::setw(8) << name(tier);
@@ -56,7 +58,7 @@ void run(const Options& options, const CommandStreams& streams) {
     printTable(*pack, streams.out);
 }
 
-constexpr const char* examples = R"(
+constexpr const char* footer = R"(
 Groups and tiers that the pack leaves out are listed with the takes that stand in for them.
 
 Examples:
@@ -72,7 +74,7 @@ void addCheckCommand(CLI::App& app, const CommandStreams& streams) {
       app.add_subcommand("check", "Load a pack and list its takes, or say why it does not load");
   command->add_option("PACKDIR", options->folder, "The pack's folder")->required();
   command->add_flag("--json", options->json, "One JSON document instead of a table");
-  command->footer(examples);
+  command->footer(footer);
   command->callback([options, streams] { run(*options, streams); });
 }
 

@@ -1,30 +1,26 @@
 #include "CommandLine.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 
 #include "CheckCommand.h"
+#include "ListCommand.h"
+#include "PrintableText.h"
 
 namespace tobrin {
 namespace {
 
 enum ExitStatus { done = 0, failed = 1, wrongUsage = 2 };
 
-constexpr const char* examples = R"(
+constexpr const char* footer = R"(
 Examples:
-  tobrin-packs check Packs/mine              what a pack holds, or why it does not load
+  tobrin-packs list                    what the application would offer
+  tobrin-packs check Packs/mine        what a pack holds, or why it does not load
 
 'tobrin-packs COMMAND --help' says more about each.
 )";
 
-/// One line, whatever the text holds: file names and JSON errors may carry line breaks.
-std::string oneLine(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
-  return text;
-}
-
 void addCommands(CLI::App& app, const CommandStreams& streams) {
+  addListCommand(app, streams);
   addCheckCommand(app, streams);
 }
 
@@ -34,8 +30,16 @@ int reportParse(const CLI::App& app, const CLI::ParseError& error, const Command
     app.exit(error, streams.out, streams.err);
     return done;
   }
-  streams.err << "tobrin-packs: " << oneLine(error.what()) << " (--help says more)\n";
+  streams.err << "tobrin-packs: " << printable(error.what()) << " (--help says more)\n";
   return wrongUsage;
+}
+
+/// The parser itself would only ask for a command.
+void refuseUnknownCommand(const CLI::App& app, const std::vector<std::string>& arguments) {
+  if (arguments.empty() || arguments.front().starts_with('-')) return;
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+    if (command->get_name() == arguments.front()) return;
+  throw CLI::ValidationError("no command '" + arguments.front() + "'");
 }
 
 }  // namespace
@@ -43,10 +47,11 @@ int reportParse(const CLI::App& app, const CLI::ParseError& error, const Command
 int runPackWorkshop(const std::vector<std::string>& arguments, const CommandStreams& streams) {
   CLI::App app("Makes, checks and auditions Tobrin's sound packs.", "tobrin-packs");
   app.set_version_flag("--version", "tobrin-packs " TOBRIN_VERSION);
-  app.footer(examples);
+  app.footer(footer);
   app.require_subcommand(1);
   addCommands(app, streams);
   try {
+    refuseUnknownCommand(app, arguments);
     // The parser takes arguments from the back.
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     if (!streams.out.flush()) throw std::runtime_error("can't write to standard output");
@@ -54,7 +59,7 @@ int runPackWorkshop(const std::vector<std::string>& arguments, const CommandStre
   } catch (const CLI::ParseError& error) {
     return reportParse(app, error, streams);
   } catch (const std::exception& error) {
-    streams.err << "tobrin-packs: " << oneLine(error.what()) << '\n';
+    streams.err << "tobrin-packs: " << printable(error.what()) << '\n';
     return failed;
   }
 }

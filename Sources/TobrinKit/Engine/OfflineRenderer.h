@@ -1,0 +1,36 @@
+/// Plays a script of key presses through a mixer of its own into memory, without a device: how
+/// packs are auditioned and their loudness is measured. The same input gives the same samples.
+///
+/// Simpler than live playing: strengths come from a fixed table by tier, nothing is refined, and
+/// releases vary as much as presses do. Thread: any.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "Engine/EngineSettings.h"
+#include "Engine/TypingScript.h"
+#include "Packs/LoadedPack.h"
+
+namespace tobrin {
+
+struct OfflineRenderer {
+  /// Two channels of equal length.
+  struct Sound {
+    std::vector<float> left;
+    std::vector<float> right;
+  };
+
+  /// Told from time to time which part is done, 0 to 1.
+  using Progress = std::function<void(double)>;
+
+  /// Renders a script in any order up to `tail` seconds after its last key, at `sampleRate` frames
+  /// a second. Keys start with the 64-frame block that their time falls in. Of the settings volume,
+  /// blending, releases and stereo width count. Throws `std::bad_alloc` or `std::length_error`
+  /// where the result has no room.
+  static Sound render(const LoadedPack& pack, std::vector<ScriptedKey> script,
+                      const EngineSettings& settings, double tail, double sampleRate,
+                      const Progress& progress = {});
+};
+
+}  // namespace tobrin

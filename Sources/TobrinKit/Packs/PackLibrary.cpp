@@ -1,0 +1,116 @@
+#include "Packs/PackLibrary.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+#include <stdexcept>
+
+#include "Packs/NameOrder.h"
+#include "Packs/PackError.h"
+
+namespace tobrin {
+namespace {
+
+namespace fs = std::filesystem;
+using Environment = PackLibrary::Environment;
+
+/// A variable that names an absolute path; others are to be ignored for folders of this kind.
+std::optional<fs::path> absolutePath(const Environment& environment, const char* name) {
+  const auto value = environment(name);
+  if (!value || !fs::path(*value).is_absolute()) return std::nullopt;
+  return fs::path(*value);
+}
+
+fs::path homeFolder(const Environment& environment) {
+  if (auto home = absolutePath(environment, "HOME")) return *std::move(home);
+  if (const passwd* const user = getpwuid(getuid()); user != nullptr && user->pw_dir != nullptr)
+    return user->pw_dir;
+  throw std::runtime_error("the system knows no home folder of this user");
+}
+
+/// The locale that orders names, in the order in which the C library looks for it.
+std::string orderingLocale(const Environment& environment) {
+  for (const char* name : {"LC_ALL", "LC_COLLATE", "LANG"})
+    if (auto value = environment(name); value && !value->empty()) return *std::move(value);
+  return "C";
+}
+
+void sort(std::vector<PackInfo>& packs, const Environment& environment) {
+  if (packs.size() < 2) return;
+  const NameOrder order(orderingLocale(environment));
+  std::sort(packs.begin(), packs.end(), [&](const PackInfo& a, const PackInfo& b) {
+    if (a.isBundled != b.isBundled) return a.isBundled;
+    if (order.isBefore(a.name, b.name)) return true;
+    if (order.isBefore(b.name, a.name)) return false;
+    return a.id < b.id;
+  });
+}
+
+bool isHidden(const fs::path& entry) {
+  return entry.filename().native().starts_with('.');
+}
+
+std::vector<fs::path> visibleEntries(const fs::path& folder) {
+  std::vector<fs::path> entries;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error))
+    if (!isHidden(entry->path())) entries.push_back(entry->path());
+  std::sort(entries.begin(), entries.end());
+  return entries;
+}
+
+}  // namespace
+
+std::optional<std::string> PackLibrary::processEnvironment(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+}
+
+fs::path PackLibrary::userPacksDirectory(const Environment& environment) {
+  const auto data = absolutePath(environment, "XDG_DATA_HOME");
+  return (data ? *data : homeFolder(environment) / ".local/share") / "Tobrin/Packs";
+}
+
+std::optional<fs::path> PackLibrary::bundledPacksDirectory(const Environment& environment) {
+  if (const auto folder = environment("TOBRIN_PACKS")) return fs::path(*folder);
+  for (const fs::path folder : {TOBRIN_INSTALLED_PACKS, TOBRIN_BUILT_PACKS}) {
+    std::error_code missing;
+    if (fs::exists(folder, missing)) return folder;
+  }
+  return std::nullopt;
+}
+
+std::vector<PackInfo> PackLibrary::discover(const Environment& environment) {
+  std::map<std::string, PackInfo> byID;
+  const auto merge = [&byID](std::vector<PackInfo> packs) {
+    for (PackInfo& pack : packs)
+      byID.insert_or_assign(pack.id, std::move(pack));
+  };
+  if (const auto bundled = bundledPacksDirectory(environment)) merge(discover(*bundled, true));
+  merge(discover(userPacksDirectory(environment), false));
+
+  std::vector<PackInfo> packs;
+  packs.reserve(byID.size());
+  for (auto& [id, pack] : byID)
+    packs.push_back(std::move(pack));
+  sort(packs, environment);
+  return packs;
+}
+
+std::vector<PackInfo> PackLibrary::discover(const fs::path& folder, bool isBundled) {
+  std::vector<PackInfo> packs;
+  for (const fs::path& entry : visibleEntries(folder)) {
+    try {
+      packs.push_back(PackInfo::read(entry, isBundled));
+    } catch (const PackError&) {
+      // No pack: whatever else lies in the folder is none of the library's business.
+    }
+  }
+  return packs;
+}
+
+}  // namespace tobrin

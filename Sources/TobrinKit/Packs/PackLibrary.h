@@ -1,0 +1,40 @@
+/// Finds the sound packs on the machine: those that ship with the application and the user's own.
+/// Reads manifests only; audio is decoded when a pack is chosen. Thread: any.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Packs/PackManifest.h"
+
+namespace tobrin {
+
+struct PackLibrary {
+  /// The value of an environment variable, or nothing where it is unset.
+  using Environment = std::function<std::optional<std::string>(const char* name)>;
+
+  /// This process's environment.
+  static std::optional<std::string> processEnvironment(const char* name);
+
+  /// Where the user's packs lie: "Tobrin/Packs" in the user's data folder, which need not exist.
+  /// Throws `std::runtime_error` where the system knows no home folder of the user.
+  static std::filesystem::path userPacksDirectory(
+      const Environment& environment = processEnvironment);
+
+  /// Where the shipped packs lie: "TOBRIN_PACKS" unchecked where it is set, else the installed
+  /// folder, else the one of the build tree; nothing where none of these exists.
+  static std::optional<std::filesystem::path> bundledPacksDirectory(
+      const Environment& environment = processEnvironment);
+
+  /// All packs: shipped ones first, each kind by name as a file browser orders names. A user's pack
+  /// takes the place of a shipped one with the same id. What cannot be read is left out.
+  static std::vector<PackInfo> discover(const Environment& environment = processEnvironment);
+
+  /// The packs directly inside one folder, by folder name; none where it cannot be listed.
+  static std::vector<PackInfo> discover(const std::filesystem::path& folder, bool isBundled);
+};
+
+}  // namespace tobrin

@@ -1,0 +1,72 @@
+#include "ListCommand.h"
+
+#include <algorithm>
+#include <iomanip>
+
+#include "JsonOutput.h"
+#include "Packs/PackLibrary.h"
+#include "PrintableText.h"
+
+namespace tobrin {
+namespace {
+
+void printList(const std::vector<PackInfo>& packs, std::ostream& out) {
+  std::size_t idWidth = 0;
+  std::size_t nameWidth = 0;
+  for (const PackInfo& pack : packs) {
+    idWidth = std::max(idWidth, pack.id.size());
+    nameWidth = std::max(nameWidth, pack.name.size());
+  }
+  const auto column = [&out](const std::string& text, std::size_t width) {
+    out << std::left << std::setw(static_cast<int>(std::min<std::size_t>(width, 40)))
+        << printable(text) << "  ";
+  };
+  for (const PackInfo& pack : packs) {
+    column(pack.id, idWidth);
+    column(pack.name, nameWidth);
+    column(pack.isBundled ? "bundled" : "user", 7);
+    out << printable(pack.kind) << "  " << printable(pack.directory.string()) << '\n';
+  }
+  if (packs.empty()) out << "No sound packs found.\n";
+}
+
+nlohmann::ordered_json asJson(const std::vector<PackInfo>& packs) {
+  auto list = nlohmann::ordered_json::array();
+  for (const PackInfo& pack : packs)
+    list.push_back({{"id", pack.id},
+                    {"name", pack.name},
+                    {"kind", pack.kind},
+                    {"bundled", pack.isBundled},
+                    {"folder", pack.directory.string()}});
+  return list;
+}
+
+void run(bool json, const CommandStreams& streams) {
+  const std::vector<PackInfo> packs = PackLibrary::discover();
+  if (json)
+    printJson(asJson(packs), streams.out);
+  else
+    printList(packs, streams.out);
+}
+
+constexpr const char* footer = R"(
+Packs are looked for in the folder that TOBRIN_PACKS names (else the packs that come with the
+program) and in Tobrin/Packs of your data folder, ~/.local/share unless XDG_DATA_HOME says so.
+A pack of yours takes the place of a bundled one with the same id.
+
+Examples:
+  tobrin-packs list
+  TOBRIN_PACKS=./Packs tobrin-packs list --json
+)";
+
+}  // namespace
+
+void addListCommand(CLI::App& app, const CommandStreams& streams) {
+  const auto json = std::make_shared<bool>(false);
+  auto* const command = app.add_subcommand("list", "List the packs on this machine");
+  command->add_flag("--json", *json, "One JSON document instead of a table");
+  command->footer(footer);
+  command->callback([json, streams] { run(*json, streams); });
+}
+
+}  // namespace tobrin

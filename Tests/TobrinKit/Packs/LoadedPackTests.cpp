@@ -1,0 +1,191 @@
+#include "Packs/LoadedPack.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "Packs/PackError.h"
+#include "Packs/PackLoader.h"
+#include "Support/AudioFiles.h"
+#include "Support/TempFolder.h"
+#include "Support/TestPack.h"
+
+namespace tobrin {
+namespace {
+
+using testing::TempFolder;
+using testing::TestPack;
+using testing::wav16;
+
+std::vector<float> gains(const LoadedPack& pack, KeyGroup group) {
+  const auto layers = pack.layers(group, 0);
+  return {layers.gains.begin(), layers.gains.end()};
+}
+
+std::vector<float> values(const LoadedPack& pack, KeyGroup group, std::size_t variant) {
+  std::vector<float> firsts;
+  for (const TBSample& sample : pack.layers(group, variant).samples)
+    firsts.push_back(sample.left[0]);
+  return firsts;
+}
+
+TEST(LoadedPack, FillsMissingTiersFromTheNearestTheSofterOfTwo) {
+  const auto pack = TestPack()
+                        .down(KeyGroup::alpha, Tier::medium, 0.2f)
+                        .down(KeyGroup::space, Tier::soft, 0.1f)
+                        .down(KeyGroup::space, Tier::hard, 0.3f)
+                        .make();
+  const float step = 1.6f;
+  const std::vector<float> fromMedium = {1 / step, 1, step, step * step};
+  for (const KeyGroup group : {KeyGroup::alpha, KeyGroup::modifier})
+    for (std::size_t tier = 0; tier < tierCount; ++tier)
+      EXPECT_FLOAT_EQ(gains(*pack, group)[tier], fromMedium[tier]);
+  EXPECT_EQ(gains(*pack, KeyGroup::space), (std::vector<float>{1, step, 1, step}));
+  EXPECT_EQ(values(*pack, KeyGroup::space, 0), (std::vector<float>{0.1f, 0.1f, 0.3f, 0.3f}));
+  EXPECT_EQ(pack->memoryBytes(), 3u * 480 * 4);
+}
+
+TEST(LoadedPack, FillsMissingGroupsFromAlphaElseFromAnother) {
+  const auto pack = TestPack()
+                        .down(KeyGroup::enter, Tier::soft, 0.5f)
+                        .up(KeyGroup::enter, 0.6f)
+                        .make("enter only");
+  EXPECT_EQ(values(*pack, KeyGroup::alpha, 7)[0], 0.5f);
+  EXPECT_TRUE(pack->release(KeyGroup::enter, 0));
+  EXPECT_FALSE(pack->release(KeyGroup::alpha, 0)) << "releases come from alpha alone";
+  EXPECT_TRUE(pack->hasReleaseSounds());
+
+  const auto full = TestPack::simple();
+  EXPECT_EQ(full->release(KeyGroup::space, 3)->sample.left[0], 0.05f);
+  EXPECT_THROW(TestPack().up(KeyGroup::alpha, 1).make("x"), PackError);
+}
+
+TEST(LoadedPack, VariantsRunThroughEachTierOnItsOwn) {
+  TestPack builder;
+  const std::size_t counts[] = {3, 5, 5, 2};
+  for (const Tier tier : allTiers)
+    for (std::size_t i = 0; i < counts[index(tier)]; ++i)
+      builder.down(KeyGroup::alpha, tier, static_cast<float>(i));
+  const auto pack = builder.make();
+  EXPECT_EQ(pack->variantCount(KeyGroup::alpha), 5u);
+  EXPECT_EQ(values(*pack, KeyGroup::alpha, 4), (std::vector<float>{1, 4, 4, 0}));
+}
+
+/// A pack folder of one `alpha` tier whose paths are given.
+class LoadedPackFolder : public ::testing::Test {
+ protected:
+  void manifest(const std::string& paths, const std::string& rest = "") const {
+    folder_.write("MyPack/pack.json",
+                  R"({"formatVersion":1,"id":"my-id","name":"n","kind":"k","groups":{"alpha":)"
+                  R"({"down":{"Medium":[)" +
+                      paths + R"(],"loud":["absent.wav"],"hard":[]}})" + rest + "}}");
+  }
+  void wav(const std::string& name, std::size_t frames) const {
+    folder_.write("MyPack/" + name, wav16({}, std::vector<int16_t>(frames, 8192)));
+  }
+  [[nodiscard]] std::shared_ptr<const LoadedPack> load() const {
+    return LoadedPack::load(PackInfo::read(folder_.path() / "MyPack", false), 48000);
+  }
+  /// The error's text, the same for every number of threads.
+  [[nodiscard]] std::string failure() const {
+    std::string text = "(loaded)";
+    try {
+      (void)load();
+    } catch (const PackError& error) {
+      text = error.what();
+    }
+    for (const unsigned threads : {1u, 3u, 8u}) {
+      const auto directory = folder_.path() / "MyPack";
+      try {
+        (void)PackLoader(directory, 48000, threads).load(LoadedPack::readManifest(directory));
+      } catch (const PackError& error) {
+        EXPECT_EQ(error.what(), text) << threads;
+      }
+    }
+    return text;
+  }
+  /// Paths "0.wav" to the one before `end`, as JSON.
+  static std::string numbered(int end) {
+    std::string paths;
+    for (int i = 0; i < end; ++i)
+      paths += (i == 0 ? "\"" : ",\"") + std::to_string(i) + ".wav\"";
+    return paths;
+  }
+  TempFolder folder_;
+};
+
+TEST_F(LoadedPackFolder, DecodesEachFileOnceAndSkipsUnknownNames) {
+  wav("sub/a.wav", 100);
+  std::filesystem::create_symlink("sub/a.wav", folder_.path() / "MyPack/link.wav");
+  manifest(R"("sub/a.wav","link.wav","sub/a.wav")", R"(,"keys":{"down":{"soft":["absent.wav"]}})");
+  const auto pack = load();
+  EXPECT_EQ(pack->sampleCount(), 2u);
+  EXPECT_EQ(pack->memoryBytes(), 800u);
+  EXPECT_EQ(pack->variantCount(KeyGroup::space), 3u);
+  const auto take = [&](std::size_t variant) {
+    return pack->layers(KeyGroup::alpha, variant).samples[1].left;
+  };
+  EXPECT_EQ(take(0), take(2));
+  EXPECT_NE(take(0), take(1));
+}
+
+TEST_F(LoadedPackFolder, RefusesPathsThatLeaveTheFolder) {
+  folder_.write("outside.wav", wav16({}, {1}));
+  const auto pack = folder_.path() / "MyPack";
+  wav("a.wav", 1);
+  std::filesystem::create_directories(pack / "in");
+  std::filesystem::create_symlink("../outside.wav", pack / "link.wav");
+  std::filesystem::create_directory_symlink("..", pack / "parent");
+  std::filesystem::create_symlink("/dev/zero", pack / "zero.wav");
+  for (const std::string path : {"../outside.wav", "in/../a.wav", "a..wav", "/tmp/x.wav",
+                                 "link.wav", "parent/outside.wav", "zero.wav"}) {
+    manifest("\"a.wav\",\"" + path + "\"");
+    EXPECT_EQ(failure(), "Invalid MyPack: path escapes pack: " + path);
+  }
+  for (const char* path : {"", "in", "in/b.wav", "a.wav\\u0000"}) {
+    manifest("\"" + std::string(path) + "\"");
+    EXPECT_TRUE(failure().starts_with("Can't read ")) << failure();
+  }
+}
+
+TEST_F(LoadedPackFolder, MeetsTheFirstErrorInTheOrderOfTheLists) {
+  for (int i = 0; i < 40; ++i)
+    wav(std::to_string(i) + ".wav", 200);
+  manifest(numbered(40));
+  EXPECT_EQ(failure(), "(loaded)");
+  folder_.write("MyPack/31.wav", "no sound");
+  const std::string unreadable = failure();
+  EXPECT_TRUE(unreadable.starts_with("Can't read 31.wav: ")) << unreadable;
+  manifest(numbered(40) + ",\"../x\"");
+  EXPECT_EQ(failure(), unreadable);
+  std::filesystem::remove(folder_.path() / "MyPack/8.wav");
+  EXPECT_EQ(failure(), "Can't read 8.wav: No such file or directory");
+}
+
+TEST_F(LoadedPackFolder, HoldsTheBudgetToTheFrame) {
+  constexpr std::size_t half = LoadedPack::memoryBudget / 8 / 2;
+  const auto sparse = [&](const std::string& name, std::size_t frames) {
+    folder_.write("MyPack/" + name, wav16({.dataBytes = static_cast<int64_t>(2 * frames)}, {}));
+    std::filesystem::resize_file(folder_.path() / "MyPack" / name, 44 + 2 * frames);
+  };
+  sparse("0.wav", half);
+  sparse("1.wav", half);
+  for (int i = 2; i < 16; ++i)
+    wav(std::to_string(i) + ".wav", 0);
+  manifest(numbered(16));
+  EXPECT_EQ(load()->memoryBytes(), LoadedPack::memoryBudget / 2) << "mono files take one channel";
+  wav("9.wav", 1);
+  EXPECT_EQ(failure(), "Invalid MyPack: pack is too large");
+  folder_.write("MyPack/3.wav", "no sound");
+  EXPECT_TRUE(failure().starts_with("Can't read 3.wav")) << "the earlier fault is told";
+  sparse("0.wav", uint64_t{0x7FFFFF00});
+  EXPECT_EQ(failure(), "Invalid MyPack: pack is too large");
+}
+
+TEST_F(LoadedPackFolder, NamesThePackWithoutSoundsByItsID) {
+  manifest("");
+  EXPECT_EQ(failure(), "Pack my-id has no usable sounds");
+}
+
+}  // namespace
+}  // namespace tobrin

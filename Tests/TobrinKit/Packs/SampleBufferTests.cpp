@@ -1,0 +1,184 @@
+#include "Packs/SampleBuffer.h"
+
+#include <gtest/gtest.h>
+#include <sndfile.h>
+#include <sys/stat.h>
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+#include "Packs/PackError.h"
+#include "Support/AudioFiles.h"
+#include "Support/TempFolder.h"
+
+namespace tobrin {
+namespace {
+
+using testing::TempFolder;
+using testing::wav16;
+using testing::wavFloat;
+
+std::string failure(const std::filesystem::path& file, uint64_t maxBytes = UINT64_MAX) {
+  try {
+    (void)SampleBuffer::load(file, 48000, maxBytes);
+  } catch (const PackError& error) {
+    EXPECT_EQ(error.kind(), PackError::Kind::decode);
+    return error.what();
+  }
+  return "(loaded)";
+}
+
+TEST(SampleBuffer, KeepsTheSamplesOfTheFirstTwoChannels) {
+  const TempFolder folder;
+  for (const uint16_t channels : std::initializer_list<uint16_t>{1, 2, 3, 1000}) {
+    std::vector<float> samples(channels * std::size_t{50});
+    for (std::size_t i = 0; i < samples.size(); ++i)
+      samples[i] = static_cast<float>(i);
+    const auto file = folder.write("a.wav", wavFloat({.channels = channels}, samples));
+    const auto sound = SampleBuffer::load(file, 48000);
+    ASSERT_EQ(sound->frames(), 50u) << channels;
+    EXPECT_EQ(sound->isMono(), channels == 1);
+    EXPECT_EQ(sound->isMono(), sound->left() == sound->right());
+    for (std::size_t i = 0; i < 50; ++i) {
+      ASSERT_EQ(sound->left()[i], samples[i * channels]) << channels;
+      const std::size_t second = channels > 1 ? 1 : 0;
+      ASSERT_EQ(sound->right()[i], samples[i * channels + second]) << channels;
+    }
+  }
+}
+
+TEST(SampleBuffer, ConvertsRatesWithoutDelayOrLoss) {
+  constexpr std::size_t frames = 44100;
+  const auto sine = [](double rate, std::size_t i) {
+    return 0.5 * std::sin(2 * std::numbers::pi * 997 * static_cast<double>(i) / rate);
+  };
+  std::vector<float> samples;
+  for (std::size_t i = 0; i < frames; ++i) {
+    samples.push_back(static_cast<float>(sine(44100, i)));
+    samples.push_back(-samples.back());
+  }
+  const TempFolder folder;
+  const auto file = folder.write("a.wav", wavFloat({.channels = 2, .rate = 44100}, samples));
+  const auto sound = SampleBuffer::load(file, 48000);
+  ASSERT_EQ(sound->frames(), 48000u);
+  for (std::size_t i = 2000; i < 46000; ++i) {
+    ASSERT_NEAR(sound->left()[i], sine(48000, i), 1e-5) << i;
+    ASSERT_NEAR(sound->right()[i], -sound->left()[i], 1e-6) << i;
+  }
+  EXPECT_EQ(SampleBuffer::load(folder.write("b.wav", wav16({.rate = 44100}, {})), 48000)->frames(),
+            0u);
+}
+
+TEST(SampleBuffer, MakesEverySampleFinite) {
+  constexpr float inf = std::numeric_limits<float>::infinity();
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+  constexpr float max = std::numeric_limits<float>::max();
+  const TempFolder folder;
+  for (const uint32_t rate : {48000u, 32000u}) {
+    std::vector<float> samples(1000, max);
+    samples[0] = nan;
+    samples[4] = -max;
+    samples[5] = inf;
+    const auto file = folder.write("a.wav", wavFloat({.rate = rate}, samples));
+    const auto sound = SampleBuffer::load(file, 48000);
+    for (std::size_t i = 0; i < sound->frames(); ++i)
+      ASSERT_TRUE(std::isfinite(sound->left()[i])) << rate << " " << i;
+    EXPECT_TRUE(std::isfinite(sound->peak()));
+  }
+}
+
+TEST(SampleBuffer, SurvivesHeadersThatLie) {
+  const TempFolder folder;
+  const std::vector<int16_t> samples(100, 16384);
+  // A file cut short plays what is there.
+  auto file = folder.write("cut.wav", wav16({.dataBytes = 0xFFFFFF00}, samples));
+  EXPECT_EQ(SampleBuffer::load(file, 48000)->frames(), 100u);
+  const auto empty = SampleBuffer::load(folder.write("empty.wav", wav16({}, {})), 48000);
+  EXPECT_EQ(empty->frames(), 0u);
+  EXPECT_EQ(empty->peak(), 0);
+  EXPECT_EQ(empty->duration(), 0);
+
+  const std::pair<testing::WavHeader, const char*> refused[] = {
+      {{.channels = 0}, "no channels"},
+      {{.channels = 65535}, "too many channels"},
+      {{.rate = 0}, "no rate"},
+      {{.rate = 1}, "a rate that makes seconds of every byte"},
+      {{.rate = 0x7FFFFFFF}, "a rate beyond all devices"},
+  };
+  for (const auto& [header, label] : refused) {
+    file = folder.write("x.wav", wav16(header, samples));
+    EXPECT_TRUE(failure(file).starts_with("Can't read x.wav: ")) << label << failure(file);
+  }
+}
+
+TEST(SampleBuffer, RefusesWhatIsNoSoundFileAtOnce) {
+  const TempFolder folder;
+  EXPECT_EQ(failure(folder.path() / "absent.wav"),
+            "Can't read absent.wav: No such file or directory");
+  EXPECT_EQ(failure(folder.path()),
+            "Can't read " + folder.path().filename().string() + ": Is a directory");
+  ASSERT_EQ(mkfifo((folder.path() / "fifo.wav").c_str(), 0600), 0);
+  for (const std::filesystem::path& file :
+       {folder.path() / "fifo.wav", std::filesystem::path("/dev/zero"), folder.write("a.wav", ""),
+        folder.write("b.wav", std::string(5000, 'x')), folder.write("c.flac", "fLaC")})
+    EXPECT_TRUE(failure(file).starts_with("Can't read ")) << file;
+  const std::string cut("a.wav\0.wav", 10);
+  EXPECT_NE(failure(folder.path() / cut), "(loaded)");
+}
+
+/// Writes a compressed file of silence with libsndfile.
+std::filesystem::path compressed(const TempFolder& folder, const char* name, int format,
+                                 sf_count_t frames) {
+  const auto file = folder.path() / name;
+  SF_INFO info{.frames = 0,
+               .samplerate = 48000,
+               .channels = 1,
+               .format = format,
+               .sections = 0,
+               .seekable = 0};
+  SNDFILE* const out = sf_open(file.c_str(), SFM_WRITE, &info);
+  EXPECT_NE(out, nullptr) << name;
+  const std::vector<float> silence(static_cast<std::size_t>(frames));
+  EXPECT_EQ(sf_writef_float(out, silence.data(), frames), frames);
+  sf_close(out);
+  return file;
+}
+
+TEST(SampleBuffer, HoldsTheLimitWhateverALengthClaims) {
+  const TempFolder folder;
+  const auto wav = folder.write("a.wav", wav16({}, std::vector<int16_t>(1000)));
+  EXPECT_EQ(failure(wav, 8000), "(loaded)");
+  EXPECT_EQ(failure(wav, 7999), "Can't read a.wav: the sound is too long");
+  const auto slow = folder.write("b.wav", wav16({.rate = 24000}, std::vector<int16_t>(500)));
+  EXPECT_EQ(failure(slow, 8000), "(loaded)");
+  EXPECT_EQ(failure(slow, 7999), "Can't read b.wav: the sound is too long");
+  for (const auto& file : {compressed(folder, "a.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 48000),
+                           compressed(folder, "a.ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS, 48000)}) {
+    EXPECT_EQ(SampleBuffer::load(file, 48000)->frames(), 48000u) << file;
+    EXPECT_EQ(failure(file, 48000 * 8), "(loaded)") << file;
+    EXPECT_NE(failure(file, 47999 * 8).find("too long"), std::string::npos) << file;
+  }
+
+  // The 36-bit frame count of a FLAC file ends at byte 26: once far too high, once unknown.
+  const auto flac = folder.path() / "a.flac";
+  const auto patch = [&](const std::string& count) {
+    std::fstream stream(flac, std::ios::in | std::ios::out | std::ios::binary);
+    stream.seekp(22);
+    stream << count;
+  };
+  patch("\x7F\xFF\xFF\xFF");
+  EXPECT_NE(failure(flac, uint64_t{1} << 24).find("too long"), std::string::npos);
+  patch(std::string(4, '\0'));
+  EXPECT_NE(failure(flac, 47999 * 8).find("too long"), std::string::npos)
+      << failure(flac, 47999 * 8);
+}
+
+TEST(SampleBuffer, DemandsEquallyLongChannels) {
+  const std::vector<float> left(4);
+  const std::vector<float> right(3);
+  EXPECT_DEATH(SampleBuffer(left, right, 48000), "equally long");
+}
+
+}  // namespace
+}  // namespace tobrin
