@@ -25,15 +25,27 @@ DeviceWatch::DeviceWatch(const char* subsystem) : context_(udev_new()) {
 
 DeviceWatch::~DeviceWatch() = default;
 
-bool DeviceWatch::wait(const WakeEvent& interrupt) {
-  const int news = monitor_ ? udev_monitor_get_fd(monitor_.get()) : -1;
-  while (!isRaised(interrupt)) {
-    if (!waitForDevice(news, -1, interrupt)) continue;
-    while (udev_device* device = udev_monitor_receive_device(monitor_.get()))
-      udev_device_unref(device);
-    return true;
+int DeviceWatch::fd() const {
+  return monitor_ ? udev_monitor_get_fd(monitor_.get()) : -1;
+}
+
+void DeviceWatch::note() {
+  if (!monitor_) return;
+  while (udev_device* device = udev_monitor_receive_device(monitor_.get())) {
+    udev_device_unref(device);
+    noted_ = true;
   }
-  return false;
+}
+
+bool DeviceWatch::wait(const WakeEvent& interrupt) {
+  note();
+  while (!noted_) {
+    waitForAny({interrupt.fd(), fd()}, -1);
+    if (isRaised(interrupt)) return false;
+    note();
+  }
+  noted_ = false;
+  return true;
 }
 
 }  // namespace tobrin

@@ -18,9 +18,14 @@ class DeviceWatch final {
   DeviceWatch(const DeviceWatch&) = delete;
   DeviceWatch& operator=(const DeviceWatch&) = delete;
 
-  /// Waits for news since the last call; false where `interrupt` was set instead. Never wakes up in
-  /// between.
+  /// Waits for news since the last call; false where `interrupt` was raised instead. Never wakes up
+  /// in between.
   [[nodiscard]] bool wait(const WakeEvent& interrupt);
+
+  /// Readable when there is news, for a wait on other things as well; -1 where none ever comes.
+  [[nodiscard]] int fd() const;
+  /// Takes the news off `fd`; the next `wait` returns at once where there was any.
+  void note();
 
  private:
   struct Release {
@@ -29,6 +34,7 @@ class DeviceWatch final {
   };
   std::unique_ptr<udev, Release> context_;
   std::unique_ptr<udev_monitor, Release> monitor_;  // null: no news ever comes
+  bool noted_ = false;
 };
 
 }  // namespace tobrin

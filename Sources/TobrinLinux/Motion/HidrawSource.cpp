@@ -69,8 +69,10 @@ void HidrawSource::run(const Sink& sink) {
 }
 
 void HidrawSource::stream(const Sink& sink) {
-  while (file_ && !isRaised(interrupted_))
-    if (waitForDevice(file_.get(), -1, interrupted_)) readAll(sink);
+  while (file_ && !isRaised(interrupted_)) {
+    readAll(sink);
+    if (file_) waitForAny({interrupted_.fd(), file_.get()}, -1);
+  }
 }
 
 void HidrawSource::readAll(const Sink& sink) {

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "Engine/MachTime.h"
+#include "Motion/DeviceWatch.h"
 #include "Motion/IioRate.h"
 #include "Motion/Waiting.h"
 
@@ -51,19 +52,20 @@ std::string cannotWrite(const fs::path& file, int error) {
 
 std::unique_ptr<IioBufferReader> IioBufferReader::prepare(const IioDevice& device,
                                                           const IioCalibration& calibration,
-                                                          Rate rate, std::string& reason) {
+                                                          Rate rate, Refusal& refusal) {
   const std::optional<IioLayout> layout = readLayout(device.folder / "scan_elements");
   if (!layout) {
-    reason = device.title() + " has no buffer";
+    refusal = {device.title() + " has no buffer"};
     return nullptr;
   }
   if (sysfs::readNumber(device.folder / "buffer" / "enable").value_or(0) != 0) {
-    reason = device.title() + " is in use by another program";
+    refusal = {device.title() + " is in use by another program", true};
     return nullptr;
   }
   FileDescriptor file(::open(device.node.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   if (!file) {
-    reason = cannotOpen(device.node, errno);
+    const int error = errno;
+    refusal = {cannotOpen(device.node, error), error == EBUSY};
     return nullptr;
   }
   return std::unique_ptr<IioBufferReader>(
@@ -122,22 +124,24 @@ void IioBufferReader::chooseTrigger() {
   }
 }
 
-IioReader::End IioBufferReader::stream(const MotionSource::Sink& sink, const WakeEvent& interrupt) {
+IioReader::End IioBufferReader::stream(const MotionSource::Sink& sink, const WakeEvent& interrupt,
+                                       DeviceWatch& watch) {
   constexpr int firstSampleMs = 1500;
   const uint64_t started = MachTime::now();
   bool heard = false;
   for (;;) {
-    const bool ready = waitForDevice(file_.get(), heard ? -1 : firstSampleMs, interrupt);
+    // A waiting poll does not notice that the device is removed, but the news of it does.
+    waitForAny({interrupt.fd(), watch.fd(), file_.get()}, heard ? -1 : firstSampleMs);
     if (isRaised(interrupt)) return End::interrupted;
-    if (!ready) {
-      if (!heard && MachTime::delta(MachTime::now(), started) >= firstSampleMs) return End::silent;
+    const ssize_t length = ::read(file_.get(), bytes_.data(), bytes_.size());
+    if (length > 0) {
+      heard = true;
+      pass(static_cast<std::size_t>(length) / layout_.frameBytes(), MachTime::now(), sink);
       continue;
     }
-    const ssize_t length = ::read(file_.get(), bytes_.data(), bytes_.size());
-    if (length < 0 && (errno == EAGAIN || errno == EINTR)) continue;
-    if (length <= 0) return End::gone;
-    heard = true;
-    pass(static_cast<std::size_t>(length) / layout_.frameBytes(), MachTime::now(), sink);
+    if (length == 0 || (errno != EAGAIN && errno != EINTR)) return End::gone;
+    if (!heard && MachTime::delta(MachTime::now(), started) >= firstSampleMs) return End::silent;
+    watch.note();
   }
 }
 

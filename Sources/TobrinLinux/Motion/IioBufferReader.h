@@ -21,14 +21,21 @@ class IioBufferReader final : public IioReader {
     asFound,  ///< what the device runs at
   };
 
-  /// Opens the device without changing it; nothing, with a reason, where it has no buffer, where
+  /// Why the buffer cannot be had.
+  struct Refusal {
+    std::string words;
+    bool inUse = false;  ///< by another program, which single readings would disturb
+  };
+
+  /// Opens the device without changing it; null, with a refusal, where it has no buffer, where
   /// another program reads it, or where this one may not.
   static std::unique_ptr<IioBufferReader> prepare(const IioDevice& device,
                                                   const IioCalibration& calibration, Rate rate,
-                                                  std::string& reason);
+                                                  Refusal& refusal);
 
   [[nodiscard]] bool start(std::string& reason) override;
-  [[nodiscard]] End stream(const MotionSource::Sink& sink, const WakeEvent& interrupt) override;
+  [[nodiscard]] End stream(const MotionSource::Sink& sink, const WakeEvent& interrupt,
+                           DeviceWatch& watch) override;
   [[nodiscard]] std::string description() const override;
 
  private:

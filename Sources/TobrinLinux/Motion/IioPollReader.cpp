@@ -57,7 +57,8 @@ std::optional<std::array<double, 3>> IioPollReader::readCounts() const {
   return counts;
 }
 
-IioReader::End IioPollReader::stream(const MotionSource::Sink& sink, const WakeEvent& interrupt) {
+IioReader::End IioPollReader::stream(const MotionSource::Sink& sink, const WakeEvent& interrupt,
+                                     DeviceWatch&) {
   constexpr double intervalMs = 4;  // six samples in the window around a key
   constexpr int mostFailures = 100;
   int failures = 0;
@@ -73,7 +74,7 @@ IioReader::End IioPollReader::stream(const MotionSource::Sink& sink, const WakeE
     // Slow buses get as much rest as work.
     const double rest =
         std::max(intervalMs - MachTime::delta(after, before), MachTime::delta(after, before));
-    (void)waitForDevice(-1, static_cast<int>(std::ceil(std::min(rest, 100.0))), interrupt);
+    waitForAny({interrupt.fd()}, static_cast<int>(std::ceil(std::min(rest, 100.0))));
   }
   return End::interrupted;
 }

@@ -20,7 +20,8 @@ class IioPollReader final : public IioReader {
                                                 std::string& reason);
 
   [[nodiscard]] bool start(std::string& reason) override;
-  [[nodiscard]] End stream(const MotionSource::Sink& sink, const WakeEvent& interrupt) override;
+  [[nodiscard]] End stream(const MotionSource::Sink& sink, const WakeEvent& interrupt,
+                           DeviceWatch& watch) override;
   [[nodiscard]] std::string description() const override;
 
  private:

@@ -8,6 +8,7 @@
 
 namespace tobrin {
 
+class DeviceWatch;
 class WakeEvent;
 
 class IioReader {
@@ -23,8 +24,9 @@ class IioReader {
   /// Switches the stream on, which may take some ten milliseconds; false leaves a reason.
   [[nodiscard]] virtual bool start(std::string& reason) = 0;
 
-  /// Hands samples on until something ends it.
-  [[nodiscard]] virtual End stream(const MotionSource::Sink& sink, const WakeEvent& interrupt) = 0;
+  /// Hands samples on until something ends it. `watch` has the news of IIO devices.
+  [[nodiscard]] virtual End stream(const MotionSource::Sink& sink, const WakeEvent& interrupt,
+                                   DeviceWatch& watch) = 0;
 
   /// How samples arrive, for people.
   [[nodiscard]] virtual std::string description() const = 0;

@@ -41,7 +41,11 @@ std::unique_ptr<IioReader> IioSource::makeReader(const IioDevice& device,
   if (way_ != Way::singleReadings) {
     const auto rate =
         way_ == Way::highestRate ? IioBufferReader::Rate::highest : IioBufferReader::Rate::asFound;
-    if (auto reader = IioBufferReader::prepare(device, *calibration, rate, reason)) return reader;
+    IioBufferReader::Refusal refusal;
+    auto reader = IioBufferReader::prepare(device, *calibration, rate, refusal);
+    if (reader) return reader;
+    reason = refusal.words;
+    if (refusal.inUse) return nullptr;
   }
   // The reason why the buffer cannot be used is the one worth telling.
   std::string ignored;
@@ -52,7 +56,7 @@ void IioSource::run(const Sink& sink) {
   DeviceWatch watch("iio");
   while (!isRaised(interrupted_)) {
     if (reader_ || findReader()) {
-      const IioReader::End end = startAndStream(sink);
+      const IioReader::End end = startAndStream(sink, watch);
       reader_.reset();
       if (end == IioReader::End::interrupted) return;
       if (end == IioReader::End::silent && humbler()) continue;
@@ -62,7 +66,7 @@ void IioSource::run(const Sink& sink) {
   }
 }
 
-IioReader::End IioSource::startAndStream(const Sink& sink) {
+IioReader::End IioSource::startAndStream(const Sink& sink, DeviceWatch& watch) {
   std::string reason;
   const bool started = reader_->start(reason);
   if (!started) {
@@ -70,7 +74,7 @@ IioReader::End IioSource::startAndStream(const Sink& sink) {
     return IioReader::End::silent;
   }
   words_.setDescription(reader_->description());
-  return reader_->stream(sink, interrupted_);
+  return reader_->stream(sink, interrupted_, watch);
 }
 
 bool IioSource::humbler() {

@@ -12,6 +12,8 @@
 
 namespace tobrin {
 
+class DeviceWatch;
+
 class IioSource final : public MotionSource {
  public:
   explicit IioSource(IioPaths paths);
@@ -30,7 +32,7 @@ class IioSource final : public MotionSource {
   bool findReader();
   [[nodiscard]] std::unique_ptr<IioReader> makeReader(const IioDevice& device,
                                                       std::string& reason) const;
-  [[nodiscard]] IioReader::End startAndStream(const Sink& sink);
+  [[nodiscard]] IioReader::End startAndStream(const Sink& sink, DeviceWatch& watch);
   [[nodiscard]] bool humbler();
 
   IioPaths paths_;  // fixed after construction

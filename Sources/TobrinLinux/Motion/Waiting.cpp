@@ -3,13 +3,17 @@
 #include <poll.h>
 
 #include <array>
+#include <cassert>
 
 namespace tobrin {
 
-bool waitForDevice(int device, int timeoutMs, const WakeEvent& interrupt) {
-  std::array<pollfd, 2> watched = {pollfd{interrupt.fd(), POLLIN, 0}, pollfd{device, POLLIN, 0}};
-  const int ready = ::poll(watched.data(), watched.size(), timeoutMs);
-  return ready > 0 && watched[0].revents == 0 && watched[1].revents != 0;
+void waitForAny(std::initializer_list<int> files, int timeoutMs) {
+  std::array<pollfd, 4> watched{};
+  assert(files.size() <= watched.size());
+  nfds_t count = 0;
+  for (const int file : files)
+    watched[count++] = {file, POLLIN, 0};
+  ::poll(watched.data(), count, timeoutMs);  // whatever ended it, the caller looks for itself
 }
 
 bool isRaised(const WakeEvent& event) {

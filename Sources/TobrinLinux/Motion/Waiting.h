@@ -1,14 +1,15 @@
-/// Waits on a device and on the event that ends the wait. Plain functions. Thread: any.
+/// Waits on devices and on the event that ends the wait. Plain functions. Thread: any.
 #pragma once
+
+#include <initializer_list>
 
 #include "Threads/WakeEvent.h"
 
 namespace tobrin {
 
-/// Waits until `device` has something to read or an error (true), or until `interrupt` is raised,
-/// `timeoutMs` have passed, or a signal arrived (all false: look again). A negative `device` is
-/// ignored; a negative time-out waits for ever.
-[[nodiscard]] bool waitForDevice(int device, int timeoutMs, const WakeEvent& interrupt);
+/// Waits until one of `files` has something to read or an error, a signal arrives, or `timeoutMs`
+/// have passed; for ever where that is negative. Negative files are ignored. At most four.
+void waitForAny(std::initializer_list<int> files, int timeoutMs);
 
 [[nodiscard]] bool isRaised(const WakeEvent& event);
 

@@ -182,10 +182,11 @@ TEST(IioBufferReader, PutsBackWhatItChanged) {
   tree.addBuffer(0);
   const IioDevice device = IioDevice::findAll(tree.paths())[0];
   std::string reason;
+  IioBufferReader::Refusal refusal;
   {
     auto reader = IioBufferReader::prepare(device, *device.calibration(reason),
-                                           IioBufferReader::Rate::highest, reason);
-    ASSERT_TRUE(reader) << reason;
+                                           IioBufferReader::Rate::highest, refusal);
+    ASSERT_TRUE(reader) << refusal.words;
     EXPECT_EQ(tree.attribute(0, "in_accel_sampling_frequency"), "12") << "not before start";
     ASSERT_TRUE(reader->start(reason)) << reason;
     EXPECT_EQ(tree.attribute(0, "in_accel_sampling_frequency"), "200");
@@ -194,10 +195,9 @@ TEST(IioBufferReader, PutsBackWhatItChanged) {
     EXPECT_EQ(tree.attribute(0, "scan_elements/in_temp_en"), "0");
     EXPECT_EQ(tree.attribute(0, "buffer/enable"), "1");
     EXPECT_EQ(reader->description(), "accel_0 (iio:device0), 200 Hz");
-    auto second = IioBufferReader::prepare(device, *device.calibration(reason),
-                                           IioBufferReader::Rate::highest, reason);
-    EXPECT_FALSE(second);
-    EXPECT_EQ(reason, "accel_0 (iio:device0) is in use by another program");
+    IioSource second(tree.paths());
+    EXPECT_FALSE(second.open()) << "single readings would disturb the first reader";
+    EXPECT_EQ(second.problem(), "accel_0 (iio:device0) is in use by another program");
   }
   EXPECT_EQ(tree.attribute(0, "in_accel_sampling_frequency"), "12");
   EXPECT_EQ(tree.attribute(0, "current_timestamp_clock"), "realtime");
