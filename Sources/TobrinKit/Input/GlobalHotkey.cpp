@@ -30,11 +30,13 @@ GlobalHotkey::~GlobalHotkey() {
 }
 
 GlobalHotkey::Status GlobalHotkey::registerHotkey(const std::optional<Hotkey>& hotkey) {
-  unregister();
-  if (!hotkey) return status_;
-  if (service_.isReserved(*hotkey)) {
-    return status_ = {.kind = Status::Kind::reservedBySystem, .hotkey = *hotkey};
+  const bool reserved = hotkey && service_.isReserved(*hotkey);
+  if (!hotkey || reserved) {
+    unregister();
+    if (reserved) status_ = {.kind = Status::Kind::reservedBySystem, .hotkey = *hotkey};
+    return status_;
   }
+  // Replaces what is held: releasing it first would make a desktop ask its user again each time.
   const ShortcutGrab grab = service_.grab(*hotkey, action_);
   return status_ = {.kind = kind(grab.result), .hotkey = *hotkey, .error = grab.error};
 }

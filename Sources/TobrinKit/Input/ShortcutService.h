@@ -36,8 +36,9 @@ class ShortcutService {
   /// they cannot be read.
   [[nodiscard]] virtual bool isReserved(const Hotkey& hotkey) = 0;
 
-  /// Asks to be told of each press of `hotkey`, once a press however long it is held; replaces an
-  /// earlier grab. `pressed` is called on a thread of the service and must return quickly.
+  /// Asks to be told of each press of `hotkey`, once a press however long it is held. An earlier
+  /// grab is given back, also where this one fails. `pressed` is called on a thread of the service
+  /// and must return quickly.
   virtual ShortcutGrab grab(const Hotkey& hotkey, std::function<void()> pressed) = 0;
 
   /// Gives the combination back. When it returns, the last `pressed` has ended.

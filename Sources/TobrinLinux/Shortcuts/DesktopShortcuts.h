@@ -1,0 +1,57 @@
+/// Global shortcuts by the means this session offers: a grab in an X11 session, the desktop portal
+/// in a Wayland one, and our own key events until the portal has agreed or where there is neither.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Desktop/SessionKind.h"
+#include "Engine/Mutex.h"
+#include "Input/ChordRecognizer.h"
+#include "Input/ShortcutService.h"
+#include "Shortcuts/KeyNames.h"
+#include "Shortcuts/PortalShortcut.h"
+#include "Shortcuts/SystemShortcuts.h"
+#include "X11/XShortcut.h"
+
+namespace tobrin {
+
+class DesktopShortcuts final : public ShortcutService {
+ public:
+  explicit DesktopShortcuts(const Environment& environment = processEnvironment);
+  ~DesktopShortcuts() override;
+
+  [[nodiscard]] bool isReserved(const Hotkey& hotkey) override;
+  ShortcutGrab grab(const Hotkey& hotkey, std::function<void()> pressed) override;
+  void release() override;
+  [[nodiscard]] std::optional<std::string> keyName(uint32_t keyCode) override;
+  void observe(const KeyEvent& event) override { chords_.observe(event); }
+  [[nodiscard]] std::string description() const override;
+
+ private:
+  std::optional<ShortcutGrab> grabFromServer(const Hotkey& hotkey);
+  void askPortal(const Hotkey& hotkey);
+  void press();
+
+  // fixed after construction
+  const SessionKind kind_;
+  const std::string display_;  // of an X11 session; else empty
+
+  // main
+  KeyNames names_;
+  SystemShortcuts system_;
+  std::unique_ptr<XShortcut> server_;
+  std::unique_ptr<PortalShortcut> portal_;
+  std::optional<Hotkey> askedOfPortal_;
+
+  ChordRecognizer chords_;                // by its own rules
+  std::atomic<bool> portalBound_{false};  // written by the portal's thread, read by the key thread
+
+  Mutex mutex_;
+  std::function<void()> pressed_ TOBRIN_GUARDED_BY(mutex_);
+};
+
+}  // namespace tobrin

@@ -1,0 +1,225 @@
+#include "Shortcuts/PortalShortcut.h"
+
+#include <poll.h>
+#include <systemd/sd-bus.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <string_view>
+#include <utility>
+
+#include "Engine/MachTime.h"
+#include "Threads/ThreadName.h"
+
+namespace tobrin {
+namespace {
+
+constexpr const char* portal = "org.freedesktop.portal.Desktop";
+constexpr const char* portalPath = "/org/freedesktop/portal/desktop";
+constexpr const char* shortcuts = "org.freedesktop.portal.GlobalShortcuts";
+constexpr const char* request = "org.freedesktop.portal.Request";
+constexpr const char* sessions = "org.freedesktop.portal.Session";
+constexpr const char* registry = "org.freedesktop.host.portal.Registry";
+constexpr const char* applicationId = "app.tobrin.Tobrin";
+constexpr const char* shortcutId = "toggle-sounds";
+constexpr const char* portalOwnerMatch =
+    "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+    "member='NameOwnerChanged',arg0='org.freedesktop.portal.Desktop'";
+
+struct CloseBus {
+  void operator()(sd_bus* bus) const { sd_bus_flush_close_unref(bus); }
+};
+struct UnrefMessage {
+  void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
+};
+
+/// The text under `key` in the dictionary that comes next in `message`; empty where there is none.
+std::string textInDictionary(sd_bus_message* message, std::string_view key) {
+  std::string result;
+  if (sd_bus_message_enter_container(message, 'a', "{sv}") < 0) return result;
+  while (sd_bus_message_enter_container(message, 'e', "sv") > 0) {
+    const char* name = nullptr;
+    const char* text = nullptr;
+    sd_bus_message_read(message, "s", &name);
+    if (name != nullptr && key == name && sd_bus_message_read(message, "v", "s", &text) > 0) {
+      result = text;
+    } else {
+      sd_bus_message_skip(message, "v");
+    }
+    sd_bus_message_exit_container(message);
+  }
+  return result;
+}
+
+/// For poll: until the bus wants to be called whatever happens; -1 for never.
+int waitLimitMs(sd_bus* bus) {
+  uint64_t deadline = 0;  // microseconds on the monotonic clock
+  if (sd_bus_get_timeout(bus, &deadline) <= 0 || deadline == UINT64_MAX) return -1;
+  const uint64_t now = MachTime::now() / 1000;
+  return deadline <= now
+             ? 0
+             : static_cast<int>(std::min<uint64_t>(deadline - now, 60'000'000) / 1000) + 1;
+}
+
+}  // namespace
+
+/// The talk with the portal: a session is created, the combination bound in it, presses follow.
+/// Each of the two requests is answered by a signal on an object named by our token. Thread: its
+/// own.
+struct PortalShortcut::Dialogue {
+  Dialogue(std::string wantedTrigger, Listener to, WakeEvent& stopEvent)
+      : trigger(std::move(wantedTrigger)), listener(std::move(to)), stop(stopEvent) {}
+
+  void run();
+  [[nodiscard]] bool subscribe();
+  void createSession();
+  void bindShortcut();
+  void setBound(bool now);
+  void takeResponse(std::string_view token, uint32_t code, sd_bus_message* results);
+
+  static int onResponse(sd_bus_message* message, void* self, sd_bus_error*);
+  static int onActivated(sd_bus_message* message, void* self, sd_bus_error*);
+  static int onSessionClosed(sd_bus_message* message, void* self, sd_bus_error*);
+  static int onPortalOwnerChanged(sd_bus_message* message, void* self, sd_bus_error*);
+
+  const std::string trigger;
+  const Listener listener;
+  WakeEvent& stop;
+  std::unique_ptr<sd_bus, CloseBus> bus;
+  std::string session;  // its object path; empty while there is none
+  bool bound = false;
+};
+
+void PortalShortcut::Dialogue::run() {
+  nameThisThread("Tobrin.Portal");
+  sd_bus* opened = nullptr;
+  if (sd_bus_open_user(&opened) < 0) return;
+  bus.reset(opened);
+  if (!subscribe()) return;
+  createSession();
+  for (;;) {
+    int progress = 0;
+    while ((progress = sd_bus_process(bus.get(), nullptr)) > 0) {
+    }
+    if (progress < 0) break;
+    std::array<pollfd, 2> waits = {
+        {{stop.fd(), POLLIN, 0},
+         {sd_bus_get_fd(bus.get()), static_cast<short>(sd_bus_get_events(bus.get())), 0}}};
+    if (poll(waits.data(), waits.size(), waitLimitMs(bus.get())) < 0 && errno != EINTR) break;
+    if (waits[0].revents != 0) break;
+  }
+  if (!session.empty()) {
+    sd_bus_call_method_async(bus.get(), nullptr, portal, session.c_str(), sessions, "Close",
+                             nullptr, nullptr, "");
+  }
+  setBound(false);
+}
+
+bool PortalShortcut::Dialogue::subscribe() {
+  sd_bus* on = bus.get();
+  return sd_bus_match_signal(on, nullptr, portal, nullptr, request, "Response", onResponse, this) >=
+             0 &&
+         sd_bus_match_signal(on, nullptr, portal, nullptr, sessions, "Closed", onSessionClosed,
+                             this) >= 0 &&
+         sd_bus_match_signal(on, nullptr, portal, portalPath, shortcuts, "Activated", onActivated,
+                             this) >= 0 &&
+         sd_bus_add_match(on, nullptr, portalOwnerMatch, onPortalOwnerChanged, this) >= 0;
+}
+
+void PortalShortcut::Dialogue::createSession() {
+  // By this the desktop knows whose shortcut it is; older portals tell by themselves.
+  sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, registry, "Register", nullptr,
+                           nullptr, "sa{sv}", applicationId, 0);
+  sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, shortcuts, "CreateSession",
+                           nullptr, nullptr, "a{sv}", 2, "handle_token", "s", "create",
+                           "session_handle_token", "s", "tobrin");
+}
+
+void PortalShortcut::Dialogue::bindShortcut() {
+  sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, shortcuts, "BindShortcuts",
+                           nullptr, nullptr, "oa(sa{sv})sa{sv}", session.c_str(), 1, shortcutId, 2,
+                           "description", "s", "Turn sounds on or off", "preferred_trigger", "s",
+                           trigger.c_str(), "", 1, "handle_token", "s", "bind");
+}
+
+void PortalShortcut::Dialogue::setBound(bool now) {
+  if (std::exchange(bound, now) != now) listener.boundChanged(now);
+}
+
+void PortalShortcut::Dialogue::takeResponse(std::string_view token, uint32_t code,
+                                            sd_bus_message* results) {
+  if (token == "create" && code == 0) {
+    session = textInDictionary(results, "session_handle");
+    if (!session.empty()) bindShortcut();
+  } else if (token == "bind") {
+    setBound(code == 0);
+  }
+}
+
+int PortalShortcut::Dialogue::onResponse(sd_bus_message* message, void* self, sd_bus_error*) {
+  uint32_t code = 0;
+  const std::string_view path = sd_bus_message_get_path(message);
+  if (sd_bus_message_read(message, "u", &code) <= 0) return 0;
+  static_cast<Dialogue*>(self)->takeResponse(path.substr(path.rfind('/') + 1), code, message);
+  return 0;
+}
+
+int PortalShortcut::Dialogue::onActivated(sd_bus_message* message, void* self, sd_bus_error*) {
+  const auto* dialogue = static_cast<Dialogue*>(self);
+  const char* session = nullptr;
+  const char* id = nullptr;
+  if (sd_bus_message_read(message, "os", &session, &id) > 0 && dialogue->session == session &&
+      std::string_view(id) == shortcutId) {
+    dialogue->listener.pressed();
+  }
+  return 0;
+}
+
+int PortalShortcut::Dialogue::onSessionClosed(sd_bus_message* message, void* self, sd_bus_error*) {
+  auto* dialogue = static_cast<Dialogue*>(self);
+  if (dialogue->session == sd_bus_message_get_path(message)) {
+    dialogue->session.clear();
+    dialogue->setBound(false);
+  }
+  return 0;
+}
+
+int PortalShortcut::Dialogue::onPortalOwnerChanged(sd_bus_message* message, void* self,
+                                                   sd_bus_error*) {
+  auto* dialogue = static_cast<Dialogue*>(self);
+  const char* name = nullptr;
+  const char* before = nullptr;
+  const char* now = nullptr;
+  if (sd_bus_message_read(message, "sss", &name, &before, &now) <= 0) return 0;
+  if (*before != 0) {
+    dialogue->session.clear();
+    dialogue->setBound(false);
+  }
+  if (*now != 0) dialogue->createSession();
+  return 0;
+}
+
+std::string PortalShortcut::trigger(const Hotkey& hotkey, const KeyNaming& naming) {
+  std::string result;
+  constexpr std::pair<uint32_t, const char*> words[] = {{Modifiers::control, "CTRL+"},
+                                                        {Modifiers::option, "ALT+"},
+                                                        {Modifiers::shift, "SHIFT+"},
+                                                        {Modifiers::command, "LOGO+"}};
+  for (const auto& [modifier, word] : words) {
+    if (hotkey.modifiers.contains(modifier)) result += word;
+  }
+  return result + naming.symbol;
+}
+
+PortalShortcut::PortalShortcut(std::string trigger, Listener listener)
+    : dialogue_(std::make_unique<Dialogue>(std::move(trigger), std::move(listener), stop_)),
+      thread_([this] { dialogue_->run(); }) {}
+
+PortalShortcut::~PortalShortcut() {
+  stop_.raise();
+  thread_.join();
+}
+
+}  // namespace tobrin

@@ -1,0 +1,45 @@
+/// One key combination asked of the desktop portal, which is how Wayland desktops offer them. The
+/// desktop asks its user, who may choose another combination or refuse.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "Input/Accelerator.h"
+#include "Input/Hotkey.h"
+#include "Threads/WakeEvent.h"
+
+namespace tobrin {
+
+class PortalShortcut final {
+ public:
+  struct Listener {
+    std::function<void()> pressed;
+    /// Whether the desktop now tells of presses; once it has agreed, and again when it goes.
+    std::function<void(bool bound)> boundChanged;
+  };
+
+  /// The combination in the portal's words ("CTRL+ALT+LOGO+k"), with the key named as the layout
+  /// does.
+  static std::string trigger(const Hotkey& hotkey, const KeyNaming& naming);
+
+  /// Starts asking; never waits. The listener is called on a thread of this object's. Where no
+  /// portal answers nothing is ever said. A portal that comes or returns later is asked then.
+  PortalShortcut(std::string trigger, Listener listener);
+
+  /// When it returns, the last call of the listener has ended and the combination is given back.
+  ~PortalShortcut();
+  PortalShortcut(const PortalShortcut&) = delete;
+  PortalShortcut& operator=(const PortalShortcut&) = delete;
+
+ private:
+  struct Dialogue;
+
+  WakeEvent stop_;
+  std::unique_ptr<Dialogue> dialogue_;
+  std::thread thread_;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,138 @@
+#include "Shortcuts/DesktopShortcuts.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <atomic>
+#include <functional>
+#include <map>
+#include <optional>
+#include <thread>
+
+#include "FakePortal.h"
+#include "Input/GlobalHotkey.h"
+#include "Support/PrivateXServer.h"
+#include "Support/TempFolder.h"
+
+namespace tobrin {
+namespace {
+
+using Kind = GlobalHotkey::Status::Kind;
+using testing::FakePortal;
+using testing::PrivateBus;
+using testing::PrivateXServer;
+
+constexpr Hotkey toggle{40, {Modifiers::control | Modifiers::option | Modifiers::command}};
+
+Environment environmentOf(std::map<std::string, std::string> values) {
+  return [values = std::move(values)](const char* name) {
+    const auto found = values.find(name);
+    return found == values.end() ? "" : found->second;
+  };
+}
+
+bool becomes(const std::function<bool()>& condition) {
+  for (int i = 0; i < 1000 && !condition(); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return condition();
+}
+
+/// Types the shortcut into our own key events.
+void typeChord(ShortcutService& service) {
+  constexpr uint16_t chord[] = {59, 58, 55, 40};
+  for (const uint16_t code : chord)
+    service.observe({code, KeyAction::down, 0});
+  for (const uint16_t code : chord)
+    service.observe({code, KeyAction::up, 0});
+}
+
+TEST(DesktopShortcuts, AnX11SessionGrabsFromItsServerAndNamesKeysByItsLayout) {
+  PrivateXServer server;
+  const Environment session =
+      environmentOf({{"XDG_SESSION_TYPE", "x11"}, {"DISPLAY", server.display()}});
+  std::atomic<int> presses{0};
+  DesktopShortcuts first(session);
+  DesktopShortcuts second(session);
+  GlobalHotkey hotkey(first, [&] { ++presses; });
+  GlobalHotkey rival(second, [] {});
+  EXPECT_EQ(hotkey.registerHotkey(toggle).kind, Kind::active);
+  EXPECT_EQ(rival.registerHotkey(toggle).kind, Kind::taken);
+  server.press({KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_K});
+  EXPECT_TRUE(becomes([&] { return presses == 1; }));
+  typeChord(first);
+  EXPECT_EQ(presses, 1) << "the same press in our own key events counts once";
+  EXPECT_EQ(hotkey.registerHotkey(toggle).kind, Kind::active) << "again";
+  hotkey.unregister();
+  EXPECT_EQ(rival.registerHotkey(toggle).kind, Kind::active);
+
+  EXPECT_EQ(first.keyName(40), "k");
+  EXPECT_EQ(first.keyName(49), std::nullopt) << "a space is no name";
+  EXPECT_EQ(first.keyName(9999), std::nullopt);
+}
+
+TEST(DesktopShortcuts, AWaylandSessionHearsItsOwnKeysUntilThePortalAgrees) {
+  const PrivateBus bus;
+  std::atomic<int> presses{0};
+  DesktopShortcuts service(environmentOf({{"XDG_SESSION_TYPE", "wayland"}}));
+  GlobalHotkey hotkey(service, [&] { ++presses; });
+  EXPECT_EQ(hotkey.registerHotkey(toggle).kind, Kind::active);
+  typeChord(service);
+  EXPECT_EQ(presses, 1);
+
+  std::optional<FakePortal> portal(std::in_place, 0U);  // comes later
+  const auto isBound = [&] { return service.description() == "desktop portal"; };
+  ASSERT_TRUE(becomes(isBound));
+  EXPECT_EQ(portal->trigger(), "CTRL+ALT+LOGO+k");
+  typeChord(service);
+  EXPECT_EQ(presses, 1) << "now the portal's to tell";
+  hotkey.registerHotkey(toggle);  // the same again
+  EXPECT_TRUE(isBound()) << "nobody is asked twice";
+  portal->activate();
+  EXPECT_TRUE(becomes([&] { return presses == 2; }));
+
+  portal.reset();
+  ASSERT_TRUE(becomes([&] { return !isBound(); }));
+  typeChord(service);
+  EXPECT_EQ(presses, 3);
+  portal.emplace(1U);
+  ASSERT_TRUE(becomes([&] { return !portal->trigger().empty(); }));
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  EXPECT_FALSE(isBound()) << "refused";
+  hotkey.unregister();
+  typeChord(service);
+  EXPECT_EQ(presses, 3);
+}
+
+TEST(SystemShortcuts, AreThoseOfTheDesktopThatRuns) {
+  const testing::TempFolder folder;
+  const std::string config = folder.path().string();
+  folder.write("kglobalshortcutsrc", "[a]\nLaunch=Meta+K,none,Launch\n");
+  const auto program = folder.write("gsettings", R"(#!/bin/sh
+case $1 in
+  get) echo "'<Super>F9'" ;;
+  *) echo "org.gnome.shell.keybindings toggle ['<Super>s']"
+     echo "org.gnome.Terminal.Legacy.Keybindings:/x/ new-tab '<Super>t'"
+     echo "org.gnome.settings-daemon.plugins.media-keys custom-keybindings ['/custom0/']" ;;
+esac
+)");
+  chmod(program.c_str(), 0755);
+  const std::string path = std::getenv("PATH");
+  setenv("PATH", (config + ":" + path).c_str(), 1);
+  const auto isReserved = [&](const char* desktop, uint32_t keyCode) {
+    DesktopShortcuts service(
+        environmentOf({{"XDG_CURRENT_DESKTOP", desktop}, {"XDG_CONFIG_HOME", config}}));
+    return service.isReserved({keyCode, {Modifiers::command}});
+  };
+  EXPECT_TRUE(isReserved("ubuntu:GNOME", 1));
+  EXPECT_TRUE(isReserved("GNOME", 101)) << "the user's own, F9";
+  EXPECT_FALSE(isReserved("GNOME", 17)) << "an application's";
+  EXPECT_FALSE(isReserved("GNOME", 40));
+  EXPECT_TRUE(isReserved("KDE", 40));
+  EXPECT_FALSE(isReserved("KDE", 1));
+  EXPECT_FALSE(isReserved("sway", 1));
+  setenv("PATH", path.c_str(), 1);
+}
+
+}  // namespace
+}  // namespace tobrin
