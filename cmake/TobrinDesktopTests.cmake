@@ -5,7 +5,7 @@ set(TOBRIN_DESKTOP_SESSION ${PROJECT_SOURCE_DIR}/Tests/Desktop/desktop-session)
 
 # tobrin_add_desktop_test(NAME name COMMAND program|target [argument...]
 #                         [SESSION option...] [TIMEOUT seconds] [LABELS label...] [SERIAL])
-# SESSION passes options to desktop-session. SERIAL, for tests that measure time: no other test beside it.
+# TOBRIN_DESKTOP_TOOLS is in its environment. SESSION passes options to desktop-session. SERIAL, for tests that measure time: no other test beside it.
 function(tobrin_add_desktop_test)
   cmake_parse_arguments(PARSE_ARGV 0 arg "SERIAL" "NAME;TIMEOUT" "COMMAND;SESSION;LABELS")
   list(POP_FRONT arg_COMMAND program)
@@ -20,7 +20,7 @@ function(tobrin_add_desktop_test)
   set_tests_properties(
     ${arg_NAME}
     PROPERTIES TIMEOUT ${arg_TIMEOUT} SKIP_RETURN_CODE 77 LABELS "desktop;${arg_LABELS}" RUN_SERIAL "${arg_SERIAL}"
-               ENVIRONMENT "PYTHONDONTWRITEBYTECODE=1")
+               ENVIRONMENT "PYTHONDONTWRITEBYTECODE=1;TOBRIN_DESKTOP_TOOLS=${PROJECT_BINARY_DIR}/desktop-tools")
 endfunction()
 
 # tobrin_add_desktop_tests(name library...): a GoogleTest program that runs whole in one session.

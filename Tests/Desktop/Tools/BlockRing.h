@@ -1,0 +1,76 @@
+/// Carries recorded audio from the sound server's real-time thread to the thread that writes files.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace tobrin::testing {
+
+constexpr size_t CHANNELS = 2;
+constexpr double SAMPLE_RATE = 48000;
+
+/// A run of frames, interleaved, and the time at which the sink played the first of them.
+struct TimedBlock {
+  static constexpr size_t CAPACITY = 1024;  // frames
+  int64_t startNs = 0;
+  size_t frames = 0;
+  std::array<float, CAPACITY * CHANNELS> samples{};
+};
+
+/// One producer, one consumer; never waits, counts what it could not take.
+class BlockRing final {
+ public:
+  BlockRing() : blocks_(512) {}
+
+  /// Any length; split into blocks. Thread: producer.
+  void push(int64_t startNs, std::span<const float> interleaved) noexcept {
+    while (!interleaved.empty()) {
+      const size_t samples = std::min(interleaved.size(), TimedBlock::CAPACITY * CHANNELS);
+      pushBlock(startNs, interleaved.first(samples));
+      startNs += static_cast<int64_t>(static_cast<double>(samples / CHANNELS) * 1e9 / SAMPLE_RATE);
+      interleaved = interleaved.subspan(samples);
+    }
+  }
+
+  /// Null when empty; the block stays valid until pop(). Thread: consumer.
+  [[nodiscard]] const TimedBlock* front() const noexcept {
+    const size_t read = read_.load(std::memory_order_relaxed);
+    // Pairs with the store in pushBlock(), which publishes the block's contents.
+    return read == written_.load(std::memory_order_acquire) ? nullptr
+                                                            : &blocks_[read % blocks_.size()];
+  }
+  void pop() noexcept {
+    // Pairs with the load in pushBlock(): the slot may be filled again.
+    read_.store(read_.load(std::memory_order_relaxed) + 1, std::memory_order_release);
+  }
+
+  [[nodiscard]] uint64_t lostFrames() const noexcept {
+    return lost_.load(std::memory_order_relaxed);
+  }
+
+ private:
+  void pushBlock(int64_t startNs, std::span<const float> samples) noexcept {
+    const size_t written = written_.load(std::memory_order_relaxed);
+    if (written - read_.load(std::memory_order_acquire) == blocks_.size()) {
+      lost_.fetch_add(samples.size() / CHANNELS, std::memory_order_relaxed);
+      return;
+    }
+    TimedBlock& block = blocks_[written % blocks_.size()];
+    block.startNs = startNs;
+    block.frames = samples.size() / CHANNELS;
+    std::copy(samples.begin(), samples.end(), block.samples.begin());
+    written_.store(written + 1, std::memory_order_release);
+  }
+
+  std::vector<TimedBlock> blocks_;
+  std::atomic<size_t> written_{0};  // producer
+  std::atomic<size_t> read_{0};     // consumer
+  std::atomic<uint64_t> lost_{0};
+};
+
+}  // namespace tobrin::testing

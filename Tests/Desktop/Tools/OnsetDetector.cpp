@@ -1,0 +1,34 @@
+#include "OnsetDetector.h"
+
+#include <algorithm>
+
+namespace tobrin::testing {
+namespace {
+
+// frames at 48 kHz
+constexpr size_t RINGING_FRAMES = 240;
+constexpr size_t HOLD_OFF_FRAMES = 720;
+constexpr size_t PEAK_FRAMES = 480;
+constexpr float RISE = 2.0F;
+
+}  // namespace
+
+void OnsetDetector::add(float magnitude) {
+  while (!window_.empty() && window_.front().first + RINGING_FRAMES < frame_)
+    window_.pop_front();
+  const bool free = onsets_.empty() || frame_ - onsets_.back().frame >= HOLD_OFF_FRAMES;
+  if (free && magnitude > floor_ && magnitude > RISE * ringing())
+    onsets_.push_back({frame_, magnitude});
+  if (!onsets_.empty() && frame_ - onsets_.back().frame < PEAK_FRAMES)
+    onsets_.back().peak = std::max(onsets_.back().peak, magnitude);
+  remember(magnitude);
+  ++frame_;
+}
+
+void OnsetDetector::remember(float magnitude) {
+  while (!window_.empty() && window_.back().second <= magnitude)
+    window_.pop_back();
+  window_.emplace_back(frame_, magnitude);
+}
+
+}  // namespace tobrin::testing

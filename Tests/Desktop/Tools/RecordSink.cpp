@@ -1,0 +1,91 @@
+// record-sink: records what a sink plays into OUT.wav, and the time of its frames on
+// CLOCK_MONOTONIC into OUT.wav.clock, until it is interrupted. Prints "recording" once sound
+// arrives. A sound server that goes away is waited for. Exit status 1 when frames were lost.
+#include <pipewire/pipewire.h>
+
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+
+#include "BlockRing.h"
+#include "MonitorStream.h"
+#include "PipeWireHandles.h"
+#include "TimedRecording.h"
+
+namespace {
+
+using tobrin::testing::BlockRing;
+using tobrin::testing::MonitorStream;
+using tobrin::testing::PipeWireHandle;
+using tobrin::testing::TimedRecording;
+
+constexpr timespec PERIOD{0, 20'000'000};
+constexpr int TICKS_BETWEEN_ATTEMPTS = 5;  // a tenth of a second
+
+class Recorder final {
+ public:
+  Recorder(const std::string& path, const std::string& sink)
+      : recording_(path), loop_(pw_main_loop_new(nullptr)), stream_(loop_.get(), sink, ring_) {
+    pw_loop* loop = pw_main_loop_get_loop(loop_.get());
+    for (const int number : {SIGINT, SIGTERM})
+      pw_loop_add_signal(
+          loop, number, [](void* self, int) { pw_main_loop_quit(loopOf(self)); }, this);
+    spa_source* timer = pw_loop_add_timer(
+        loop, [](void* self, uint64_t) { static_cast<Recorder*>(self)->tick(); }, this);
+    timespec period = PERIOD;
+    pw_loop_update_timer(loop, timer, &period, &period, false);
+  }
+
+  int run() {
+    stream_.ensureConnected();
+    pw_main_loop_run(loop_.get());
+    drain();
+    if (ring_.lostFrames() == 0) return 0;
+    std::cerr << "record-sink: lost " << ring_.lostFrames() << " frames\n";
+    return 1;
+  }
+
+ private:
+  static pw_main_loop* loopOf(void* self) { return static_cast<Recorder*>(self)->loop_.get(); }
+
+  void tick() {
+    if (++ticks_ % TICKS_BETWEEN_ATTEMPTS == 0) stream_.ensureConnected();
+    drain();
+  }
+
+  void drain() {
+    while (const auto* block = ring_.front()) {
+      recording_.append(*block);
+      ring_.pop();
+      if (!announced_) std::puts("recording");
+      if (!announced_) std::fflush(stdout);
+      announced_ = true;
+    }
+  }
+
+  BlockRing ring_;
+  TimedRecording recording_;
+  PipeWireHandle<pw_main_loop> loop_;
+  MonitorStream stream_;
+  int ticks_ = 0;
+  bool announced_ = false;
+};
+
+}  // namespace
+
+int main(int count, char** words) {
+  if (count != 2 && count != 3) {
+    std::cerr << "record-sink OUT.wav [SINK]\n";
+    return 2;
+  }
+  tobrin::testing::blockEndingSignals();
+  pw_init(nullptr, nullptr);
+  try {
+    return Recorder(words[1], count == 3 ? words[2] : "").run();
+  } catch (const std::exception& error) {
+    std::cerr << "record-sink: " << error.what() << "\n";
+    return 1;
+  }
+}

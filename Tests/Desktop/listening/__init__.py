@@ -1,0 +1,7 @@
+"""Types on a private desktop, records what is played there, and tells which press made which sound."""
+
+from .matching import Figures, Match, figures, match
+from .tools import Background, Press, Sound, find_sounds, press_keys, record, tool
+
+__all__ = ["Background", "Figures", "Match", "Press", "Sound", "figures", "find_sounds", "match", "press_keys",
+           "record", "tool"]

@@ -1,0 +1,65 @@
+#!/usr/bin/env python3
+"""The tools' times agree: what an instrument says it played when is when the recording has it."""
+
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+from listening import Background, Press, Sound, figures, find_sounds, match, press_keys, record, tool  # noqa: E402
+
+CTL = pathlib.Path(__file__).resolve().parent / "desktop-ctl"
+SAMPLE_NS = 1e9 / 48000
+
+
+class MatchingTest(unittest.TestCase):
+    def test_each_sound_answers_one_press(self):
+        presses = [Press(int(ms * 1e6), 30, True) for ms in (100, 200, 300, 310)]
+        sounds = [Sound(int(ms * 1e6), -6.0) for ms in (50, 103, 306, 600)]
+        matches = match(presses, sounds)
+        self.assertEqual([each.latency_ms for each in matches], [3.0, None, 6.0, None])
+        result = figures(matches)
+        self.assertEqual((result.missed, result.p50, result.p99), (2, 3.0, 6.0))
+
+
+class ToolsTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.wav = pathlib.Path(folder.name) / "sink.wav"
+
+    def listen(self, presses):
+        with Background([tool("impulse-instrument")]) as instrument:
+            instrument.wait_for("ready")
+            typed = press_keys("--random", presses, "--gap", "60:110", "--delay", 500)
+            instrument.stop()
+        played = [int(line.split()[1]) for line in instrument.lines if line.startswith("impulse")]
+        return [press for press in typed if press.down], played
+
+    def test_the_recording_holds_each_impulse_at_its_sample(self):
+        with record(self.wav):
+            presses, played = self.listen(60)
+        sounds = find_sounds(self.wav)
+        self.assertGreaterEqual(len(sounds), 57)
+        for sound in sounds:
+            self.assertLess(min(abs(sound.ns - ns) for ns in played), SAMPLE_NS)
+            self.assertAlmostEqual(sound.peak_db, -6.0, delta=0.1)
+        result = figures(match(presses, sounds))
+        self.assertLessEqual(result.missed, 3)
+        self.assertLess(result.p50, 20)
+
+    def test_the_recorder_outlives_the_sound_server(self):
+        with record(self.wav):
+            self.listen(5)
+            subprocess.run([CTL, "restart-sound"], check=True, stdout=subprocess.DEVNULL)
+            _, played = self.listen(10)
+        late = [sound.ns for sound in find_sounds(self.wav) if sound.ns >= played[0] - SAMPLE_NS]
+        self.assertGreaterEqual(len(late), 9)
+        for ns in late:
+            self.assertLess(min(abs(ns - other) for other in played), SAMPLE_NS)
+
+
+if __name__ == "__main__":
+    unittest.main()
