@@ -1,0 +1,56 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+#include "TobrinMixer.h"
+
+namespace tobrin {
+
+static_assert(std::is_trivially_copyable_v<TBCommand>);
+static_assert(std::atomic<uint32_t>::is_always_lock_free);
+
+/// The queue between the one producer of commands and the render thread.
+///
+/// Both counts run on without bound and wrap at 2^32; a slot is its count modulo the capacity. Each
+/// count has one writer and a cache line of its own, so neither side slows the other by writing.
+class CommandRing final {
+ public:
+  /// Copies `command` into the ring; false when every slot is taken. Thread: producer.
+  [[nodiscard]] bool push(const TBCommand& command) noexcept {
+    const uint32_t write = write_.load(std::memory_order_relaxed);
+    // Pairs with the release store in drain(): slots the consumer gave back may be overwritten.
+    if (write - read_.load(std::memory_order_acquire) >= TB_RING_CAPACITY) return false;
+    slots_[write % TB_RING_CAPACITY] = command;
+    // Publishes the slot; pairs with the acquire load in drain().
+    write_.store(write + 1, std::memory_order_release);
+    return true;
+  }
+
+  /// Hands every waiting command to `apply`, oldest first. Thread: render.
+  template <typename Apply>
+  void drain(Apply&& apply) noexcept {
+    uint32_t read = read_.load(std::memory_order_relaxed);
+    // Pairs with the release store in push(): the slots below this count are filled.
+    const uint32_t end = write_.load(std::memory_order_acquire);
+    if (read == end) return;
+    for (; read != end; ++read)
+      apply(slots_[read % TB_RING_CAPACITY]);
+    // Gives the slots back; pairs with the acquire load in push().
+    read_.store(end, std::memory_order_release);
+  }
+
+ private:
+  static_assert((TB_RING_CAPACITY & (TB_RING_CAPACITY - 1)) == 0,
+                "slots are taken modulo a power of two");
+  static constexpr size_t cacheLine = 64;
+
+  alignas(cacheLine) std::atomic<uint32_t> write_{0};
+  alignas(cacheLine) std::atomic<uint32_t> read_{0};
+  alignas(cacheLine) std::array<TBCommand, TB_RING_CAPACITY> slots_{};
+};
+
+}  // namespace tobrin

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "TobrinMixer.h"
+
+namespace tobrin {
+
+/// One layer of a sounding voice; `right` equals `left` for mono sound, both are null when empty.
+struct VoiceLayer {
+  const float* left = nullptr;
+  const float* right = nullptr;
+  uint64_t frames = 0;
+};
+
+/// One sounding voice. Owned by the render thread.
+///
+/// Positions and rates are fixed-point numbers with `fractionBits` binary places. A float rate
+/// between 0.25 and 4 is a whole number of those units, so positions are exact however far a voice
+/// has run, and so is the count of frames it has left.
+struct MixerVoice {
+  static constexpr int fractionBits = 25;
+  static constexpr uint64_t one = uint64_t{1} << fractionBits;
+
+  bool active = false;
+  bool releasing = false;  ///< fading out for good
+  uint32_t tag = 0;
+  uint64_t sequence = 0;  ///< how many voices had started with this one; the smallest is oldest
+  std::array<VoiceLayer, TB_LAYERS> layers;
+  std::array<float, TB_LAYERS> target{};    ///< gains once no ramp runs
+  std::array<float, TB_LAYERS> rampFrom{};  ///< gains in the ramp's first frame
+  std::array<float, TB_LAYERS> rampStep{};  ///< change a frame while the ramp runs
+  uint32_t rampFrame = 0;                   ///< frames of the ramp already played
+  uint32_t rampLeft = 0;                    ///< frames of the ramp still to come
+  uint32_t length = 0;                      ///< frames of the longest layer
+  uint64_t position = 0;                    ///< fixed point, frames into the samples
+  uint64_t rate = one;                      ///< fixed point, frames a frame
+  float panLeft = 1;
+  float panRight = 1;
+
+  /// The gain of `layer` in the next frame.
+  [[nodiscard]] float gain(uint32_t layer) const noexcept {
+    if (rampLeft == 0) return target[layer];
+    return rampFrom[layer] + rampStep[layer] * static_cast<float>(rampFrame);
+  }
+
+  /// Starts a ramp of `frames` from the present gains to `gains`.
+  void rampTo(const std::array<float, TB_LAYERS>& gains, uint32_t frames) noexcept;
+
+  /// Frames until the position reaches the end, 0 when it has.
+  [[nodiscard]] uint64_t framesLeft() const noexcept {
+    const uint64_t end = uint64_t{length} << fractionBits;
+    return position >= end ? 0 : (end - position + rate - 1) / rate;
+  }
+
+  /// Moves on by `frames`, no more than are left of a running ramp.
+  void advance(uint32_t frames) noexcept;
+};
+
+}  // namespace tobrin
