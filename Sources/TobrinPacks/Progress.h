@@ -1,0 +1,30 @@
+/// Tells a person at a terminal how far a long operation has come; silent for the first second and
+/// wherever standard error is no terminal.
+#pragma once
+
+#include <chrono>
+#include <ostream>
+#include <string>
+
+namespace tobrin {
+
+class Progress final {
+ public:
+  /// `what` names the operation, such as "rendering".
+  Progress(std::ostream& err, std::string what);
+  /// Clears the line.
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  /// Thread: the one that made it. `fraction` from 0 to 1.
+  void show(double fraction);
+
+ private:
+  std::ostream& err_;
+  std::string what_;
+  std::chrono::steady_clock::time_point next_;
+  bool isShown_ = false;
+};
+
+}  // namespace tobrin
