@@ -1,0 +1,40 @@
+/// Renders the sound of one key from a profile: a pure function of profile, group, tier and
+/// variant, bit for bit, since all chance comes from seeds of those. Not real-time. Thread: any.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "Engine/KeyEvent.h"
+#include "Synth/SynthProfile.h"
+
+namespace tobrin {
+
+struct KeySynth {
+  static constexpr double sampleRate = 48000;  ///< Hz, of every take
+
+  /// How a group's keys differ from the letters: factors, and the amount of stabiliser rattle.
+  struct GroupShape {
+    double frequency = 1;
+    double decay = 1;
+    double level = 1;
+    double rattle = 0;
+  };
+
+  struct Sound {
+    std::vector<float> left;
+    std::vector<float> right;  ///< as long as `left`
+  };
+
+  static GroupShape shape(KeyGroup group);
+  /// 0.45 to 1.4 for a press; 0.6 for a release, which has no tier.
+  static double strength(std::optional<Tier> tier);
+
+  /// One take, its level as it comes. No tier stands for the key's release; `variant` counts from 0
+  /// and changes the noise and every detail of the key.
+  static Sound render(KeyGroup group, std::optional<Tier> tier, uint64_t variant,
+                      const SynthProfile& profile);
+};
+
+}  // namespace tobrin
