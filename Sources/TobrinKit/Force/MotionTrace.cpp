@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <ostream>
 
 #include "Force/TraceCsv.h"
@@ -17,6 +18,13 @@ void writeNumber(std::ostream& out, double number) {
   if (error == std::errc()) out.write(text.data(), end - text.data());
 }
 
+double axis(const TraceCsv& lines, std::size_t field) {
+  constexpr double most = 32768;  // g; what a report can say
+  const double number = lines.number(field);
+  if (std::abs(number) > most) lines.fail("more than 32768 g");
+  return number;
+}
+
 }  // namespace
 
 MotionTrace MotionTrace::load(const std::filesystem::path& file) {
@@ -28,7 +36,7 @@ MotionTrace MotionTrace::parse(std::string_view text, const std::string& name) {
   MotionTrace trace;
   while (lines.next()) {
     const Sample sample{lines.whole(0, INT64_MAX),
-                        {lines.number(1), lines.number(2), lines.number(3)}};
+                        {axis(lines, 1), axis(lines, 2), axis(lines, 3)}};
     if (!trace.samples.empty() && sample.time < trace.samples.back().time)
       lines.fail("the time goes back, from " + std::to_string(trace.samples.back().time) + " to " +
                  std::to_string(sample.time));

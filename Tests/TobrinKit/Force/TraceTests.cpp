@@ -46,6 +46,7 @@ TEST(MotionTrace, MalformedTracesAreNamedWithFileAndLine) {
       {"time,x,y,z\n", "T:1: expected the header \"time_ns,x,y,z\""},
       {"time_ns,x,y,z\n1,2,3\n", "T:2: expected 4 fields (time_ns,x,y,z), found 3"},
       {"time_ns,x,y,z\n1,0,0,0\n1,0,zero,0\n", "T:3: y is no number: \"zero\""},
+      {"time_ns,x,y,z\n1,0,-1e300,0\n", "T:2: more than 32768 g"},
       {"time_ns,x,y,z\n1,0,0,inf\n", "T:2: z is no number: \"inf\""},
       {"time_ns,x,y,z\n-1,0,0,0\n",
        "T:2: time_ns is no whole number from 0 to 9223372036854775807: \"-1\""},
