@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "CheckCommand.h"
+#include "GenerateCommand.h"
 #include "ListCommand.h"
 #include "PrintableText.h"
 
@@ -15,6 +16,7 @@ constexpr const char* footer = R"(
 Examples:
   tobrin-packs list                    what the application would offer
   tobrin-packs check Packs/mine        what a pack holds, or why it does not load
+  tobrin-packs generate --into Packs   the starter packs
 
 'tobrin-packs COMMAND --help' says more about each.
 )";
@@ -22,6 +24,7 @@ Examples:
 void addCommands(CLI::App& app, const CommandStreams& streams) {
   addListCommand(app, streams);
   addCheckCommand(app, streams);
+  addGenerateCommand(app, streams);
 }
 
 /// What `--help` and `--version` throw is no error; everything else is wrong usage.
