@@ -1,0 +1,30 @@
+#include "Engine/Log.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "Engine/Mutex.h"
+
+namespace tobrin {
+namespace {
+
+Mutex sinkLock;
+Log::Sink currentSink TOBRIN_GUARDED_BY(sinkLock);  // empty: standard error
+
+}  // namespace
+
+void Log::line(const std::string& text) {
+  const std::string line = "Tobrin: " + text;
+  MutexLock lock(sinkLock);
+  if (currentSink)
+    currentSink(line);
+  else
+    std::fprintf(stderr, "%s\n", line.c_str());
+}
+
+void Log::setSink(Sink sink) {
+  MutexLock lock(sinkLock);
+  currentSink = std::move(sink);
+}
+
+}  // namespace tobrin
