@@ -1,0 +1,72 @@
+/// One connection to the sound server that outlives the server: lost, it is tried again until it is
+/// no longer wanted. Everything here runs on the loop's thread or holds its lock.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+
+struct pw_core;
+
+namespace tobrin {
+
+class PipeWireLoop;
+
+class PipeWireConnection final {
+ public:
+  struct Events {
+    /// The server answers; objects may be made on `core`.
+    std::function<void(pw_core* core)> connected;
+    /// The server is gone or the connection ends: what was made on the core is to be destroyed.
+    std::function<void()> lost;
+  };
+
+  /// After a loss the server is tried every 100 ms at first, then less often, at least every
+  /// `longestPause`.
+  PipeWireConnection(PipeWireLoop& loop, std::chrono::milliseconds longestPause, Events events);
+  /// Ends the connection. Takes the lock itself.
+  ~PipeWireConnection();
+  PipeWireConnection(const PipeWireConnection&) = delete;
+  PipeWireConnection& operator=(const PipeWireConnection&) = delete;
+
+  /// Connects, and keeps the connection alive until `close`. False when no server answers now.
+  bool open();
+
+  /// Stays connected while the server lives, but tries no more once it is gone.
+  void rest();
+
+  /// Ends the connection and every further attempt.
+  void close();
+
+  /// Takes the server for gone, for `reason`: what was made on the core is dropped as soon as the
+  /// loop comes round, and the server tried again.
+  void breakOff(const std::string& reason);
+
+  [[nodiscard]] bool isOpen() const { return core_ != nullptr && !broken_; }
+
+  /// Why there is no connection, in words.
+  [[nodiscard]] const std::string& problem() const { return problem_; }
+
+ private:
+  struct Hooks;
+  static void coreError(void* self, uint32_t id, int sequence, int result, const char* message);
+  static void timerFired(void* self, uint64_t expirations);
+  bool connect();
+  void drop();
+  void lengthenPause();
+  void scheduleIn(std::chrono::nanoseconds delay);
+
+  PipeWireLoop& loop_;                            // fixed after construction
+  const std::chrono::milliseconds longestPause_;  // fixed after construction
+  const Events events_;                           // fixed after construction
+  std::unique_ptr<Hooks> hooks_;
+  pw_core* core_ = nullptr;
+  bool broken_ = false;  // the core is of no more use, and waits to be dropped outside its events
+  bool wanted_ = false;
+  std::chrono::milliseconds pause_;  // before the next attempt
+  std::chrono::steady_clock::time_point connectedAt_;
+  std::string problem_;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,96 @@
+#include "PipeWire/PipeWireLoop.h"
+
+#include <pipewire/pipewire.h>
+
+#include <cassert>
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include "Threads/ThreadName.h"
+
+namespace tobrin {
+
+namespace {
+
+int nameDataThread(spa_loop* /*loop*/, bool /*async*/, uint32_t /*sequence*/, const void* /*data*/,
+                   size_t /*size*/, void* /*context*/) {
+  nameThisThread("Tobrin.Render");
+  return 0;
+}
+
+int doNothing(spa_loop* /*loop*/, bool /*async*/, uint32_t /*sequence*/, const void* /*data*/,
+              size_t /*size*/, void* /*context*/) {
+  return 0;
+}
+
+}  // namespace
+
+PipeWireLoop::PipeWireLoop() {
+  pw_init(nullptr, nullptr);
+  loop_ = pw_thread_loop_new("Tobrin.PipeWire", nullptr);
+  if (loop_ != nullptr) {
+    // The stock client configuration leaves the data thread without real-time scheduling.
+    context_ = pw_context_new(
+        pw_thread_loop_get_loop(loop_),
+        pw_properties_new(PW_KEY_CONFIG_NAME, "client-rt.conf", PW_KEY_APP_NAME, "Tobrin",
+                          PW_KEY_APP_ID, "app.tobrin", PW_KEY_APP_ICON_NAME, "tobrin", nullptr),
+        0);
+  }
+  if (context_ == nullptr || pw_thread_loop_start(loop_) != 0) {
+    const std::string reason = std::strerror(errno);
+    if (context_ != nullptr) pw_context_destroy(context_);
+    if (loop_ != nullptr) pw_thread_loop_destroy(loop_);
+    pw_deinit();
+    throw std::runtime_error("the PipeWire library cannot be used (" + reason + ")");
+  }
+  const PipeWireLock locked(*this);
+  pw_data_loop_invoke(pw_context_get_data_loop(context_), nameDataThread, 0, nullptr, 0, false,
+                      nullptr);
+}
+
+PipeWireLoop::~PipeWireLoop() {
+  pw_thread_loop_stop(loop_);
+  pw_context_destroy(context_);
+  pw_thread_loop_destroy(loop_);
+  pw_deinit();
+}
+
+void PipeWireLoop::lock() {
+  pw_thread_loop_lock(loop_);
+}
+
+void PipeWireLoop::unlock() {
+  pw_thread_loop_unlock(loop_);
+}
+
+bool PipeWireLoop::wait(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
+  assert(!isCurrent());
+  timespec deadline{};
+  pw_thread_loop_get_time(loop_, &deadline, std::chrono::nanoseconds(limit).count());
+  while (!condition()) {
+    if (pw_thread_loop_timed_wait_full(loop_, &deadline) != 0) return condition();
+  }
+  return true;
+}
+
+void PipeWireLoop::wake() {
+  pw_thread_loop_signal(loop_, false);
+}
+
+void PipeWireLoop::finishDataCallbacks() {
+  // The data thread runs one thing after the other: when it has done this, it has done the rest.
+  // Its queue of such calls takes one caller at a time, which the lock sees to.
+  pw_data_loop_invoke(pw_context_get_data_loop(context_), doNothing, 0, nullptr, 0, true, nullptr);
+}
+
+bool PipeWireLoop::isCurrent() const {
+  return pw_thread_loop_in_thread(loop_);
+}
+
+pw_loop* PipeWireLoop::loop() const {
+  return pw_thread_loop_get_loop(loop_);
+}
+
+}  // namespace tobrin
