@@ -147,8 +147,7 @@ TEST_F(PipeWireOutputTest, ResumesByItselfAfterTheServerWasGone) {
   EXPECT_FALSE(output_.problem().empty());
 
   tellDesktop("start-sound");
-  EXPECT_TRUE(eventually([&] { return output_.isRunning() && player_.changes == 2; }))
-      << output_.isRunning() << player_.changes << output_.problem();
+  EXPECT_TRUE(eventually([&] { return output_.isRunning() && player_.changes >= 2; }));
   EXPECT_EQ(output_.problem(), "");
   const int blocks = player_.blocks;
   EXPECT_TRUE(eventually([&] { return player_.blocks > blocks + 5; }));
