@@ -5,6 +5,7 @@
 #include "CheckCommand.h"
 #include "GenerateCommand.h"
 #include "ListCommand.h"
+#include "LoudnessCommand.h"
 #include "PrintableText.h"
 
 namespace tobrin {
@@ -25,6 +26,7 @@ void addCommands(CLI::App& app, const CommandStreams& streams) {
   addListCommand(app, streams);
   addCheckCommand(app, streams);
   addGenerateCommand(app, streams);
+  addLoudnessCommand(app, streams);
 }
 
 /// What `--help` and `--version` throw is no error; everything else is wrong usage.

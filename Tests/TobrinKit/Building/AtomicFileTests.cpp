@@ -1,0 +1,56 @@
+#include "Building/AtomicFile.h"
+
+#include <gtest/gtest.h>
+
+#include "Packs/RegularFile.h"
+#include "Support/TempFolder.h"
+
+namespace tobrin {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string contentOf(const fs::path& file) {
+  return RegularFile(file).readText(1 << 20);
+}
+
+std::ptrdiff_t entriesIn(const fs::path& folder) {
+  return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
+}
+
+TEST(AtomicFile, ReplacesContentAndKeepsPermissions) {
+  const testing::TempFolder folder;
+  const fs::path file = folder.write("settings.json", "old and longer");
+  fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+  writeFileAtomically(file, "new");
+  EXPECT_EQ(contentOf(file), "new");
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_EQ(entriesIn(folder.path()), 1);
+}
+
+TEST(AtomicFile, FollowsALink) {
+  const testing::TempFolder folder;
+  const fs::path file = folder.write("real/file", "old");
+  fs::create_symlink(file, folder.path() / "link");
+  writeFileAtomically(folder.path() / "link", "new", Durability::replaced);
+  EXPECT_TRUE(fs::is_symlink(folder.path() / "link"));
+  EXPECT_EQ(contentOf(file), "new");
+}
+
+TEST(AtomicFile, FailureNamesTheTargetAndLeavesNothingBehind) {
+  const testing::TempFolder folder;
+  const fs::path occupied = folder.path() / "folder";
+  fs::create_directory(occupied);
+  for (const fs::path& target : {occupied, folder.path() / "missing/file"}) {
+    try {
+      writeFileAtomically(target, "text");
+      ADD_FAILURE() << target << " was written";
+    } catch (const fs::filesystem_error& error) {
+      EXPECT_EQ(error.path1(), target);
+    }
+  }
+  EXPECT_EQ(entriesIn(folder.path()), 1);
+}
+
+}  // namespace
+}  // namespace tobrin

@@ -1,0 +1,106 @@
+#include "Building/Loudness.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <vector>
+
+#include "Engine/SplitMix64.h"
+
+namespace tobrin {
+namespace {
+
+constexpr double rate = 48000;
+constexpr double silent = -std::numeric_limits<double>::infinity();
+
+/// Adds seconds of a 997 Hz sine whose peak is `peakDb` below full scale.
+void addSine(std::vector<float>& channel, double seconds, double peakDb) {
+  const double amplitude = std::pow(10, peakDb / 20);
+  for (int n = 0; n < static_cast<int>(seconds * rate); ++n)
+    channel.push_back(
+        static_cast<float>(amplitude * std::sin(2 * std::numbers::pi * 997 * n / rate)));
+}
+
+std::vector<float> noise(std::size_t frames, double amplitude) {
+  SplitMix64 rng(1);
+  std::vector<float> channel(frames);
+  for (float& sample : channel)
+    sample = static_cast<float>(amplitude * rng.signedUnit());
+  return channel;
+}
+
+/// The programme signals of EBU Tech 3341: pairs of seconds and dBFS, in both channels.
+TEST(Loudness, MeasuresReferenceProgrammes) {
+  struct Row {
+    const char* label;
+    std::vector<std::pair<double, double>> parts;
+    double lufs;
+  };
+  const Row rows[] = {
+      {"steady", {{20, -23}}, -23},
+      {"quieter", {{20, -33}}, -33},
+      {"relative gate", {{10, -36}, {60, -23}, {10, -36}}, -23},
+      {"both gates", {{10, -72}, {10, -36}, {60, -23}, {10, -36}, {10, -72}}, -23},
+      {"below the relative gate counts not, within it does",
+       {{20, -26}, {20.1, -20}, {20, -26}},
+       -23},
+  };
+  for (const Row& row : rows) {
+    std::vector<float> channel;
+    for (const auto& [seconds, peakDb] : row.parts)
+      addSine(channel, seconds, peakDb);
+    EXPECT_NEAR(Loudness::integrated(channel, channel, rate), row.lufs, 0.1) << row.label;
+  }
+  std::vector<float> mono;
+  addSine(mono, 5, 0);
+  EXPECT_NEAR(Loudness::integrated(mono, {}, rate), -3.01, 0.01);
+}
+
+TEST(Loudness, NeedsOneLoudBlock) {
+  const auto sound = noise(19'200, 1);
+  EXPECT_EQ(Loudness::integrated(std::span(sound).first(19'199), {}, rate), silent);
+  EXPECT_GT(Loudness::integrated(sound, {}, rate), -10);
+  EXPECT_EQ(Loudness::integrated(std::vector<float>(480'000), {}, rate), silent);
+  EXPECT_EQ(Loudness::integrated(noise(48'000, 1e-4), {}, rate), silent);
+  EXPECT_EQ(Loudness::integrated({}, {}, rate), silent);
+}
+
+TEST(Loudness, ChannelsAddUp) {
+  const auto sound = noise(96'000, 0.1);
+  const std::vector<float> nothing(sound.size());
+  const double mono = Loudness::integrated(sound, {}, rate);
+  EXPECT_NEAR(Loudness::integrated(sound, sound, rate) - mono, 10 * std::log10(2), 1e-9);
+  EXPECT_EQ(Loudness::integrated(sound, nothing, rate), mono);
+  EXPECT_EQ(Loudness::integrated(nothing, sound, rate), mono);
+}
+
+TEST(Loudness, DropsThePartialBlockAtTheEnd) {
+  auto sound = noise(43'200, 0.1);
+  const double whole = Loudness::integrated(sound, {}, rate);
+  sound.resize(43'200 + 4'799, 1.0f);
+  EXPECT_EQ(Loudness::integrated(sound, {}, rate), whole);
+  sound.resize(43'200 + 4'800, 1.0f);
+  EXPECT_NE(Loudness::integrated(sound, {}, rate), whole);
+}
+
+/// A long pause takes the filter's state to zero, which must leave no trace in what follows.
+TEST(Loudness, ForgetsWhatLiesBeforeALongPause) {
+  const auto sound = noise(96'000, 0.1);
+  std::vector<float> late(480'000 - 96'000);
+  late.insert(late.end(), sound.begin(), sound.end());
+  std::vector<float> twice = sound;
+  twice.resize(480'000 - 96'000);
+  twice.insert(twice.end(), sound.begin(), sound.end());
+  EXPECT_NEAR(Loudness::integrated(twice, {}, rate), Loudness::integrated(late, {}, rate), 0.05);
+}
+
+TEST(LoudnessDeathTest, RefusesOtherRatesAndAShortRight) {
+  const std::vector<float> sound(100);
+  EXPECT_DEATH(Loudness::integrated(sound, {}, 44'100), "");
+  EXPECT_DEATH(Loudness::integrated(sound, std::span(sound).first(99), rate), "");
+}
+
+}  // namespace
+}  // namespace tobrin
