@@ -1,15 +1,31 @@
-# test [--preset P] [FILTER]: everything, or the tests whose names match FILTER.
+# test [--preset P] [--vm] [FILTER]: everything, or the tests whose names match FILTER.
 main() {
-  local preset=release filter=()
+  local preset=release vm='' options=()
   while [ $# -gt 0 ]; do
     case $1 in
       --preset) preset=${2:?--preset needs a name}; shift ;;
+      --vm) vm=yes ;;
       -*) die "test: unknown option $1" ;;
-      *) filter=(-R "$1") ;;
+      *) options+=(-R "$1") ;;
     esac
     shift
   done
   ensure_packages scripts/packages.txt
+  [ -z "$vm" ] || ensure_packages scripts/packages-vm.txt
   build_preset "$preset"
-  ctest --preset "$preset" --parallel "$(nproc)" "${filter[@]}"
+  run_tests "$preset" "$vm" "${options[@]}"
+}
+
+# run_tests PRESET VM [CTEST_OPTION...]: the preset itself leaves the virtual machine's tests out.
+run_tests() {
+  local preset=$1 vm=$2 summary=build/$1/vm-summary.txt status=0
+  shift 2
+  if [ -z "$vm" ]; then
+    ctest --preset "$preset" --parallel "$(nproc)" "$@"
+    return
+  fi
+  rm -f "$summary"
+  ctest --test-dir "build/$preset" --output-on-failure --parallel "$(nproc)" "$@" || status=$?
+  [ ! -f "$summary" ] || cat "$summary"
+  return "$status"
 }

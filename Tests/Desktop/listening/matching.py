@@ -6,7 +6,8 @@ the first sound not taken by an earlier press whose first sample the sink plays 
     p <= s <= p + window.
 
 With a window below the least time between presses a missing sound cannot be made up for by the next press's,
-so one miss is counted as one; a sound later than that counts as missing. 
+so one miss is counted as one; a sound later than that counts as missing.
+
 Its latency is s - p. It holds the way through the X server, the program under test, the wait for the next cycle
 of the sound server (uniform between 0 and one cycle, 5.3 ms at 256 frames, when presses do not keep step with
 cycles) and the position inside the buffer. It holds no hardware: a null sink plays a buffer the moment its
