@@ -1,0 +1,121 @@
+#include "CommandLine.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "ScriptFile.h"
+#include "Support/AudioFiles.h"
+#include "Support/TempFolder.h"
+
+namespace tobrin {
+namespace {
+
+class PackWorkshop : public ::testing::Test {
+ protected:
+  PackWorkshop() {
+    setenv("TOBRIN_PACKS", (folder_.path() / "bundled").c_str(), 1);
+    setenv("XDG_DATA_HOME", (folder_.path() / "data").c_str(), 1);
+    folder_.write("bundled/one/pack.json",
+                  R"({"formatVersion":1,"id":"one","name":"On\u001be","kind":"k","groups":)"
+                  R"({"alpha":{"down":{"soft":["a.wav"],"hard":["a.wav","b.wav"]}}}})");
+    for (const char* name : {"bundled/one/a.wav", "bundled/one/b.wav"})
+      folder_.write(name, testing::wav16({}, std::vector<int16_t>(480, 8000)));
+    folder_.write("bundled/bad/pack.json",
+                  R"({"formatVersion":1,"id":"bad","name":"Bad","kind":"k","groups":)"
+                  R"({"alpha":{"down":{"soft":["../x\ny.wav"]}}}})");
+  }
+
+  int run(const std::vector<std::string>& arguments) {
+    out_.str("");
+    err_.str("");
+    return runPackWorkshop(arguments, {out_, err_});
+  }
+  [[nodiscard]] std::string path(const std::string& relative) const {
+    return (folder_.path() / relative).string();
+  }
+  [[nodiscard]] nlohmann::json output() const { return nlohmann::json::parse(out_.str()); }
+
+  testing::TempFolder folder_;
+  std::ostringstream out_;
+  std::ostringstream err_;
+};
+
+TEST_F(PackWorkshop, TellsWrongUsageFromFailure) {
+  const std::vector<std::vector<std::string>> wrong = {
+      {}, {"nonsense"}, {"--nonsense"}, {"check"}, {"check", "a", "b"}, {"list", "--bogus"}};
+  for (const auto& arguments : wrong) {
+    EXPECT_EQ(run(arguments), 2) << ::testing::PrintToString(arguments);
+    EXPECT_TRUE(err_.str().starts_with("tobrin-packs: ")) << err_.str();
+    EXPECT_EQ(out_.str(), "");
+  }
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"--help"}, {"--version"}, {"check", "--help"}}) {
+    EXPECT_EQ(run(arguments), 0);
+    EXPECT_EQ(err_.str(), "");
+    EXPECT_NE(out_.str(), "");
+  }
+  EXPECT_EQ(run({"check", path("absent")}), 1);
+  EXPECT_EQ(err_.str(), "tobrin-packs: No pack.json in " + path("absent") + "\n");
+  EXPECT_EQ(run({"check", path("bundled/bad"), "--json"}), 1);
+  EXPECT_EQ(err_.str(), "tobrin-packs: Invalid bad: path escapes pack: ../x y.wav\n") << "one line";
+  EXPECT_EQ(out_.str(), "");
+}
+
+TEST_F(PackWorkshop, ListsWhatItFinds) {
+  ASSERT_EQ(run({"list", "--json"}), 0);
+  const auto list = output();
+  ASSERT_EQ(list.size(), 2u) << "a pack with broken takes is listed too";
+  EXPECT_EQ(list[0]["id"], "bad");
+  EXPECT_EQ(list[1], (nlohmann::json{{"id", "one"},
+                                     {"name",
+                                      "On\x1B"
+                                      "e"},
+                                     {"kind", "k"},
+                                     {"bundled", true},
+                                     {"folder", path("bundled/one")}}));
+  ASSERT_EQ(run({"list"}), 0);
+  EXPECT_EQ(out_.str().find('\x1B'), std::string::npos) << "names do not command the terminal";
+}
+
+TEST_F(PackWorkshop, ChecksWhatAPackHolds) {
+  ASSERT_EQ(run({"check", path("bundled/one"), "--json"}), 0) << err_.str();
+  const auto document = output();
+  const nlohmann::json group = {{"down", {{"soft", 1}, {"medium", 1}, {"hard", 2}, {"slam", 2}}},
+                                {"up", 0}};
+  for (const char* name : {"alpha", "space", "enter", "backspace", "modifier"})
+    EXPECT_EQ(document["groups"][name], group) << name;
+  EXPECT_EQ(document["sampleCount"], 2);
+  EXPECT_EQ(document["memoryBytes"], 2 * 480 * 4);
+}
+
+TEST(ScriptFile, RefusesEntriesOutOfRangeByNumberAndKey) {
+  const std::string good = R"({"time":0.5,"code":4,"action":"up","position":3})";
+  ASSERT_EQ(parseScript("[" + good + "]"), std::vector<ScriptedKey>({{0.5, 4, KeyAction::up, 3}}));
+  const std::pair<const char*, const char*> table[] = {
+      {"{}", "not a list"},
+      {"[", "not valid JSON"},
+      {"[1]", "entry 1: is not an object"},
+      {R"([{"time":-1}])", "entry 1: \"time\" is not a number from 0 to 86400"},
+      {R"([{"time":1e9}])", "\"time\" is not"},
+      {R"([{"time":"1"}])", "\"time\" is not"},
+      {R"([{"time":0,"code":65536}])", "\"code\" is not"},
+      {R"([{"time":0,"code":1.5}])", "\"code\" is not an integer"},
+      {R"([{"time":0,"code":1,"action":"press"}])", "\"action\" is neither"},
+      {R"([{"time":0,"code":1,"action":"up"}])", "\"position\" is missing"},
+      {R"([{"time":0,"code":1,"action":"up","position":3.1}])", "\"position\" is not"},
+  };
+  for (const auto& [text, expected] : table) {
+    try {
+      (void)parseScript(text);
+      ADD_FAILURE() << text;
+    } catch (const std::runtime_error& error) {
+      EXPECT_NE(std::string(error.what()).find(expected), std::string::npos) << error.what();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tobrin
