@@ -7,6 +7,7 @@
 #include "ListCommand.h"
 #include "LoudnessCommand.h"
 #include "PrintableText.h"
+#include "RenderCommand.h"
 
 namespace tobrin {
 namespace {
@@ -18,6 +19,7 @@ Examples:
   tobrin-packs list                    what the application would offer
   tobrin-packs check Packs/mine        what a pack holds, or why it does not load
   tobrin-packs generate --into Packs   the starter packs
+  tobrin-packs render Packs/mine --text "hello" --out hello.wav
 
 'tobrin-packs COMMAND --help' says more about each.
 )";
@@ -27,6 +29,7 @@ void addCommands(CLI::App& app, const CommandStreams& streams) {
   addCheckCommand(app, streams);
   addGenerateCommand(app, streams);
   addLoudnessCommand(app, streams);
+  addRenderCommand(app, streams);
 }
 
 /// What `--help` and `--version` throw is no error; everything else is wrong usage.
@@ -47,6 +50,13 @@ void refuseUnknownCommand(const CLI::App& app, const std::vector<std::string>& a
   throw CLI::ValidationError("no command '" + arguments.front() + "'");
 }
 
+/// The error's text without the prefix that the standard library puts before some.
+std::string reasonOf(const std::exception& error) {
+  const std::string text = error.what();
+  const std::string_view prefix = "filesystem error: ";
+  return printable(text.starts_with(prefix) ? text.substr(prefix.size()) : text);
+}
+
 }  // namespace
 
 int runPackWorkshop(const std::vector<std::string>& arguments, const CommandStreams& streams) {
@@ -64,7 +74,7 @@ int runPackWorkshop(const std::vector<std::string>& arguments, const CommandStre
   } catch (const CLI::ParseError& error) {
     return reportParse(app, error, streams);
   } catch (const std::exception& error) {
-    streams.err << "tobrin-packs: " << printable(error.what()) << '\n';
+    streams.err << "tobrin-packs: " << reasonOf(error) << '\n';
     return failed;
   }
 }

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <sstream>
 
 namespace tobrin {
@@ -19,6 +21,17 @@ inline CLI::Validator numberFrom(double low, double high) {
     return fits ? std::string() : "must be " + wanted + ", not " + text;
   };
   return {check, std::string(), "number range"};
+}
+
+/// Accepts whole numbers of 64 bits; the parser itself would wrap -1 and cut what is too large.
+inline CLI::Validator wholeNumber() {
+  const auto check = [](const std::string& text) {
+    uint64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    const bool fits = error == std::errc() && end == text.data() + text.size();
+    return fits ? std::string() : "must be a whole number from 0 to 2^64 - 1, not " + text;
+  };
+  return {check, std::string(), "whole number"};
 }
 
 }  // namespace tobrin

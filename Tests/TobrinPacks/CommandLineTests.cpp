@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "Packs/SampleBuffer.h"
 #include "ScriptFile.h"
 #include "Support/AudioFiles.h"
 #include "Support/TempFolder.h"
@@ -89,6 +91,71 @@ TEST_F(PackWorkshop, ChecksWhatAPackHolds) {
     EXPECT_EQ(document["groups"][name], group) << name;
   EXPECT_EQ(document["sampleCount"], 2);
   EXPECT_EQ(document["memoryBytes"], 2 * 480 * 4);
+}
+
+TEST_F(PackWorkshop, RendersTheSameSoundEveryTime) {
+  const auto content = [&](const char* name) {
+    std::ifstream stream(path(name), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(stream), {});
+  };
+  const auto render = [&](std::vector<std::string> arguments, const char* out) {
+    arguments.insert(arguments.begin(), {"render", path("bundled/one"), "--out", path(out)});
+    return run(arguments);
+  };
+  folder_.write("text", "-a b");
+  folder_.write("silence.json", R"({"volume":0})");
+  ASSERT_EQ(render({"--text", "-a b"}, "a.wav"), 0) << err_.str();
+  ASSERT_EQ(render({"--text-file", path("text"), "--seed", "3", "--wpm", "85"}, "b.wav"), 0);
+  EXPECT_EQ(content("a.wav"), content("b.wav"));
+  ASSERT_EQ(render({"--text", "-a b", "--seed", "4"}, "b.wav"), 0);
+  EXPECT_NE(content("a.wav"), content("b.wav"));
+  ASSERT_EQ(render({"--text", "-a b", "--settings", path("silence.json")}, "b.wav"), 0);
+  EXPECT_NE(out_.str().find("silent"), std::string::npos);
+
+  // A key at the start, at full volume for lack of a ramp: the take's own first sample in float.
+  folder_.write("keys.json", R"([{"time":0,"code":49,"action":"down","position":0}])");
+  folder_.write("loud.json", R"({"volume":1,"blendTiers":false})");
+  const std::vector<std::string> exact = {
+      "--script", path("keys.json"), "--settings", path("loud.json"), "--format",
+      "f32",      "--tail",          "0.01"};
+  ASSERT_EQ(render(exact, "f.wav"), 0) << err_.str();
+  const auto sound = SampleBuffer::load(path("f.wav"), 48000);
+  ASSERT_EQ(sound->frames(), 480u);
+  EXPECT_NEAR(sound->left()[0], 8000.0 / 32768, 0.07 * 8000 / 32768);
+  const std::string first = content("f.wav");
+  ASSERT_EQ(render(exact, "f.wav"), 0);
+  EXPECT_EQ(content("f.wav"), first);
+}
+
+TEST_F(PackWorkshop, RefusesNumbersAndFilesThatMakeNoSense) {
+  const std::string out = path("out.wav");
+  const std::vector<std::string> base = {"render", path("bundled/one"), "--out", out, "--text",
+                                         "a"};
+  const std::pair<std::vector<std::string>, int> table[] = {{{"--wpm", "nan"}, 2},
+                                                            {{"--wpm", "0"}, 2},
+                                                            {{"--wpm", "1e300"}, 2},
+                                                            {{"--seed", "-1"}, 2},
+                                                            {{"--seed", "1e3"}, 2},
+                                                            {{"--seed", "18446744073709551616"}, 2},
+                                                            {{"--strength", "3.5"}, 2},
+                                                            {{"--tail", "-0.1"}, 2},
+                                                            {{"--tail", "inf"}, 2},
+                                                            {{"--format", "mp3"}, 2},
+                                                            {{"--script", "x"}, 2},
+                                                            {{"--settings", path("absent")}, 1},
+                                                            {{"--settings", path("bundled")}, 1}};
+  for (const auto& [extra, status] : table) {
+    auto arguments = base;
+    arguments.insert(arguments.end(), extra.begin(), extra.end());
+    EXPECT_EQ(run(arguments), status) << ::testing::PrintToString(extra);
+    EXPECT_NE(err_.str().find(status == 2 ? extra[0] : extra[1]), std::string::npos) << err_.str();
+    EXPECT_FALSE(std::filesystem::exists(out)) << extra[0];
+  }
+  EXPECT_EQ(run({"render", path("bundled/one"), "--out", "/dev/null", "--text", "a"}), 1);
+  EXPECT_EQ(run({"render", path("bundled/one"), "--out", path("no/x.wav"), "--text", "a"}), 1);
+  const std::string endless(10000, 'a');
+  EXPECT_EQ(run({"render", path("bundled/one"), "--out", out, "--wpm", "1", "--text", endless}), 1);
+  EXPECT_NE(err_.str().find("a WAV file holds"), std::string::npos) << err_.str();
 }
 
 TEST(ScriptFile, RefusesEntriesOutOfRangeByNumberAndKey) {

@@ -33,9 +33,14 @@ class AsideFile final {
   AsideFile(const AsideFile&) = delete;
   AsideFile& operator=(const AsideFile&) = delete;
 
+  /// What is no regular file stays: a device would be gone for every program.
   void keepPermissionsOfTarget() {
     struct stat status {};
-    if (::stat(target_.c_str(), &status) == 0) check(::fchmod(descriptor_, status.st_mode & 07777));
+    if (::stat(target_.c_str(), &status) != 0) return;
+    if (!S_ISREG(status.st_mode))
+      throw fs::filesystem_error("not a regular file", target_,
+                                 std::make_error_code(std::errc::invalid_argument));
+    check(::fchmod(descriptor_, status.st_mode & 07777));
   }
 
   void write(std::string_view content) {

@@ -14,8 +14,8 @@ enum class Durability {
 };
 
 /// Writes `content` aside in the target's folder, then renames it into place. An existing file
-/// keeps its permissions; a symbolic link is followed. Throws `std::filesystem::filesystem_error`
-/// that names the target.
+/// keeps its permissions; a symbolic link is followed; what is no regular file, such as a device,
+/// is not replaced. Throws `std::filesystem::filesystem_error` that names the target.
 void writeFileAtomically(const std::filesystem::path& target, std::string_view content,
                          Durability durability = Durability::onDisk);
 
