@@ -13,6 +13,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "X11/XConnection.h"
+
 namespace tobrin::testing {
 
 class PrivateXServer final {
@@ -42,10 +44,10 @@ class PrivateXServer final {
     ::close(ends[0]);
     if (number.empty()) throw std::runtime_error("Xvfb did not start");
     display_ += number;
-    connection_ = xcb_connect(display_.c_str(), nullptr);
+    connection_ = connectToX(display_);
   }
   ~PrivateXServer() {
-    xcb_disconnect(connection_);
+    connection_.reset();
     kill(process_, SIGTERM);
     waitpid(process_, nullptr, 0);
   }
@@ -59,19 +61,20 @@ class PrivateXServer final {
   void release(std::initializer_list<uint8_t> keys) { type(XCB_KEY_RELEASE, keys); }
 
   /// Another program's connection. Owned by the server object.
-  [[nodiscard]] xcb_connection_t* connection() const { return connection_; }
+  [[nodiscard]] xcb_connection_t* connection() const { return connection_.get(); }
 
  private:
   void type(uint8_t action, std::initializer_list<uint8_t> keys) {
+    xcb_connection_t* typist = connection_.get();
     for (const uint8_t key : keys) {
-      xcb_test_fake_input(connection_, action, static_cast<uint8_t>(key + 8), 0, XCB_NONE, 0, 0, 0);
+      xcb_test_fake_input(typist, action, static_cast<uint8_t>(key + 8), 0, XCB_NONE, 0, 0, 0);
     }
-    free(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    free(xcb_get_input_focus_reply(typist, xcb_get_input_focus(typist), nullptr));
   }
 
   pid_t process_ = -1;
   std::string display_ = ":";
-  xcb_connection_t* connection_ = nullptr;
+  XConnection connection_;
 };
 
 }  // namespace tobrin::testing

@@ -23,11 +23,8 @@ struct XDisconnect {
 using XConnection = std::unique_ptr<xcb_connection_t, XDisconnect>;
 
 /// Connects to a display; an empty name means the environment's. Nothing where no server answers.
-inline XConnection connectToX(const std::string& display) {
-  XConnection connection(xcb_connect(display.empty() ? nullptr : display.c_str(), nullptr));
-  if (xcb_connection_has_error(connection.get()) != 0) return nullptr;
-  return connection;
-}
+/// Thread: any.
+XConnection connectToX(const std::string& display);
 
 inline const xcb_screen_t& firstScreen(xcb_connection_t* connection) {
   return *xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
