@@ -55,7 +55,7 @@ class TakeRenderer {
     if (shape_.rattle > 0) addRattle();
     if (!isRelease() && hasBell_) addCarriageAndBell();
     applyTone();
-    StereoTake take = withRoom(buffer_.samples(), profile_.room);
+    StereoTake take = withRoom(buffer_.takeSamples(), profile_.room);
     trim(take);
     return take;
   }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <numbers>
+#include <utility>
 
 #include "Synth/Biquad.h"
 #include "Synth/StrikeBuffer.h"
@@ -60,10 +61,10 @@ void fadeOut(std::vector<double>& channel) {
 }  // namespace
 
 StereoTake withRoom(std::vector<double> dry, double amount) {
-  std::vector<double> room = dry;
+  std::vector<double> room(dry.size());
   Biquad walls = Biquad::lowpass(roomCornerHz, butterworthQ, StrikeBuffer::sampleRate);
-  for (double& sample : room)
-    sample = walls.process(sample);
+  std::transform(dry.begin(), dry.end(), room.begin(),
+                 [&](double sample) { return walls.process(sample); });
   StereoTake take{.left = dry, .right = std::move(dry)};
   for (const Reflection& reflection : reflections) {
     const std::size_t delay = StrikeBuffer::sampleCount(reflection.delayMs / 1000);

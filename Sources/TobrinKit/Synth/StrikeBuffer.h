@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "Engine/SplitMix64.h"
@@ -55,7 +56,8 @@ class StrikeBuffer final {
   void filter(Biquad first, Biquad second);
 
   [[nodiscard]] std::size_t frames() const { return samples_.size(); }
-  [[nodiscard]] const std::vector<double>& samples() const { return samples_; }
+  /// All that was put together; the buffer is empty afterwards.
+  std::vector<double> takeSamples() { return std::exchange(samples_, {}); }
 
  private:
   std::span<double> at(Place place);
