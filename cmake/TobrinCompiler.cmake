@@ -28,6 +28,8 @@ target_compile_options(
             $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast;-Wnon-virtual-dtor;-Woverloaded-virtual>
             $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wthread-safety>
             $<$<BOOL:${TOBRIN_WARNINGS_AS_ERRORS}>:-Werror>)
+# Programs load only the libraries whose functions they call.
+target_link_options(TobrinCompiler INTERFACE -Wl,--as-needed)
 target_compile_definitions(TobrinCompiler INTERFACE TOBRIN_VERSION="${PROJECT_VERSION}")
 
 if(TOBRIN_SANITIZE)

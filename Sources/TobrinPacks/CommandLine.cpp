@@ -2,12 +2,14 @@
 
 #include <CLI/CLI.hpp>
 
+#include "BuildCommand.h"
 #include "CheckCommand.h"
 #include "GenerateCommand.h"
 #include "ListCommand.h"
 #include "LoudnessCommand.h"
 #include "PrintableText.h"
 #include "RenderCommand.h"
+#include "SliceCommand.h"
 
 namespace tobrin {
 namespace {
@@ -20,6 +22,8 @@ Examples:
   tobrin-packs check Packs/mine        what a pack holds, or why it does not load
   tobrin-packs generate --into Packs   the starter packs
   tobrin-packs render Packs/mine --text "hello" --out hello.wav
+  tobrin-packs slice typing.flac --plot typing.svg
+  tobrin-packs build mine.json --into ~/.local/share/Tobrin/Packs/mine
 
 'tobrin-packs COMMAND --help' says more about each.
 )";
@@ -30,6 +34,8 @@ void addCommands(CLI::App& app, const CommandStreams& streams) {
   addGenerateCommand(app, streams);
   addLoudnessCommand(app, streams);
   addRenderCommand(app, streams);
+  addSliceCommand(app, streams);
+  addBuildCommand(app, streams);
 }
 
 /// What `--help` and `--version` throw is no error; everything else is wrong usage.

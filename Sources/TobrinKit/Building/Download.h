@@ -1,0 +1,26 @@
+/// Fetches a resource by its address into a file.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+namespace tobrin {
+
+/// Why a resource could not be fetched; the text names its address.
+class DownloadError final : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+struct Download {
+  static constexpr int64_t largestBytes = 512LL << 20;  ///< more is refused
+
+  /// Fetches http, https and file addresses, following redirects, and moves the result to `file`
+  /// only when it is complete. A server that stalls is given up after half a minute. Throws
+  /// `DownloadError`, or `std::filesystem::filesystem_error` where it cannot be kept. Thread: any.
+  static void fetch(const std::string& url, const std::filesystem::path& file);
+};
+
+}  // namespace tobrin

@@ -1,0 +1,57 @@
+/// Which recordings a pack is built from, and how they are sliced. A JSON document. Thread: any.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Building/RecordingSlicer.h"
+
+namespace tobrin {
+
+struct PackRecipe {
+  /// One recording, published or one's own.
+  struct Source {
+    int64_t freesoundID = 0;  ///< its number; two sources with one number are the same recording
+    std::string user;         ///< its author
+    std::string title;
+    std::string license;
+    std::string previewURL;       ///< what is fetched: http, https or file
+    std::optional<double> start;  ///< seconds; absent: from the beginning
+    std::optional<double> end;    ///< seconds; absent: to the end
+
+    bool operator==(const Source&) const = default;
+
+    /// The recording's page: the site's address, "/s/", the number, "/".
+    [[nodiscard]] std::string pageURL() const;
+    /// Title, author, page and licence in one line.
+    [[nodiscard]] std::string creditLine() const;
+  };
+
+  std::string id;
+  std::string name;
+  std::string kind;
+  std::string summary;
+  std::vector<Source> sources;
+  std::optional<std::vector<Source>> enterSources;  ///< for the return key alone
+  std::optional<RecordingSlicer::Options> options;
+
+  bool operator==(const PackRecipe&) const = default;
+
+  /// All recordings, each number once, in order of first mention.
+  [[nodiscard]] std::vector<Source> credits() const;
+  /// The pack's licence text: every recording's credit line.
+  [[nodiscard]] std::string licenseText() const;
+
+  /// Throws `RecipeError` that names the key at fault and what is wrong with it.
+  static PackRecipe fromJson(std::string_view text);
+  [[nodiscard]] std::string toJson() const;
+};
+
+/// Slicer options as a JSON object; absent keys take their defaults. Throws `RecipeError`.
+RecordingSlicer::Options slicerOptionsFromJson(std::string_view text);
+std::string toJson(const RecordingSlicer::Options& options);
+
+}  // namespace tobrin

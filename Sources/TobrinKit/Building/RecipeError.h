@@ -1,0 +1,13 @@
+/// What is wrong with a recipe or with slicer options, in words.
+#pragma once
+
+#include <stdexcept>
+
+namespace tobrin {
+
+class RecipeError final : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,215 @@
+#include "Building/RecordedPackBuilder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <future>
+#include <set>
+
+#include "Building/DemoLoudness.h"
+#include "Building/HitFeatures.h"
+#include "Building/PackFolder.h"
+#include "Building/RecipeError.h"
+#include "Building/TakeCollection.h"
+#include "Building/TakeCutter.h"
+#include "Building/WAVWriter.h"
+#include "Packs/PackError.h"
+#include "Packs/PackManifest.h"
+
+namespace tobrin {
+namespace {
+
+namespace fs = std::filesystem;
+using Take = RecordingSlicer::Take;
+using Options = RecordingSlicer::Options;
+
+constexpr double toleratedLu = 0.2;
+
+/// The part of a recording that its source names.
+struct Excerpt {
+  std::unique_ptr<SampleBuffer> buffer;
+  std::span<const float> left;
+  std::span<const float> right;
+};
+
+Excerpt excerpt(const PackRecipe::Source& source, const fs::path& cache) {
+  Excerpt result;
+  result.buffer = RecordedPackBuilder::load(source, cache);
+  const std::size_t frames = result.buffer->frames();
+  const auto place = [&](double seconds) {
+    return std::min(static_cast<std::size_t>(seconds * RecordedPackBuilder::rate), frames);
+  };
+  const std::size_t begin = place(source.start.value_or(0));
+  const std::size_t end = source.end ? std::max(place(*source.end), begin) : frames;
+  result.left = {result.buffer->left() + begin, end - begin};
+  result.right = {result.buffer->right() + begin, end - begin};
+  return result;
+}
+
+RecordingSlicer::Result sliced(const PackRecipe::Source& source, const fs::path& cache,
+                               const Options& options) {
+  const Excerpt part = excerpt(source, cache);
+  return RecordingSlicer::slice(part.left, part.right, RecordedPackBuilder::rate, options);
+}
+
+/// Every press of a recording of the return key alone, as many as wide keys have variants.
+std::vector<Take> enterTakes(const PackRecipe::Source& source, const fs::path& cache,
+                             const Options& options) {
+  const Excerpt part = excerpt(source, cache);
+  const double rate = RecordedPackBuilder::rate;
+  const auto found = RecordingSlicer::detect(part.left, part.right, rate, options);
+  const TakeCutter cutter({part.left, part.right, {}, rate}, options);
+  std::vector<Take> takes;
+  for (const auto& hit : found.hits) {
+    if (static_cast<int64_t>(takes.size()) >= options.bigVariants) break;
+    if (hit.isRelease || hit.clipped) continue;
+    auto take = cutter.cut(hit, options.maxBigPressMs, options.minPressMs);
+    if (take) takes.push_back(std::move(*take));
+  }
+  return takes;
+}
+
+/// Runs `work` for every source on a thread of its own and returns the results in the sources'
+/// order; the first failure in that order is thrown.
+template <typename Result, typename Work>
+std::vector<Result> forEachSource(const std::vector<PackRecipe::Source>& sources,
+                                  const Work& work) {
+  std::vector<std::future<Result>> running;
+  running.reserve(sources.size());
+  for (const auto& source : sources) {
+    running.push_back(std::async(std::launch::async, [&] { return work(source); }));
+  }
+  std::vector<Result> results;
+  for (auto& each : running)
+    results.push_back(each.get());
+  return results;
+}
+
+TakeCollection collected(const PackRecipe& recipe, const fs::path& cache,
+                         const RecordedPackBuilder::Log& log) {
+  const Options options = recipe.options.value_or(Options());
+  TakeCollection takes(options);
+  auto results = forEachSource<RecordingSlicer::Result>(
+      recipe.sources, [&](const auto& source) { return sliced(source, cache, options); });
+  for (std::size_t i = 0; i < results.size(); ++i) {
+    log("  " + recipe.sources[i].title + ": " + results[i].report);
+    takes.add(std::move(results[i]));
+  }
+  if (!recipe.enterSources) return takes;
+  auto enter = forEachSource<std::vector<Take>>(
+      *recipe.enterSources, [&](const auto& source) { return enterTakes(source, cache, options); });
+  for (std::size_t i = 0; i < enter.size(); ++i) {
+    log("  " + (*recipe.enterSources)[i].title + ": " + std::to_string(enter[i].size()) +
+        " takes for Enter");
+    takes.addEnter(std::move(enter[i]));
+  }
+  return takes;
+}
+
+/// Writes takes below one folder and remembers their names.
+class TakeWriter {
+ public:
+  TakeWriter(const fs::path& folder, float correction) : folder_(folder), correction_(correction) {}
+
+  std::vector<std::string> write(const std::string& prefix, const std::vector<Take>& takes) {
+    std::vector<std::string> names;
+    for (Take take : takes) {
+      scale(take, correction_);
+      names.push_back(prefix + "-" + std::to_string(names.size() + 1) + ".wav");
+      WAVWriter::write(take.left, take.right, static_cast<int64_t>(RecordedPackBuilder::rate),
+                       folder_ / names.back());
+      ++count_;
+    }
+    return names;
+  }
+
+  std::map<std::string, std::vector<std::string>> write(const std::string& prefix,
+                                                        const RecordingSlicer::TierTakes& tiers) {
+    std::map<std::string, std::vector<std::string>> names;
+    for (const auto& [tier, takes] : tiers) {
+      const std::string tierName(name(tier));
+      names[tierName] = write(prefix + "-" + tierName, takes);
+    }
+    return names;
+  }
+
+  [[nodiscard]] std::size_t count() const { return count_; }
+
+ private:
+  fs::path folder_;
+  float correction_;
+  std::size_t count_ = 0;
+};
+
+std::string authors(const PackRecipe& recipe) {
+  std::set<std::string> users;
+  for (const auto& source : recipe.credits())
+    users.insert(source.user);
+  std::string list;
+  for (const std::string& user : users)
+    list += (list.empty() ? "" : ", ") + user;
+  return list;
+}
+
+PackManifest manifestOf(const PackRecipe& recipe) {
+  PackManifest manifest;
+  manifest.formatVersion = 1;
+  manifest.id = recipe.id;
+  manifest.name = recipe.name;
+  manifest.kind = recipe.kind;
+  manifest.summary = recipe.summary;
+  manifest.author = authors(recipe);
+  manifest.license = recipe.licenseText();
+  return manifest;
+}
+
+/// Writes all takes and the manifest; returns the number of takes.
+std::size_t writePack(const PackRecipe& recipe, const TakeCollection& takes, const fs::path& folder,
+                      float correction) {
+  TakeWriter writer(folder, correction);
+  const auto keys = writer.write("key", takes.keys());
+  const auto wide = writer.write("wide", takes.wide());
+  const auto up = writer.write("up", takes.releases());
+  const auto enter = writer.write("enter", takes.enter());
+  const auto& ordinary = keys.empty() ? wide : keys;
+  const auto& large = wide.empty() ? keys : wide;
+  if (ordinary.empty()) throw PackError::empty(recipe.id);
+
+  PackManifest manifest = manifestOf(recipe);
+  for (const KeyGroup group : allKeyGroups) {
+    const bool isOrdinary = group == KeyGroup::alpha || group == KeyGroup::modifier;
+    PackManifest::Group entry{isOrdinary ? ordinary : large, std::nullopt};
+    // One tier: the loader makes the others from it, by loudness.
+    if (group == KeyGroup::enter && !enter.empty()) entry.down = {{"medium", enter}};
+    if (!up.empty()) entry.up = up;
+    manifest.groups.emplace(rawValue(group), std::move(entry));
+  }
+  writeFileAtomically(folder / PackManifest::fileName, manifest.toJson(), Durability::replaced);
+  return writer.count();
+}
+
+std::string summary(std::size_t takes, const fs::path& into, double loudness) {
+  char numbers[64];
+  std::snprintf(numbers, sizeof numbers, "/  (%.1f LUFS)", loudness);
+  return "    wrote " + std::to_string(takes) + " takes to " + into.filename().string() + numbers;
+}
+
+}  // namespace
+
+void RecordedPackBuilder::build(const PackRecipe& recipe, const fs::path& cache,
+                                const fs::path& into, const Log& log) {
+  if (recipe.sources.empty()) throw RecipeError("\"sources\" must name at least one recording");
+  const TakeCollection takes = collected(recipe, cache, log);
+  PackFolder folder(into);
+  std::size_t count = writePack(recipe, takes, folder.aside(), 1.0f);
+  double loudness = demoLoudness(folder.aside());
+  if (std::isfinite(loudness) && std::abs(loudness - targetLoudness) > toleratedLu) {
+    const auto correction = static_cast<float>(std::pow(10.0, (targetLoudness - loudness) / 20));
+    count = writePack(recipe, takes, folder.aside(), correction);
+    loudness = demoLoudness(folder.aside());
+  }
+  folder.moveIntoPlace();
+  log(summary(count, into, loudness));
+}
+
+}  // namespace tobrin

@@ -1,0 +1,19 @@
+/// Tells the releases among the hits of a recording from the presses.
+#pragma once
+
+#include <vector>
+
+#include "Building/RecordingSlicer.h"
+
+namespace tobrin {
+
+/// A release is softer than the presses around it and follows its own press after the time a finger
+/// rests on a key; every press is released once. A `TypingModel` of both is fitted to the recording
+/// in turns with the likeliest reading of all hits (expectation maximisation with hard
+/// assignments). Where a model without releases explains the recording as well, nothing is marked.
+struct ReleaseMarking {
+  /// Sets `isRelease` on the hits, which are in time order. `rate` in samples a second.
+  static void mark(std::vector<RecordingSlicer::Hit>& hits, double rate);
+};
+
+}  // namespace tobrin

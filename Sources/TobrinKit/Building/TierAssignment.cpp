@@ -1,0 +1,87 @@
+#include "Building/TierAssignment.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <span>
+
+namespace tobrin {
+namespace {
+
+using Hit = RecordingSlicer::Hit;
+using Take = RecordingSlicer::Take;
+
+constexpr int64_t fewestPerTake = 4;
+constexpr float levellingExponent = 0.7f;
+constexpr float quietest = 1e-9f;
+
+std::size_t part(double fraction, std::size_t count) {
+  return static_cast<std::size_t>(fraction * static_cast<double>(count));
+}
+
+/// Takes out of one band, the hits at even strides first.
+std::vector<Take> takesOf(std::span<const Hit> band, int64_t variants,
+                          const TierAssignment::Cut& cut) {
+  const auto wanted = static_cast<std::size_t>(std::max<int64_t>(variants, 0));
+  const std::size_t count = band.size();
+  const std::size_t stride = wanted < 2       ? std::max<std::size_t>(count, 1)
+                             : count < wanted ? 1
+                                              : count / wanted;
+  std::vector<Take> takes;
+  std::vector<bool> used(count, false);
+  const auto use = [&](std::size_t position) {
+    if (used[position] || takes.size() >= wanted) return;
+    used[position] = true;
+    if (auto take = cut(band[position])) takes.push_back(std::move(*take));
+  };
+  for (std::size_t position = stride / 2; position < count; position += stride)
+    use(position);
+  for (std::size_t position = 0; position < count; ++position)
+    use(position);
+  return takes;
+}
+
+}  // namespace
+
+std::vector<TierAssignment::Band> TierAssignment::bands(std::size_t count, int64_t variants) {
+  const bool isScarce = static_cast<double>(count) < static_cast<double>(variants) * fewestPerTake;
+  if (isScarce) return {{Tier::medium, 0.0, 1.0}};
+  return {{Tier::soft, 0.08, 0.30},
+          {Tier::medium, 0.38, 0.62},
+          {Tier::hard, 0.70, 0.88},
+          {Tier::slam, 0.92, 1.0}};
+}
+
+RecordingSlicer::TierTakes TierAssignment::tiers(std::vector<Hit> hits, int64_t variants,
+                                                 const Cut& cut) {
+  std::stable_sort(hits.begin(), hits.end(),
+                   [](const Hit& a, const Hit& b) { return a.energy < b.energy; });
+  RecordingSlicer::TierTakes result;
+  if (hits.empty()) return result;
+  for (const Band& band : bands(hits.size(), variants)) {
+    const std::size_t begin = std::min(part(band.low, hits.size()), hits.size() - 1);
+    const std::size_t end =
+        std::max(std::min(part(band.high, hits.size()), hits.size()), begin + 1);
+    auto takes = takesOf(std::span(hits).subspan(begin, end - begin), variants, cut);
+    if (!takes.empty()) result.emplace(band.tier, std::move(takes));
+  }
+  return result;
+}
+
+void TierAssignment::level(std::vector<Take>& takes, float target) {
+  for (Take& take : takes) {
+    const float gain = std::pow(target / std::max(take.level, quietest), levellingExponent);
+    for (float& x : take.left)
+      x *= gain;
+    for (float& x : take.right)
+      x *= gain;
+    take.level *= gain;
+  }
+}
+
+float TierAssignment::factor(Tier tier) {
+  constexpr std::array<float, tierCount> factors = {0.55f, 1.0f, 1.45f, 2.0f};
+  return factors[index(tier)];
+}
+
+}  // namespace tobrin

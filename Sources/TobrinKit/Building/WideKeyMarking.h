@@ -1,0 +1,22 @@
+/// Tells the wide keys (space, return, backspace) among the presses of a recording by their sound.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "Building/RecordingSlicer.h"
+
+namespace tobrin {
+
+/// Wide keys sound lower and longer. Each press is ranked among all presses by its mean frequency,
+/// its brightness and its decay, since ranks need no scale that would hold across keyboards; the
+/// share of presses ranked lowest is taken for wide. Where wide keys do not differ, that picks
+/// ordinary keys of the lower and longer kind, which still suit a wide key.
+struct WideKeyMarking {
+  /// Sets `isBig` on the presses among `hits`. `mono` is the recording's mix; `share` of all
+  /// presses (0 to 1) is marked.
+  static void mark(std::vector<RecordingSlicer::Hit>& hits, std::span<const float> mono,
+                   double rate, double share);
+};
+
+}  // namespace tobrin

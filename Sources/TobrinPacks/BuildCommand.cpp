@@ -1,0 +1,86 @@
+#include "BuildCommand.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "Building/DemoLoudness.h"
+#include "Building/RecipeError.h"
+#include "Building/RecordedPackBuilder.h"
+#include "InputFile.h"
+#include "JsonOutput.h"
+#include "Packs/LoadedPack.h"
+
+namespace tobrin {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Options {
+  std::string recipe;
+  std::string into;
+  std::string cache;
+  bool json = false;
+};
+
+/// Where fetched and converted recordings stay between builds.
+fs::path defaultCache() {
+  const auto folder = [](const char* variable) -> fs::path {
+    const char* value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): never set by us
+    return value != nullptr && value[0] == '/' ? value : "";
+  };
+  if (const auto cache = folder("XDG_CACHE_HOME"); !cache.empty()) return cache / "tobrin";
+  const auto home = folder("HOME");
+  return (home.empty() ? fs::temp_directory_path() : home / ".cache") / "tobrin";
+}
+
+PackRecipe recipeFrom(const std::string& file) {
+  try {
+    return PackRecipe::fromJson(readInputFile(file));
+  } catch (const RecipeError& error) {
+    throw std::runtime_error(file + ": " + error.what());
+  }
+}
+
+void printResult(const fs::path& folder, std::ostream& out) {
+  const auto pack = LoadedPack::load(PackInfo::read(folder, false), RecordedPackBuilder::rate);
+  printJson({{"id", pack->info().id},
+             {"path", folder.string()},
+             {"takes", pack->sampleCount()},
+             {"lufs", demoLoudness(*pack)}},
+            out);
+}
+
+void run(const Options& options, const CommandStreams& streams) {
+  const PackRecipe recipe = recipeFrom(options.recipe);
+  const fs::path cache = options.cache.empty() ? defaultCache() : fs::path(options.cache);
+  std::ostream& progress = options.json ? streams.err : streams.out;
+  progress << "building " << recipe.name << std::endl;
+  RecordedPackBuilder::build(recipe, cache, options.into,
+                             [&](const std::string& line) { progress << line << std::endl; });
+  if (options.json) printResult(options.into, streams.out);
+}
+
+constexpr const char* footer = R"(
+Recordings are fetched once and kept in the cache; "previewURL" may be a file address. A failed
+build leaves the folder as it was.
+
+Examples:
+  tobrin-packs build mine.json --into ~/.local/share/Tobrin/Packs/mine
+  tobrin-packs build mine.json --into mine --cache /tmp/recordings --json
+)";
+
+}  // namespace
+
+void addBuildCommand(CLI::App& app, const CommandStreams& streams) {
+  const auto options = std::make_shared<Options>();
+  auto* const command = app.add_subcommand("build", "Build a pack from recordings, by a recipe");
+  command->add_option("RECIPE", options->recipe, "The recipe, a JSON file")->required();
+  command->add_option("--into", options->into, "The pack's folder, replaced whole")->required();
+  command->add_option("--cache", options->cache, "Where recordings are kept between builds");
+  command->add_flag("--json", options->json, "One JSON document; progress goes to standard error");
+  command->footer(footer);
+  command->callback([options, streams] { run(*options, streams); });
+}
+
+}  // namespace tobrin

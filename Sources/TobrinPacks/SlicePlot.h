@@ -1,0 +1,17 @@
+/// A picture of what the slicer made of a recording.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "Building/RecordingSlicer.h"
+
+namespace tobrin {
+
+/// An SVG document: the waveform with every hit coloured by what became of it and the noise floor,
+/// and below it all presses in order of energy with the bands that the tiers are taken from.
+std::string slicePlot(const RecordingSlicer::Result& result, std::span<const float> left,
+                      std::span<const float> right, double rate,
+                      const RecordingSlicer::Options& options);
+
+}  // namespace tobrin
