@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tobrin {
+
+/// Something to be timed: carries out its work as many times over as it is told.
+struct Contestant {
+  std::string name;
+  std::function<void(std::size_t repetitions)> run;
+};
+
+/// Makes a contestant of a callable that does the work once.
+template <typename Work>
+Contestant contestant(std::string name, Work work) {
+  return {std::move(name), [work = std::move(work)](std::size_t repetitions) mutable {
+            for (std::size_t i = 0; i < repetitions; ++i)
+              work();
+          }};
+}
+
+/// Seconds for the work once.
+struct Timing {
+  double median = 0;
+  double spread = 0;  ///< distance of the quartiles, as a part of the median
+};
+
+struct InterleavedOptions {
+  std::size_t rounds = 31;
+  double secondsARun = 0.002;  ///< the work is repeated until a run takes about this long
+};
+
+/// Times the contestants in turn, round after round, so that whatever else the machine does falls
+/// on all of them alike. Returns one timing for each, in their order.
+std::vector<Timing> timeInterleaved(const std::vector<Contestant>& contestants,
+                                    const InterleavedOptions& options = {});
+
+}  // namespace tobrin
