@@ -36,7 +36,7 @@ std::string lowerCase(std::string_view text) {
 }
 
 std::string canonicalKey(std::string_view text) {
-  const std::string key = lowerCase(text);
+  std::string key = lowerCase(text);
   for (const auto& [other, name] : otherNames) {
     if (key == other) return std::string(name);
   }

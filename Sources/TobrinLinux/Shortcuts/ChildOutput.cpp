@@ -15,6 +15,7 @@ namespace {
 
 pid_t spawn(const std::vector<std::string>& command, int output) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& word : command)
     arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);

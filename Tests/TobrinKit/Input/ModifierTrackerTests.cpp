@@ -28,18 +28,5 @@ TEST(ModifierTracker, EachSideGoesDownAndUpByItself) {
   }
 }
 
-TEST(ModifierTracker, EveryModifierHasItsOwnFlag) {
-  ModifierTracker tracker;
-  uint32_t flags = 0;
-  for (uint16_t code = 54; code <= 63; ++code) {
-    if (code == ModifierTracker::capsLock) continue;
-    const uint32_t mask = ModifierTracker::mask(code);
-    EXPECT_EQ(flags & mask, 0U) << code;
-    flags |= mask;
-    EXPECT_EQ(tracker.update(code, flags), KeyAction::down) << code;
-  }
-  EXPECT_EQ(flags, 0x80207FU);
-}
-
 }  // namespace
 }  // namespace tobrin
