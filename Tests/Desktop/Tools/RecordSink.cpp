@@ -3,6 +3,8 @@
 // arrives. A sound server that goes away is waited for. Exit status 1 when frames were lost.
 #include <pipewire/pipewire.h>
 
+#include <algorithm>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
@@ -11,6 +13,7 @@
 
 #include "BlockRing.h"
 #include "MonitorStream.h"
+#include "OnsetDetector.h"
 #include "PipeWireHandles.h"
 #include "TimedRecording.h"
 
@@ -18,11 +21,14 @@ namespace {
 
 using tobrin::testing::BlockRing;
 using tobrin::testing::MonitorStream;
+using tobrin::testing::OnsetDetector;
 using tobrin::testing::PipeWireHandle;
+using tobrin::testing::TimedBlock;
 using tobrin::testing::TimedRecording;
 
 constexpr timespec PERIOD{0, 20'000'000};
 constexpr int TICKS_BETWEEN_ATTEMPTS = 5;  // a tenth of a second
+constexpr float AUDIBLE = 0.001F;          // -60 dBFS
 
 class Recorder final {
  public:
@@ -57,16 +63,25 @@ class Recorder final {
 
   void drain() {
     while (const auto* block = ring_.front()) {
-      recording_.append(*block);
-      ring_.pop();
       if (!announced_) std::puts("recording");
-      if (!announced_) std::fflush(stdout);
       announced_ = true;
+      recording_.append(*block);
+      listen(*block);
+      ring_.pop();
     }
+    std::fflush(stdout);
+  }
+
+  void listen(const TimedBlock& block) {
+    const size_t known = detector_.onsets().size();
+    for (size_t i = 0; i < block.frames; ++i)
+      detector_.add(std::max(std::abs(block.samples[i * 2]), std::abs(block.samples[i * 2 + 1])));
+    if (detector_.onsets().size() > known) std::puts("sound");
   }
 
   BlockRing ring_;
   TimedRecording recording_;
+  OnsetDetector detector_{AUDIBLE};
   PipeWireHandle<pw_main_loop> loop_;
   MonitorStream stream_;
   int ticks_ = 0;

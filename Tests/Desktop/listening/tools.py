@@ -63,6 +63,29 @@ class Background:
             if text in line:
                 return line
 
+    def forget(self):
+        """Lines that have arrived by now are waited for no longer."""
+        while not self._arrived.empty():
+            line = self._arrived.get()
+            if line is None:
+                self._arrived.put(None)
+                return
+            self.lines.append(line)
+
+    def quiet_for(self, seconds, patience=10.0):
+        """Waits until no line has come for so long; False when that does not happen."""
+        deadline = time.monotonic() + patience
+        while time.monotonic() < deadline:
+            try:
+                line = self._arrived.get(timeout=seconds)
+            except queue.Empty:
+                return True
+            if line is None:
+                self._arrived.put(None)
+                return False
+            self.lines.append(line)
+        return False
+
     def stop(self, how=signal.SIGTERM, seconds=10.0):
         """Ends the program if it runs, and returns its exit status; all its output is in `lines` then."""
         if self.process.poll() is None:
@@ -86,14 +109,16 @@ class Background:
         if self.process.poll() is None:
             self.process.kill()
             self.process.wait()
+        self._reader.join()
+        self.process.stdout.close()
 
 
 @contextlib.contextmanager
 def record(path, sink=""):
-    """Records while the block runs, from the moment sound arrives."""
+    """Records while the block runs, from the moment the sink runs; gives the block the recorder."""
     with Background([tool("record-sink"), str(path)] + ([sink] if sink else [])) as recorder:
         recorder.wait_for("recording")
-        yield
+        yield recorder
         time.sleep(0.1)  # the last sound's beginning is in the recording by now
         if recorder.stop(signal.SIGINT) != 0:
             raise RuntimeError("record-sink lost frames")

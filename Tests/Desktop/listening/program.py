@@ -1,0 +1,68 @@
+"""The program under test, in a private desktop session."""
+
+import json
+import math
+import os
+import pathlib
+import struct
+import subprocess
+import time
+import wave
+
+from .tools import Background, tool
+
+CONTROL = pathlib.Path(__file__).resolve().parent.parent / "desktop-ctl"
+_A_KEY = "0x61"
+
+
+class Tobrin(Background):
+    """Runs the program with these engine settings (those not named have their defaults)."""
+
+    def __init__(self, program, packs, arguments=(), pack="", **settings):
+        self.settings_file = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "Tobrin" / "settings.json"
+        self.settings_file.parent.mkdir(parents=True, exist_ok=True)
+        saved = {"engineSettings": settings}
+        if pack:
+            saved["selectedPack"] = pack
+        self.settings_file.write_text(json.dumps(saved), encoding="utf-8")
+        super().__init__([str(program), *arguments], env=os.environ | {"TOBRIN_PACKS": str(packs)})
+
+    def wait_until_heard(self, recorder, seconds=30.0):
+        """Types until the recording has sound, then until it is quiet again; False when it stays silent."""
+        deadline = time.monotonic() + seconds
+        while time.monotonic() < deadline and self.process.poll() is None:
+            if types_audibly(recorder):
+                return recorder.quiet_for(0.5)
+        return False
+
+
+def types_audibly(recorder, seconds=0.4):
+    """Whether one key makes a sound."""
+    recorder.forget()
+    subprocess.run([tool("press-keys"), "--delay", "0", "--text", "a"], check=True, stdout=subprocess.DEVNULL)
+    try:
+        recorder.wait_for("sound", seconds)
+    except TimeoutError:
+        return False
+    return True
+
+
+def control(command):
+    """Disturbs the session's services; see desktop-ctl."""
+    subprocess.run([CONTROL, command], check=True, stdout=subprocess.DEVNULL)
+
+
+def write_click_pack(folder):
+    """A pack with one sound, 2 ms long and loud from its first sample: what is late is the program, not the pack."""
+    folder = pathlib.Path(folder) / "click"
+    folder.mkdir(parents=True)
+    samples = [int(28000 * math.exp(-i / 24)) for i in range(96)]
+    with wave.open(str(folder / "click.wav"), "wb") as sound:
+        sound.setnchannels(1)
+        sound.setsampwidth(2)
+        sound.setframerate(48000)
+        sound.writeframes(struct.pack("<96h", *samples))
+    manifest = {"formatVersion": 1, "id": "click", "name": "Click", "kind": "test",
+                "groups": {"alpha": {"down": {"medium": ["click.wav"]}, "up": ["click.wav"]}}}
+    (folder / "pack.json").write_text(json.dumps(manifest), encoding="utf-8")
+    return folder.parent

@@ -1,0 +1,97 @@
+#!/usr/bin/env python3
+"""From a key of the X server to the sound in the sink: typing_test.py PROGRAM PACKS, in a desktop session."""
+
+import pathlib
+import signal
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "Desktop"))
+from listening import (Tobrin, control, figures, find_sounds, match, press_keys, record,  # noqa: E402
+                       types_audibly)
+
+PACKS, PROGRAM = sys.argv.pop(), sys.argv.pop()
+SETTLED = ("--delay", 300)
+# A busy machine may be late by many cycles; below the least interval between the presses of every test.
+WINDOW_MS = 140
+
+
+class TypingTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.wav = pathlib.Path(folder.name) / "heard.wav"
+
+    def type_and_match(self, *typing, down=True, before=lambda recorder: None, **settings):
+        """Types with the program running; each press (or release) with the sound that answered it."""
+        with record(self.wav) as recorder, Tobrin(PROGRAM, PACKS, **settings) as program:
+            self.assertTrue(program.wait_until_heard(recorder), program.lines)
+            before(recorder)
+            keys = press_keys(*SETTLED, *typing)
+            recorder.quiet_for(0.5)
+            self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
+        start = keys[0].ns - 100_000_000
+        sounds = [sound for sound in find_sounds(self.wav) if sound.ns > start]
+        return match([key for key in keys if key.down == down], sounds, window_ms=WINDOW_MS)
+
+    def assert_all_heard(self, matches):
+        silent = [index for index, each in enumerate(matches) if each.latency_ms is None]
+        self.assertEqual(silent, [], figures(matches))
+        self.assertGreater(min(each.peak_db for each in matches), -50)
+
+    def test_every_press_is_heard(self):
+        self.assert_all_heard(self.type_and_match("--random", 30, "--gap", "150:220", releaseSounds=False))
+
+    def test_keys_rolled_over_each_other_are_heard(self):
+        # The release of one key comes after the press of the next.
+        self.assert_all_heard(
+            self.type_and_match("--random", 30, "--gap", "150:190", "--rolls", releaseSounds=False))
+
+    def test_capitals_and_the_return_key_are_heard(self):
+        self.assert_all_heard(
+            self.type_and_match("--text", "Tobrin Sings\n", "--interval", 180, releaseSounds=False))
+
+    def test_releases_are_heard(self):
+        # Long enough held for the press to have died away.
+        matches = self.type_and_match("--text", "hands up", "--interval", 900, "--hold", 450, down=False)
+        self.assert_all_heard(matches)
+
+    def test_typing_goes_on_over_a_restart_of_the_sound_server(self):
+        def restart(recorder):
+            control("restart-sound")
+            self.assertTrue(any(types_audibly(recorder, 1.0) for _ in range(20)), "silent after the restart")
+            recorder.quiet_for(0.5)
+
+        self.assert_all_heard(self.type_and_match("--random", 15, "--gap", "150:200", before=restart,
+                                                  releaseSounds=False))
+
+    def test_switched_off_it_is_silent(self):
+        with record(self.wav) as recorder, Tobrin(PROGRAM, PACKS, enabled=False) as program:
+            program.wait_for("Off")
+            self.assertFalse(any(types_audibly(recorder) for _ in range(3)))
+            self.assertEqual(program.stop(signal.SIGTERM), 0)
+        self.assertEqual(find_sounds(self.wav, floor_db=-120), [])
+
+    def test_the_shortcut_silences_and_restores(self):
+        with record(self.wav) as recorder, Tobrin(PROGRAM, PACKS) as program:
+            self.assertTrue(program.wait_until_heard(recorder), program.lines)
+            for audible in (False, True):
+                press_keys("--script", self.chord())
+                recorder.quiet_for(0.5)
+                self.assertEqual(types_audibly(recorder), audible)
+                recorder.quiet_for(0.5)
+            self.assertIn("true", program.settings_file.read_text(encoding="utf-8"))
+
+    def chord(self):
+        """Control, alt, super, K: the shortcut as it comes."""
+        modifiers = (0xffe3, 0xffe9, 0xffeb)
+        lines = [f"{at * 30} press {key}" for at, key in enumerate((*modifiers, 0x6b))]
+        lines += [f"{150 + at * 30} release {key}" for at, key in enumerate((0x6b, *modifiers))]
+        script = self.wav.with_name("chord")
+        script.write_text("\n".join(lines), encoding="utf-8")
+        return script
+
+
+if __name__ == "__main__":
+    unittest.main()
