@@ -14,6 +14,26 @@ inline void addListener(pw_core* core, spa_hook& hook, const pw_core_events& eve
   pw_core_add_listener(core, &hook, &events, data);
 }
 
+inline void addListener(pw_registry* registry, spa_hook& hook, const pw_registry_events& events,
+                        void* data) {
+  pw_registry_add_listener(registry, &hook, &events, data);
+}
+
+inline pw_registry* getRegistry(pw_core* core) {
+  return pw_core_get_registry(core, PW_VERSION_REGISTRY, 0);
+}
+
+/// Has the server answer with a `done` event of this number once everything asked before is done.
+inline int sync(pw_core* core) {
+  return pw_core_sync(core, PW_ID_CORE, 0);
+}
+
+/// For any proxy: registry, node, metadata, ...
+template <typename Proxy>
+void destroyProxy(Proxy* proxy) {
+  pw_proxy_destroy(reinterpret_cast<pw_proxy*>(proxy));
+}
+
 }  // namespace tobrin
 
 #pragma GCC diagnostic pop

@@ -1,7 +1,6 @@
 #include "PipeWire/PipeWireConnection.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cerrno>
 #include <cstring>
 
@@ -17,7 +16,6 @@ constexpr std::chrono::milliseconds firstPause{100};
 }  // namespace
 
 struct PipeWireConnection::Hooks {
-  spa_source* timer = nullptr;
   spa_hook core{};
   pw_core_events events{};
 };
@@ -28,18 +26,15 @@ PipeWireConnection::PipeWireConnection(PipeWireLoop& loop, std::chrono::millisec
       longestPause_(longestPause),
       events_(std::move(events)),
       hooks_(std::make_unique<Hooks>()),
+      timer_(loop, [this] { timerFired(); }),
       pause_(firstPause) {
   hooks_->events.version = PW_VERSION_CORE_EVENTS;
   hooks_->events.error = coreError;
-  const PipeWireLock locked(loop_);
-  hooks_->timer = pw_loop_add_timer(loop_.loop(), timerFired, this);
-  assert(hooks_->timer != nullptr);
 }
 
 PipeWireConnection::~PipeWireConnection() {
   const PipeWireLock locked(loop_);
   close();
-  pw_loop_destroy_source(loop_.loop(), hooks_->timer);
 }
 
 bool PipeWireConnection::open() {
@@ -47,18 +42,18 @@ bool PipeWireConnection::open() {
   if (broken_) drop();
   if (core_ != nullptr || connect()) return true;
   pause_ = firstPause;
-  scheduleIn(pause_);
+  timer_.startIn(pause_);
   return false;
 }
 
 void PipeWireConnection::rest() {
   wanted_ = false;
-  if (!broken_) scheduleIn(std::chrono::nanoseconds(0));
+  if (!broken_) timer_.stop();
 }
 
 void PipeWireConnection::close() {
   wanted_ = false;
-  scheduleIn(std::chrono::nanoseconds(0));
+  timer_.stop();
   drop();
 }
 
@@ -66,7 +61,7 @@ void PipeWireConnection::breakOff(const std::string& reason) {
   if (core_ == nullptr || broken_) return;
   problem_ = reason;
   broken_ = true;
-  scheduleIn(std::chrono::nanoseconds(1));
+  timer_.startIn(std::chrono::milliseconds(0));
 }
 
 void PipeWireConnection::coreError(void* self, uint32_t id, int /*sequence*/, int result,
@@ -75,21 +70,19 @@ void PipeWireConnection::coreError(void* self, uint32_t id, int /*sequence*/, in
   static_cast<PipeWireConnection*>(self)->breakOff("the PipeWire server went away");
 }
 
-void PipeWireConnection::timerFired(void* self, uint64_t /*expirations*/) {
-  auto& connection = *static_cast<PipeWireConnection*>(self);
-  if (connection.broken_) {
-    connection.drop();
+void PipeWireConnection::timerFired() {
+  if (broken_) {
+    drop();
     // A server that goes as soon as it has come is a failed attempt too.
-    const auto lifetime = std::chrono::steady_clock::now() - connection.connectedAt_;
-    if (lifetime < connection.longestPause_) {
-      connection.lengthenPause();
+    if (std::chrono::steady_clock::now() - connectedAt_ < longestPause_) {
+      lengthenPause();
     } else {
-      connection.pause_ = firstPause;
+      pause_ = firstPause;
     }
-  } else if (connection.wanted_ && connection.core_ == nullptr && !connection.connect()) {
-    connection.lengthenPause();
+  } else if (wanted_ && core_ == nullptr && !connect()) {
+    lengthenPause();
   }
-  if (connection.wanted_ && connection.core_ == nullptr) connection.scheduleIn(connection.pause_);
+  if (wanted_ && core_ == nullptr) timer_.startIn(pause_);
 }
 
 bool PipeWireConnection::connect() {
@@ -116,14 +109,6 @@ void PipeWireConnection::drop() {
 
 void PipeWireConnection::lengthenPause() {
   pause_ = std::min(pause_ * 2, longestPause_);
-}
-
-void PipeWireConnection::scheduleIn(std::chrono::nanoseconds delay) {
-  // A value of nothing at all switches the timer off.
-  timespec value{};
-  value.tv_sec = static_cast<time_t>(delay.count() / 1'000'000'000);
-  value.tv_nsec = static_cast<long>(delay.count() % 1'000'000'000);
-  pw_loop_update_timer(loop_.loop(), hooks_->timer, &value, nullptr, false);
 }
 
 }  // namespace tobrin

@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "PipeWire/PipeWireTimer.h"
+
 struct pw_core;
 
 namespace tobrin {
@@ -43,7 +45,8 @@ class PipeWireConnection final {
   /// loop comes round, and the server tried again.
   void breakOff(const std::string& reason);
 
-  [[nodiscard]] bool isOpen() const { return core_ != nullptr && !broken_; }
+  /// Null while there is no connection.
+  [[nodiscard]] pw_core* core() const { return broken_ ? nullptr : core_; }
 
   /// Why there is no connection, in words.
   [[nodiscard]] const std::string& problem() const { return problem_; }
@@ -51,16 +54,16 @@ class PipeWireConnection final {
  private:
   struct Hooks;
   static void coreError(void* self, uint32_t id, int sequence, int result, const char* message);
-  static void timerFired(void* self, uint64_t expirations);
+  void timerFired();
   bool connect();
   void drop();
   void lengthenPause();
-  void scheduleIn(std::chrono::nanoseconds delay);
 
   PipeWireLoop& loop_;                            // fixed after construction
   const std::chrono::milliseconds longestPause_;  // fixed after construction
   const Events events_;                           // fixed after construction
-  std::unique_ptr<Hooks> hooks_;
+  const std::unique_ptr<Hooks> hooks_;            // fixed after construction
+  PipeWireTimer timer_;
   pw_core* core_ = nullptr;
   bool broken_ = false;  // the core is of no more use, and waits to be dropped outside its events
   bool wanted_ = false;

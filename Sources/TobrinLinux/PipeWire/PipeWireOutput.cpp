@@ -1,12 +1,15 @@
 #include "PipeWire/PipeWireOutput.h"
 
+#include <algorithm>
 #include <cassert>
 #include <chrono>
 #include <stdexcept>
 
 #include "PipeWire/PipeWireConnection.h"
+#include "PipeWire/PipeWireDeviceName.h"
 #include "PipeWire/PipeWireLoop.h"
 #include "PipeWire/PipeWireStream.h"
+#include "PipeWire/PipeWireTimer.h"
 #include "Threads/AsioQueue.h"
 
 namespace tobrin {
@@ -16,17 +19,27 @@ namespace {
 // A living server links a new stream within some 20 ms; a busy machine may take longer.
 constexpr std::chrono::milliseconds linkLimit{500};
 constexpr std::chrono::milliseconds longestPause{1000};
+// A session manager that was restarted may overlook the streams that were there before it.
+constexpr std::chrono::milliseconds firstLinkPatience{1000};
+constexpr std::chrono::milliseconds longestLinkPatience{30000};
+constexpr auto noDevice = "PipeWire has no output device";
 
 }  // namespace
 
 PipeWireOutput::PipeWireOutput(std::shared_ptr<PipeWireLoop> loop)
     : loop_(std::move(loop)),
       gate_(std::make_unique<RenderGate>()),
-      notifier_(std::make_unique<AsioQueue>("Tobrin.Audio")) {
-  connection_ = std::make_unique<PipeWireConnection>(
-      *loop_, longestPause,
-      PipeWireConnection::Events{.connected = [this](pw_core* core) { connected(core); },
-                                 .lost = [this] { lost(); }});
+      notifier_(std::make_unique<AsioQueue>("Tobrin.Audio")),
+      linkPatience_(firstLinkPatience) {
+  linkWatch_ = std::make_unique<PipeWireTimer>(*loop_, [this] { linkIsMissing(); });
+  connection_ =
+      std::make_unique<PipeWireConnection>(*loop_, longestPause,
+                                           PipeWireConnection::Events{.connected =
+                                                                          [this](pw_core* core) {
+                                                                            problem_.clear();
+                                                                            makeStream(core);
+                                                                          },
+                                                                      .lost = [this] { lost(); }});
 }
 
 PipeWireOutput::~PipeWireOutput() {
@@ -48,15 +61,17 @@ bool PipeWireOutput::start() {
   if (isWanted_ && isRunning()) return true;
   isWanted_ = true;
   startIsAnswered_ = true;
+  problem_.clear();
   // Publishes the callbacks; pairs with the data thread's load.
   gate_->isOpen.store(true, std::memory_order_release);
   if (connection_->open() && stream_ != nullptr) {
     stream_->setActive(true);
+    watchLink();
     if (stream_->hasStreamed()) return true;
     const auto settled = [this] { return stream_ == nullptr || isRunning() || !problem_.empty(); };
     loop_->wait(settled, linkLimit);
     if (isRunning()) return true;
-    if (problem_.empty()) problem_ = "PipeWire has no output device";
+    if (problem_.empty()) problem_ = noDevice;
   }
   if (stream_ == nullptr && problem_.empty()) problem_ = connection_->problem();
   startIsAnswered_ = false;
@@ -68,6 +83,7 @@ void PipeWireOutput::pause() {
   isWanted_ = false;
   gate_->isOpen.store(false, std::memory_order_relaxed);
   connection_->rest();
+  linkWatch_->stop();
   if (stream_ != nullptr) stream_->setActive(false);
   loop_->finishDataCallbacks();
 }
@@ -83,13 +99,16 @@ std::string PipeWireOutput::problem() const {
 }
 
 std::string PipeWireOutput::description() const {
-  return "PipeWire";
+  const PipeWireLock locked(*loop_);
+  std::string device;
+  if (stream_ != nullptr) device = linkedDeviceName(*loop_, stream_->nodeId());
+  return device.empty() ? "PipeWire" : "PipeWire, " + device;
 }
 
-void PipeWireOutput::connected(pw_core* core) {
-  problem_.clear();
+void PipeWireOutput::makeStream(pw_core* core) {
   try {
     stream_ = std::make_unique<PipeWireStream>(core, *gate_, [this] { streamChanged(); });
+    watchLink();
   } catch (const std::runtime_error& error) {
     problem_ = error.what();
     connection_->breakOff(problem_);
@@ -109,6 +128,7 @@ void PipeWireOutput::streamChanged() {
   if (stream_ == nullptr) return;  // still in its constructor
   const bool streams = stream_->state() == PipeWireStream::State::streaming;
   isStreaming_.store(streams, std::memory_order_relaxed);
+  watchLink();
   if (streams) {
     problem_.clear();
     if (isWanted_ && !startIsAnswered_) notifyChanged();
@@ -118,6 +138,26 @@ void PipeWireOutput::streamChanged() {
     connection_->breakOff(problem_);
   }
   loop_->wake();
+}
+
+void PipeWireOutput::watchLink() {
+  if (isStreaming_.load(std::memory_order_relaxed)) {
+    linkPatience_ = firstLinkPatience;
+    linkWatch_->stop();
+  } else if (isWanted_) {
+    linkWatch_->startIn(linkPatience_);
+  }
+}
+
+void PipeWireOutput::linkIsMissing() {
+  if (connection_->core() == nullptr) return;  // it is tried again anyway
+  linkPatience_ = std::min(linkPatience_ * 2, longestLinkPatience);
+  const bool isNews = problem_.empty();
+  problem_ = noDevice;
+  startIsAnswered_ = false;
+  stream_.reset();
+  makeStream(connection_->core());
+  if (isNews) notifyChanged();
 }
 
 void PipeWireOutput::notifyChanged() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -16,6 +17,7 @@ class AsioQueue;
 class PipeWireConnection;
 class PipeWireLoop;
 class PipeWireStream;
+class PipeWireTimer;
 struct RenderGate;
 
 class PipeWireOutput final : public AudioDevice {
@@ -36,7 +38,9 @@ class PipeWireOutput final : public AudioDevice {
   [[nodiscard]] std::string description() const override;
 
  private:
-  void connected(pw_core* core);
+  void makeStream(pw_core* core);
+  void watchLink();
+  void linkIsMissing();
   void lost();
   void streamChanged();
   void notifyChanged();
@@ -51,6 +55,8 @@ class PipeWireOutput final : public AudioDevice {
 
   // Guarded by the loop's lock.
   std::unique_ptr<PipeWireStream> stream_;
+  std::unique_ptr<PipeWireTimer> linkWatch_;  // runs while the stream should play and does not
+  std::chrono::milliseconds linkPatience_;
   bool isWanted_ = false;
   bool startIsAnswered_ = false;  // the owner knows that the stream runs or is about to
   std::string problem_;

@@ -1,0 +1,35 @@
+/// A one-shot timer on the PipeWire loop. Thread: the loop's, or any that holds its lock.
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+struct spa_source;
+
+namespace tobrin {
+
+class PipeWireLoop;
+
+class PipeWireTimer final {
+ public:
+  /// `fired` runs on the loop thread.
+  PipeWireTimer(PipeWireLoop& loop, std::function<void()> fired);
+  /// Takes the lock itself.
+  ~PipeWireTimer();
+  PipeWireTimer(const PipeWireTimer&) = delete;
+  PipeWireTimer& operator=(const PipeWireTimer&) = delete;
+
+  /// Fires once after `delay`, and no more for what it was set to before. No delay means as soon
+  /// as the loop comes round.
+  void startIn(std::chrono::milliseconds delay);
+  void stop();
+
+ private:
+  void set(std::chrono::nanoseconds delay);
+
+  PipeWireLoop& loop_;
+  const std::function<void()> fired_;
+  spa_source* source_;
+};
+
+}  // namespace tobrin
