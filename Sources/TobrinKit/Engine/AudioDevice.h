@@ -10,8 +10,9 @@ namespace tobrin {
 
 /// What a device calls. `render` fills `frames` samples of each channel on the render thread and
 /// must be real-time safe; `right` is null or equal to `left` for a mono device. `changed` may come
-/// on any thread of the device's own, never from inside `render`: the default device or its format
-/// was switched, the sound server was lost, or it came back.
+/// on any thread of the device's own, never from inside `render` nor with a lock held that `start`
+/// or `pause` take: the default device or its format was switched, the sound server was lost, or it
+/// came back. The device's destructor waits for it.
 struct AudioCallbacks {
   void (*render)(void* context, float* left, float* right, uint32_t frames) noexcept = nullptr;
   void* context = nullptr;

@@ -5,10 +5,11 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
+#include <optional>
 #include <string>
 
 #include "Engine/AudioDevice.h"
+#include "Engine/Mutex.h"
 #include "TobrinMixer.h"
 
 namespace tobrin {
@@ -29,8 +30,14 @@ class AudioOutput final {
   /// ("Tobrin: audio engine failed to start: ...") once per cause and leaves all as it was.
   bool start();
 
-  /// Pauses a running output; the render callback is not called until the next `start`.
+  /// Pauses the output, and the device's own attempts to start; the render callback is not called
+  /// until the next `start`.
   void pause();
+
+  /// Ends every voice and takes all waiting commands while paused, so that neither an old sound nor
+  /// a pointer into an old pack waits for the next start. Does nothing unless paused. The frames of
+  /// the fade count as rendered. Thread: the mixer's producer.
+  void forgetVoices();
 
   [[nodiscard]] bool isRunning() const;
   [[nodiscard]] std::string description() const;
@@ -48,15 +55,16 @@ class AudioOutput final {
   [[nodiscard]] TBMixer* mixer() const { return mixer_; }
 
  private:
-  static void render(void* context, float* left, float* right, uint32_t frames) noexcept;
+  static void render(void* mixer, float* left, float* right, uint32_t frames) noexcept;
   void deviceChanged();
-  bool startLocked();
+  bool startLocked() TOBRIN_REQUIRES(mutex_);
 
-  TBMixer* mixer_;  // fixed after construction
-  mutable std::mutex mutex_;
-  bool isRunning_ = false;   // guarded by mutex_
-  std::string lastProblem_;  // guarded by mutex_
-  std::unique_ptr<AudioDevice> device_;
+  TBMixer* const mixer_;
+  std::unique_ptr<AudioDevice> device_;  // fixed after construction; mutex_ serialises its calls
+  mutable Mutex mutex_;
+  bool isWanted_ TOBRIN_GUARDED_BY(mutex_) = false;   // started and not paused since
+  bool isRunning_ TOBRIN_GUARDED_BY(mutex_) = false;  // and the last attempt succeeded
+  std::optional<std::string> loggedProblem_ TOBRIN_GUARDED_BY(mutex_);
 };
 
 }  // namespace tobrin

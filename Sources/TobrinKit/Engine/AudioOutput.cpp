@@ -1,0 +1,116 @@
+#include "Engine/AudioOutput.h"
+
+#include <array>
+#include <cstdlib>
+#include <utility>
+
+#include "Engine/Log.h"
+
+namespace tobrin {
+namespace {
+
+TBMixer* makeMixer() {
+  TBMixer* const mixer = tb_mixer_create(static_cast<float>(AudioOutput::sampleRate),
+                                         AudioOutput::crossfadeMilliseconds);
+  if (mixer == nullptr) {
+    Log::line("no memory for the voice mixer");
+    std::abort();
+  }
+  return mixer;
+}
+
+}  // namespace
+
+AudioOutput::AudioOutput(std::unique_ptr<AudioDevice> device)
+    : mixer_(makeMixer()), device_(std::move(device)) {
+  device_->setCallbacks(
+      {.render = &render, .context = mixer_, .changed = [this] { deviceChanged(); }});
+}
+
+AudioOutput::~AudioOutput() {
+  pause();
+  // The device may still say that it changed until it is gone, and finds nothing to start.
+  device_.reset();
+  tb_mixer_destroy(mixer_);
+}
+
+void AudioOutput::render(void* mixer, float* left, float* right, uint32_t frames) noexcept {
+  if (left != nullptr) tb_mixer_render(static_cast<TBMixer*>(mixer), left, right, frames);
+}
+
+bool AudioOutput::start() {
+  MutexLock lock(mutex_);
+  isWanted_ = true;
+  return (isRunning_ && device_->isRunning()) || startLocked();
+}
+
+bool AudioOutput::startLocked() {
+  isRunning_ = device_->start();
+  if (isRunning_) {
+    loggedProblem_.reset();
+    return true;
+  }
+  std::string problem = device_->problem();
+  if (loggedProblem_ != problem) Log::line("audio engine failed to start: " + problem);
+  loggedProblem_ = std::move(problem);
+  return false;
+}
+
+void AudioOutput::pause() {
+  MutexLock lock(mutex_);
+  if (isWanted_) device_->pause();
+  isWanted_ = isRunning_ = false;
+}
+
+// A device that could not start says so as well once it can.
+void AudioOutput::deviceChanged() {
+  MutexLock lock(mutex_);
+  if (isWanted_) startLocked();
+}
+
+void AudioOutput::forgetVoices() {
+  MutexLock lock(mutex_);
+  if (isWanted_) return;  // the render thread has the mixer
+  std::array<float, 512> unheard{};
+  static_assert(unheard.size() > sampleRate * 0.006, "the mixer fades out over 6 ms");
+  tb_mixer_render(mixer_, unheard.data(), nullptr, 0);  // a full ring has room again
+  TBCommand release{};
+  release.type = TB_COMMAND_RELEASE_ALL;
+  tb_mixer_push(mixer_, &release);
+  tb_mixer_render(mixer_, unheard.data(), nullptr, unheard.size());
+}
+
+bool AudioOutput::isRunning() const {
+  MutexLock lock(mutex_);
+  return isRunning_;
+}
+
+std::string AudioOutput::description() const {
+  return device_->description();
+}
+
+float AudioOutput::volume() const {
+  return tb_mixer_get_master(mixer_);
+}
+
+void AudioOutput::setVolume(float gain) {
+  tb_mixer_set_master(mixer_, gain);
+}
+
+uint64_t AudioOutput::startedVoices() const {
+  return tb_mixer_started_voices(mixer_);
+}
+
+uint32_t AudioOutput::activeVoices() const {
+  return tb_mixer_active_voices(mixer_);
+}
+
+uint64_t AudioOutput::renderedFrames() const {
+  return tb_mixer_rendered_frames(mixer_);
+}
+
+uint64_t AudioOutput::droppedCommands() const {
+  return tb_mixer_dropped_commands(mixer_);
+}
+
+}  // namespace tobrin

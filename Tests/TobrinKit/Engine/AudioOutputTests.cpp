@@ -1,0 +1,121 @@
+#include "Engine/AudioOutput.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "Engine/Log.h"
+#include "Support/HandDrivenDevice.h"
+
+namespace tobrin {
+namespace {
+
+class AudioOutputTest : public ::testing::Test {
+ protected:
+  AudioOutputTest() {
+    Log::setSink([this](const std::string& line) { logged_.push_back(line); });
+  }
+  ~AudioOutputTest() override { Log::setSink(nullptr); }
+
+  void play(float value, std::size_t frames) {
+    sound_.assign(frames, value);
+    TBCommand command{};
+    command.type = TB_COMMAND_START;
+    command.tag = 1;
+    command.layers[0] = {sound_.data(), nullptr, static_cast<uint32_t>(frames)};
+    command.weights[0] = 1;
+    command.rate = 1;
+    ASSERT_TRUE(tb_mixer_push(output_.mixer(), &command));
+  }
+
+  std::vector<std::string> logged_;
+  std::vector<float> sound_;
+  std::shared_ptr<testing::HandDrivenDevice::Controls> device_ =
+      std::make_shared<testing::HandDrivenDevice::Controls>();
+  AudioOutput output_{std::make_unique<testing::HandDrivenDevice>(device_)};
+};
+
+TEST_F(AudioOutputTest, StartsOnceAndPausesOnce) {
+  output_.pause();
+  EXPECT_EQ(device_->pauses, 0);
+  EXPECT_TRUE(output_.start());
+  EXPECT_TRUE(output_.start());
+  EXPECT_EQ(device_->starts, 1);
+  output_.pause();
+  output_.pause();
+  EXPECT_FALSE(output_.isRunning());
+  EXPECT_EQ(device_->pauses, 1);
+}
+
+TEST_F(AudioOutputTest, FollowsItsDeviceUnlessPaused) {
+  device_->callbacks.changed();
+  EXPECT_FALSE(output_.isRunning());
+  output_.start();
+  device_->callbacks.changed();
+  EXPECT_EQ(device_->starts, 2);
+  device_->lose("the server is gone");
+  EXPECT_FALSE(output_.isRunning());
+  device_->recover();
+  EXPECT_TRUE(output_.isRunning());
+  output_.pause();
+  device_->callbacks.changed();
+  EXPECT_FALSE(device_->running);
+}
+
+TEST_F(AudioOutputTest, LogsEachCauseOfFailureOnce) {
+  device_->refusal = "no server";
+  for (int attempt = 0; attempt < 3; ++attempt)
+    EXPECT_FALSE(output_.start());
+  device_->lose("no device");
+  device_->recover();
+  EXPECT_TRUE(output_.isRunning());  // it was wanted all the time
+  device_->lose("no device");
+  EXPECT_EQ(logged_, (std::vector<std::string>{"Tobrin: audio engine failed to start: no server",
+                                               "Tobrin: audio engine failed to start: no device",
+                                               "Tobrin: audio engine failed to start: no device"}));
+  output_.pause();  // ends the device's own attempts
+  EXPECT_EQ(device_->pauses, 1);
+}
+
+TEST_F(AudioOutputTest, RendersStereoAndMono) {
+  output_.start();
+  play(0.5f, 1000);
+  auto [left, right] = device_->render(64);
+  EXPECT_FLOAT_EQ(left[10], 0.5f);
+  EXPECT_FLOAT_EQ(right[10], 0.5f);
+  device_->mono = true;
+  EXPECT_FLOAT_EQ(device_->render(64).first[10], 0.5f);
+  device_->callbacks.render(device_->callbacks.context, nullptr, nullptr, 64);
+}
+
+TEST_F(AudioOutputTest, ForgetsVoicesOnlyWhilePaused) {
+  output_.start();
+  for (uint32_t i = 0; i < TB_RING_CAPACITY; ++i)
+    play(0.5f, 48000);
+  output_.forgetVoices();
+  EXPECT_EQ(output_.startedVoices(), 0u);
+  output_.pause();
+  output_.forgetVoices();  // also with a full ring
+  EXPECT_EQ(output_.activeVoices(), 0u);
+  output_.start();
+  const auto block = device_->render(512).first;
+  EXPECT_TRUE(std::all_of(block.begin(), block.end(), [](float sample) { return sample == 0; }));
+}
+
+TEST_F(AudioOutputTest, StartPauseAndChangesFromManyThreads) {
+  std::thread changes([this] {
+    for (int i = 0; i < 2000; ++i)
+      device_->callbacks.changed();
+  });
+  for (int i = 0; i < 2000; ++i) {
+    output_.start();
+    output_.pause();
+  }
+  changes.join();
+  EXPECT_FALSE(output_.isRunning());
+  EXPECT_FALSE(device_->running);
+}
+
+}  // namespace
+}  // namespace tobrin
