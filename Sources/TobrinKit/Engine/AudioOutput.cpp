@@ -41,12 +41,15 @@ void AudioOutput::render(void* mixer, float* left, float* right, uint32_t frames
 bool AudioOutput::start() {
   MutexLock lock(mutex_);
   isWanted_ = true;
-  return (isRunning_ && device_->isRunning()) || startLocked();
+  return (isRunning() && device_->isRunning()) || startLocked();
 }
 
 bool AudioOutput::startLocked() {
-  isRunning_ = device_->start();
-  if (isRunning_) {
+  // Orders nothing: what a reader does next does not depend on what the writer did before.
+  isRunning_.store(false, std::memory_order_relaxed);
+  const bool runs = device_->start();
+  isRunning_.store(runs, std::memory_order_relaxed);
+  if (runs) {
     loggedProblem_.reset();
     return true;
   }
@@ -59,7 +62,8 @@ bool AudioOutput::startLocked() {
 void AudioOutput::pause() {
   MutexLock lock(mutex_);
   if (isWanted_) device_->pause();
-  isWanted_ = isRunning_ = false;
+  isWanted_ = false;
+  isRunning_.store(false, std::memory_order_relaxed);
 }
 
 // A device that could not start says so as well once it can.
@@ -81,8 +85,7 @@ void AudioOutput::forgetVoices() {
 }
 
 bool AudioOutput::isRunning() const {
-  MutexLock lock(mutex_);
-  return isRunning_;
+  return isRunning_.load(std::memory_order_relaxed);
 }
 
 std::string AudioOutput::description() const {

@@ -3,6 +3,7 @@
 /// that the render callback never takes; counters and volume may be read from any thread.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -39,6 +40,7 @@ class AudioOutput final {
   /// the fade count as rendered. Thread: the mixer's producer.
   void forgetVoices();
 
+  /// Never waits, also while a start does.
   [[nodiscard]] bool isRunning() const;
   [[nodiscard]] std::string description() const;
 
@@ -61,9 +63,9 @@ class AudioOutput final {
 
   TBMixer* const mixer_;
   std::unique_ptr<AudioDevice> device_;  // fixed after construction; mutex_ serialises its calls
-  mutable Mutex mutex_;
-  bool isWanted_ TOBRIN_GUARDED_BY(mutex_) = false;   // started and not paused since
-  bool isRunning_ TOBRIN_GUARDED_BY(mutex_) = false;  // and the last attempt succeeded
+  Mutex mutex_;
+  bool isWanted_ TOBRIN_GUARDED_BY(mutex_) = false;  // started and not paused since
+  std::atomic<bool> isRunning_ = false;  // and the last attempt succeeded; written under mutex_
   std::optional<std::string> loggedProblem_ TOBRIN_GUARDED_BY(mutex_);
 };
 

@@ -1,6 +1,6 @@
 /// Turns key events into sounding voices: picks the take, measures the force, starts the voice and
 /// refines its weights as the sensor's picture completes, plays releases, and suspends the engine
-/// when nobody types. Every field is touched on the conductor's queue only, which is also the one
+/// when nobody types. All its state belongs to the conductor's queue, which is also the one
 /// producer of the mixer's ring. Public operations may be called from any thread and hop onto the
 /// queue, without waiting unless they say so.
 #pragma once
@@ -19,6 +19,8 @@
 
 namespace tobrin {
 
+class ConductorCore;
+
 class Conductor final {
  public:
   static constexpr const char* queueName = "app.tobrin.conductor";
@@ -28,15 +30,15 @@ class Conductor final {
   /// Called on the queue once per key-down.
   using ForceCallback = std::function<void(const ForceReading&)>;
 
-  /// The queue must outlive the conductor and be drained or stopped before it goes. `sensor` may be
-  /// null.
+  /// The queue outlives the conductor. `sensor` may be null.
   Conductor(SerialQueue& queue, std::unique_ptr<AudioOutput> audio,
             std::unique_ptr<ForceSensor> sensor);
+  /// Shuts down; when it returns, the last callback has ended. Thread: any but the queue's.
   ~Conductor();
   Conductor(const Conductor&) = delete;
   Conductor& operator=(const Conductor&) = delete;
 
-  /// Set before the first event, or on the queue.
+  /// For strokes handled from now on.
   void setOnForce(ForceCallback onForce);
 
   void handle(const KeyEvent& event);
@@ -56,8 +58,8 @@ class Conductor final {
   [[nodiscard]] const AudioOutput& audio() const;
 
  private:
-  class Core;
-  std::shared_ptr<Core> core_;  // shared with the tasks waiting on the queue
+  SerialQueue& queue_;
+  const std::shared_ptr<ConductorCore> core_;  // shared with the tasks waiting on the queue
 };
 
 }  // namespace tobrin

@@ -1,0 +1,185 @@
+#include "Engine/ConductorCore.h"
+
+#include <algorithm>
+#include <cassert>
+#include <chrono>
+#include <utility>
+
+#include "Engine/Conductor.h"
+#include "Engine/DemonstrationPhrase.h"
+
+namespace tobrin {
+namespace {
+
+constexpr uint64_t jitterSeed = 0x74726962;
+
+template <typename Rep, typename Period>
+SerialQueue::Duration ticks(std::chrono::duration<Rep, Period> duration) {
+  return std::chrono::duration_cast<SerialQueue::Duration>(duration);
+}
+
+}  // namespace
+
+ConductorCore::ConductorCore(SerialQueue& queue, std::unique_ptr<AudioOutput> audio,
+                             std::unique_ptr<ForceSensor> sensor)
+    : queue_(queue),
+      devices_(std::make_shared<EngineDevices>(queue, std::move(audio), std::move(sensor))),
+      player_(devices_->audio(), settings_),
+      rng_(jitterSeed) {
+  devices_->watchIdleness();
+}
+
+/// Runs `task` on this object later, if it still is there.
+template <typename Task>
+void ConductorCore::after(SerialQueue::Duration delay, Task task) {
+  queue_.after(delay, [weak = weak_from_this(), run = std::move(task)] {
+    if (const auto self = weak.lock()) run(*self);
+  });
+}
+
+void ConductorCore::handle(const KeyEvent& event) {
+  assert(queue_.isCurrent());
+  if (event.action == KeyAction::down)
+    keyDown(event);
+  else
+    keyUp(event);
+}
+
+void ConductorCore::keyDown(const KeyEvent& event) {
+  held_.release(event.code);  // its key-up was lost
+  if (!settings_.enabled || !player_.hasPack()) return;
+  devices_->noteKey(event.time);
+  wake();
+  const ForceSensor* const sensor = devices_->sensor();
+  if (settings_.forceSensing && sensor != nullptr && sensor->isRunning())
+    strikeSensed(event);
+  else
+    strikeFixed(event);
+}
+
+void ConductorCore::strikeSensed(const KeyEvent& event) {
+  const StrokeStrength strength = meter_.provisional(*devices_->sensor(), event.time, queue_.now());
+  const double gain = 1 + 0.06 * rng_.signedUnit();
+  const double rate = 1 + 0.004 * rng_.signedUnit();
+  const Voicing::Variation variation{static_cast<float>(gain), static_cast<float>(rate)};
+  const uint32_t tag = player_.press(event.code, strength, variation);
+  if (tag == 0) return;
+  held_.press(event.code, tag);
+  for (const double delay : Conductor::refineAtMs) {
+    after(ticks(std::chrono::duration<double, std::milli>(delay)),
+          [stroke = Stroke{tag, event, variation.gain},
+           isFinal = delay == Conductor::refineAtMs.back()](ConductorCore& self) {
+            self.refine(stroke, isFinal);
+          });
+  }
+}
+
+void ConductorCore::strikeFixed(const KeyEvent& event) {
+  const double center = static_cast<double>(index(settings_.fixedTier));
+  const auto position = static_cast<float>(std::clamp(center + 0.3 * rng_.signedUnit(), 0.0, 3.0));
+  const uint32_t tag = player_.press(event.code, {position, 1}, {});
+  if (tag == 0) return;
+  held_.press(event.code, tag);
+  report({.code = event.code, .position = position});
+}
+
+void ConductorCore::refine(const Stroke& stroke, bool isFinal) {
+  if (!player_.hasPack()) return;
+  const auto reading = meter_.read(*devices_->sensor(), stroke.event.time, queue_.now());
+  if (!reading) return;
+  if (reading->strength)
+    player_.reweigh(stroke.tag, stroke.event.code, *reading->strength, stroke.gain);
+  if (isFinal) settle(stroke, *reading);
+}
+
+void ConductorCore::settle(const Stroke& stroke, const StrokeMeter::Reading& reading) {
+  const bool sensed = reading.strength.has_value();
+  if (sensed) meter_.learn(reading);
+  const StrokeStrength strength =
+      reading.strength.value_or(StrokeStrength{meter_.typicalPosition(), 1});
+  held_.measure(stroke.event.code, stroke.tag, strength.relative);
+  report({stroke.event.code, strength.position, strength.relative, reading.peak, sensed});
+}
+
+void ConductorCore::keyUp(const KeyEvent& event) {
+  constexpr float unknown = 1;
+  const float relative = held_.release(event.code).value_or(unknown);
+  playRelease(event.code, relative);
+}
+
+void ConductorCore::playRelease(uint16_t code, float relative) {
+  if (settings_.enabled && settings_.releaseSounds && !devices_->isSuspended())
+    player_.release(code, relative, rng_);
+}
+
+void ConductorCore::apply(const EngineSettings& settings, bool wakeNow) {
+  assert(queue_.isCurrent());
+  const EngineSettings old = std::exchange(settings_, settings);
+  meter_.setSensitivity(settings.sensitivity);
+  devices_->audio().setVolume(settings.volume);
+  if (!settings.enabled) {
+    suspend();
+    return;
+  }
+  if (!devices_->isSuspended() && settings.forceSensing != old.forceSensing) {
+    if (settings.forceSensing)
+      devices_->startSensor();
+    else
+      devices_->stopSensor();
+  }
+  if (wakeNow) wake();
+}
+
+void ConductorCore::wake() {
+  if (settings_.enabled) devices_->wake(settings_.forceSensing);
+}
+
+void ConductorCore::suspend() {
+  devices_->suspend();
+  held_.clear();
+}
+
+void ConductorCore::setPack(std::shared_ptr<const LoadedPack> pack) {
+  assert(queue_.isCurrent());
+  retire(player_.exchangePack(std::move(pack)));
+}
+
+// The render thread plays from the old pack's memory until the fade has ended there. That takes
+// some milliseconds of a running output; a stalled one says by its frames that it has not happened.
+void ConductorCore::retire(std::shared_ptr<const LoadedPack> pack) {
+  constexpr uint64_t fadeFrames = 24000;  // a block in flight and the fade, however long blocks are
+  const bool fading = devices_->fadeOut();
+  const uint64_t fadedAt = devices_->audio().renderedFrames() + fadeFrames;
+  if (pack) dropWhenFaded(std::move(pack), fading, fadedAt);
+}
+
+void ConductorCore::dropWhenFaded(std::shared_ptr<const LoadedPack> pack, bool fading,
+                                  uint64_t fadedAt) {
+  after(std::chrono::seconds(2), [pack = std::move(pack), fading, fadedAt](ConductorCore& self) {
+    if (self.devices_->isSuspended()) return;  // no voice is left
+    if (!fading)
+      self.retire(pack);
+    else if (self.devices_->audio().renderedFrames() < fadedAt)
+      self.dropWhenFaded(pack, fading, fadedAt);
+  });
+}
+
+void ConductorCore::audition() {
+  assert(queue_.isCurrent());
+  if (!settings_.enabled) return;
+  wake();
+  if (!player_.hasPack()) return;
+  for (const PhraseKey& key : demonstrationPhrase(rng_)) {
+    after(ticks(key.press), [key](ConductorCore& self) {
+      if (!self.devices_->isSuspended()) self.player_.press(key.code, {key.position, 1}, {});
+    });
+    after(ticks(key.press + phraseKeyHeld),
+          [code = key.code](ConductorCore& self) { self.playRelease(code, 1); });
+  }
+}
+
+void ConductorCore::report(const ForceReading& reading) const {
+  if (onForce_) onForce_(reading);
+}
+
+}  // namespace tobrin

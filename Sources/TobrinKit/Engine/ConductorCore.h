@@ -1,0 +1,72 @@
+/// What the conductor does, on its queue. Tasks waiting on the queue share it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+#include "Engine/EngineDevices.h"
+#include "Engine/EngineSettings.h"
+#include "Engine/HeldKeys.h"
+#include "Engine/KeyEvent.h"
+#include "Engine/SerialQueue.h"
+#include "Engine/SplitMix64.h"
+#include "Engine/StrokeMeter.h"
+#include "Engine/VoicePlayer.h"
+
+namespace tobrin {
+
+/// Thread: the conductor's queue, but for the constructor.
+class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
+ public:
+  using ForceCallback = std::function<void(const ForceReading&)>;
+
+  ConductorCore(SerialQueue& queue, std::unique_ptr<AudioOutput> audio,
+                std::unique_ptr<ForceSensor> sensor);
+
+  void handle(const KeyEvent& event);
+  void apply(const EngineSettings& settings, bool wakeNow);
+  void setPack(std::shared_ptr<const LoadedPack> pack);
+  void audition();
+  void resetCalibration() { meter_.reset(); }
+  void systemDidWake() { devices_->restart(); }
+  void shutdown() { suspend(); }
+  void setOnForce(ForceCallback onForce) { onForce_ = std::move(onForce); }
+
+  [[nodiscard]] const EngineDevices& devices() const { return *devices_; }
+
+ private:
+  /// One press whose strength is still being measured.
+  struct Stroke {
+    uint32_t tag;
+    KeyEvent event;
+    float gain;  // of its variation
+  };
+
+  void keyDown(const KeyEvent& event);
+  void keyUp(const KeyEvent& event);
+  void strikeSensed(const KeyEvent& event);
+  void strikeFixed(const KeyEvent& event);
+  void refine(const Stroke& stroke, bool isFinal);
+  void settle(const Stroke& stroke, const StrokeMeter::Reading& reading);
+  void playRelease(uint16_t code, float relative);
+  void retire(std::shared_ptr<const LoadedPack> pack);
+  void dropWhenFaded(std::shared_ptr<const LoadedPack> pack, bool fading, uint64_t fadedAt);
+  void wake();
+  void suspend();
+  void report(const ForceReading& reading) const;
+  template <typename Task>
+  void after(SerialQueue::Duration delay, Task task);
+
+  SerialQueue& queue_;
+  EngineSettings settings_;
+  // Shared with its own timers.
+  const std::shared_ptr<EngineDevices> devices_;
+  VoicePlayer player_;
+  StrokeMeter meter_;
+  HeldKeys held_;
+  SplitMix64 rng_;
+  ForceCallback onForce_;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,64 @@
+/// Output and motion sensor, run together while somebody types and rested when nobody does.
+/// Thread: the conductor's queue, but for the constructor.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "Engine/AudioOutput.h"
+#include "Engine/SerialQueue.h"
+#include "Force/ForceSensor.h"
+
+namespace tobrin {
+
+class EngineDevices final : public std::enable_shared_from_this<EngineDevices> {
+ public:
+  static constexpr double idleLimitMs = 180'000;  ///< without a key, until the engine is suspended
+  static constexpr SerialQueue::Duration idleCheckInterval = std::chrono::seconds(15);
+
+  /// Not suspended, and nothing started yet. The sensor may be null.
+  EngineDevices(SerialQueue& queue, std::unique_ptr<AudioOutput> audio,
+                std::unique_ptr<ForceSensor> sensor);
+
+  /// Starts looking every 15 s whether somebody still types. Suspended, nothing is looked at.
+  void watchIdleness();
+
+  /// A key went down at `time`, in host ticks.
+  void noteKey(uint64_t time) { lastActivity_ = time; }
+
+  /// Starts what does not run: the output and, if asked for, the sensor. One that failed a moment
+  /// ago is not asked again at once: its answer may take longer than a key may wait.
+  void wake(bool withSensor);
+
+  /// Fades out, stops the sensor, pauses the output and lets go of all sounds.
+  void suspend();
+
+  /// Takes running devices up again: they may have changed while the machine slept.
+  void restart();
+
+  void startSensor();
+  void stopSensor();
+
+  /// Has every sounding voice fade out; false where the ring is full.
+  bool fadeOut();
+
+  [[nodiscard]] bool isSuspended() const { return isSuspended_; }
+  [[nodiscard]] AudioOutput& audio() { return *audio_; }
+  [[nodiscard]] const AudioOutput& audio() const { return *audio_; }
+  [[nodiscard]] const ForceSensor* sensor() const { return sensor_.get(); }
+
+ private:
+  void startOutput();
+  void checkIdleness();
+
+  SerialQueue& queue_;                         // fixed after construction
+  const std::unique_ptr<AudioOutput> audio_;   // fixed after construction
+  const std::unique_ptr<ForceSensor> sensor_;  // fixed after construction
+  uint64_t lastActivity_;                      // host ticks
+  uint64_t outputRetry_ = 0;                   // host ticks; not asked again before
+  uint64_t sensorRetry_ = 0;                   // likewise
+  uint64_t watch_ = 0;  // number of the idle watch; timers of others do nothing
+  bool isSuspended_ = false;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,364 @@
+#include "Engine/Conductor.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+#include "Engine/Log.h"
+#include "Engine/MachTime.h"
+#include "Engine/VirtualQueue.h"
+#include "Engine/VoicePlayer.h"
+#include "Force/MotionReport.h"
+#include "Support/HandDrivenDevice.h"
+#include "Support/ScriptedMotionSource.h"
+#include "Support/TestPack.h"
+
+namespace tobrin {
+namespace {
+
+constexpr uint16_t centredKey = 200;  // no column, so both channels are equal
+
+class ConductorTest : public ::testing::Test {
+ protected:
+  ConductorTest() {
+    Log::setSink([](const std::string&) {});
+    settings_.volume = 1;
+    settings_.blendTiers = false;  // so that a level tells the tier
+    conductor_->setOnForce([this](const ForceReading& reading) { readings_.push_back(reading); });
+    conductor_->setPack(testing::TestPack::simple());
+    apply();
+  }
+  ~ConductorTest() override { Log::setSink(nullptr); }
+
+  static std::unique_ptr<ForceSensor> makeSensor(testing::ScriptedMotionSource::Controls& motion) {
+    return std::make_unique<ForceSensor>(std::make_unique<testing::ScriptedMotionSource>(motion));
+  }
+
+  void apply(bool wakeNow = true) {
+    conductor_->apply(settings_, wakeNow);
+    advance(0);
+  }
+  void advance(double milliseconds) {
+    queue_.runUntil(queue_.now() + MachTime::ticks(milliseconds));
+  }
+  void press(uint16_t code = centredKey) {
+    conductor_->handle({code, KeyAction::down, queue_.now()});
+    advance(0);
+  }
+  void release(uint16_t code = centredKey) {
+    conductor_->handle({code, KeyAction::up, queue_.now()});
+    advance(0);
+  }
+
+  /// The sensor lies still long enough to forget what it felt. Only this thread feeds it.
+  void settle() {
+    for (int i = 0; i < 300; ++i)
+      sensor_->ingest(encodeMotionReport({0, 0, 1}), queue_.now());
+    advance(1000);
+  }
+  /// The sensor feels a push of `g` now, 0.95 `g` of it as impact.
+  void feel(double g) {
+    sensor_->ingest(encodeMotionReport({0, 0, 1}), queue_.now());
+    sensor_->ingest(encodeMotionReport({0, 0, 1 + g}), queue_.now());
+  }
+  /// The level that plays once any crossfade has ended.
+  float level() { return device_->render(256).first.back(); }
+  void finishSounds() { device_->render(4800); }
+
+  EngineSettings settings_;
+  std::vector<ForceReading> readings_;
+  std::shared_ptr<testing::HandDrivenDevice::Controls> device_ =
+      std::make_shared<testing::HandDrivenDevice::Controls>();
+  testing::ScriptedMotionSource::Controls motion_;
+  std::unique_ptr<ForceSensor> madeSensor_ = makeSensor(motion_);
+  ForceSensor* const sensor_ = madeSensor_.get();
+  VirtualQueue queue_{Conductor::queueName, MachTime::ticks(1e6)};
+  std::unique_ptr<Conductor> conductor_ = std::make_unique<Conductor>(
+      queue_, std::make_unique<AudioOutput>(std::make_unique<testing::HandDrivenDevice>(device_)),
+      std::move(madeSensor_));
+};
+
+TEST_F(ConductorTest, FixedStrengthStaysNearItsTier) {
+  settings_.forceSensing = false;
+  const struct {
+    Tier tier;
+    float lowest, highest;
+  } rows[] = {{Tier::soft, 0, 0.3f}, {Tier::hard, 1.7f, 2.3f}, {Tier::slam, 2.7f, 3}};
+  for (const auto& row : rows) {
+    settings_.fixedTier = row.tier;
+    apply();
+    readings_.clear();
+    for (int i = 0; i < 200; ++i) {
+      press();
+      finishSounds();
+    }
+    const auto [low, high] = std::minmax_element(
+        readings_.begin(), readings_.end(),
+        [](const ForceReading& a, const ForceReading& b) { return a.position < b.position; });
+    ASSERT_EQ(readings_.size(), 200u);
+    EXPECT_GE(low->position, row.lowest);
+    EXPECT_LE(high->position, row.highest);
+    EXPECT_GT(high->position - low->position, 0.2f);
+    EXPECT_EQ(*low, (ForceReading{.code = centredKey, .position = low->position}));
+  }
+}
+
+TEST_F(ConductorTest, AnImpactBeforeTheKeyCountsAtOnceAndTheBeginningOfOneDoesNot) {
+  const struct {
+    double g;
+    float level;
+  } rows[] = {{0.045, 0.3f}, {0.01, 0.2f}};
+  for (const auto& row : rows) {
+    settle();
+    feel(row.g);
+    advance(11);
+    press();
+    EXPECT_NEAR(level(), row.level, 0.02f);
+    finishSounds();
+  }
+}
+
+TEST_F(ConductorTest, FollowsTheImpactAt4And10And16Milliseconds) {
+  conductor_->setPack(testing::TestPack::simple(48000));
+  settle();
+  press();
+  advance(4);
+  EXPECT_NEAR(level(), 0.2f, 0.015f) << "no sample yet: a typical stroke";
+  advance(3);
+  feel(0.045f);
+  advance(2.9);
+  EXPECT_NEAR(level(), 0.2f, 0.015f);
+  advance(0.1);
+  EXPECT_NEAR(level(), 0.3f, 0.02f) << "at 10 ms";
+  advance(4);
+  feel(0.1f);  // the window's last moment
+  advance(1);
+  feel(0.9f);  // beyond it
+  EXPECT_TRUE(readings_.empty());
+  advance(1);
+  EXPECT_NEAR(level(), 0.4f * 1.0f * 1.08f, 0.04f) << "at 16 ms, with edge gain";
+  ASSERT_EQ(readings_.size(), 1u);
+  EXPECT_TRUE(readings_[0].sensed);
+  EXPECT_NEAR(readings_[0].peak, 0.095f, 0.0025);
+  EXPECT_EQ(readings_[0].position, 3);
+  EXPECT_EQ(readings_[0].relative,
+            ForceClassifier().relative(readings_[0].peak, sensor_->noiseFloor()));
+  advance(100);
+  EXPECT_EQ(readings_.size(), 1u);
+}
+
+TEST_F(ConductorTest, WhatIsNoImpactChangesNothing) {
+  conductor_->setPack(testing::TestPack::simple(48000));
+  press();
+  const float before = level();
+  advance(1);
+  sensor_->ingest(encodeMotionReport({0, 0, 1}), queue_.now());
+  sensor_->ingest(encodeMotionReport({0, 0, 1.006}), queue_.now());
+  advance(20);
+  EXPECT_EQ(level(), before);
+  ASSERT_EQ(readings_.size(), 1u);
+  EXPECT_NEAR(readings_[0].peak, 0.0057f, 1e-4);
+  EXPECT_EQ(readings_[0],
+            (ForceReading{.code = centredKey, .position = 1, .peak = readings_[0].peak}));
+  advance(1000);
+  press();
+  advance(20);
+  EXPECT_EQ(readings_.size(), 1u) << "no sample, no reading";
+}
+
+TEST_F(ConductorTest, LearnsTheTypicalStrokeAndForgetsIt) {
+  const auto strike = [this](double g) {
+    settle();
+    press();
+    advance(2);
+    feel(g);
+    advance(20);
+    finishSounds();
+    return readings_.back();
+  };
+  EXPECT_EQ(strike(0.3).position, 3);
+  EXPECT_NEAR(strike(0.001).position, 1.2f, 1e-5) << "10 % of the way";
+  for (int i = 0; i < 11; ++i)
+    strike(0.05);
+  EXPECT_NEAR(strike(0.05).relative, 1, 1e-5) << "the median of 12";
+  conductor_->resetCalibration();
+  EXPECT_EQ(strike(0.001).position, 1);
+  EXPECT_GT(strike(0.05).relative, 2);
+}
+
+TEST_F(ConductorTest, ReleasesAreAsLoudAsTheirPress) {
+  const struct {
+    const char* label;
+    double g;
+    double heldMs;
+    float loudness;
+  } rows[] = {
+      {"hard", 0.3, 50, 1.3f},
+      {"too early to know", 0.3, 8, 1},
+      {"leaves nothing behind", 0, 8, 1},
+      {"soft", 0.004, 50, 0.5f},
+      {"unmeasured", 0, 50, 1},
+  };
+  for (const auto& row : rows) {
+    settle();
+    press();
+    advance(1);
+    if (row.g > 0) feel(row.g);
+    advance(row.heldMs - 1);
+    finishSounds();
+    release();
+    EXPECT_NEAR(level(), 0.05f * 0.8f * row.loudness, 0.05f * 0.8f * row.loudness * 0.051f)
+        << row.label;
+    finishSounds();
+    advance(16);
+  }
+  settings_.releaseSounds = false;
+  apply();
+  release();
+  EXPECT_EQ(level(), 0);
+}
+
+TEST_F(ConductorTest, RestsAfterThreeMinutesWithoutAKeyAndWakesForTheNext) {
+  press();
+  advance(180'000);
+  EXPECT_TRUE(device_->running);
+  advance(15'000);
+  EXPECT_FALSE(device_->running);
+  EXPECT_FALSE(sensor_->isRunning());
+  EXPECT_FALSE(queue_.nextDue()) << "nothing wakes the process up";
+  EXPECT_EQ(conductor_->audio().activeVoices(), 0u);
+  release();
+  EXPECT_FALSE(device_->running);
+
+  press();
+  EXPECT_TRUE(device_->running);
+  EXPECT_TRUE(sensor_->isRunning());
+  const auto block = device_->render(1024).first;
+  const auto heard = std::count_if(block.begin(), block.end(), [](float s) { return s != 0; });
+  EXPECT_NEAR(static_cast<double>(heard), 480, 7) << "the whole sound, give or take its pitch";
+  EXPECT_NE(block[0], 0);
+  advance(195'000);
+  EXPECT_FALSE(device_->running);
+}
+
+TEST_F(ConductorTest, SettingsStartAndStopWhatTheySay) {
+  settings_.forceSensing = false;
+  apply(false);
+  EXPECT_FALSE(sensor_->isRunning());
+  settings_.forceSensing = true;
+  apply(false);
+  EXPECT_TRUE(sensor_->isRunning());
+  press();
+  settings_.enabled = false;
+  apply();
+  EXPECT_FALSE(device_->running);
+  EXPECT_FALSE(sensor_->isRunning());
+  press();
+  release();
+  conductor_->audition();
+  advance(5000);
+  EXPECT_EQ(conductor_->audio().startedVoices(), 1u);
+  settings_.enabled = true;
+  apply(false);
+  EXPECT_FALSE(device_->running);
+  conductor_->systemDidWake();
+  advance(0);
+  EXPECT_FALSE(device_->running);
+  apply(true);
+  EXPECT_TRUE(device_->running);
+  const int starts = device_->starts;
+  conductor_->systemDidWake();
+  advance(0);
+  EXPECT_EQ(device_->starts, starts + 1);
+  EXPECT_EQ(motion_.opened, 4);
+  conductor_->shutdown();
+  EXPECT_FALSE(device_->running);
+}
+
+TEST_F(ConductorTest, KeepsAnOldPackUntilItsFadeHasEnded) {
+  const auto swap = [this] {
+    auto pack = testing::TestPack::simple(480'000);
+    const std::weak_ptr<const LoadedPack> watch = pack;
+    conductor_->setPack(std::move(pack));
+    press();
+    return watch;
+  };
+  const auto first = swap();
+  const auto second = swap();
+  const auto third = swap();
+  finishSounds();
+  EXPECT_EQ(conductor_->audio().activeVoices(), 1u);
+  advance(1990);
+  for (int i = 0; i < 10; ++i)
+    finishSounds();
+  EXPECT_FALSE(first.expired() || second.expired());
+  advance(10);
+  EXPECT_TRUE(first.expired() && second.expired());
+
+  conductor_->setPack(nullptr);
+  advance(10'000);
+  EXPECT_FALSE(third.expired()) << "a stalled output has not faded";
+  settings_.enabled = false;
+  apply();
+  advance(2'000);
+  EXPECT_TRUE(third.expired());
+  const auto fourth = swap();
+  conductor_->setPack(nullptr);
+  advance(2'000);
+  EXPECT_TRUE(fourth.expired());
+}
+
+TEST_F(ConductorTest, GoesOnWithoutAnOutputAndSavesNothingUpForIt) {
+  settings_.forceSensing = false;
+  apply();
+  device_->lose("no server");
+  const int starts = device_->starts;
+  for (int i = 0; i < 50; ++i) {
+    press();
+    advance(50);
+  }
+  EXPECT_EQ(readings_.size(), 50u);
+  EXPECT_NEAR(device_->starts - starts, 3, 1) << "a slow refusal must not hold every key up";
+  device_->recover();
+  EXPECT_EQ(level(), 0);
+  press();
+  EXPECT_GT(level(), 0);
+}
+
+TEST_F(ConductorTest, AFullRingLosesSoundsAndNothingElse) {
+  settings_.forceSensing = false;
+  apply();
+  finishSounds();
+  for (int i = 0; i < 600; ++i)
+    press();
+  EXPECT_EQ(readings_.size(), TB_RING_CAPACITY + 0u);
+  EXPECT_EQ(conductor_->audio().droppedCommands(), 600u - TB_RING_CAPACITY);
+  finishSounds();
+  press();
+  EXPECT_GT(level(), 0);
+}
+
+TEST_F(ConductorTest, AuditionPlaysSixteenKeysAndTheirReleases) {
+  conductor_->audition();
+  for (int i = 0; i < 300; ++i) {
+    advance(10);
+    device_->render(480);
+  }
+  EXPECT_EQ(conductor_->audio().startedVoices(), 32u);
+  EXPECT_TRUE(readings_.empty());
+}
+
+TEST(VoicePlayer, TagsNeverBecomeZero) {
+  AudioOutput audio(std::make_unique<testing::HandDrivenDevice>(
+      std::make_shared<testing::HandDrivenDevice::Controls>()));
+  const EngineSettings settings;
+  VoicePlayer player(audio, settings, UINT32_MAX - 1);
+  EXPECT_EQ(player.press(0, {}, {}), 0u) << "no pack";
+  EXPECT_EQ(player.exchangePack(testing::TestPack::simple()), nullptr);
+  EXPECT_EQ(player.press(0, {}, {}), UINT32_MAX);
+  EXPECT_EQ(player.press(0, {}, {}), 1u);
+}
+
+}  // namespace
+}  // namespace tobrin
