@@ -1,8 +1,11 @@
 // Against the kernel's own devices: run these as root in a virtual machine.
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <thread>
@@ -153,6 +156,29 @@ TEST_F(MotionSourceTest, ASensorThatMayNotBeReadIsToldInWords) {
   };
   EXPECT_EQ(asNobody(true), 1) << "single readings need no more than the right to read";
   EXPECT_EQ(asNobody(false), 2);
+}
+
+TEST_F(MotionSourceTest, TheShippedRuleLetsMembersOfInputUseTheBuffer) {
+  const std::filesystem::path rules = "/run/udev/rules.d";
+  std::filesystem::create_directories(rules);
+  std::filesystem::copy_file(TOBRIN_MOTION_RULES, rules / "70-tobrin-motion.rules",
+                             std::filesystem::copy_options::overwrite_existing);
+  ASSERT_EQ(std::system("udevadm control --reload"), 0);
+  const VirtualAccelerometer device(VirtualAccelerometer::Sensor{});
+  ASSERT_TRUE(eventually([] { return findMotionSource() != nullptr; }));
+  ASSERT_EQ(std::system("udevadm settle"), 0);
+  const pid_t child = fork();
+  if (child == 0) {
+    const gid_t input = getgrnam("input")->gr_gid;
+    if (setgroups(1, &input) != 0 || setgid(65534) != 0 || setuid(65534) != 0) _exit(9);
+    ForceSensor own(findMotionSource());
+    if (!own.start()) _exit(1);
+    const bool fast = eventually([&] { return own.reportsReceived() > 500; });
+    _exit(fast && own.description().ends_with(", 1000 Hz") ? 0 : 2);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, 0);
 }
 
 TEST_F(MotionSourceTest, ARawDeviceIsStampedOnArrivalAndMayComeBack) {
