@@ -53,15 +53,15 @@ def control(command):
 
 
 def write_click_pack(folder):
-    """A pack with one sound, 2 ms long and loud from its first sample: what is late is the program, not the pack."""
+    """A pack of one sound, 10 ms long and loud from its first sample: what is late is the program, not the pack."""
     folder = pathlib.Path(folder) / "click"
     folder.mkdir(parents=True)
-    samples = [int(28000 * math.exp(-i / 24)) for i in range(96)]
+    samples = [int(28000 * math.exp(-i / 120)) for i in range(480)]
     with wave.open(str(folder / "click.wav"), "wb") as sound:
         sound.setnchannels(1)
         sound.setsampwidth(2)
         sound.setframerate(48000)
-        sound.writeframes(struct.pack("<96h", *samples))
+        sound.writeframes(struct.pack("<480h", *samples))
     manifest = {"formatVersion": 1, "id": "click", "name": "Click", "kind": "test",
                 "groups": {"alpha": {"down": {"medium": ["click.wav"]}, "up": ["click.wav"]}}}
     (folder / "pack.json").write_text(json.dumps(manifest), encoding="utf-8")
