@@ -1,0 +1,27 @@
+/// Who uses a microphone, as far as the sound system tells. A plain value.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tobrin {
+
+struct MicActivity {
+  std::optional<std::string> inputDeviceName;  ///< of the default input device
+  bool inputRunningSomewhere = false;          ///< some process runs that device
+  bool inputDeviceHasOutput = false;           ///< it plays too, as a headset does
+  /// Processes that record, this one excluded; absent where the system cannot tell.
+  std::optional<std::vector<int32_t>> recordingProcesses;
+
+  bool operator==(const MicActivity&) const = default;
+
+  /// A device that also plays is not trusted on running alone: playback runs it too.
+  [[nodiscard]] bool micInUse() const {
+    const bool someoneRecords = recordingProcesses && !recordingProcesses->empty();
+    return (inputRunningSomewhere && !inputDeviceHasOutput) || someoneRecords;
+  }
+};
+
+}  // namespace tobrin
