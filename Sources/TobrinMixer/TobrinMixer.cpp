@@ -1,6 +1,7 @@
 #include "TobrinMixer.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cmath>
 #include <new>
@@ -8,18 +9,16 @@
 #include "CommandRing.h"
 #include "MixKernels.h"
 #include "VoicePool.h"
+#include "VoiceStretches.h"
 
-using tobrin::CommandRing;
-using tobrin::MasterRamp;
-using tobrin::MixerVoice;
-using tobrin::MixOutput;
-using tobrin::VoicePool;
+using namespace tobrin;  // NOLINT(google-build-using-namespace): a C interface over it
 
 static_assert(std::atomic<float>::is_always_lock_free);
 static_assert(std::atomic<uint64_t>::is_always_lock_free);
 
 struct TBMixer {
-  TBMixer(uint32_t fadeFrames, uint32_t releaseFrames) noexcept : pool(fadeFrames, releaseFrames) {}
+  TBMixer(uint32_t fadeFrames, uint32_t releaseFrames) noexcept
+      : kernels(chooseMixKernels()), pool(fadeFrames, releaseFrames) {}
 
   CommandRing ring;
 
@@ -32,7 +31,9 @@ struct TBMixer {
 
   // Render thread.
   float masterCurrent = 1.0F;
+  const MixKernels& kernels;  ///< fixed at creation
   VoicePool pool;
+  MixScratch scratch;
 };
 
 namespace {
@@ -41,9 +42,6 @@ constexpr float defaultSampleRate = 48000;
 constexpr float defaultCrossfadeMs = 4;
 constexpr float releaseMs = 6;
 constexpr float loudestMaster = 4;
-
-// Voices are mixed in stretches of this many frames, so that a long block stays in the cache.
-constexpr uint32_t stretchFrames = 256;
 
 uint32_t framesOf(float milliseconds, float sampleRate) {
   const double frames =
@@ -57,22 +55,17 @@ void applyCommands(TBMixer& mixer) noexcept {
   });
 }
 
-MixOutput advanced(const MixOutput& output, uint32_t frames) {
-  return {.left = output.left + frames,
-          .right = output.right != nullptr ? output.right + frames : nullptr};
-}
-
 // Adds one voice to a stretch of `frames` frames and ends it where its sound or its release does.
-void renderVoice(MixerVoice& voice, const MixOutput& output, uint32_t frames) noexcept {
+void renderVoice(TBMixer& mixer, MixerVoice& voice, uint32_t channels, uint32_t frames) noexcept {
   for (uint32_t done = 0; done < frames;) {
     uint32_t count = frames - done;
     if (voice.rampLeft > 0) count = std::min(count, voice.rampLeft);
     const bool released = voice.releasing && count == voice.rampLeft;
     const uint64_t left = voice.framesLeft();
     // The frame that completes a release is not written.
-    const uint32_t audible = released ? count - 1 : count;
-    mixVoice(voice, advanced(output, done),
-             static_cast<uint32_t>(std::min<uint64_t>(audible, left)));
+    const uint64_t audible = std::min<uint64_t>(released ? count - 1 : count, left);
+    mixer.kernels.addStretch(stretchOf(voice, static_cast<uint32_t>(audible), channels),
+                             mixer.scratch, channels, done);
     if (left < count || released) {
       voice.active = false;
       return;
@@ -82,9 +75,21 @@ void renderVoice(MixerVoice& voice, const MixOutput& output, uint32_t frames) no
   }
 }
 
-void renderVoices(VoicePool& pool, const MixOutput& output, uint32_t frames) noexcept {
-  for (MixerVoice& voice : pool.voices()) {
-    if (voice.active) renderVoice(voice, output, frames);
+struct Channels {
+  std::array<float*, 2> samples;
+  uint32_t count;
+};
+
+void renderStretch(TBMixer& mixer, const Channels& channels, const MasterRamp& ramp,
+                   uint32_t firstFrame, uint32_t frames) noexcept {
+  for (uint32_t c = 0; c < channels.count; ++c)
+    mixer.scratch.mix[c].fill(0);
+  for (MixerVoice& voice : mixer.pool.voices()) {
+    if (voice.active) renderVoice(mixer, voice, channels.count, frames);
+  }
+  for (uint32_t c = 0; c < channels.count; ++c) {
+    mixer.kernels.finish(mixer.scratch.mix[c].data(), channels.samples[c] + firstFrame, frames,
+                         ramp, firstFrame);
   }
 }
 
@@ -118,21 +123,18 @@ float tb_mixer_get_master(const TBMixer* mixer) noexcept {
 void tb_mixer_render(TBMixer* mixer, float* left, float* right, uint32_t frames) noexcept {
   applyCommands(*mixer);
   const float master = mixer->masterTarget.load(std::memory_order_relaxed);
-  const MixOutput output{.left = left, .right = right != left ? right : nullptr};
-  const MasterRamp ramp{
-      .start = mixer->masterCurrent,
-      .step = frames > 0 ? (master - mixer->masterCurrent) / static_cast<float>(frames) : 0.0F};
-  for (uint32_t done = 0; done < frames;) {
-    const uint32_t count = std::min(stretchFrames, frames - done);
-    const MixOutput stretch = advanced(output, done);
-    for (float* channel : {stretch.left, stretch.right}) {
-      if (channel != nullptr) std::fill_n(channel, count, 0.0F);
+  const Channels channels{.samples = {left, right},
+                          .count = right == nullptr || right == left ? 1U : 2U};
+  if (mixer->pool.activeCount() == 0) {
+    for (uint32_t c = 0; c < channels.count; ++c)
+      std::fill_n(channels.samples[c], frames, 0.0F);
+  } else {
+    const MasterRamp ramp{
+        .start = mixer->masterCurrent,
+        .step = (master - mixer->masterCurrent) / static_cast<float>(std::max(frames, 1U))};
+    for (uint32_t done = 0; done < frames; done += stretchFrames) {
+      renderStretch(*mixer, channels, ramp, done, std::min(stretchFrames, frames - done));
     }
-    renderVoices(mixer->pool, stretch, count);
-    for (float* channel : {stretch.left, stretch.right}) {
-      if (channel != nullptr) tobrin::applyMaster(channel, count, ramp, done);
-    }
-    done += count;
   }
   mixer->masterCurrent = master;
   mixer->activeVoices.store(mixer->pool.activeCount(), std::memory_order_relaxed);

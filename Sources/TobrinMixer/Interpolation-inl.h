@@ -1,0 +1,148 @@
+// Reads lines at fractional positions. Included once for every instruction set.
+#if defined(TOBRIN_INTERPOLATION_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef TOBRIN_INTERPOLATION_INL_H
+#undef TOBRIN_INTERPOLATION_INL_H
+#else
+#define TOBRIN_INTERPOLATION_INL_H
+#endif
+
+#include <array>
+
+#include "MixKernels.h"
+#include "MixerVoice.h"
+#include "hwy/highway.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace tobrin::HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+using FloatTag = hn::ScalableTag<float>;
+using IntTag = hn::RebindToSigned<FloatTag>;
+using Floats = hn::Vec<FloatTag>;
+using FloatMask = hn::Mask<FloatTag>;
+
+constexpr int64_t oneFrame = static_cast<int64_t>(MixerVoice::one);
+constexpr float frameFraction = 1.0F / static_cast<float>(MixerVoice::one);
+
+/// Where a run of frames reads its line, whose first sample lies at the whole part of the position.
+struct ReadPath {
+  int32_t fraction;  ///< of the first frame, fixed point
+  int32_t rate;      ///< fixed point
+};
+
+/// Two neighbouring samples of a line for each lane.
+struct Neighbours {
+  Floats here, next;
+};
+
+/// Rates so near 1 that the lanes of a vector read three runs of consecutive samples: as many
+/// frames on as the lane's number, give or take the one frame by which the position has drifted.
+/// No sample is fetched by index then. Below an octave each fraction is exact in single precision.
+class NearRates {
+ public:
+  static bool suits(int64_t rate) {
+    const int64_t drift = rate > oneFrame ? rate - oneFrame : oneFrame - rate;
+    return drift * 8 <= oneFrame && drift * static_cast<int64_t>(hn::Lanes(FloatTag())) <= oneFrame;
+  }
+
+  NearRates(const ReadPath& path, size_t frames) : faster_(path.rate >= oneFrame) {
+    const FloatTag d;
+    const IntTag di;
+    const auto lanes = static_cast<int32_t>(hn::Lanes(d));
+    const int32_t drift = path.rate - static_cast<int32_t>(oneFrame);
+    laneDrift_ = hn::Mul(hn::ConvertTo(d, hn::Mul(hn::Iota(di, 0), hn::Set(di, drift))),
+                         hn::Set(d, frameFraction));
+    // The whole drift within a stretch stays under 2^6 frames.
+    const auto first = hn::Set(di, path.fraction);
+    const auto vectorDrift = hn::Set(di, drift * lanes);
+    const auto below = hn::Set(d, faster_ ? 1.0F : 0.0F);
+    const int32_t before = faster_ ? 0 : 1;
+    for (int32_t v = 0; v * lanes < static_cast<int32_t>(frames); v += lanes) {
+      const auto vector = hn::Iota(di, v);
+      const auto place = hn::Add(first, hn::Mul(vector, vectorDrift));
+      const auto whole = hn::ShiftRight<MixerVoice::fractionBits>(place);
+      const auto part = hn::And(place, hn::Set(di, static_cast<int32_t>(oneFrame - 1)));
+      const auto index = hn::Add(whole, hn::Mul(vector, hn::Set(di, lanes)));
+      hn::Store(hn::Sub(index, hn::Set(di, before)), di, starts_.data() + v);
+      hn::Store(hn::Sub(hn::Mul(hn::ConvertTo(d, part), hn::Set(d, frameFraction)), below), d,
+                offsets_.data() + v);
+    }
+  }
+
+  /// Prepares the vector of frames `vector * lanes` and on.
+  void seek(size_t vector) {
+    const FloatTag d;
+    start_ = starts_[vector];
+    const auto offset = hn::Add(laneDrift_, hn::Set(d, offsets_[vector]));
+    early_ = hn::Lt(offset, hn::Zero(d));
+    fraction_ = hn::IfThenElse(early_, hn::Add(offset, hn::Set(d, 1.0F)), offset);
+  }
+
+  [[nodiscard]] Floats fraction() const { return fraction_; }
+
+  [[nodiscard]] Neighbours read(const float* line) const {
+    const FloatTag d;
+    const float* from = line + start_;
+    const auto middle = hn::LoadU(d, from + 1);
+    return {.here = hn::IfThenElse(early_, hn::LoadU(d, from), middle),
+            .next = hn::IfThenElse(early_, middle, hn::LoadU(d, from + 2))};
+  }
+
+ private:
+  bool faster_;
+  Floats laneDrift_;
+  FloatMask early_;
+  Floats fraction_;
+  int32_t start_ = 0;
+  alignas(64) std::array<int32_t, stretchFrames + 16> starts_;
+  alignas(64) std::array<float, stretchFrames + 16> offsets_;
+};
+
+/// Any rate: each lane fetches its samples by index.
+class AnyRate {
+ public:
+  AnyRate(const ReadPath& path, size_t) : rate_(path.rate), first_(path.fraction) {
+    const IntTag di;
+    lanePlace_ = hn::Mul(hn::Iota(di, 0), hn::Set(di, path.rate));
+  }
+
+  void seek(size_t vector) {
+    const FloatTag d;
+    const IntTag di;
+    const int64_t place = first_ + static_cast<int64_t>(vector * hn::Lanes(d)) * rate_;
+    start_ = place >> MixerVoice::fractionBits;
+    const auto part = static_cast<int32_t>(place & (oneFrame - 1));
+    const auto places = hn::Add(lanePlace_, hn::Set(di, part));
+    indices_ = hn::ShiftRight<MixerVoice::fractionBits>(places);
+    const auto parts = hn::And(places, hn::Set(di, static_cast<int32_t>(oneFrame - 1)));
+    fraction_ = hn::Mul(hn::ConvertTo(d, parts), hn::Set(d, frameFraction));
+  }
+
+  [[nodiscard]] Floats fraction() const { return fraction_; }
+
+  [[nodiscard]] Neighbours read(const float* line) const {
+    const FloatTag d;
+    return {.here = hn::GatherIndex(d, line + start_, indices_),
+            .next = hn::GatherIndex(d, line + start_ + 1, indices_)};
+  }
+
+ private:
+  int64_t rate_;
+  int64_t first_;
+  int64_t start_ = 0;
+  hn::Vec<IntTag> lanePlace_;
+  hn::Vec<IntTag> indices_;
+  Floats fraction_;
+};
+
+template <typename Reader>
+HWY_INLINE Floats interpolated(const Reader& reader, const float* line) {
+  const Neighbours samples = reader.read(line);
+  const auto slope = hn::Sub(samples.next, samples.here);
+  return hn::Add(samples.here, hn::Mul(reader.fraction(), slope));
+}
+
+}  // namespace tobrin::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif
