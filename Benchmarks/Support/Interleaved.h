@@ -30,8 +30,8 @@ struct Timing {
 };
 
 struct InterleavedOptions {
-  std::size_t rounds = 31;
-  double secondsARun = 0.002;  ///< the work is repeated until a run takes about this long
+  std::size_t rounds = 101;
+  double secondsARun = 0.0003;  ///< the work is repeated to fill this: less than a time slice
 };
 
 /// Times the contestants in turn, round after round, so that whatever else the machine does falls

@@ -9,7 +9,7 @@ namespace tobrin {
 
 namespace {
 
-constexpr const char* rowFormat = "%-58s %18s %28s %9s %8s %5s %7s\n";
+constexpr const char* rowFormat = "%-50s %16s %22s %7s %8s %4s %8s\n";
 
 std::string number(double value) {
   char text[32];
