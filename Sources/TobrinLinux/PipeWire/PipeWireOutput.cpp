@@ -32,22 +32,20 @@ PipeWireOutput::PipeWireOutput(std::shared_ptr<PipeWireLoop> loop)
       notifier_(std::make_unique<AsioQueue>("Tobrin.Audio")),
       linkPatience_(firstLinkPatience) {
   linkWatch_ = std::make_unique<PipeWireTimer>(*loop_, [this] { linkIsMissing(); });
-  connection_ =
-      std::make_unique<PipeWireConnection>(*loop_, longestPause,
-                                           PipeWireConnection::Events{.connected =
-                                                                          [this](pw_core* core) {
-                                                                            problem_.clear();
-                                                                            makeStream(core);
-                                                                          },
-                                                                      .lost = [this] { lost(); }});
+  PipeWireConnection::Events events{.connected = [this](pw_core* core) { connected(core); },
+                                    .lost = [this] { lost(); }};
+  connection_ = std::make_unique<PipeWireConnection>(*loop_, longestPause, std::move(events));
 }
 
 PipeWireOutput::~PipeWireOutput() {
-  isClosing_.store(true, std::memory_order_relaxed);
-  notifier_.reset();
   pause();
-  const PipeWireLock locked(*loop_);
-  connection_->close();
+  {
+    const PipeWireLock locked(*loop_);
+    isClosing_.store(true, std::memory_order_relaxed);
+    connection_->close();
+  }
+  // A notice on its way may still call in here; it gets nowhere.
+  notifier_.reset();
 }
 
 void PipeWireOutput::setCallbacks(AudioCallbacks callbacks) {
@@ -58,6 +56,7 @@ void PipeWireOutput::setCallbacks(AudioCallbacks callbacks) {
 bool PipeWireOutput::start() {
   assert(gate_->callbacks.render != nullptr);
   const PipeWireLock locked(*loop_);
+  if (isClosing_.load(std::memory_order_relaxed)) return false;
   if (isWanted_ && isRunning()) return true;
   isWanted_ = true;
   startIsAnswered_ = true;
@@ -103,6 +102,12 @@ std::string PipeWireOutput::description() const {
   std::string device;
   if (stream_ != nullptr) device = linkedDeviceName(*loop_, stream_->nodeId());
   return device.empty() ? "PipeWire" : "PipeWire, " + device;
+}
+
+void PipeWireOutput::connected(pw_core* core) {
+  hasMetServer_.store(true, std::memory_order_relaxed);
+  problem_.clear();
+  makeStream(core);
 }
 
 void PipeWireOutput::makeStream(pw_core* core) {

@@ -37,7 +37,11 @@ class PipeWireOutput final : public AudioDevice {
   [[nodiscard]] std::string problem() const override;
   [[nodiscard]] std::string description() const override;
 
+  /// Whether a server ever answered. Thread: any.
+  [[nodiscard]] bool hasMetServer() const { return hasMetServer_.load(std::memory_order_relaxed); }
+
  private:
+  void connected(pw_core* core);
   void makeStream(pw_core* core);
   void watchLink();
   void linkIsMissing();
@@ -52,6 +56,7 @@ class PipeWireOutput final : public AudioDevice {
   std::unique_ptr<AsioQueue> notifier_;  // fixed after construction
   std::atomic<bool> isClosing_ = false;
   std::atomic<bool> isStreaming_ = false;  // written under the loop's lock
+  std::atomic<bool> hasMetServer_ = false;
 
   // Guarded by the loop's lock.
   std::unique_ptr<PipeWireStream> stream_;

@@ -2,18 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <atomic>
-#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include "PipeWire/PipeWireLoop.h"
+#include "Support/AudioPlayer.h"
 #include "Support/ChildProcess.h"
 #include "Support/PrivateDesktop.h"
 #include "Support/TempFolder.h"
+#include "Support/WakeUps.h"
 
 namespace tobrin {
 namespace {
@@ -21,33 +20,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::eventually;
 using testing::tellDesktop;
-
-/// Plays a ramp of known values whenever asked to, and counts what happens to it.
-struct Player {
-  static void render(void* context, float* left, float* right, uint32_t frames) noexcept {
-    auto& player = *static_cast<Player*>(context);
-    player.inRender.store(true);
-    for (uint32_t i = 0; i < frames; ++i) {
-      const float value = player.left > 0 ? 0.5F : 0.0F;
-      if (player.left > 0) --player.left;
-      left[i] = value;
-      if (right != nullptr) right[i] = -0.5F * value;
-    }
-    player.blocks.fetch_add(1);
-    player.largestBlock.store(std::max(player.largestBlock.load(), frames));
-    player.inRender.store(false);
-  }
-
-  AudioCallbacks callbacks() {
-    return {.render = render, .context = this, .changed = [this] { changes.fetch_add(1); }};
-  }
-
-  std::atomic<int> left = 0;  // frames of the pulse still to play
-  std::atomic<int> blocks = 0;
-  std::atomic<uint32_t> largestBlock = 0;
-  std::atomic<int> changes = 0;
-  std::atomic<bool> inRender = false;
-};
+using testing::wakeUps;
 
 /// What a sink plays, recorded from its monitor.
 class Recording {
@@ -83,24 +56,11 @@ class Recording {
   testing::ChildProcess recorder_;
 };
 
-/// How often the threads of this process have slept and been woken.
-uint64_t wakeUps() {
-  uint64_t sum = 0;
-  for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
-    std::ifstream status(thread.path() / "status");
-    for (std::string word; status >> word;) {
-      uint64_t count = 0;
-      if (word == "voluntary_ctxt_switches:" && status >> count) sum += count;
-    }
-  }
-  return sum;
-}
-
 class PipeWireOutputTest : public ::testing::Test {
  protected:
   PipeWireOutputTest() { output_.setCallbacks(player_.callbacks()); }
 
-  Player player_;
+  testing::AudioPlayer player_;
   PipeWireOutput output_{std::make_shared<PipeWireLoop>()};
 };
 
@@ -108,13 +68,13 @@ TEST_F(PipeWireOutputTest, FirstSoundAfterAPauseIsHeardWhole) {
   Recording recording("test_sink");
   constexpr std::size_t pulse = 1000;
   for (std::size_t round = 1; round <= 5; ++round) {
-    player_.left = pulse;
+    player_.pulseFrames = pulse;
     ASSERT_TRUE(output_.start()) << output_.problem();
     EXPECT_TRUE(output_.start());
     EXPECT_TRUE(eventually([&] { return recording.heard().size() >= round * pulse; }));
     output_.pause();
     EXPECT_FALSE(output_.isRunning());
-    EXPECT_FALSE(player_.inRender);
+    EXPECT_EQ(player_.inRender, 0);
   }
   const auto heard = recording.heard();
   ASSERT_EQ(heard.size(), 5 * pulse);
@@ -137,7 +97,7 @@ TEST_F(PipeWireOutputTest, FollowsTheDefaultDevice) {
   Recording recording("other_sink");
   ASSERT_EQ(control({"set-default-sink", "other_sink"}), 0);
   EXPECT_TRUE(eventually([&] { return player_.changes > 0 && output_.isRunning(); }));
-  player_.left = 1000;
+  player_.pulseFrames = 1000;
   EXPECT_TRUE(eventually([&] { return recording.heard().size() >= 1000; }));
   EXPECT_NE(output_.description(), "PipeWire, test_sink");
   ASSERT_EQ(control({"unload-module", "module-null-sink"}), 0);

@@ -1,0 +1,212 @@
+#include "Alsa/AlsaOutput.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <span>
+#include <stdexcept>
+
+#include "Alsa/AlsaPcm.h"
+#include "Threads/AsioQueue.h"
+#include "Threads/ThreadName.h"
+
+namespace tobrin {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto openLimit = 500ms;
+constexpr auto stallLimit = 500ms;
+constexpr std::chrono::milliseconds firstRetryPause = 100ms;
+constexpr std::chrono::milliseconds longestRetryPause = 1000ms;
+constexpr auto forever = std::chrono::nanoseconds::max();
+
+/// Slows down for devices without a clock (null, file), which take everything at once.
+class Pace {
+ public:
+  explicit Pace(const AlsaPcm& pcm) : mayBeAhead_(lengthOf(2 * pcm.bufferFrames())) {}
+
+  /// How long to rest after writing so many frames. They are counted a little short, so that a
+  /// device with a clock never comes to rest here.
+  std::chrono::nanoseconds restAfter(uint32_t frames) {
+    const auto now = std::chrono::steady_clock::now();
+    written_ = std::max(written_, now) + lengthOf(frames) * 99 / 100;
+    return std::max<std::chrono::nanoseconds>(written_ - now - mayBeAhead_, 0ns);
+  }
+
+ private:
+  static std::chrono::nanoseconds lengthOf(uint32_t frames) {
+    return std::chrono::nanoseconds(1s) * frames / 48000;
+  }
+
+  const std::chrono::nanoseconds mayBeAhead_;
+  std::chrono::steady_clock::time_point written_;  // when a clock would have played it all
+};
+
+}  // namespace
+
+AlsaOutput::AlsaOutput(std::string deviceName, std::function<void()> onThreadStart)
+    : deviceName_(std::move(deviceName)),
+      retryPause_(firstRetryPause),
+      notifier_(std::make_unique<AsioQueue>("Tobrin.Notice")) {
+  thread_ = std::thread([this, onStart = std::move(onThreadStart)] { run(onStart); });
+}
+
+AlsaOutput::~AlsaOutput() {
+  {
+    const std::lock_guard lock(mutex_);
+    goal_ = Goal::quit;
+  }
+  wake_.raise();
+  thread_.join();
+  // A notice on its way may still call in here; it gets nowhere.
+  notifier_.reset();
+}
+
+void AlsaOutput::setCallbacks(AudioCallbacks callbacks) {
+  assert(callbacks.render != nullptr);
+  const std::lock_guard lock(mutex_);
+  callbacks_ = std::move(callbacks);
+}
+
+bool AlsaOutput::start() {
+  std::unique_lock lock(mutex_);
+  assert(callbacks_.render != nullptr);
+  if (goal_ == Goal::quit) return false;
+  if (goal_ == Goal::play && phase_ == Phase::playing) return true;
+  goal_ = Goal::play;
+  phase_ = Phase::opening;
+  startIsAnswered_ = true;
+  wake_.raise();
+  phaseChanged_.wait_for(lock, openLimit, [this] { return phase_ != Phase::opening; });
+  startIsAnswered_ = phase_ == Phase::playing;
+  if (phase_ == Phase::opening) problem_ = "the ALSA device '" + deviceName_ + "' does not answer";
+  return startIsAnswered_;
+}
+
+void AlsaOutput::pause() {
+  std::unique_lock lock(mutex_);
+  if (goal_ == Goal::quit) return;
+  goal_ = Goal::pause;
+  wake_.raise();
+  phaseChanged_.wait(lock, [this] { return phase_ == Phase::idle; });
+}
+
+bool AlsaOutput::isRunning() const {
+  const std::lock_guard lock(mutex_);
+  return phase_ == Phase::playing && goal_ == Goal::play;
+}
+
+std::string AlsaOutput::problem() const {
+  const std::lock_guard lock(mutex_);
+  return problem_;
+}
+
+std::string AlsaOutput::description() const {
+  return "ALSA, " + deviceName_;
+}
+
+void AlsaOutput::run(const std::function<void()>& onThreadStart) {
+  nameThisThread("Tobrin.Audio");
+  if (onThreadStart) onThreadStart();
+
+  for (Goal goal = goal_; goal != Goal::quit; goal = goal_) {
+    std::array waitingFor = {pollfd{wake_.fd(), POLLIN, 0}};
+    if (goal == Goal::pause) {
+      retryPause_ = firstRetryPause;
+      fallAsleep();
+      sleep(waitingFor, forever);
+    } else if (!playOnce()) {
+      sleep(waitingFor, retryPause_);
+      retryPause_ = std::min(retryPause_ * 2, longestRetryPause);
+    }
+  }
+}
+
+bool AlsaOutput::playOnce() {
+  try {
+    AlsaPcm pcm(deviceName_);
+    left_.resize(pcm.periodFrames());
+    right_.resize(pcm.periodFrames());
+    retryPause_ = firstRetryPause;
+    succeeded();
+    play(pcm);
+    return true;
+  } catch (const std::runtime_error& error) {
+    failed(error.what());
+    return false;
+  }
+}
+
+void AlsaOutput::play(AlsaPcm& pcm) {
+  std::vector<pollfd> waitingFor = pcm.pollDescriptors();
+  waitingFor.insert(waitingFor.begin(), {wake_.fd(), POLLIN, 0});
+  const std::span device = std::span(waitingFor).subspan(1);
+  Pace pace(pcm);
+  while (goal_ == Goal::play) {
+    for (uint32_t room = pcm.room(); room > 0 && goal_ == Goal::play; room = pcm.room()) {
+      const uint32_t frames = std::min(room, pcm.periodFrames());
+      fill(pcm, frames);
+      sleep(std::span(waitingFor).first(1), pace.restAfter(frames));
+      // What the device plays meanwhile waits for the next whole period.
+      if (room - frames < pcm.periodFrames()) break;
+    }
+    do {
+      if (!sleep(waitingFor, stallLimit)) pcm.giveUp("takes no more sound");
+    } while (goal_ == Goal::play && !pcm.isReady(device));
+  }
+}
+
+void AlsaOutput::fill(AlsaPcm& pcm, uint32_t frames) {
+  float* right = pcm.isStereo() ? right_.data() : nullptr;
+  callbacks_.render(callbacks_.context, left_.data(), right, frames);
+  const std::span<const float> second = pcm.isStereo() ? right_ : std::span<const float>();
+  pcm.write(std::span(left_).first(frames), second.first(pcm.isStereo() ? frames : 0));
+}
+
+bool AlsaOutput::sleep(std::span<pollfd> waitingFor, std::chrono::nanoseconds longest) {
+  if (longest == std::chrono::nanoseconds::zero()) return true;
+  timespec limit{};
+  limit.tv_sec = static_cast<time_t>(longest.count() / 1'000'000'000);
+  limit.tv_nsec = static_cast<long>(longest.count() % 1'000'000'000);
+  const bool isForever = longest == forever;
+  const int ready =
+      ppoll(waitingFor.data(), waitingFor.size(), isForever ? nullptr : &limit, nullptr);
+  if (ready > 0 && waitingFor[0].revents != 0) wake_.clear();
+  return ready != 0;  // also when a signal came in between
+}
+
+void AlsaOutput::fallAsleep() {
+  const std::lock_guard lock(mutex_);
+  if (goal_ != Goal::pause) return;
+  phase_ = Phase::idle;
+  phaseChanged_.notify_all();
+}
+
+void AlsaOutput::succeeded() {
+  const std::lock_guard lock(mutex_);
+  phase_ = Phase::playing;
+  problem_.clear();
+  if (!startIsAnswered_) notifyChanged();
+  phaseChanged_.notify_all();
+}
+
+void AlsaOutput::failed(const std::string& problem) {
+  const std::lock_guard lock(mutex_);
+  if (phase_ == Phase::playing) notifyChanged();
+  phase_ = Phase::failed;
+  problem_ = problem;
+  startIsAnswered_ = false;
+  phaseChanged_.notify_all();
+}
+
+void AlsaOutput::notifyChanged() {
+  notifier_->async([this] {
+    if (goal_ != Goal::quit) callbacks_.changed();
+  });
+}
+
+}  // namespace tobrin

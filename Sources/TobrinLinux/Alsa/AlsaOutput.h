@@ -1,0 +1,78 @@
+/// Plays through ALSA, for desktops without a PipeWire server. A thread of its own ("Tobrin.Audio")
+/// renders; while paused the device is closed and the thread asleep.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Engine/AudioDevice.h"
+#include "Threads/WakeEvent.h"
+
+struct pollfd;
+
+namespace tobrin {
+
+class AlsaPcm;
+class AsioQueue;
+
+class AlsaOutput final : public AudioDevice {
+ public:
+  /// Opens nothing yet. The thread runs `onThreadStart` first, to ask for real-time scheduling.
+  explicit AlsaOutput(std::string deviceName = "default",
+                      std::function<void()> onThreadStart = nullptr);
+  ~AlsaOutput() override;
+  AlsaOutput(const AlsaOutput&) = delete;
+  AlsaOutput& operator=(const AlsaOutput&) = delete;
+
+  void setCallbacks(AudioCallbacks callbacks) override;
+  /// Waits up to half a second for the device to open.
+  bool start() override;
+  void pause() override;
+  [[nodiscard]] bool isRunning() const override;
+  [[nodiscard]] std::string problem() const override;
+  [[nodiscard]] std::string description() const override;
+
+ private:
+  enum class Goal { pause, play, quit };
+  enum class Phase { idle, opening, playing, failed };
+
+  void run(const std::function<void()>& onThreadStart);
+  bool playOnce();
+  void play(AlsaPcm& pcm);
+  void fill(AlsaPcm& pcm, uint32_t frames);
+  bool sleep(std::span<pollfd> waitingFor, std::chrono::nanoseconds longest);
+  void fallAsleep();
+  void succeeded();
+  void failed(const std::string& problem);
+  void notifyChanged();
+
+  const std::string deviceName_;  // fixed after construction
+  AudioCallbacks callbacks_;      // fixed before the first start
+
+  mutable std::mutex mutex_;
+  std::condition_variable phaseChanged_;
+  std::atomic<Goal> goal_ = Goal::pause;  // written under mutex_
+  Phase phase_ = Phase::idle;             // guarded by mutex_
+  bool startIsAnswered_ = false;          // guarded by mutex_
+  std::string problem_;                   // guarded by mutex_
+
+  // The thread's own.
+  std::vector<float> left_;
+  std::vector<float> right_;
+  std::chrono::milliseconds retryPause_;
+
+  WakeEvent wake_;
+  // Calls `changed` off the thread, which `pause` may be waiting for.
+  std::unique_ptr<AsioQueue> notifier_;
+  std::thread thread_;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,58 @@
+/// Two ways to play: the preferred one whenever it answers, the other one where it does not. Both
+/// never render at the same time.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+#include "Engine/AudioDevice.h"
+
+namespace tobrin {
+
+class FallbackAudioDevice final : public AudioDevice {
+ public:
+  using Maker = std::function<std::unique_ptr<AudioDevice>()>;
+
+  /// `makeFallback` is called when a fallback is first needed, and may give null. `mayFallBack` is
+  /// asked each time the preferred device does not start.
+  FallbackAudioDevice(std::unique_ptr<AudioDevice> preferred, Maker makeFallback,
+                      std::function<bool()> mayFallBack);
+  ~FallbackAudioDevice() override;
+  FallbackAudioDevice(const FallbackAudioDevice&) = delete;
+  FallbackAudioDevice& operator=(const FallbackAudioDevice&) = delete;
+
+  void setCallbacks(AudioCallbacks callbacks) override;
+  bool start() override;
+  void pause() override;
+  [[nodiscard]] bool isRunning() const override;
+  [[nodiscard]] std::string problem() const override;
+  [[nodiscard]] std::string description() const override;
+
+ private:
+  /// What one of the two calls; only the one in charge reaches the owner.
+  struct Side {
+    FallbackAudioDevice* owner;
+    std::atomic<bool> isInCharge;
+    std::unique_ptr<AudioDevice> device;  // guarded by the owner's mutex
+
+    static void render(void* self, float* left, float* right, uint32_t frames) noexcept;
+    [[nodiscard]] AudioCallbacks callbacks();
+  };
+
+  void sideChanged(Side& side);
+  bool startFallback();
+  void leaveFallback();
+  [[nodiscard]] const AudioDevice& inCharge() const;
+
+  AudioCallbacks callbacks_;  // fixed before the first start
+  const Maker makeFallback_;
+  const std::function<bool()> mayFallBack_;
+  mutable std::mutex mutex_;
+  bool isClosing_ = false;  // guarded by mutex_
+  Side fallback_{this, false, nullptr};
+  Side preferred_{this, true, nullptr};
+};
+
+}  // namespace tobrin

@@ -1,0 +1,44 @@
+#include "Desktop/MakeAudioDevice.h"
+
+#include <cstdio>
+#include <stdexcept>
+
+#include "Alsa/AlsaConfiguration.h"
+#include "Alsa/AlsaOutput.h"
+#include "Desktop/FallbackAudioDevice.h"
+#include "PipeWire/PipeWireLoop.h"
+#include "PipeWire/PipeWireOutput.h"
+
+namespace tobrin {
+
+namespace {
+
+constexpr auto alsaDevice = "default";
+
+}  // namespace
+
+std::shared_ptr<PipeWireLoop> makePipeWireLoop() {
+  try {
+    return std::make_shared<PipeWireLoop>();
+  } catch (const std::runtime_error& error) {
+    std::fprintf(stderr, "Tobrin: %s\n", error.what());
+    return nullptr;
+  }
+}
+
+std::unique_ptr<AudioDevice> makeAudioDevice(std::shared_ptr<PipeWireLoop> loop,
+                                             std::function<void()> onThreadStart) {
+  const auto makeAlsa = [onStart = std::move(onThreadStart)]() -> std::unique_ptr<AudioDevice> {
+    return std::make_unique<AlsaOutput>(alsaDevice, onStart);
+  };
+  if (loop == nullptr) return makeAlsa();
+  auto server = std::make_unique<PipeWireOutput>(std::move(loop));
+  // Once a server has been there, its absence is a restart: whoever takes the card then keeps the
+  // server from it. A device that leads to the absent server is no way round it either.
+  const PipeWireOutput& met = *server;
+  return std::make_unique<FallbackAudioDevice>(std::move(server), makeAlsa, [&met] {
+    return !met.hasMetServer() && !alsaDeviceLeadsToPipeWire(alsaDevice);
+  });
+}
+
+}  // namespace tobrin

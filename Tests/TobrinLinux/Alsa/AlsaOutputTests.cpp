@@ -1,0 +1,138 @@
+#include "Alsa/AlsaOutput.h"
+
+#include <alsa/asoundlib.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <fstream>
+#include <vector>
+
+#include "Alsa/AlsaConfiguration.h"
+#include "Support/AudioPlayer.h"
+#include "Support/PrivateDesktop.h"
+#include "Support/TempFolder.h"
+#include "Support/WakeUps.h"
+
+namespace tobrin {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::eventually;
+
+/// An ALSA configuration of the test's own in place of the machine's.
+class AlsaOutputTest : public ::testing::Test {
+ protected:
+  ~AlsaOutputTest() override {
+    unsetenv("ALSA_CONFIG_PATH");
+    snd_config_update_free_global();
+  }
+
+  void configure(const std::string& text) {
+    setenv("ALSA_CONFIG_PATH", folder_.write("asound.conf", text).c_str(), 1);
+    snd_config_update_free_global();
+  }
+
+  /// A device that writes to a file whatever it is given.
+  [[nodiscard]] std::string fileDevice() const {
+    return "pcm.file { type file slave.pcm { type null } format raw file \"" + recorded() +
+           "\" }\n";
+  }
+
+  [[nodiscard]] std::string recorded() const { return folder_.path() / "played.raw"; }
+
+  template <typename Sample>
+  [[nodiscard]] std::vector<Sample> heard() const {
+    std::ifstream file(recorded(), std::ios::binary);
+    std::vector<Sample> samples;
+    for (Sample next{}; file.read(reinterpret_cast<char*>(&next), sizeof next);) {
+      if (next != 0) samples.push_back(next);
+    }
+    return samples;
+  }
+
+  static constexpr int pulse = 500;
+
+  void play(const std::string& device) {
+    AlsaOutput output(device);
+    output.setCallbacks(player_.callbacks());
+    player_.pulseFrames = pulse;
+    ASSERT_TRUE(output.start()) << output.problem();
+    ASSERT_TRUE(eventually([&] { return player_.pulseFrames == 0; })) << device;
+    output.pause();
+  }
+
+  testing::TempFolder folder_;
+  testing::AudioPlayer player_;
+};
+
+TEST_F(AlsaOutputTest, PlaysInEachFormatThatADeviceTakes) {
+  // Floats are offered first; these devices take something else, or one channel only.
+  configure(fileDevice() + "pcm.integers { type linear slave { pcm file format S16_LE } }\n" +
+            "pcm.mono { type multi slaves.a { pcm file channels 1 } "
+            "bindings.0 { slave a channel 0 } }\n");
+  play("file");
+  const auto floats = heard<float>();
+  ASSERT_EQ(floats.size(), 2U * pulse);
+  EXPECT_EQ(floats[pulse], 0.5F);
+  EXPECT_EQ(floats[pulse + 1], -0.25F);
+
+  play("integers");
+  const auto integers = heard<int16_t>();
+  ASSERT_EQ(integers.size(), 2U * pulse);
+  EXPECT_EQ(integers[pulse], 16384);
+  EXPECT_EQ(integers[pulse + 1], -8192);
+
+  play("mono");
+  EXPECT_EQ(heard<float>(), std::vector<float>(pulse, 0.5F));
+}
+
+TEST_F(AlsaOutputTest, RunsInRealTimeAndRestsWhilePaused) {
+  configure("pcm.silent { type null }");
+  AlsaOutput output("silent");
+  output.setCallbacks(player_.callbacks());
+  output.pause();
+  for (int round = 0; round < 3; ++round) {
+    ASSERT_TRUE(output.start());
+    const int before = player_.blocks;
+    std::this_thread::sleep_for(100ms);
+    output.pause();
+    EXPECT_EQ(player_.inRender, 0);
+    const int blocks = player_.blocks;
+    EXPECT_LT(blocks - before, 40);  // 19 in a tenth of a second, and two buffers ahead
+    std::this_thread::sleep_for(20ms);
+    EXPECT_EQ(player_.blocks, blocks);
+  }
+}
+
+TEST_F(AlsaOutputTest, TriesAgainUntilTheDeviceIsThere) {
+  configure("");
+  AlsaOutput output("late");
+  output.setCallbacks(player_.callbacks());
+  EXPECT_FALSE(output.start());
+  const auto tries = testing::wakeUps();
+  std::this_thread::sleep_for(300ms);
+  EXPECT_LT(testing::wakeUps() - tries, 10U);
+  EXPECT_NE(output.problem().find("'late' cannot be opened"), std::string::npos)
+      << output.problem();
+  configure("pcm.late { type null }");
+  EXPECT_TRUE(eventually([&] { return output.isRunning() && player_.changes == 1; }));
+  EXPECT_EQ(output.problem(), "");
+}
+
+TEST_F(AlsaOutputTest, KnowsWhichDevicesLeadToPipeWire) {
+  configure(
+      "pcm.direct { type pipewire }\n"
+      "pcm.behind { type plug slave.pcm direct }\n"
+      "pcm.inside { type plug slave.pcm { type pipewire } }\n"
+      "pcm.circle { type plug slave.pcm circle }\n"
+      "pcm.card { type plug slave.pcm { type null } }\n");
+  for (const char* device : {"direct", "behind", "inside"}) {
+    EXPECT_TRUE(alsaDeviceLeadsToPipeWire(device)) << device;
+  }
+  for (const char* device : {"circle", "card", "missing"}) {
+    EXPECT_FALSE(alsaDeviceLeadsToPipeWire(device)) << device;
+  }
+}
+
+}  // namespace
+}  // namespace tobrin
