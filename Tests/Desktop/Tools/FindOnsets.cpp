@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -24,24 +25,43 @@ struct Run {
   int64_t ns = 0;
 };
 
+/// The times of a recording's frames. A capture that wakes late reads the clock of a later cycle
+/// than the one it serves, so a few blocks may seem to come later than they did; that no time was
+/// lost shows in the blocks after them, which fall in with those before. Such an excursion is left
+/// out.
 class RecordedClock final {
  public:
   explicit RecordedClock(const std::string& path) {
     std::ifstream lines(path);
-    for (Run run; lines >> run.frame >> run.ns;)
-      runs_.push_back(run);
+    for (Run run; lines >> run.frame >> run.ns;) {
+      for (size_t back = 2; back <= std::min(LONGEST_EXCURSION, runs_.size()); ++back) {
+        if (!continues(runs_[runs_.size() - back], run)) continue;
+        runs_.resize(runs_.size() - back + 1);
+        break;
+      }
+      if (runs_.empty() || !continues(runs_.back(), run)) runs_.push_back(run);
+    }
     if (runs_.empty()) throw std::runtime_error("no times in " + path);
   }
+
   [[nodiscard]] int64_t timeOf(size_t frame) const {
     const auto after =
         std::upper_bound(runs_.begin(), runs_.end(), frame,
                          [](size_t wanted, const Run& run) { return wanted < run.frame; });
-    const Run& run = after == runs_.begin() ? runs_.front() : *std::prev(after);
-    return run.ns +
-           static_cast<int64_t>(std::llround(static_cast<double>(frame - run.frame) * 1e9 / 48000));
+    return predicted(after == runs_.begin() ? runs_.front() : *std::prev(after), frame);
   }
 
  private:
+  static constexpr size_t LONGEST_EXCURSION = 5;  // runs
+  static constexpr int64_t SAMPLE_NS = 20'833;
+
+  static int64_t predicted(const Run& run, size_t frame) {
+    return run.ns + std::llround(static_cast<double>(frame - run.frame) * 1e9 / 48000);
+  }
+  static bool continues(const Run& run, const Run& next) {
+    return std::abs(predicted(run, next.frame) - next.ns) < SAMPLE_NS;
+  }
+
   std::vector<Run> runs_;
 };
 

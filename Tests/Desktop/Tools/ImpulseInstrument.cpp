@@ -88,16 +88,20 @@ class ImpulseStream final {
           [](void* self, int) { pw_main_loop_quit(self_(self).loop_.get()); }, this);
     connect();
   }
-  ~ImpulseStream() { spa_hook_remove(&listener_); }
+  ~ImpulseStream() { stop(); }
   ImpulseStream(const ImpulseStream&) = delete;
   ImpulseStream& operator=(const ImpulseStream&) = delete;
 
   std::atomic<bool>& struck() { return struck_; }
   void run() { pw_main_loop_run(loop_.get()); }
 
-  /// After run() and with the stream gone.
-  void print() {
+  void stop() {
+    if (stream_) spa_hook_remove(&listener_);
     stream_.reset();
+  }
+
+  /// After stop(), with the real-time thread gone.
+  void print() const {
     for (const uint64_t ns : impulses_)
       std::printf("impulse %llu\n", static_cast<unsigned long long>(ns));
   }
@@ -118,6 +122,7 @@ class ImpulseStream final {
       made.process = process;
       return made;
     }();
+    running_.store(stream_.get(), std::memory_order_release);
     pw_stream_add_listener(stream_.get(), &listener_, &events, this);
     std::array<uint8_t, 1024> memory{};
     spa_pod_builder builder =
@@ -147,7 +152,8 @@ class ImpulseStream final {
   }
   static void process(void* self) {
     ImpulseStream& stream = self_(self);
-    pw_buffer* buffer = pw_stream_dequeue_buffer(stream.stream_.get());
+    pw_stream* running = stream.running_.load(std::memory_order_acquire);
+    pw_buffer* buffer = pw_stream_dequeue_buffer(running);
     if (buffer == nullptr) return;
     spa_data& data = buffer->buffer->datas[0];
     const uint64_t room = data.maxsize / (CHANNELS * sizeof(float));
@@ -155,7 +161,7 @@ class ImpulseStream final {
     stream.render(static_cast<float*>(data.data), frames);
     *data.chunk = {0, static_cast<uint32_t>(frames * CHANNELS * sizeof(float)),
                    CHANNELS * sizeof(float), 0};
-    pw_stream_queue_buffer(stream.stream_.get(), buffer);
+    pw_stream_queue_buffer(running, buffer);
   }
 
   void render(float* samples, uint64_t frames) noexcept {
@@ -173,6 +179,8 @@ class ImpulseStream final {
   PipeWireHandle<pw_stream> stream_;
   spa_hook listener_{};
   bool announced_ = false;
+  std::atomic<pw_stream*> running_{
+      nullptr};  // what stream_ owns, also while that is being destroyed
   std::atomic<bool> struck_{false};
   std::atomic<spa_io_position*> position_{nullptr};
   std::vector<uint64_t>
@@ -190,6 +198,7 @@ int main() {
       const RawKeys keys(stream.struck());
       stream.run();
     }
+    stream.stop();
     stream.print();
   } catch (const std::exception& error) {
     std::cerr << "impulse-instrument: " << error.what() << "\n";

@@ -42,6 +42,7 @@ bool MonitorStream::connectStream() {
   if (!sink_.empty()) pw_properties_set(properties, PW_KEY_TARGET_OBJECT, sink_.c_str());
   stream_.reset(pw_stream_new(core_.get(), "record-sink", properties));
   if (!stream_) return false;
+  running_.store(stream_.get(), std::memory_order_release);
   static const pw_stream_events events = [] {
     pw_stream_events made{};
     made.version = PW_VERSION_STREAM_EVENTS;
@@ -104,7 +105,8 @@ int64_t MonitorStream::startOfCaptured(size_t frames) noexcept {
 
 void MonitorStream::process(void* self) {
   auto& stream = *static_cast<MonitorStream*>(self);
-  pw_buffer* buffer = pw_stream_dequeue_buffer(stream.stream_.get());
+  pw_stream* running = stream.running_.load(std::memory_order_acquire);
+  pw_buffer* buffer = pw_stream_dequeue_buffer(running);
   if (buffer == nullptr) return;
   const spa_data& data = buffer->buffer->datas[0];
   if (data.data != nullptr) {
@@ -113,7 +115,7 @@ void MonitorStream::process(void* self) {
     const std::span samples(reinterpret_cast<const float*>(bytes), frames * CHANNELS);
     stream.ring_.push(stream.startOfCaptured(frames), samples);
   }
-  pw_stream_queue_buffer(stream.stream_.get(), buffer);
+  pw_stream_queue_buffer(running, buffer);
 }
 
 }  // namespace tobrin::testing

@@ -56,6 +56,8 @@ class MonitorStream final {
   bool lost_ = false;
 
   // stored by the loop's thread before the first process() that sees it
+  std::atomic<pw_stream*> running_{
+      nullptr};  // what stream_ owns, also while that is being destroyed
   std::atomic<spa_io_position*> position_{nullptr};
 
   // real-time thread
