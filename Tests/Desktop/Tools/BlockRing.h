@@ -11,15 +11,15 @@
 
 namespace tobrin::testing {
 
-constexpr size_t CHANNELS = 2;
-constexpr double SAMPLE_RATE = 48000;
+constexpr size_t channelCount = 2;
+constexpr double sampleRate = 48000;
 
 /// A run of frames, interleaved, and the time at which the sink played the first of them.
 struct TimedBlock {
-  static constexpr size_t CAPACITY = 1024;  // frames
+  static constexpr size_t capacity = 1024;  // frames
   int64_t startNs = 0;
   size_t frames = 0;
-  std::array<float, CAPACITY * CHANNELS> samples{};
+  std::array<float, capacity * channelCount> samples{};
 };
 
 /// One producer, one consumer; never waits, counts what it could not take.
@@ -30,9 +30,10 @@ class BlockRing final {
   /// Any length; split into blocks. Thread: producer.
   void push(int64_t startNs, std::span<const float> interleaved) noexcept {
     while (!interleaved.empty()) {
-      const size_t samples = std::min(interleaved.size(), TimedBlock::CAPACITY * CHANNELS);
+      const size_t samples = std::min(interleaved.size(), TimedBlock::capacity * channelCount);
       pushBlock(startNs, interleaved.first(samples));
-      startNs += static_cast<int64_t>(static_cast<double>(samples / CHANNELS) * 1e9 / SAMPLE_RATE);
+      startNs +=
+          static_cast<int64_t>(static_cast<double>(samples / channelCount) * 1e9 / sampleRate);
       interleaved = interleaved.subspan(samples);
     }
   }
@@ -57,12 +58,12 @@ class BlockRing final {
   void pushBlock(int64_t startNs, std::span<const float> samples) noexcept {
     const size_t written = written_.load(std::memory_order_relaxed);
     if (written - read_.load(std::memory_order_acquire) == blocks_.size()) {
-      lost_.fetch_add(samples.size() / CHANNELS, std::memory_order_relaxed);
+      lost_.fetch_add(samples.size() / channelCount, std::memory_order_relaxed);
       return;
     }
     TimedBlock& block = blocks_[written % blocks_.size()];
     block.startNs = startNs;
-    block.frames = samples.size() / CHANNELS;
+    block.frames = samples.size() / channelCount;
     std::copy(samples.begin(), samples.end(), block.samples.begin());
     written_.store(written + 1, std::memory_order_release);
   }

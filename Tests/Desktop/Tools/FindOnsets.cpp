@@ -34,7 +34,7 @@ class RecordedClock final {
   explicit RecordedClock(const std::string& path) {
     std::ifstream lines(path);
     for (Run run; lines >> run.frame >> run.ns;) {
-      for (size_t back = 2; back <= std::min(LONGEST_EXCURSION, runs_.size()); ++back) {
+      for (size_t back = 2; back <= std::min(longestExcursion, runs_.size()); ++back) {
         if (!continues(runs_[runs_.size() - back], run)) continue;
         runs_.resize(runs_.size() - back + 1);
         break;
@@ -52,14 +52,14 @@ class RecordedClock final {
   }
 
  private:
-  static constexpr size_t LONGEST_EXCURSION = 5;  // runs
-  static constexpr int64_t SAMPLE_NS = 20'833;
+  static constexpr size_t longestExcursion = 5;  // runs
+  static constexpr int64_t sampleNs = 20'833;
 
   static int64_t predicted(const Run& run, size_t frame) {
     return run.ns + std::llround(static_cast<double>(frame - run.frame) * 1e9 / 48000);
   }
   static bool continues(const Run& run, const Run& next) {
-    return std::abs(predicted(run, next.frame) - next.ns) < SAMPLE_NS;
+    return std::abs(predicted(run, next.frame) - next.ns) < sampleNs;
   }
 
   std::vector<Run> runs_;

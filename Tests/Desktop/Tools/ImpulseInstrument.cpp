@@ -27,9 +27,9 @@ namespace {
 
 using tobrin::testing::PipeWireHandle;
 
-constexpr float IMPULSE = 0.5F;
-constexpr size_t MOST_IMPULSES = 100'000;
-constexpr uint32_t CHANNELS = 2;
+constexpr float impulse = 0.5F;
+constexpr size_t mostImpulses = 100'000;
+constexpr uint32_t channelCount = 2;
 
 /// Listens to raw key presses and leaves word of each in `struck`.
 class RawKeys final {
@@ -79,13 +79,13 @@ class ImpulseStream final {
  public:
   ImpulseStream()
       : loop_(pw_main_loop_new(nullptr)), context_(tobrin::testing::realTimeContext(loop_.get())) {
-    impulses_.reserve(MOST_IMPULSES);
+    impulses_.reserve(mostImpulses);
     core_.reset(pw_context_connect(context_.get(), nullptr, 0));
     if (!core_) throw std::runtime_error("no sound server");
     for (const int number : {SIGINT, SIGTERM})
       pw_loop_add_signal(
           pw_main_loop_get_loop(loop_.get()), number,
-          [](void* self, int) { pw_main_loop_quit(self_(self).loop_.get()); }, this);
+          [](void* self, int) { pw_main_loop_quit(of(self).loop_.get()); }, this);
     connect();
   }
   ~ImpulseStream() { stop(); }
@@ -107,7 +107,7 @@ class ImpulseStream final {
   }
 
  private:
-  static ImpulseStream& self_(void* self) { return *static_cast<ImpulseStream*>(self); }
+  static ImpulseStream& of(void* self) { return *static_cast<ImpulseStream*>(self); }
 
   void connect() {
     stream_.reset(
@@ -130,7 +130,7 @@ class ImpulseStream final {
     spa_audio_info_raw format{};
     format.format = SPA_AUDIO_FORMAT_F32;
     format.rate = 48000;
-    format.channels = CHANNELS;
+    format.channels = channelCount;
     format.position[0] = SPA_AUDIO_CHANNEL_FL;
     format.position[1] = SPA_AUDIO_CHANNEL_FR;
     const spa_pod* parameter = spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &format);
@@ -141,35 +141,35 @@ class ImpulseStream final {
   }
 
   static void stateChanged(void* self, pw_stream_state, pw_stream_state state, const char*) {
-    if (state != PW_STREAM_STATE_STREAMING || self_(self).announced_) return;
-    self_(self).announced_ = true;
-    std::puts("ready");
-    std::fflush(stdout);
+    if (state != PW_STREAM_STATE_STREAMING || of(self).announced_) return;
+    of(self).announced_ = true;
+    (void)std::puts("ready");
+    (void)std::fflush(stdout);
   }
   static void ioChanged(void* self, uint32_t id, void* area, uint32_t) {
     if (id == SPA_IO_Position)
-      self_(self).position_.store(static_cast<spa_io_position*>(area), std::memory_order_release);
+      of(self).position_.store(static_cast<spa_io_position*>(area), std::memory_order_release);
   }
   static void process(void* self) {
-    ImpulseStream& stream = self_(self);
+    ImpulseStream& stream = of(self);
     pw_stream* running = stream.running_.load(std::memory_order_acquire);
     pw_buffer* buffer = pw_stream_dequeue_buffer(running);
     if (buffer == nullptr) return;
     spa_data& data = buffer->buffer->datas[0];
-    const uint64_t room = data.maxsize / (CHANNELS * sizeof(float));
+    const uint64_t room = data.maxsize / (channelCount * sizeof(float));
     const uint64_t frames = buffer->requested == 0 ? room : std::min(buffer->requested, room);
     stream.render(static_cast<float*>(data.data), frames);
-    *data.chunk = {0, static_cast<uint32_t>(frames * CHANNELS * sizeof(float)),
-                   CHANNELS * sizeof(float), 0};
+    *data.chunk = {0, static_cast<uint32_t>(frames * channelCount * sizeof(float)),
+                   channelCount * sizeof(float), 0};
     pw_stream_queue_buffer(running, buffer);
   }
 
   void render(float* samples, uint64_t frames) noexcept {
-    std::fill(samples, samples + frames * CHANNELS, 0.0F);
+    std::fill(samples, samples + frames * channelCount, 0.0F);
     if (frames == 0 || !struck_.exchange(false, std::memory_order_acquire)) return;
-    samples[0] = samples[1] = IMPULSE;
+    samples[0] = samples[1] = impulse;
     const spa_io_position* position = position_.load(std::memory_order_acquire);
-    if (position != nullptr && impulses_.size() < MOST_IMPULSES)
+    if (position != nullptr && impulses_.size() < mostImpulses)
       impulses_.push_back(position->clock.nsec);
   }
 

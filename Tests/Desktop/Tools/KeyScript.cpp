@@ -9,8 +9,8 @@
 namespace tobrin::testing {
 namespace {
 
-constexpr uint32_t RETURN_KEYSYM = 0xff0d;
-constexpr uint32_t SHIFT_KEYSYM = 0xffe1;
+constexpr uint32_t returnKeysym = 0xff0d;
+constexpr uint32_t shiftKeysym = 0xffe1;
 
 void inOrderOfTime(std::vector<KeyAction>& actions) {
   std::stable_sort(actions.begin(), actions.end(),
@@ -25,14 +25,14 @@ std::vector<KeyAction> typedText(const std::string& text, TypingStyle style) {
   for (const char character : text) {
     const bool capital = character >= 'A' && character <= 'Z';
     const auto byte = static_cast<unsigned char>(capital ? character - 'A' + 'a' : character);
-    const uint32_t keysym = character == '\n' ? RETURN_KEYSYM : byte;
+    const uint32_t keysym = character == '\n' ? returnKeysym : byte;
     if (capital) {
-      actions.push_back({atMs, SHIFT_KEYSYM, true});
+      actions.push_back({atMs, shiftKeysym, true});
       atMs += style.intervalMs;
     }
     actions.push_back({atMs, keysym, true});
     actions.push_back({atMs + style.holdMs, keysym, false});
-    if (capital) actions.push_back({atMs + style.holdMs + 5, SHIFT_KEYSYM, false});
+    if (capital) actions.push_back({atMs + style.holdMs + 5, shiftKeysym, false});
     atMs += style.intervalMs;
   }
   inOrderOfTime(actions);
@@ -55,7 +55,7 @@ std::vector<KeyAction> randomTyping(const RandomTyping& typing) {
     // A roll ends within the next key's hold, before the key after that.
     const double heldMs = typing.rolls ? nextMs - atMs + typing.minimumIntervalMs * 0.5
                                        : (nextMs - atMs) * (0.3 + 0.4 * uniform());
-    const auto keysym = static_cast<uint32_t>(keys[key]);
+    const auto keysym = static_cast<uint32_t>(static_cast<unsigned char>(keys[key]));
     actions.push_back({atMs, keysym, true});
     actions.push_back({atMs + heldMs, keysym, false});
     atMs = nextMs;

@@ -57,8 +57,8 @@ bool MonitorStream::connectStream() {
       SPA_POD_BUILDER_INIT(memory.data(), static_cast<uint32_t>(memory.size()));
   spa_audio_info_raw format{};
   format.format = SPA_AUDIO_FORMAT_F32;
-  format.rate = static_cast<uint32_t>(SAMPLE_RATE);
-  format.channels = CHANNELS;
+  format.rate = static_cast<uint32_t>(sampleRate);
+  format.channels = channelCount;
   format.position[0] = SPA_AUDIO_CHANNEL_FL;
   format.position[1] = SPA_AUDIO_CHANNEL_FR;
   const spa_pod* parameter = spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &format);
@@ -96,7 +96,7 @@ int64_t MonitorStream::startOfCaptured(size_t frames) noexcept {
       lastDuration_ == frames && lastPosition_ + lastDuration_ == clock.position;
   const int64_t startNs =
       continuous ? lastNs_
-                 : nowNs - static_cast<int64_t>(static_cast<double>(frames) * 1e9 / SAMPLE_RATE);
+                 : nowNs - static_cast<int64_t>(static_cast<double>(frames) * 1e9 / sampleRate);
   lastPosition_ = clock.position;
   lastDuration_ = clock.duration;
   lastNs_ = nowNs;
@@ -111,8 +111,8 @@ void MonitorStream::process(void* self) {
   const spa_data& data = buffer->buffer->datas[0];
   if (data.data != nullptr) {
     const auto* bytes = static_cast<const uint8_t*>(data.data) + data.chunk->offset;
-    const size_t frames = data.chunk->size / (CHANNELS * sizeof(float));
-    const std::span samples(reinterpret_cast<const float*>(bytes), frames * CHANNELS);
+    const size_t frames = data.chunk->size / (channelCount * sizeof(float));
+    const std::span samples(reinterpret_cast<const float*>(bytes), frames * channelCount);
     stream.ring_.push(stream.startOfCaptured(frames), samples);
   }
   pw_stream_queue_buffer(running, buffer);

@@ -21,7 +21,7 @@ namespace {
 
 using tobrin::testing::KeyAction;
 
-const char* const USAGE =
+const char* const usage =
     "press-keys [--delay MS] --text TEXT [--interval MS] [--hold MS]\n"
     "press-keys [--delay MS] --random PRESSES [--gap MIN:MAX] [--rolls] [--seed N]\n"
     "press-keys [--delay MS] --script FILE       lines \"MS press|release KEYSYM\"\n"
@@ -151,7 +151,7 @@ int main(int count, char** words) {
     const Arguments arguments = parse(count, words);
     type(actionsFor(arguments), arguments.delayMs);
   } catch (const std::logic_error& error) {
-    std::cerr << "press-keys: " << error.what() << "\n" << USAGE;
+    std::cerr << "press-keys: " << error.what() << "\n" << usage;
     return 2;
   } catch (const std::exception& error) {
     std::cerr << "press-keys: " << error.what() << "\n";

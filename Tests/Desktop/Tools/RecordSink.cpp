@@ -26,9 +26,9 @@ using tobrin::testing::PipeWireHandle;
 using tobrin::testing::TimedBlock;
 using tobrin::testing::TimedRecording;
 
-constexpr timespec PERIOD{0, 20'000'000};
-constexpr int TICKS_BETWEEN_ATTEMPTS = 5;  // a tenth of a second
-constexpr float AUDIBLE = 0.001F;          // -60 dBFS
+constexpr timespec drainPeriod{0, 20'000'000};
+constexpr int ticksBetweenAttempts = 5;  // a tenth of a second
+constexpr float audible = 0.001F;        // -60 dBFS
 
 class Recorder final {
  public:
@@ -40,7 +40,7 @@ class Recorder final {
           loop, number, [](void* self, int) { pw_main_loop_quit(loopOf(self)); }, this);
     spa_source* timer = pw_loop_add_timer(
         loop, [](void* self, uint64_t) { static_cast<Recorder*>(self)->tick(); }, this);
-    timespec period = PERIOD;
+    timespec period = drainPeriod;
     pw_loop_update_timer(loop, timer, &period, &period, false);
   }
 
@@ -57,31 +57,31 @@ class Recorder final {
   static pw_main_loop* loopOf(void* self) { return static_cast<Recorder*>(self)->loop_.get(); }
 
   void tick() {
-    if (++ticks_ % TICKS_BETWEEN_ATTEMPTS == 0) stream_.ensureConnected();
+    if (++ticks_ % ticksBetweenAttempts == 0) stream_.ensureConnected();
     drain();
   }
 
   void drain() {
     while (const auto* block = ring_.front()) {
-      if (!announced_) std::puts("recording");
+      if (!announced_) (void)std::puts("recording");
       announced_ = true;
       recording_.append(*block);
       listen(*block);
       ring_.pop();
     }
-    std::fflush(stdout);
+    (void)std::fflush(stdout);
   }
 
   void listen(const TimedBlock& block) {
     const size_t known = detector_.onsets().size();
     for (size_t i = 0; i < block.frames; ++i)
       detector_.add(std::max(std::abs(block.samples[i * 2]), std::abs(block.samples[i * 2 + 1])));
-    if (detector_.onsets().size() > known) std::puts("sound");
+    if (detector_.onsets().size() > known) (void)std::puts("sound");
   }
 
   BlockRing ring_;
   TimedRecording recording_;
-  OnsetDetector detector_{AUDIBLE};
+  OnsetDetector detector_{audible};
   PipeWireHandle<pw_main_loop> loop_;
   MonitorStream stream_;
   int ticks_ = 0;
