@@ -1,10 +1,13 @@
 #include "Evdev/EvdevKeySource.h"
 
 #include <fcntl.h>
+#include <grp.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -17,6 +20,18 @@ enum Waits : std::size_t { wakeWait, hotplugWait, permissionWait, seatWait, firs
 
 bool isReadable(const std::string& node) {
   return faccessat(AT_FDCWD, node.c_str(), R_OK, AT_EACCESS) == 0;
+}
+
+/// Who may read a device, for people: " (members of the group "input" may)".
+std::string readersOf(const std::string& node) {
+  struct stat status {};
+  group entry{};
+  group* found = nullptr;
+  std::array<char, 4096> texts;
+  if (stat(node.c_str(), &status) != 0 || (status.st_mode & S_IRGRP) == 0) return {};
+  getgrgid_r(status.st_gid, &entry, texts.data(), texts.size(), &found);
+  return found == nullptr ? ""
+                          : " (members of the group \"" + std::string(entry.gr_name) + "\" may)";
 }
 
 }  // namespace
@@ -44,7 +59,7 @@ bool EvdevKeySource::open() {
 
 /// Opens every keyboard that is not open yet, unless another user sits at them.
 void EvdevKeySource::takeUpKeyboards() {
-  std::string refusals;
+  std::string refusal;
   for (const std::string& node : watches_->list.nodes(watches_->seat.seat())) {
     const auto hasNode = [&](const auto& keyboard) { return keyboard->node() == node; };
     if (!isOurs_ || std::any_of(keyboards_.begin(), keyboards_.end(), hasNode)) continue;
@@ -52,11 +67,11 @@ void EvdevKeySource::takeUpKeyboards() {
     if (auto keyboard = Keyboard::open(node, error)) {
       keyboards_.push_back(std::move(keyboard));
     } else if (error == EACCES || error == EPERM) {
-      refusals += (refusals.empty() ? "" : ", ") + node;
+      refusal = "no permission to read " + node + readersOf(node);
     }
   }
-  refused_ = keyboards_.empty() && !refusals.empty();
-  setProblem(refused_ ? "no permission to read " + refusals : "");
+  refused_ = keyboards_.empty() && !refusal.empty();
+  setProblem(refused_ ? refusal : "");
 }
 
 void EvdevKeySource::run(const Sink& sink) {

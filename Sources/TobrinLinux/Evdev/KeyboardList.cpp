@@ -129,9 +129,10 @@ int KeyboardWatch::hotplugFd() const {
 }
 
 void KeyboardWatch::clear() {
-  while (monitor_) {
-    if (!std::unique_ptr<udev_device, UdevUnref>(udev_monitor_receive_device(monitor_.get())))
-      break;
+  const auto takeOne = [this] {
+    return std::unique_ptr<udev_device, UdevUnref>(udev_monitor_receive_device(monitor_.get()));
+  };
+  while (monitor_ && takeOne()) {
   }
   if (inotify_ < 0) return;
   // Again each time: the folder goes with the last device and comes back with the next.
