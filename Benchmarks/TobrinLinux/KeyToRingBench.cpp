@@ -1,0 +1,152 @@
+// How long a key event takes to its command in the mixer's ring: the whole conductor on its real
+// queue, with the force of a sensor that sends 1000 reports a second. Times are taken before the
+// event is handed over and by a task right behind it, so they are upper bounds.
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "Engine/Conductor.h"
+#include "Engine/MachTime.h"
+#include "Force/MotionReport.h"
+#include "Support/Report.h"
+#include "Support/TestPack.h"
+#include "Threads/AsioQueue.h"
+#include "Threads/RealtimeScheduling.h"
+
+namespace tobrin {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int keys = 600;
+constexpr double microsecondsATick = 1e-3;
+
+/// Renders a block every 5.3 ms into nothing.
+class SilentDevice final : public AudioDevice {
+ public:
+  ~SilentDevice() override { pause(); }
+  bool start() override {
+    running_ = true;
+    thread_ = std::thread([this] {
+      std::vector<float> left(256), right(256);
+      while (running_) {
+        callbacks_.render(callbacks_.context, left.data(), right.data(), 256);
+        std::this_thread::sleep_for(5333us);
+      }
+    });
+    return true;
+  }
+  void pause() override {
+    running_ = false;
+    if (thread_.joinable()) thread_.join();
+  }
+  [[nodiscard]] bool isRunning() const override { return running_; }
+  [[nodiscard]] std::string problem() const override { return {}; }
+  [[nodiscard]] std::string description() const override { return "nothing"; }
+  void setCallbacks(AudioCallbacks callbacks) override { callbacks_ = std::move(callbacks); }
+
+ private:
+  AudioCallbacks callbacks_;
+  std::atomic<bool> running_ = false;
+  std::thread thread_;
+};
+
+/// A small impact every millisecond.
+class SteadySource final : public MotionSource {
+ public:
+  bool open() override { return true; }
+  void run(const Sink& sink) override {
+    for (int i = 0; !interrupted_; ++i) {
+      sink(encodeMotionReport({0, 0, 1 + 0.01 * (i % 7)}), MachTime::now());
+      std::this_thread::sleep_for(1ms);
+    }
+  }
+  void close() override {}
+  void interrupt() override { interrupted_ = true; }
+  [[nodiscard]] std::string problem() const override { return {}; }
+  [[nodiscard]] std::string description() const override { return "steady"; }
+
+ private:
+  std::atomic<bool> interrupted_ = false;
+};
+
+/// Keeps every core busy while it lives.
+class BusyCores final {
+ public:
+  BusyCores() {
+    for (unsigned i = 0; i < 2 * std::thread::hardware_concurrency(); ++i)
+      threads_.emplace_back([this] {
+        while (!ending_.load(std::memory_order_relaxed)) {
+        }
+      });
+  }
+  ~BusyCores() {
+    ending_ = true;
+    for (std::thread& thread : threads_)
+      thread.join();
+  }
+
+ private:
+  std::atomic<bool> ending_ = false;
+  std::vector<std::thread> threads_;
+};
+
+/// Microseconds from each post to the task behind it, in rising order.
+std::vector<double> timesThrough(AsioQueue& queue, const std::function<void(uint16_t)>& post) {
+  std::vector<double> times;
+  for (int i = 0; i < keys; ++i) {
+    std::this_thread::sleep_for(5ms);
+    std::promise<uint64_t> handled;
+    const uint64_t posted = MachTime::now();
+    post(static_cast<uint16_t>(i % 48));
+    queue.async([&handled] { handled.set_value(MachTime::now()); });
+    times.push_back(static_cast<double>(handled.get_future().get() - posted) * microsecondsATick);
+  }
+  std::sort(times.begin(), times.end());
+  return times;
+}
+
+double percentile(const std::vector<double>& sorted, double part) {
+  return sorted[static_cast<std::size_t>(part * static_cast<double>(sorted.size() - 1))];
+}
+
+void measure(Report& report, const std::string& name, double limit) {
+  AsioQueue queue(Conductor::queueName, requestRealtimeScheduling);
+  Conductor conductor(
+      queue, std::make_unique<AudioOutput>(std::make_unique<SilentDevice>()),
+      std::make_unique<ForceSensor>(std::make_unique<SteadySource>(), requestRealtimeScheduling));
+  conductor.setPack(testing::TestPack::simple());
+  conductor.apply({}, true);
+  std::thread([&] {
+    requestRealtimeScheduling();
+    const auto bare = timesThrough(queue, [](uint16_t) {});
+    const auto events = timesThrough(queue, [&conductor](uint16_t code) {
+      conductor.handle({code, KeyAction::down, MachTime::now()});
+    });
+    const double p99 = percentile(events, 0.99);
+    report.add(Figure::under("key to ring, 99 of 100, " + name, p99, "us", limit, 0));
+    report.add({.name = "key to ring, median, " + name,
+                .measured = percentile(events, 0.5),
+                .unit = "us",
+                .peer = "bare hand-over",
+                .peerValue = percentile(bare, 0.5),
+                .ratio = percentile(events, 0.5) / percentile(bare, 0.5),
+                .goal = Figure::Goal::atMost,
+                .goalRatio = 2,
+                .spread = 0});
+  }).join();
+}
+
+}  // namespace
+}  // namespace tobrin
+
+int main(int argc, char** argv) {
+  tobrin::Report report(argc, argv);
+  tobrin::measure(report, "idle", 100);
+  const tobrin::BusyCores busy;
+  tobrin::measure(report, "every core busy", 1000);
+}
