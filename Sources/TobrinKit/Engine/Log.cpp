@@ -19,7 +19,7 @@ void Log::line(const std::string& text) {
   if (currentSink)
     currentSink(line);
   else
-    std::fprintf(stderr, "%s\n", line.c_str());
+    static_cast<void>(std::fprintf(stderr, "%s\n", line.c_str()));
 }
 
 void Log::setSink(Sink sink) {
