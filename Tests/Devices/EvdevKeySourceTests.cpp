@@ -49,7 +49,7 @@ class EvdevKeySourceTest : public ::testing::Test {
   }
 
   HeardKeys heard;
-  KeyMonitor monitor{std::make_unique<EvdevKeySource>(), std::ref(heard)};
+  KeyMonitor monitor{std::make_unique<EvdevKeySource>(), std::ref(heard), testing::patient()};
 };
 
 TEST_F(EvdevKeySourceTest, HearsKeyboardsPluggedInBeforeAndAfter) {
@@ -60,7 +60,6 @@ TEST_F(EvdevKeySourceTest, HearsKeyboardsPluggedInBeforeAndAfter) {
   VirtualKeyboard second("Second");
   ASSERT_TRUE(becomesHeard(second));
 
-  const uint64_t before = MachTime::now();
   first.press({KEY_A, KEY_LEFTSHIFT});
   EXPECT_EQ(heard.await(2), "+0 +56 ");
   second.press({KEY_B, KEY_VOLUMEUP, KEY_CAPSLOCK});
@@ -69,7 +68,6 @@ TEST_F(EvdevKeySourceTest, HearsKeyboardsPluggedInBeforeAndAfter) {
   EXPECT_EQ(heard.await(2), "-56 -0 ");
   second.release({KEY_CAPSLOCK, KEY_VOLUMEUP, KEY_B});
   EXPECT_EQ(heard.await(1), "-11 ");
-  EXPECT_GT(heard.last().time, before);
 }
 
 TEST_F(EvdevKeySourceTest, AKeyboardThatVanishesReleasesWhatItHeldAndMayComeBack) {
@@ -131,6 +129,7 @@ TEST_F(EvdevKeySourceTest, AnOverrunBufferLeavesNoKeyStuck) {
   int balanceOfA = 0;
   uint32_t flags = 0;
   bool heardLast = false;
+  const uint64_t before = MachTime::now();
   std::thread timer([&] {
     std::this_thread::sleep_for(milliseconds(1000));
     source.interrupt();
@@ -139,6 +138,8 @@ TEST_F(EvdevKeySourceTest, AnOverrunBufferLeavesNoKeyStuck) {
     if (event.code == 0) balanceOfA += event.type == KeySource::EventType::keyDown ? 1 : -1;
     flags = event.flags;
     heardLast |= event.code == 11;
+    EXPECT_LT(MachTime::delta(before, event.time.value()), 10'000) << "stamped on our clock";
+    EXPECT_LE(event.time.value(), MachTime::now());
   });
   timer.join();
   EXPECT_EQ(balanceOfA, 0);

@@ -18,10 +18,11 @@ class XKeySourceTest : public ::testing::Test {
  protected:
   PrivateXServer server;
   HeardKeys heard;
-  KeyMonitor monitor{std::make_unique<XKeySource>(server.display()), std::ref(heard)};
+  KeyMonitor monitor{std::make_unique<XKeySource>(server.display()), std::ref(heard),
+                     testing::patient()};
 };
 
-TEST_F(XKeySourceTest, HearsKeysWithTheirTimesWhoeverHasTheKeyboard) {
+TEST_F(XKeySourceTest, HearsKeysWhoeverHasTheKeyboard) {
   ASSERT_TRUE(monitor.start()) << monitor.problem();
   server.press({KEY_A, KEY_LEFTSHIFT, KEY_VOLUMEUP});
   server.release({KEY_VOLUMEUP, KEY_LEFTSHIFT, KEY_LEFTSHIFT, KEY_A});
@@ -34,11 +35,9 @@ TEST_F(XKeySourceTest, HearsKeysWithTheirTimesWhoeverHasTheKeyboard) {
       xcb_grab_keyboard(other, 1, root, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
       nullptr));
   ASSERT_TRUE(grab && grab->status == XCB_GRAB_STATUS_SUCCESS);
-  const uint64_t before = MachTime::now();
   server.press({KEY_SPACE});
   server.release({KEY_SPACE});
   EXPECT_EQ(heard.await(2), "+49 -49 ");
-  EXPECT_GE(heard.last().time, before);
 }
 
 TEST_F(XKeySourceTest, AHeldKeyIsOnePress) {
@@ -70,8 +69,7 @@ TEST_F(XKeySourceTest, ABacklogOfAStalledListenerIsNotHeard) {
 TEST_F(XKeySourceTest, AServerThatComesBackIsHeardAgain) {
   std::optional<PrivateXServer> second(std::in_place);
   const std::string display = second->display();
-  KeyMonitor other(std::make_unique<XKeySource>(display), std::ref(heard),
-                   {.firstRetry = std::chrono::milliseconds(10)});
+  KeyMonitor other(std::make_unique<XKeySource>(display), std::ref(heard), testing::patient());
   ASSERT_TRUE(other.start());
   second->press({KEY_LEFTCTRL});
   EXPECT_EQ(heard.await(1), "+59 ");
