@@ -49,9 +49,8 @@ void ConductorCore::keyDown(const KeyEvent& event) {
   held_.release(event.code);  // its key-up was lost
   if (!settings_.enabled || !player_.hasPack()) return;
   devices_->noteKey(event.time);
-  wake();
-  const ForceSensor* const sensor = devices_->sensor();
-  if (settings_.forceSensing && sensor != nullptr && sensor->isRunning())
+  devices_->wake();
+  if (settings_.forceSensing && devices_->canSense())
     strikeSensed(event);
   else
     strikeFixed(event);
@@ -65,6 +64,11 @@ void ConductorCore::strikeSensed(const KeyEvent& event) {
   const uint32_t tag = player_.press(event.code, strength, variation);
   if (tag == 0) return;
   held_.press(event.code, tag);
+  // Only now: a sensor may take its time to start, and the sound must not wait for it.
+  if (!devices_->startSensor()) {
+    report({.code = event.code, .position = strength.position});
+    return;
+  }
   for (const double delay : Conductor::refineAtMs) {
     after(ticks(std::chrono::duration<double, std::milli>(delay)),
           [stroke = Stroke{tag, event, variation.gain},
@@ -131,7 +135,8 @@ void ConductorCore::apply(const EngineSettings& settings, bool wakeNow) {
 }
 
 void ConductorCore::wake() {
-  if (settings_.enabled) devices_->wake(settings_.forceSensing);
+  devices_->wake();
+  if (settings_.forceSensing) devices_->startSensor();
 }
 
 void ConductorCore::suspend() {

@@ -32,11 +32,9 @@ void EngineDevices::checkIdleness() {
     watchIdleness();
 }
 
-void EngineDevices::wake(bool withSensor) {
+void EngineDevices::wake() {
   startOutput();
-  if (withSensor) startSensor();
-  if (!std::exchange(isSuspended_, false)) return;
-  watchIdleness();
+  if (std::exchange(isSuspended_, false)) watchIdleness();
 }
 
 void EngineDevices::startOutput() {
@@ -44,9 +42,15 @@ void EngineDevices::startOutput() {
   if (!audio_->start()) outputRetry_ = queue_.now() + MachTime::ticks(retryMs);
 }
 
-void EngineDevices::startSensor() {
-  if (!sensor_ || sensor_->isRunning() || queue_.now() < sensorRetry_) return;
-  if (!sensor_->start()) sensorRetry_ = queue_.now() + MachTime::ticks(retryMs);
+bool EngineDevices::startSensor() {
+  if (!canSense()) return false;
+  if (sensor_->isRunning() || sensor_->start()) return true;
+  sensorRetry_ = queue_.now() + MachTime::ticks(retryMs);
+  return false;
+}
+
+bool EngineDevices::canSense() const {
+  return sensor_ && (sensor_->isRunning() || queue_.now() >= sensorRetry_);
 }
 
 void EngineDevices::stopSensor() {

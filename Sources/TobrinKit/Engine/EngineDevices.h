@@ -26,9 +26,9 @@ class EngineDevices final : public std::enable_shared_from_this<EngineDevices> {
   /// A key went down at `time`, in host ticks.
   void noteKey(uint64_t time) { lastActivity_ = time; }
 
-  /// Starts what does not run: the output and, if asked for, the sensor. One that failed a moment
-  /// ago is not asked again at once: its answer may take longer than a key may wait.
-  void wake(bool withSensor);
+  /// Ends a suspension and starts the output if it does not run. One that failed a moment ago is
+  /// not asked again at once: its answer may take longer than a key may wait.
+  void wake();
 
   /// Fades out, stops the sensor, pauses the output and lets go of all sounds.
   void suspend();
@@ -36,8 +36,12 @@ class EngineDevices final : public std::enable_shared_from_this<EngineDevices> {
   /// Takes running devices up again: they may have changed while the machine slept.
   void restart();
 
-  void startSensor();
+  /// Starts the sensor if it does not run; returns whether it does. As patient as `wake`.
+  bool startSensor();
   void stopSensor();
+
+  /// Whether the sensor runs or may be started now.
+  [[nodiscard]] bool canSense() const;
 
   /// Has every sounding voice fade out; false where the ring is full.
   bool fadeOut();

@@ -326,6 +326,20 @@ TEST_F(ConductorTest, GoesOnWithoutAnOutputAndSavesNothingUpForIt) {
   EXPECT_GT(level(), 0);
 }
 
+TEST_F(ConductorTest, GoesOnWithoutASensor) {
+  sensor_->stop();
+  motion_.refuse = true;
+  press();
+  EXPECT_EQ(readings_.size(), 1u);
+  motion_.refuse = false;
+  press();
+  EXPECT_EQ(readings_.size(), 2u) << "asked again too early";
+  advance(1000);
+  press();
+  EXPECT_TRUE(sensor_->isRunning());
+  EXPECT_EQ(readings_.size(), 2u);
+}
+
 TEST_F(ConductorTest, AFullRingLosesSoundsAndNothingElse) {
   settings_.forceSensing = false;
   apply();
