@@ -14,6 +14,11 @@ namespace {
   throw std::system_error(reason, std::generic_category());
 }
 
+void demandRegular(const struct stat& status) {
+  if (S_ISDIR(status.st_mode)) fail(EISDIR);
+  if (!S_ISREG(status.st_mode)) fail(EINVAL);
+}
+
 template <typename Call>
 auto retried(Call call) {
   for (;;) {
@@ -27,18 +32,20 @@ auto retried(Call call) {
 RegularFile::RegularFile(const std::filesystem::path& path) {
   const std::string& name = path.native();
   if (name.find('\0') != std::string::npos) fail(ENOENT);
-  // Opening a FIFO without O_NONBLOCK waits for its writer; a regular file ignores the flag.
+  struct stat status {};
+  // Looked at before it is opened: opening alone sets some devices going.
+  if (::stat(name.c_str(), &status) != 0) fail(errno);
+  demandRegular(status);
+  // Without O_NONBLOCK a FIFO that took the file's place meanwhile would be waited for.
   descriptor_ =
       retried([&] { return ::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); });
   if (descriptor_ < 0) fail(errno);
-  struct stat status {};
-  const int reason = ::fstat(descriptor_, &status) != 0 ? errno
-                     : S_ISDIR(status.st_mode)          ? EISDIR
-                     : !S_ISREG(status.st_mode)         ? EINVAL
-                                                        : 0;
-  if (reason != 0) {
+  try {
+    if (::fstat(descriptor_, &status) != 0) fail(errno);
+    demandRegular(status);
+  } catch (...) {
     ::close(descriptor_);
-    fail(reason);
+    throw;
   }
   size_ = static_cast<uint64_t>(status.st_size);
 }
