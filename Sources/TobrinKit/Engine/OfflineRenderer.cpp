@@ -7,6 +7,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "Engine/LargePages.h"
 #include "Engine/SplitMix64.h"
 #include "Engine/Voicing.h"
 #include "Force/ForceClassifier.h"
@@ -94,6 +95,14 @@ std::size_t lengthInFrames(double seconds, double sampleRate) {
   return static_cast<std::size_t>(frames);
 }
 
+std::vector<float> silence(std::size_t frames) {
+  std::vector<float> channel;
+  channel.reserve(frames);
+  preferLargePages(channel.data(), frames * sizeof(float));
+  channel.resize(frames);
+  return channel;
+}
+
 }  // namespace
 
 OfflineRenderer::Sound OfflineRenderer::render(const LoadedPack& pack,
@@ -109,7 +118,7 @@ OfflineRenderer::Sound OfflineRenderer::render(const LoadedPack& pack,
                    [](const ScriptedKey& a, const ScriptedKey& b) { return a.time < b.time; });
   const double lastTime = script.empty() ? 0 : script.back().time;
   const std::size_t frames = lengthInFrames(tail + lastTime, sampleRate);
-  Sound sound{std::vector<float>(frames), std::vector<float>(frames)};
+  Sound sound{silence(frames), silence(frames)};
 
   Voicer voicer(pack, settings);
   auto next = script.cbegin();
