@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "RecordCommand.h"
+#include "ReplayCommand.h"
 
 namespace tobrin {
 namespace {
@@ -12,6 +13,7 @@ enum ExitStatus { done = 0, failed = 1, wrongUsage = 2 };
 constexpr const char* footer = R"(
 Examples:
   tobrin-force record trace.csv keys.csv --seconds 30    type meanwhile
+  tobrin-force replay trace.csv keys.csv                 what the engine makes of it
   TOBRIN_MOTION_TRACE=trace.csv tobrin                   the application with that sensor
 
 'tobrin-force COMMAND --help' says more about each.
@@ -33,6 +35,7 @@ int runForceTools(const std::vector<std::string>& arguments, const ForceStreams&
   app.set_version_flag("--version", "tobrin-force " TOBRIN_VERSION);
   app.footer(footer);
   app.require_subcommand(1);
+  addReplayCommand(app, streams);
   addRecordCommand(app, streams);
   try {
     // The parser takes arguments from the back.

@@ -15,11 +15,16 @@ Conductor::~Conductor() {
   queue_.sync([this] {
     core_->shutdown();
     core_->setOnForce(nullptr);
+    core_->setOnForceStage(nullptr);
   });
 }
 
 void Conductor::setOnForce(ForceCallback onForce) {
   queue_.async([core = core_, callback = std::move(onForce)] { core->setOnForce(callback); });
+}
+
+void Conductor::setOnForceStage(ForceStageCallback onStage) {
+  queue_.async([core = core_, callback = std::move(onStage)] { core->setOnForceStage(callback); });
 }
 
 void Conductor::handle(const KeyEvent& event) {

@@ -12,6 +12,7 @@
 
 #include "Engine/AudioOutput.h"
 #include "Engine/EngineSettings.h"
+#include "Engine/ForceStage.h"
 #include "Engine/KeyEvent.h"
 #include "Engine/SerialQueue.h"
 #include "Force/ForceSensor.h"
@@ -40,6 +41,8 @@ class Conductor final {
 
   /// For strokes handled from now on.
   void setOnForce(ForceCallback onForce);
+  /// For tools that look at each stage of the measurement; for strokes handled from now on.
+  void setOnForceStage(ForceStageCallback onStage);
 
   void handle(const KeyEvent& event);
   /// `wakeNow` starts what the settings allow at once, not only at the next key.

@@ -57,12 +57,15 @@ void ConductorCore::keyDown(const KeyEvent& event) {
 }
 
 void ConductorCore::strikeSensed(const KeyEvent& event) {
-  const StrokeStrength strength = meter_.provisional(*devices_->sensor(), event.time, queue_.now());
+  const StrokeMeter::Reading reading =
+      meter_.provisional(*devices_->sensor(), event.time, queue_.now());
   const double gain = 1 + 0.06 * rng_.signedUnit();
   const double rate = 1 + 0.004 * rng_.signedUnit();
   const Voicing::Variation variation{static_cast<float>(gain), static_cast<float>(rate)};
-  const uint32_t tag = player_.press(event.code, strength, variation);
+  const uint32_t tag =
+      player_.press(event.code, reading.strength.value_or(meter_.typical()), variation);
   if (tag == 0) return;
+  showStage(event, 0, reading);
   held_.press(event.code, tag);
   // Only now: a sensor may take its time to start, and the sound must not wait for it.
   if (!devices_->startSensor()) {
@@ -71,9 +74,8 @@ void ConductorCore::strikeSensed(const KeyEvent& event) {
   }
   for (const double delay : Conductor::refineAtMs) {
     after(ticks(std::chrono::duration<double, std::milli>(delay)),
-          [stroke = Stroke{tag, event, variation.gain},
-           isFinal = delay == Conductor::refineAtMs.back()](ConductorCore& self) {
-            self.refine(stroke, isFinal);
+          [stroke = Stroke{tag, event, variation.gain}, delay](ConductorCore& self) {
+            self.refine(stroke, delay);
           });
   }
 }
@@ -87,22 +89,30 @@ void ConductorCore::strikeFixed(const KeyEvent& event) {
   report({.code = event.code, .position = position});
 }
 
-void ConductorCore::refine(const Stroke& stroke, bool isFinal) {
+void ConductorCore::refine(const Stroke& stroke, double delayMs) {
   if (!player_.hasPack()) return;
   const auto reading = meter_.read(*devices_->sensor(), stroke.event.time, queue_.now());
-  if (!reading) return;
-  if (reading->strength)
-    player_.reweigh(stroke.tag, stroke.event.code, *reading->strength, stroke.gain);
-  if (isFinal) settle(stroke, *reading);
+  if (reading.strength)
+    player_.reweigh(stroke.tag, stroke.event.code, *reading.strength, stroke.gain);
+  if (reading.window && delayMs == Conductor::refineAtMs.back()) settle(stroke, reading);
+  showStage(stroke.event, delayMs, reading);
 }
 
 void ConductorCore::settle(const Stroke& stroke, const StrokeMeter::Reading& reading) {
   const bool sensed = reading.strength.has_value();
   if (sensed) meter_.learn(reading);
-  const StrokeStrength strength =
-      reading.strength.value_or(StrokeStrength{meter_.typicalPosition(), 1});
+  const StrokeStrength strength = reading.strength.value_or(meter_.typical());
   held_.measure(stroke.event.code, stroke.tag, strength.relative);
-  report({stroke.event.code, strength.position, strength.relative, reading.peak, sensed});
+  report({stroke.event.code, strength.position, strength.relative, reading.window->peak, sensed});
+}
+
+void ConductorCore::showStage(const KeyEvent& event, double delayMs,
+                              const StrokeMeter::Reading& reading) const {
+  if (!onStage_) return;
+  const StrokeStrength strength = reading.strength.value_or(meter_.typical());
+  onStage_({event.code, event.time, delayMs, reading.window, reading.noise,
+            reading.strength.has_value(), strength.relative, strength.position, meter_.reference(),
+            meter_.typical().position});
 }
 
 void ConductorCore::keyUp(const KeyEvent& event) {

@@ -7,6 +7,7 @@
 
 #include "Engine/EngineDevices.h"
 #include "Engine/EngineSettings.h"
+#include "Engine/ForceStage.h"
 #include "Engine/HeldKeys.h"
 #include "Engine/KeyEvent.h"
 #include "Engine/SerialQueue.h"
@@ -32,6 +33,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   void systemDidWake() { devices_->restart(); }
   void shutdown() { suspend(); }
   void setOnForce(ForceCallback onForce) { onForce_ = std::move(onForce); }
+  void setOnForceStage(ForceStageCallback onStage) { onStage_ = std::move(onStage); }
 
   [[nodiscard]] const EngineDevices& devices() const { return *devices_; }
 
@@ -47,7 +49,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   void keyUp(const KeyEvent& event);
   void strikeSensed(const KeyEvent& event);
   void strikeFixed(const KeyEvent& event);
-  void refine(const Stroke& stroke, bool isFinal);
+  void refine(const Stroke& stroke, double delayMs);
   void settle(const Stroke& stroke, const StrokeMeter::Reading& reading);
   void playRelease(uint16_t code, float relative);
   void retire(std::shared_ptr<const LoadedPack> pack);
@@ -55,6 +57,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   void wake();
   void suspend();
   void report(const ForceReading& reading) const;
+  void showStage(const KeyEvent& event, double delayMs, const StrokeMeter::Reading& reading) const;
   template <typename Task>
   void after(SerialQueue::Duration delay, Task task);
 
@@ -67,6 +70,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   HeldKeys held_;
   SplitMix64 rng_;
   ForceCallback onForce_;
+  ForceStageCallback onStage_;
 };
 
 }  // namespace tobrin

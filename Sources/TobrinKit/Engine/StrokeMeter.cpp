@@ -18,33 +18,30 @@ StrokeStrength StrokeMeter::strength(float peak, float noise) const {
   return {ForceClassifier::tierPosition(relative), relative};
 }
 
-StrokeStrength StrokeMeter::provisional(const ForceSensor& sensor, uint64_t keyTime,
-                                        uint64_t now) const {
+StrokeMeter::Reading StrokeMeter::provisional(const ForceSensor& sensor, uint64_t keyTime,
+                                              uint64_t now) const {
   constexpr float weakest = 0.6f;  // below, the impact may not have reached its peak yet
-  const StrokeStrength typical{typicalPosition_, 1};
-  const std::optional<ForceWindow> window = sensor.window(windowStart(keyTime), now);
-  if (!window) return typical;
-  const StrokeStrength measured = strength(window->peak, sensor.noiseFloor());
-  return measured.relative >= weakest ? measured : typical;
+  Reading reading{sensor.window(windowStart(keyTime), now), sensor.noiseFloor(), std::nullopt};
+  if (!reading.window) return reading;
+  const StrokeStrength measured = strength(reading.window->peak, reading.noise);
+  if (measured.relative >= weakest) reading.strength = measured;
+  return reading;
 }
 
-std::optional<StrokeMeter::Reading> StrokeMeter::read(const ForceSensor& sensor, uint64_t keyTime,
-                                                      uint64_t now) const {
+StrokeMeter::Reading StrokeMeter::read(const ForceSensor& sensor, uint64_t keyTime,
+                                       uint64_t now) const {
   constexpr float noiseFactor = 3;
   constexpr float leastImpact = 0.0015f;  // g
   const uint64_t end = std::min(now, keyTime + MachTime::ticks(lagMs));
-  const std::optional<ForceWindow> window = sensor.window(windowStart(keyTime), end);
-  if (!window) return std::nullopt;
-  const float noise = sensor.noiseFloor();
-  Reading reading{window->peak, std::nullopt};
-  if (window->peak > std::max(noiseFactor * noise, leastImpact))
-    reading.strength = strength(window->peak, noise);
+  Reading reading{sensor.window(windowStart(keyTime), end), sensor.noiseFloor(), std::nullopt};
+  if (reading.window && reading.window->peak > std::max(noiseFactor * reading.noise, leastImpact))
+    reading.strength = strength(reading.window->peak, reading.noise);
   return reading;
 }
 
 void StrokeMeter::learn(const Reading& reading) {
   constexpr float adaptation = 0.1f;
-  classifier_.record(reading.peak);
+  classifier_.record(reading.window->peak);
   typicalPosition_ += adaptation * (reading.strength->position - typicalPosition_);
 }
 

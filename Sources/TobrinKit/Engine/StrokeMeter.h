@@ -26,18 +26,18 @@ class StrokeMeter final {
   static constexpr double lagMs = 14;
 
   struct Reading {
-    float peak = 0;                          ///< g
+    std::optional<ForceWindow> window;       ///< nothing where the sensor had no sample
+    float noise = 0;                         ///< the sensor's floor, g
     std::optional<StrokeStrength> strength;  ///< nothing where the peak is no impact
   };
 
-  /// What to start a voice with: the impact so far, or the typical stroke where there is none yet
-  /// or it may only be the beginning of one. Times in host ticks.
-  [[nodiscard]] StrokeStrength provisional(const ForceSensor& sensor, uint64_t keyTime,
-                                           uint64_t now) const;
+  /// What to start a voice with: the impact so far. No strength where there is none yet or where
+  /// it may only be the beginning of one. Times in host ticks.
+  [[nodiscard]] Reading provisional(const ForceSensor& sensor, uint64_t keyTime,
+                                    uint64_t now) const;
 
-  /// The strongest impact of the key's window as known now; nothing without a sample in it.
-  [[nodiscard]] std::optional<Reading> read(const ForceSensor& sensor, uint64_t keyTime,
-                                            uint64_t now) const;
+  /// The strongest impact of the key's window as known now.
+  [[nodiscard]] Reading read(const ForceSensor& sensor, uint64_t keyTime, uint64_t now) const;
 
   /// Takes a final reading with an impact into account.
   void learn(const Reading& reading);
@@ -47,8 +47,10 @@ class StrokeMeter final {
 
   void setSensitivity(float sensitivity) { classifier_.sensitivity = sensitivity; }
 
-  /// Running average of the measured tier positions.
-  [[nodiscard]] float typicalPosition() const { return typicalPosition_; }
+  /// Stands in for a stroke without a strength: at the running average of the measured positions.
+  [[nodiscard]] StrokeStrength typical() const { return {typicalPosition_, 1}; }
+  /// The peak of a typical stroke, g.
+  [[nodiscard]] float reference() const { return classifier_.reference(); }
 
  private:
   static constexpr float initialPosition = 1;

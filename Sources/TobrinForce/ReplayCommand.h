@@ -1,0 +1,21 @@
+/// tobrin-force replay: what the engine makes of a recording, as CSV or JSON.
+#pragma once
+
+#include <iosfwd>
+#include <vector>
+
+#include "CommandLine.h"
+#include "Force/ForceReplay.h"
+
+namespace CLI {
+class App;
+}
+
+namespace tobrin {
+
+void addReplayCommand(CLI::App& app, const ForceStreams& streams);
+
+void writeStagesCsv(std::ostream& out, const std::vector<ReplayedStage>& stages);
+void writeStagesJson(std::ostream& out, const std::vector<ReplayedStage>& stages);
+
+}  // namespace tobrin

@@ -1,0 +1,23 @@
+/// Runs a recorded motion trace and the key-downs beside it through the sensor, the classifier and
+/// the conductor themselves, in virtual time: what the engine would have made of each key.
+#pragma once
+
+#include <vector>
+
+#include "Engine/ForceStage.h"
+#include "Force/KeyTrace.h"
+#include "Force/MotionTrace.h"
+
+namespace tobrin {
+
+struct ReplayedStage {
+  std::size_t key = 0;  ///< index in the list of keys
+  ForceStage stage;
+};
+
+/// All stages in order of time. The same input gives the same stages. `sensitivity` is the user's
+/// setting. Thread: any; blocks.
+[[nodiscard]] std::vector<ReplayedStage> replayForce(const MotionTrace& motion,
+                                                     const KeyTrace& keys, float sensitivity);
+
+}  // namespace tobrin
