@@ -59,11 +59,11 @@ void ConductorCore::keyDown(const KeyEvent& event) {
 void ConductorCore::strikeSensed(const KeyEvent& event) {
   const StrokeMeter::Reading reading =
       meter_.provisional(*devices_->sensor(), event.time, queue_.now());
+  const StrokeStrength strength = reading.strength.value_or(meter_.typical());
   const double gain = 1 + 0.06 * rng_.signedUnit();
   const double rate = 1 + 0.004 * rng_.signedUnit();
   const Voicing::Variation variation{static_cast<float>(gain), static_cast<float>(rate)};
-  const uint32_t tag =
-      player_.press(event.code, reading.strength.value_or(meter_.typical()), variation);
+  const uint32_t tag = player_.press(event.code, strength, variation);
   if (tag == 0) return;
   showStage(event, 0, reading);
   held_.press(event.code, tag);
