@@ -14,6 +14,7 @@
 #include "Desktop/MakeKeySource.h"
 #include "Force/ForceRecorder.h"
 #include "Motion/FindMotionSource.h"
+#include "Threads/RealtimeScheduling.h"
 #include "Threads/ThreadName.h"
 
 namespace tobrin {
@@ -88,7 +89,10 @@ void record(const fs::path& traceFile, const fs::path& keysFile, double seconds,
       [](KeyMonitor::Handler handler) {
         return std::make_unique<KeyMonitor>(makeKeySource(), std::move(handler));
       },
-      [] { nameThisThread(ForceSensor::threadName); });
+      [] {
+        nameThisThread(ForceSensor::threadName);
+        requestRealtimeScheduling();
+      });
   if (!recorder.start()) throw std::runtime_error(recorder.problem());
   PartFile trace(traceFile, MotionTrace::header);
   PartFile keys(keysFile, KeyTrace::header);

@@ -53,11 +53,10 @@ void compareRates() {
   constexpr std::array<double, 5> rates = {1000, 400, 200, 100, 50};
   std::array<Agreement, rates.size()> agreements;
   for (const uint64_t seed : seeds) {
-    const testing::TypedTrace typed(seed, keysPerTrace);
+    const TypedTrace typed(seed, keysPerTrace);
     const std::vector<ForceStage> reference = finalStages(typed.motion, typed.keys);
     for (std::size_t r = 0; r < rates.size(); ++r) {
-      const auto stages =
-          finalStages(testing::TypedTrace::resampled(typed.motion, rates[r]), typed.keys);
+      const auto stages = finalStages(TypedTrace::resampled(typed.motion, rates[r]), typed.keys);
       for (std::size_t key = 0; key < stages.size(); ++key)
         agreements[r].add(stages[key], reference[key]);
     }

@@ -1,17 +1,23 @@
-// What one report and one question cost. Goals: a report under 60 ns, a window under 400 ns.
-#include <benchmark/benchmark.h>
-
+// What one report of the sensor costs, and one question for the strongest impact around a key.
 #include <cmath>
 #include <vector>
 
-#include "Force/ForceClassifier.h"
 #include "Force/ForceSensor.h"
 #include "Force/MotionReport.h"
+#include "Support/Interleaved.h"
+#include "Support/Report.h"
 
 namespace tobrin {
 namespace {
 
 constexpr uint64_t interval = 1'000'000;  // 1000 Hz
+constexpr double nanoseconds = 1e9;
+
+/// Keeps the compiler from leaving out what nobody reads.
+template <typename Value>
+void keep(const Value& value) {
+  asm volatile("" : : "g"(&value) : "memory");
+}
 
 std::vector<MotionReport> restlessReports() {
   std::vector<MotionReport> reports;
@@ -20,40 +26,33 @@ std::vector<MotionReport> restlessReports() {
   return reports;
 }
 
-void ingestReport(benchmark::State& state) {
+void run(Report& report) {
   const std::vector<MotionReport> reports = restlessReports();
   ForceSensor sensor(nullptr);
   uint64_t time = 0;
-  for (auto _ : state) {
+  const auto ingest = [&] {
     time += interval;
     sensor.ingest(reports[time / interval % reports.size()], time);
-  }
+  };
+  for (std::size_t i = 0; i < ForceSensor::capacity; ++i)
+    ingest();
+  // As the last look at a key asks for it, 16 ms after the key.
+  const auto window = [&] {
+    const uint64_t key = time - 16 * interval;
+    keep(sensor.window(key - 12 * interval, key + 14 * interval));
+  };
+  const auto timings =
+      timeInterleaved({contestant("report", ingest), contestant("window", window)});
+  report.add(Figure::under("force sensor, one report", timings[0].median * nanoseconds, "ns", 60,
+                           timings[0].spread));
+  report.add(Figure::under("force sensor, window around a key", timings[1].median * nanoseconds,
+                           "ns", 400, timings[1].spread));
 }
-BENCHMARK(ingestReport);
-
-// The window around a key as the last refinement asks for it, 16 ms after the key.
-void windowAroundAKey(benchmark::State& state) {
-  const std::vector<MotionReport> reports = restlessReports();
-  ForceSensor sensor(nullptr);
-  uint64_t time = 0;
-  for (std::size_t i = 0; i < 2 * ForceSensor::capacity; ++i)
-    sensor.ingest(reports[i % reports.size()], time += interval);
-  const uint64_t key = time - 16 * interval;
-  for (auto _ : state)
-    benchmark::DoNotOptimize(sensor.window(key - 12 * interval, key + 14 * interval));
-}
-BENCHMARK(windowAroundAKey);
-
-void classifyAndCalibrate(benchmark::State& state) {
-  ForceClassifier classifier;
-  float peak = 0.01f;
-  for (auto _ : state) {
-    peak = peak < 0.05f ? peak * 1.1f : 0.01f;
-    benchmark::DoNotOptimize(ForceClassifier::tierPosition(classifier.relative(peak, 0.002f)));
-    classifier.record(peak);
-  }
-}
-BENCHMARK(classifyAndCalibrate);
 
 }  // namespace
 }  // namespace tobrin
+
+int main(int argc, char** argv) {
+  tobrin::Report report(argc, argv);
+  tobrin::run(report);
+}

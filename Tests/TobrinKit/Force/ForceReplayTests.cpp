@@ -2,12 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
-#include "Engine/MachTime.h"
-#include "Force/ForceClassifier.h"
-#include "Support/TypedTrace.h"
-
 namespace tobrin {
 namespace {
 
@@ -99,25 +93,6 @@ TEST(ForceReplay, ASensorThatStallsLeavesKeysAtTheUsualStrength) {
     EXPECT_FALSE(stages[i].stage.window) << i;
     EXPECT_EQ(stages[i].stage.position, stages[3].stage.typicalAfter) << i;
   }
-}
-
-TEST(ForceReplay, HardTypingIsToldFromSoftAndEveryRunIsTheSame) {
-  const testing::TypedTrace typed(1, 120);
-  const auto stages = replayForce(typed.motion, typed.keys, 1);
-  const auto again = replayForce(typed.motion, typed.keys, 1);
-  ASSERT_EQ(stages.size(), 4 * typed.keys.keys.size());
-  double soft = 0;
-  double hard = 0;
-  for (std::size_t i = 0; i < stages.size(); ++i) {
-    const ForceStage& stage = stages[i].stage;
-    ASSERT_EQ(stage.position, again[i].stage.position) << i;
-    if (stage.delayMs < 16 || !stage.counted) continue;
-    const double strength = typed.strengths[stages[i].key];
-    if (strength < 0.012) soft = std::max(soft, static_cast<double>(stage.position));
-    if (strength > 0.06) hard = std::max(hard, 3 - static_cast<double>(stage.position));
-  }
-  EXPECT_LT(soft, 1.2);
-  EXPECT_LT(hard, 1.2);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-/// Synthetic typing for tests and measurements: key-downs and what an accelerometer near the
+/// Synthetic typing for measurements: key-downs and what an accelerometer near the
 /// keyboard would say to them. Made by a model, not recorded: each impact is two damped resonances
 /// of a chassis on top of gravity, slow sway, resting hands and sensor noise. Seeded, so the same
 /// on every run.
@@ -14,7 +14,7 @@
 #include "Force/KeyTrace.h"
 #include "Force/MotionTrace.h"
 
-namespace tobrin::testing {
+namespace tobrin {
 
 class TypedTrace {
  public:
@@ -136,4 +136,4 @@ class TypedTrace {
   std::size_t first_ = 0;
 };
 
-}  // namespace tobrin::testing
+}  // namespace tobrin
