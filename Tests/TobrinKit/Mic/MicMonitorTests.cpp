@@ -2,38 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
 
 #include "Engine/MachTime.h"
 #include "Engine/VirtualQueue.h"
+#include "Support/ScriptedMicSource.h"
 
 namespace tobrin {
 namespace {
 
-/// What a test keeps of a source that the monitor owns.
-struct MicState {
-  MicActivity activity;
-  std::function<void()> changed;  // null while stopped
-  int starts = 0;
-};
-
-class ScriptedMicSource final : public MicSource {
- public:
-  explicit ScriptedMicSource(std::shared_ptr<MicState> state) : state_(std::move(state)) {}
-
-  void start(std::function<void()> changed) override {
-    ++state_->starts;
-    state_->changed = std::move(changed);
-  }
-  void stop() override { state_->changed = nullptr; }
-  MicActivity read() override { return state_->activity; }
-
- private:
-  const std::shared_ptr<MicState> state_;  // shared with the test
-};
+using testing::MicState;
+using testing::ScriptedMicSource;
 
 class MicMonitorTest : public ::testing::Test {
  protected:
