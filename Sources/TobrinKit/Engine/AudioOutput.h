@@ -43,6 +43,8 @@ class AudioOutput final {
   /// Never waits, also while a start does.
   [[nodiscard]] bool isRunning() const;
   [[nodiscard]] std::string description() const;
+  /// Why it does not run, in words; empty while all is well. Thread: any.
+  [[nodiscard]] std::string problem() const;
 
   /// Master gain, linear; the mixer clamps it to [0, 4].
   [[nodiscard]] float volume() const;

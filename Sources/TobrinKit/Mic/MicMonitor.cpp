@@ -91,7 +91,9 @@ MicMonitor::~MicMonitor() {
   queue_.sync([this] { core_->stop(); });
 }
 
-void MicMonitor::setOnChange(OnChange onChange) { core_->onChange = std::move(onChange); }
+void MicMonitor::setOnChange(OnChange onChange) {
+  core_->onChange = std::move(onChange);
+}
 
 void MicMonitor::setReleaseDelay(std::chrono::duration<double> delay) {
   core_->releaseDelay = delay;

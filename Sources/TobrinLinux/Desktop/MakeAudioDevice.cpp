@@ -8,7 +8,6 @@
 #include "Desktop/FallbackAudioDevice.h"
 #include "PipeWire/PipeWireLoop.h"
 #include "PipeWire/PipeWireOutput.h"
-#include "Threads/RealtimeScheduling.h"
 
 namespace tobrin {
 
@@ -27,9 +26,10 @@ std::shared_ptr<PipeWireLoop> makePipeWireLoop() {
   }
 }
 
-std::unique_ptr<AudioDevice> makeAudioDevice(std::shared_ptr<PipeWireLoop> loop) {
-  const auto makeAlsa = []() -> std::unique_ptr<AudioDevice> {
-    return std::make_unique<AlsaOutput>(alsaDevice, requestRealtimeScheduling);
+std::unique_ptr<AudioDevice> makeAudioDevice(std::shared_ptr<PipeWireLoop> loop,
+                                             std::function<void()> onThreadStart) {
+  const auto makeAlsa = [onStart = std::move(onThreadStart)]() -> std::unique_ptr<AudioDevice> {
+    return std::make_unique<AlsaOutput>(alsaDevice, onStart);
   };
   if (loop == nullptr) return makeAlsa();
   auto server = std::make_unique<PipeWireOutput>(std::move(loop));

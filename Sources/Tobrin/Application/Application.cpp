@@ -1,0 +1,80 @@
+#include "Application/Application.h"
+
+#include <QCoreApplication>
+#include <QSocketNotifier>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <thread>
+
+#include "Application/Assembly.h"
+#include "Application/SignalWatcher.h"
+#include "Application/TerminalReport.h"
+#include "Application/UserInterface.h"
+#include "Desktop/SingleInstance.h"
+#include "Desktop/XdgFolders.h"
+
+namespace tobrin {
+namespace {
+
+/// Becomes the one instance. A relaunched program gives the one before it time to end.
+std::unique_ptr<SingleInstance> takePlace(int argc, char** argv) {
+  using namespace std::chrono_literals;
+  const bool isRelaunched = argc > 1 && std::strcmp(argv[1], Application::relaunchedArgument) == 0;
+  constexpr int tries = 50;
+  for (int i = 0;; ++i) {
+    auto instance = std::make_unique<SingleInstance>(XdgFolders::runtime());
+    if (instance->isFirst() || !isRelaunched || i == tries) return instance;
+    std::this_thread::sleep_for(100ms);
+  }
+}
+
+int bringUpTheOther(const SingleInstance& instance) {
+  const bool shown = instance.askFirstToShow();
+  std::puts(shown ? "Tobrin is already running."
+                  : "Tobrin is already running, but does not answer.");
+  return shown ? 0 : 1;
+}
+
+bool isSet(const char* variable) {
+  const char* value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): never set by us
+  return value != nullptr && value[0] != '\0';
+}
+
+/// Null where there is no display, or its libraries are missing.
+std::unique_ptr<UserInterface> userInterface() {
+  if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY")) {
+    std::puts("No display: playing without tray and panel.");
+    return nullptr;
+  }
+  return UserInterface::load();
+}
+
+}  // namespace
+
+int Application::run(int argc, char** argv) {
+  const auto instance = takePlace(argc, argv);
+  if (!instance->isFirst()) return bringUpTheOther(*instance);
+
+  SignalWatcher::holdSignals();
+  const auto interface = userInterface();
+  const auto application = interface != nullptr ? interface->makeApplication(argc, argv)
+                                                : std::make_unique<QCoreApplication>(argc, argv);
+  const SignalWatcher endOnSignal([] { QCoreApplication::quit(); });
+  Assembly assembly;
+  const TerminalReport report(assembly.model());
+  if (interface != nullptr) interface->start(assembly.model());
+
+  QSocketNotifier calls(instance->listeningSocket(), QSocketNotifier::Read);
+  calls.setEnabled(instance->listeningSocket() >= 0);
+  QObject::connect(&calls, &QSocketNotifier::activated, &calls, [&] {
+    if (instance->takeShowRequests() && interface != nullptr) interface->showPanel();
+  });
+  const int status = QCoreApplication::exec();
+  if (interface != nullptr) interface->stop();
+  return status;
+}
+
+}  // namespace tobrin

@@ -1,0 +1,64 @@
+#include "Application/Assembly.h"
+
+#include <filesystem>
+
+#include "Application/TimelyThread.h"
+#include "Desktop/MakeAudioDevice.h"
+#include "Desktop/MakeKeySource.h"
+#include "Desktop/XdgFolders.h"
+#include "Motion/FindMotionSource.h"
+#include "Packs/PackLibrary.h"
+#include "PipeWire/PipeWireLoop.h"
+#include "Shortcuts/DesktopShortcuts.h"
+#include "Threads/RealtimeScheduling.h"
+
+namespace tobrin {
+namespace {
+
+std::filesystem::path thisProgram() {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
+/// Until the sound server is asked, nobody records.
+class NoMicSource final : public MicSource {
+ public:
+  void start(std::function<void()>) override {}
+  void stop() override {}
+  MicActivity read() override { return {}; }
+};
+
+std::shared_ptr<const LoadedPack> loadPack(const PackInfo& info) {
+  return LoadedPack::load(info, AudioOutput::sampleRate);
+}
+
+}  // namespace
+
+Assembly::Assembly()
+    : settings_(XdgFolders::config() / "Tobrin" / "settings.json"),
+      loginItem_(XdgFolders::config(), thisProgram()),
+      workspace_(thisProgram()),
+      main_("main"),
+      loader_("app.tobrin.load"),
+      conductorQueue_(Conductor::queueName, requestRealtimeScheduling),
+      micQueue_(MicMonitor::queueName) {
+  model_ = std::make_unique<AppModel>(AppServices{
+      .main = main_,
+      .loader = loader_,
+      .conductorQueue = conductorQueue_,
+      .micQueue = micQueue_,
+      .settings = settings_,
+      .loginItem = loginItem_,
+      .workspace = workspace_,
+      .audioDevice = makeAudioDevice(makePipeWireLoop(), requestRealtimeScheduling),
+      .motionSource = findMotionSource(),
+      .keySource = makeKeySource(),
+      .shortcutService = std::make_unique<DesktopShortcuts>(),
+      .micSource = std::make_unique<NoMicSource>(),
+      .onThreadStart = prepareTimelyThread,
+      .discoverPacks = [] { return PackLibrary::discover(); },
+      .loadPack = loadPack,
+  });
+}
+
+}  // namespace tobrin

@@ -1,0 +1,33 @@
+/// Where everything is put together: the platform's adapters behind the model's seams, in the order
+/// that start-up needs and that shutting down reverses. Thread: main.
+#pragma once
+
+#include <memory>
+
+#include "Application/DesktopWorkspace.h"
+#include "Desktop/JsonSettingsStore.h"
+#include "Desktop/XdgAutostart.h"
+#include "Model/AppModel.h"
+#include "Model/QtQueue.h"
+#include "Threads/AsioQueue.h"
+
+namespace tobrin {
+
+class Assembly final {
+ public:
+  Assembly();
+
+  [[nodiscard]] AppModel& model() { return *model_; }
+
+ private:
+  JsonSettingsStore settings_;
+  XdgAutostart loginItem_;
+  DesktopWorkspace workspace_;
+  QtQueue main_;
+  AsioQueue loader_;
+  AsioQueue conductorQueue_;
+  AsioQueue micQueue_;
+  std::unique_ptr<AppModel> model_;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,54 @@
+#include "Application/Diagnostics.h"
+
+#include <filesystem>
+#include <iostream>
+#include <thread>
+
+#include "Application/TimelyThread.h"
+#include "Desktop/MakeAudioDevice.h"
+#include "Desktop/MakeKeySource.h"
+#include "Desktop/MakeKeyTyper.h"
+#include "Diagnostics/Probe.h"
+#include "Diagnostics/SelfTest.h"
+#include "Engine/Conductor.h"
+#include "Motion/FindMotionSource.h"
+#include "Packs/PackLibrary.h"
+#include "Threads/AsioQueue.h"
+
+namespace tobrin {
+namespace {
+
+std::unique_ptr<KeyMonitor> listen(KeyMonitor::Handler handler) {
+  return std::make_unique<KeyMonitor>(makeKeySource(), std::move(handler),
+                                      KeyMonitorOptions{.onThreadStart = prepareTimelyThread});
+}
+
+}  // namespace
+
+int Diagnostics::probe(double seconds) {
+  auto source = findMotionSource();
+  auto sensor = source != nullptr
+                    ? std::make_unique<ForceSensor>(
+                          std::move(source), [] { prepareTimelyThread(ForceSensor::threadName); })
+                    : nullptr;
+  return probe::Probe({std::move(sensor), listen}, std::cout, std::filesystem::current_path())
+      .run(seconds);
+}
+
+int Diagnostics::selfTest() {
+  AsioQueue queue(Conductor::queueName);
+  SelfTest::Parts parts{
+      .discoverPacks = [] { return PackLibrary::discover(); },
+      .loadPack =
+          [](const PackInfo& info) { return LoadedPack::load(info, AudioOutput::sampleRate); },
+      .conductorQueue = queue,
+      .audioDevice = makeAudioDevice(makePipeWireLoop()),
+      .motionSource = findMotionSource(),
+      .listen = listen,
+      .typer = makeKeyTyper(),
+      .sleep = [](std::chrono::milliseconds time) { std::this_thread::sleep_for(time); },
+  };
+  return SelfTest(std::move(parts), std::cout).run();
+}
+
+}  // namespace tobrin

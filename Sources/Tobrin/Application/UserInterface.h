@@ -1,0 +1,47 @@
+/// What shows the program to its user where there is a display. Its libraries are loaded only then,
+/// so that the engine alone stays small; the panel's own only when it first opens.
+#pragma once
+
+#include <QCoreApplication>
+#include <QPoint>
+#include <memory>
+
+namespace tobrin {
+
+class AppModel;
+
+class UserInterface {
+ public:
+  virtual ~UserInterface() = default;
+
+  /// The application object that windows need; made before anything else of Qt. The references stay
+  /// valid for its life.
+  virtual std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) = 0;
+
+  /// Puts the item into the tray, or opens the panel as a window where there is no tray. The model
+  /// outlives the interface.
+  virtual void start(AppModel& model) = 0;
+
+  /// Opens the panel.
+  virtual void showPanel() = 0;
+
+  /// Takes item and panel away; the model may go after that.
+  virtual void stop() = 0;
+
+  /// Loads the interface; null (and the reason logged) where its library is missing.
+  static std::unique_ptr<UserInterface> load();
+};
+
+/// The panel by itself, made by its own library.
+class Panel {
+ public:
+  virtual ~Panel() = default;
+  /// Opens the panel near a place on the screen (in the desktop's coordinates), or as an ordinary
+  /// window where `anchor` is null.
+  virtual void open(const QPoint* anchor) = 0;
+  virtual void close() = 0;
+  virtual void setDark(bool dark) = 0;
+  [[nodiscard]] virtual bool isOpen() const = 0;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,58 @@
+#include "CommandLine/CLI.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+
+#include "Application/Diagnostics.h"
+
+namespace tobrin {
+namespace {
+
+constexpr double probeSeconds = 20;
+
+std::optional<std::string> argument(const std::vector<std::string>& arguments, std::size_t index) {
+  if (index >= arguments.size()) return std::nullopt;
+  return arguments[index];
+}
+
+int printLine(const char* text) {
+  std::puts(text);
+  return 0;
+}
+
+}  // namespace
+
+std::optional<int> CLI::run(const std::vector<std::string>& arguments) {
+  const auto first = argument(arguments, 0);
+  if (first == "--version") return printLine(TOBRIN_VERSION);
+  if (first == "--help" || first == "-h") return printLine(usage());
+  if (first == "--probe") {
+    return Diagnostics::probe(seconds(argument(arguments, 1), probeSeconds));
+  }
+  if (first == "--selftest") return Diagnostics::selfTest();
+  return std::nullopt;
+}
+
+double CLI::seconds(const std::optional<std::string>& text, double fallback) {
+  constexpr double year = 365.0 * 24 * 3600;
+  if (!text) return fallback;
+  double value = 0;
+  const char* end = text->data() + text->size();
+  const auto [parsedTo, error] = std::from_chars(text->data(), end, value);
+  const bool isUsable =
+      error == std::errc() && parsedTo == end && std::isfinite(value) && value > 0;
+  return isUsable ? std::min(value, year) : fallback;
+}
+
+const char* CLI::usage() {
+  return "Tobrin, velocity-sensitive keyboard sounds.\n"
+         "  (no arguments)   run the menu-bar app\n"
+         "  --probe [secs]   measure how your keystrokes register on the motion sensor\n"
+         "  --selftest       check key capture, audio engine and sensor (muted)\n"
+         "  --micwatch [secs] show when apps take and release the microphone (\"Quiet during "
+         "calls\")";
+}
+
+}  // namespace tobrin

@@ -1,0 +1,118 @@
+#include "Diagnostics/SelfTest.h"
+
+#include <atomic>
+#include <ostream>
+
+#include "Engine/Conductor.h"
+
+namespace tobrin {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto settleTime = 400ms;
+constexpr auto holdTime = 50ms;
+constexpr auto pauseTime = 80ms;
+constexpr auto deliveryTime = 100ms;
+// F13 to F16: real keys that no application does anything with.
+constexpr uint16_t quietKeys[] = {105, 107, 113, 106};
+
+EngineSettings muted() {
+  EngineSettings settings;
+  settings.volume = 0;
+  return settings;
+}
+
+}  // namespace
+
+int SelfTest::run() {
+  checkEngine(checkPacks());
+  if (failures_ == 0) {
+    out_ << "All checks passed.\n";
+    return 0;
+  }
+  out_ << failures_ << " check(s) failed.\n";
+  return 1;
+}
+
+std::shared_ptr<const LoadedPack> SelfTest::checkPacks() {
+  const auto packs = parts_.discoverPacks();
+  check(!packs.empty(), "found " + std::to_string(packs.size()) + " sound packs");
+  if (packs.empty()) return nullptr;
+  try {
+    auto pack = parts_.loadPack(packs.front());
+    check(true, "loaded " + pack->info().name + " (" + std::to_string(pack->sampleCount()) +
+                    " takes, " + std::to_string(pack->memoryBytes() >> 10) + " KiB)");
+    return pack;
+  } catch (const std::exception& error) {
+    check(false, "loaded " + packs.front().name + ": " + error.what());
+    return nullptr;
+  }
+}
+
+void SelfTest::checkEngine(std::shared_ptr<const LoadedPack> pack) {
+  auto sensor = parts_.motionSource != nullptr
+                    ? std::make_unique<ForceSensor>(std::move(parts_.motionSource))
+                    : nullptr;
+  ForceSensor* const watched = sensor.get();
+  Conductor conductor(parts_.conductorQueue,
+                      std::make_unique<AudioOutput>(std::move(parts_.audioDevice)),
+                      std::move(sensor));
+  conductor.apply(muted(), true);
+  conductor.setPack(std::move(pack));
+
+  std::atomic<int> heard = 0;
+  const auto monitor = parts_.listen([&](const KeyEvent& event) {
+    heard.fetch_add(1, std::memory_order_relaxed);
+    conductor.handle(event);
+  });
+  const bool isListening = monitor->start();
+  check(isListening, isListening ? "keyboard tap (Input Monitoring)"
+                                 : "keyboard tap (Input Monitoring): " + monitor->problem());
+  parts_.sleep(settleTime);
+  const AudioOutput& audio = conductor.audio();
+  check(audio.isRunning(), audio.isRunning() ? "audio engine running: " + audio.description()
+                                             : "audio engine running: " + audio.problem());
+
+  checkKeys(isListening, [&] { return heard.load(std::memory_order_relaxed); });
+  const uint64_t frames = audio.renderedFrames();
+  check(frames > 0, "render callback ran (" + std::to_string(frames) + " frames)");
+  check(audio.droppedCommands() == 0, "no dropped commands");
+  if (watched == nullptr) {
+    skip("motion sensor (not on this Mac)");
+  } else {
+    const uint64_t reports = watched->reportsReceived();
+    check(reports > 0, "motion sensor streaming (" + std::to_string(reports) + " reports)" +
+                           (reports > 0 ? "" : ": " + watched->problem()));
+  }
+  monitor->stop();
+  conductor.shutdown();
+}
+
+void SelfTest::checkKeys(bool isListening, const std::function<int()>& heard) {
+  if (!isListening) return check(false, "synthetic key events: nothing listens");
+  if (!parts_.typer->open()) return skip("synthetic key events (" + parts_.typer->problem() + ")");
+  const int before = heard();
+  int sent = 0;
+  for (const uint16_t code : quietKeys) {
+    sent += parts_.typer->send(code, KeyAction::down) ? 1 : 0;
+    parts_.sleep(holdTime);
+    sent += parts_.typer->send(code, KeyAction::up) ? 1 : 0;
+    parts_.sleep(pauseTime);
+  }
+  parts_.sleep(deliveryTime);
+  const int received = heard() - before;
+  check(sent > 0 && received >= sent, "synthetic key events (" + std::to_string(received) + " of " +
+                                          std::to_string(sent) + " heard)");
+}
+
+void SelfTest::check(bool passed, const std::string& text) {
+  out_ << (passed ? "PASS  " : "FAIL  ") << text << std::endl;
+  if (!passed) ++failures_;
+}
+
+void SelfTest::skip(const std::string& text) {
+  out_ << "SKIP  " << text << std::endl;
+}
+
+}  // namespace tobrin

@@ -1,0 +1,52 @@
+/// Checks packs, key capture, the sound engine and the sensor through the real parts, muted, and
+/// prints a line for each. Thread: main; blocks until it is done.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Engine/AudioDevice.h"
+#include "Engine/SerialQueue.h"
+#include "Force/MotionSource.h"
+#include "Input/KeyMonitor.h"
+#include "Input/KeyTyper.h"
+#include "Packs/LoadedPack.h"
+
+namespace tobrin {
+
+class SelfTest final {
+ public:
+  /// What is checked; queue and callables outlive the test.
+  struct Parts {
+    std::function<std::vector<PackInfo>()> discoverPacks;
+    std::function<std::shared_ptr<const LoadedPack>(const PackInfo&)> loadPack;  ///< throws
+    SerialQueue& conductorQueue;
+    std::unique_ptr<AudioDevice> audioDevice;
+    std::unique_ptr<MotionSource> motionSource;  ///< null without a sensor
+    std::function<std::unique_ptr<KeyMonitor>(KeyMonitor::Handler)> listen;
+    std::unique_ptr<KeyTyper> typer;
+    std::function<void(std::chrono::milliseconds)> sleep;
+  };
+
+  SelfTest(Parts parts, std::ostream& out) : parts_(std::move(parts)), out_(out) {}
+
+  /// Returns the exit status: 0, or 1 where a check failed.
+  int run();
+
+ private:
+  std::shared_ptr<const LoadedPack> checkPacks();
+  void checkEngine(std::shared_ptr<const LoadedPack> pack);
+  void checkKeys(bool isListening, const std::function<int()>& heard);
+  void check(bool passed, const std::string& text);
+  void skip(const std::string& text);
+
+  Parts parts_;
+  std::ostream& out_;
+  int failures_ = 0;
+};
+
+}  // namespace tobrin

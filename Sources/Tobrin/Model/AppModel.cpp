@@ -1,0 +1,378 @@
+#include "Model/AppModel.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "Engine/Log.h"
+#include "Engine/MachTime.h"
+#include "Model/StatusTexts.h"
+#include "Packs/PackLibrary.h"
+
+namespace tobrin {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto permissionPollInterval = 1500ms;
+constexpr double relaunchAfterMs = 3000;  // access granted, yet no key source that long
+
+}  // namespace
+
+AppModel::AppModel(AppServices services, std::optional<Preview> preview)
+    : services_(std::move(services)),
+      preview_(preview.has_value()),
+      sensorAvailable_(services_.motionSource != nullptr),
+      self_(std::make_shared<AppModel*>(this)) {
+  readSavedState(preview);
+  auto sensor = sensorAvailable_
+                    ? std::make_unique<ForceSensor>(std::move(services_.motionSource),
+                                                    [onStart = services_.onThreadStart] {
+                                                      if (onStart) onStart(ForceSensor::threadName);
+                                                    })
+                    : nullptr;
+  conductor_ = std::make_unique<Conductor>(
+      services_.conductorQueue, std::make_unique<AudioOutput>(std::move(services_.audioDevice)),
+      std::move(sensor));
+  wireCallbacks();
+  start();
+}
+
+AppModel::~AppModel() {
+  *self_ = nullptr;
+  services_.workspace.setOnWake(nullptr);
+  services_.workspace.setOnTerminate(nullptr);
+  hotkey_->unregister();
+  monitor_->stop();
+  micMonitor_->stop();
+  conductor_->shutdown();
+}
+
+void AppModel::onMain(std::function<void()> task) {
+  services_.main.async([self = self_, run = std::move(task)] {
+    if (*self != nullptr) run();
+  });
+}
+
+void AppModel::readSavedState(const std::optional<Preview>& preview) {
+  selectedPackID_ = defaultPackID;
+  if (preview) {
+    selectedPackID_ = preview->pack.value_or(selectedPackID_);
+    return;
+  }
+  if (const auto saved = services_.settings.read(settingsKey)) {
+    try {
+      settings_ = EngineSettings::fromJson(*saved);
+    } catch (const std::exception& error) {
+      services_.settings.keepAside(settingsKey);
+      Log::line(std::string("saved settings can't be read, using the defaults: ") + error.what());
+    }
+  }
+  selectedPackID_ = services_.settings.readText(selectedPackKey).value_or(selectedPackID_);
+}
+
+void AppModel::wireCallbacks() {
+  conductor_->setOnForce([this](const ForceReading& reading) {
+    onMain([this, reading] {
+      lastForce_ = reading;
+      emit lastForceChanged();
+    });
+  });
+  monitor_ = std::make_unique<KeyMonitor>(
+      std::move(services_.keySource),
+      [this](const KeyEvent& event) {
+        conductor_->handle(event);
+        services_.shortcutService->observe(event);
+      },
+      KeyMonitorOptions{.onThreadStart = services_.onThreadStart});
+  hotkey_ = std::make_unique<GlobalHotkey>(*services_.shortcutService,
+                                           [this] { onMain([this] { toggleEnabled(); }); });
+  micMonitor_ = std::make_unique<MicMonitor>(services_.micQueue, services_.main,
+                                             std::move(services_.micSource));
+  micMonitor_->setOnChange([this, self = self_](bool inUse) {
+    if (*self != nullptr) micChanged(inUse);
+  });
+  services_.workspace.setOnWake([this] {
+    conductor_->systemDidWake();
+    micMonitor_->refresh();
+  });
+  services_.workspace.setOnTerminate([this] { conductor_->shutdown(); });
+}
+
+void AppModel::start() {
+  refreshPacks();
+  loadSelectedPack(false);
+  if (preview_) return;
+  conductor_->apply(effectiveSettings(), true);
+  startListening();
+  registerShortcut();
+  updateMicMonitor();
+  readLoginItem();
+}
+
+// Settings
+
+void AppModel::setSettings(const EngineSettings& settings) {
+  if (settings == settings_) return;
+  const EngineSettings old = std::exchange(settings_, settings);
+  persistSettings();
+  if (old.shortcutEnabled != settings_.shortcutEnabled || old.shortcut != settings_.shortcut) {
+    registerShortcut();
+  }
+  if (old.quietDuringCalls != settings_.quietDuringCalls) updateMicMonitor();
+  if (!preview_) conductor_->apply(effectiveSettings(), true);
+  emit settingsChanged();
+  emit statusChanged();
+}
+
+void AppModel::persistSettings() {
+  if (!preview_) services_.settings.write(settingsKey, settings_.toJson());
+}
+
+void AppModel::toggleEnabled() {
+  PlaybackGate toggled = gate();
+  toggled.toggle();
+  EngineSettings changed = settings_;
+  changed.enabled = toggled.enabled;
+  setSettings(changed);
+}
+
+PlaybackGate AppModel::gate() const {
+  return {settings_.enabled, settings_.quietDuringCalls, micInUse_};
+}
+
+EngineSettings AppModel::effectiveSettings() const {
+  EngineSettings effective = settings_;
+  effective.enabled = gate().isPlaying();
+  effective.forceSensing = settings_.forceSensing && sensorAvailable_;
+  return effective;
+}
+
+std::string AppModel::statusLine() const {
+  const PackInfo* pack = selectedPack();
+  return StatusTexts::statusLine(
+      {.hasPermission = hasPermission_,
+       .gate = gate(),
+       .packName = pack != nullptr ? std::optional(pack->name) : std::nullopt,
+       .forceSensing = settings_.forceSensing && sensorAvailable_});
+}
+
+// Microphone
+
+void AppModel::updateMicMonitor() {
+  if (preview_) return;
+  if (settings_.quietDuringCalls) {
+    micMonitor_->start();
+  } else {
+    micMonitor_->stop();
+  }
+}
+
+void AppModel::micChanged(bool inUse) {
+  if (!settings_.quietDuringCalls || inUse == micInUse_) return;
+  const auto before = gate().state();
+  micInUse_ = inUse;
+  if (gate().state() != before) conductor_->apply(effectiveSettings(), false);
+  emit micInUseChanged();
+  emit statusChanged();
+}
+
+// Shortcut
+
+void AppModel::registerShortcut() {
+  if (preview_) return;
+  shortcutStatus_ = hotkey_->registerHotkey(
+      settings_.shortcutEnabled ? std::optional(settings_.shortcut) : std::nullopt);
+  if (settings_.shortcutEnabled && shortcutProblem()) {
+    Log::line("shortcut " + display(settings_.shortcut) + " unavailable: " + *shortcutProblem());
+  }
+  emit shortcutStatusChanged();
+}
+
+std::string AppModel::display(const Hotkey& shortcut) const {
+  return shortcut.displayString(
+      [this](uint32_t keyCode) { return services_.shortcutService->keyName(keyCode); });
+}
+
+std::vector<Hotkey> AppModel::offeredShortcuts() const {
+  std::vector<Hotkey> offered(Hotkey::presets().begin(), Hotkey::presets().end());
+  if (std::find(offered.begin(), offered.end(), settings_.shortcut) == offered.end()) {
+    offered.push_back(settings_.shortcut);
+  }
+  return offered;
+}
+
+std::optional<std::string> AppModel::shortcutProblem() const {
+  return StatusTexts::shortcutProblem(shortcutStatus_, display(settings_.shortcut));
+}
+
+// Keys and permission
+
+void AppModel::startListening() {
+  if (monitor_->start()) {
+    grantedWithoutTap_.reset();
+    publishPermission(true, true, false);
+    return;
+  }
+  const bool granted = monitor_->hasPermission();
+  publishPermission(granted, false, needsRelaunch_);
+  if (!granted) monitor_->requestPermission();
+  keepPollingPermission();
+}
+
+void AppModel::keepPollingPermission() {
+  if (permissionTimerRuns_) return;
+  permissionTimerRuns_ = true;
+  services_.main.after(permissionPollInterval, [this, self = self_] {
+    if (*self == nullptr) return;
+    permissionTimerRuns_ = false;
+    pollPermission();
+    if (!listening_) keepPollingPermission();
+  });
+}
+
+void AppModel::pollPermission() {
+  if (listening_ || preview_) return;
+  const bool granted = monitor_->hasPermission();
+  publishPermission(granted, false, needsRelaunch_);
+  if (!granted) return;
+  startListening();
+  if (listening_) return;
+  if (!grantedWithoutTap_) grantedWithoutTap_ = services_.main.now();
+  const double waitedMs = MachTime::delta(services_.main.now(), *grantedWithoutTap_);
+  if (waitedMs > relaunchAfterMs) publishPermission(true, false, true);
+}
+
+void AppModel::publishPermission(bool hasPermission, bool listening, bool needsRelaunch) {
+  const bool changed =
+      hasPermission != hasPermission_ || listening != listening_ || needsRelaunch != needsRelaunch_;
+  hasPermission_ = hasPermission;
+  listening_ = listening;
+  needsRelaunch_ = needsRelaunch;
+  if (!changed) return;
+  emit permissionChanged();
+  emit statusChanged();
+}
+
+// Packs
+
+const PackInfo* AppModel::selectedPack() const {
+  const auto found = std::find_if(packs_.begin(), packs_.end(), [this](const PackInfo& pack) {
+    return pack.id == selectedPackID_;
+  });
+  return found == packs_.end() ? nullptr : &*found;
+}
+
+void AppModel::setSelectedPackID(const std::string& id) {
+  if (id == selectedPackID_) return;
+  selectedPackID_ = id;
+  if (!preview_) services_.settings.writeText(selectedPackKey, id);
+  emit selectedPackChanged();
+  emit statusChanged();
+  loadSelectedPack(true);
+}
+
+void AppModel::refreshPacks() {
+  auto found = services_.discoverPacks();
+  if (found != packs_) {
+    packs_ = std::move(found);
+    emit packsChanged();
+    emit statusChanged();
+  }
+  if (selectedPack() == nullptr && !packs_.empty()) select(packs_.front());
+}
+
+void AppModel::loadSelectedPack(bool audition) {
+  const uint64_t number = ++loadNumber_;
+  const PackInfo* selected = selectedPack();
+  if (selected == nullptr) {
+    manifest_.reset();
+    conductor_->setPack(nullptr);
+    setPackError(packs_.empty() ? std::optional<std::string>("No sound packs found.")
+                                : std::nullopt);
+    return;
+  }
+  services_.loader.async([this, self = self_, info = *selected, number, audition,
+                          load = services_.loadPack, &main = services_.main] {
+    std::shared_ptr<const LoadedPack> pack;
+    std::string problem;
+    try {
+      pack = load(info);
+    } catch (const std::exception& error) {
+      problem = info.name + " couldn't load: " + error.what();
+    }
+    main.async([this, self, number, audition, pack, problem] {
+      if (*self == nullptr || number != loadNumber_) return;
+      if (pack == nullptr) {
+        setPackError(problem);
+      } else {
+        install(pack, audition);
+      }
+    });
+  });
+}
+
+void AppModel::install(std::shared_ptr<const LoadedPack> pack, bool audition) {
+  manifest_ = pack->manifest();
+  conductor_->setPack(std::move(pack));
+  setPackError(std::nullopt);
+  emit selectedPackChanged();
+  if (audition) conductor_->audition();
+}
+
+void AppModel::setPackError(std::optional<std::string> text) {
+  if (text == packError_) return;
+  packError_ = std::move(text);
+  if (packError_) Log::line(*packError_);
+  emit packErrorChanged();
+}
+
+// The panel's other actions
+
+void AppModel::menuOpened() {
+  refreshPacks();
+  pollPermission();
+  registerShortcut();
+}
+
+void AppModel::audition() {
+  conductor_->audition();
+}
+
+void AppModel::readLoginItem() {
+  const bool enabled = services_.loginItem.isEnabled();
+  if (enabled == launchAtLogin_) return;
+  launchAtLogin_ = enabled;
+  emit launchAtLoginChanged();
+}
+
+void AppModel::setLaunchAtLogin(bool on) {
+  const std::string problem = services_.loginItem.setEnabled(on);
+  if (!problem.empty()) Log::line("launch at login change failed: " + problem);
+  readLoginItem();
+  if (launchAtLogin_ != on) emit launchAtLoginChanged();  // the switch goes back
+}
+
+void AppModel::openPacksFolder() {
+  const std::string problem = services_.workspace.openFolder(PackLibrary::userPacksDirectory());
+  if (!problem.empty()) Log::line("packs folder can't be shown: " + problem);
+}
+
+void AppModel::openKeyAccessSettings() {
+  const std::string problem = services_.workspace.openKeyAccessSettings();
+  if (!problem.empty()) Log::line("access to keys can't be set up: " + problem);
+}
+
+void AppModel::relaunch() {
+  const std::string problem = services_.workspace.relaunch();
+  if (!problem.empty()) {
+    Log::line("can't start again: " + problem);
+    return;
+  }
+  services_.workspace.terminate();
+}
+
+void AppModel::quit() {
+  services_.workspace.terminate();
+}
+
+}  // namespace tobrin

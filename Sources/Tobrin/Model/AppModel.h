@@ -1,0 +1,145 @@
+/// The running program: owns engine, key monitor, shortcut and microphone watch, keeps the user's
+/// settings and chosen pack, persists both, and publishes the state that the panel shows. Lives on
+/// the main thread; callbacks from elsewhere are moved there first.
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Engine/Conductor.h"
+#include "Engine/EngineSettings.h"
+#include "Engine/PlaybackGate.h"
+#include "Input/GlobalHotkey.h"
+#include "Input/KeyMonitor.h"
+#include "Mic/MicMonitor.h"
+#include "Model/AppServices.h"
+
+namespace tobrin {
+
+class AppModel final : public QObject {
+  Q_OBJECT
+
+ public:
+  static constexpr const char* settingsKey = "engineSettings";
+  static constexpr const char* selectedPackKey = "selectedPack";
+  static constexpr const char* defaultPackID = "leopold";
+
+  /// A preview never reads or writes the settings store and starts neither keys nor sound.
+  struct Preview {
+    std::optional<std::string> pack;
+  };
+
+  explicit AppModel(AppServices services, std::optional<Preview> preview = std::nullopt);
+  ~AppModel() override;
+
+  [[nodiscard]] const EngineSettings& settings() const { return settings_; }
+  void setSettings(const EngineSettings& settings);
+  [[nodiscard]] const std::string& selectedPackID() const { return selectedPackID_; }
+  void setSelectedPackID(const std::string& id);
+  void select(const PackInfo& pack) { setSelectedPackID(pack.id); }
+
+  [[nodiscard]] const std::vector<PackInfo>& packs() const { return packs_; }
+  [[nodiscard]] const PackInfo* selectedPack() const;
+  /// The decoded pack's own description; absent while none is loaded.
+  [[nodiscard]] const std::optional<PackManifest>& loadedManifest() const { return manifest_; }
+  [[nodiscard]] const std::optional<std::string>& packError() const { return packError_; }
+  [[nodiscard]] bool hasPermission() const { return hasPermission_; }
+  [[nodiscard]] bool listening() const { return listening_; }
+  [[nodiscard]] bool needsRelaunch() const { return needsRelaunch_; }
+  [[nodiscard]] const std::optional<ForceReading>& lastForce() const { return lastForce_; }
+  [[nodiscard]] bool launchAtLogin() const { return launchAtLogin_; }
+  [[nodiscard]] bool micInUse() const { return micInUse_; }
+  [[nodiscard]] GlobalHotkey::Status shortcutStatus() const { return shortcutStatus_; }
+  [[nodiscard]] bool sensorAvailable() const { return sensorAvailable_; }
+
+  [[nodiscard]] std::string statusLine() const;
+  /// Why the shortcut does not work, in words; nothing while it does or is off.
+  [[nodiscard]] std::optional<std::string> shortcutProblem() const;
+  /// A shortcut as the user reads it, in the current keyboard layout.
+  [[nodiscard]] std::string display(const Hotkey& shortcut) const;
+  /// The presets, and the user's own choice where it is none of them.
+  [[nodiscard]] std::vector<Hotkey> offeredShortcuts() const;
+  [[nodiscard]] PlaybackGate gate() const;
+  /// The settings as the engine gets them: sounds only while the gate is open, force only with a
+  /// sensor.
+  [[nodiscard]] EngineSettings effectiveSettings() const;
+
+  void refreshPacks();
+  void menuOpened();
+  void setLaunchAtLogin(bool on);
+  void relaunch();
+  void audition();
+  void openPacksFolder();
+  void openKeyAccessSettings();
+  void toggleEnabled();
+  void quit();
+
+  [[nodiscard]] const Conductor& conductor() const { return *conductor_; }
+  [[nodiscard]] const KeyMonitor& monitor() const { return *monitor_; }
+
+ signals:
+  void settingsChanged();
+  void selectedPackChanged();
+  void packsChanged();
+  void packErrorChanged();
+  void permissionChanged();  ///< hasPermission, listening, needsRelaunch
+  void lastForceChanged();
+  void launchAtLoginChanged();
+  void micInUseChanged();
+  void shortcutStatusChanged();
+  void outputChanged();  ///< what the sound goes through, or why it does not
+  void statusChanged();  ///< statusLine or the gate's state may differ
+
+ private:
+  void readSavedState(const std::optional<Preview>& preview);
+  void wireCallbacks();
+  void start();
+  void persistSettings();
+  void registerShortcut();
+  void updateMicMonitor();
+  void micChanged(bool inUse);
+  void startListening();
+  void keepPollingPermission();
+  void pollPermission();
+  void publishPermission(bool hasPermission, bool listening, bool needsRelaunch);
+  void loadSelectedPack(bool audition);
+  void install(std::shared_ptr<const LoadedPack> pack, bool audition);
+  void setPackError(std::optional<std::string> text);
+  void readLoginItem();
+
+  /// Runs `task` on the main thread if the model is still there.
+  void onMain(std::function<void()> task);
+
+  AppServices services_;  // devices moved out during construction
+  bool preview_;          // fixed after construction
+  bool sensorAvailable_;  // fixed after construction
+
+  EngineSettings settings_;
+  std::string selectedPackID_;
+  std::vector<PackInfo> packs_;
+  std::optional<PackManifest> manifest_;
+  std::optional<std::string> packError_;
+  bool hasPermission_ = false;
+  bool listening_ = false;
+  bool needsRelaunch_ = false;
+  std::optional<ForceReading> lastForce_;
+  bool launchAtLogin_ = false;
+  bool micInUse_ = false;
+  GlobalHotkey::Status shortcutStatus_;
+
+  uint64_t loadNumber_ = 0;  // the newest pack load; older ones are dropped when they end
+  bool permissionTimerRuns_ = false;
+  std::optional<uint64_t> grantedWithoutTap_;  // host ticks
+
+  std::shared_ptr<AppModel*> self_;  // null inside once the model is gone; shared with posted tasks
+  std::unique_ptr<Conductor> conductor_;
+  std::unique_ptr<KeyMonitor> monitor_;
+  std::unique_ptr<GlobalHotkey> hotkey_;
+  std::unique_ptr<MicMonitor> micMonitor_;
+};
+
+}  // namespace tobrin

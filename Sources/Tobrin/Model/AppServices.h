@@ -1,0 +1,44 @@
+/// Everything the application model needs of the system it runs on, handed in by whoever assembles
+/// it. Queues, stores and desktop services outlive the model; devices go over into its hands.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "Engine/AudioDevice.h"
+#include "Engine/DesktopServices.h"
+#include "Engine/SerialQueue.h"
+#include "Engine/SettingsStore.h"
+#include "Force/MotionSource.h"
+#include "Input/KeySource.h"
+#include "Input/ShortcutService.h"
+#include "Mic/MicSource.h"
+#include "Packs/LoadedPack.h"
+#include "Packs/PackManifest.h"
+
+namespace tobrin {
+
+struct AppServices {
+  SerialQueue& main;            ///< the model's own thread
+  SerialQueue& loader;          ///< where packs are decoded
+  SerialQueue& conductorQueue;  ///< "app.tobrin.conductor"
+  SerialQueue& micQueue;        ///< "app.tobrin.mic"
+  SettingsStore& settings;
+  LoginItem& loginItem;
+  Workspace& workspace;
+
+  std::unique_ptr<AudioDevice> audioDevice;
+  std::unique_ptr<MotionSource> motionSource;  ///< null where the machine has no motion sensor
+  std::unique_ptr<KeySource> keySource;
+  std::unique_ptr<ShortcutService> shortcutService;
+  std::unique_ptr<MicSource> micSource;
+  /// Names the calling thread and asks for its scheduling; may be null.
+  std::function<void(std::string_view threadName)> onThreadStart;
+
+  std::function<std::vector<PackInfo>()> discoverPacks;
+  std::function<std::shared_ptr<const LoadedPack>(const PackInfo&)> loadPack;  ///< throws
+};
+
+}  // namespace tobrin

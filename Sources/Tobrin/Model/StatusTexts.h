@@ -1,0 +1,27 @@
+/// The sentences in which the program speaks of its own state. Pure functions; thread: any.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "Engine/PlaybackGate.h"
+#include "Input/GlobalHotkey.h"
+
+namespace tobrin {
+
+struct StatusTexts {
+  struct State {
+    bool hasPermission = false;
+    PlaybackGate gate;
+    std::optional<std::string> packName;  ///< absent: no pack
+    bool forceSensing = false;            ///< wanted, and a sensor is there
+  };
+
+  static std::string statusLine(const State& state);
+
+  /// Nothing while the shortcut is active or off. `shortcut` is its display string.
+  static std::optional<std::string> shortcutProblem(const GlobalHotkey::Status& status,
+                                                    const std::string& shortcut);
+};
+
+}  // namespace tobrin

@@ -1,0 +1,15 @@
+// The ring around the control that has the keyboard.
+import QtQuick
+import Tobrin
+
+Rectangle {
+    required property Item control
+
+    anchors.fill: parent
+    anchors.margins: -3
+    visible: control.visualFocus
+    color: "transparent"
+    radius: Theme.radius + 3
+    border.width: 2
+    border.color: Theme.accent
+}

@@ -1,0 +1,47 @@
+// The switches for how and when Tobrin plays.
+import QtQuick
+import QtQuick.Layouts
+import Tobrin
+
+Card {
+    id: section
+
+    required property PanelModel model
+
+    PanelSwitch {
+        Layout.fillWidth: true
+        text: "Key release sounds"
+        checked: section.model.releaseSounds
+        onToggled: section.model.releaseSounds = checked
+    }
+    PanelSwitch {
+        Layout.fillWidth: true
+        text: "Stereo by key position"
+        checked: section.model.stereo
+        onToggled: section.model.stereo = checked
+    }
+    PanelSwitch {
+        Layout.fillWidth: true
+        text: "Quiet during calls"
+        checked: section.model.quietDuringCalls
+        onToggled: section.model.quietDuringCalls = checked
+        Accessible.description: quietNote.text
+    }
+    PanelText {
+        id: quietNote
+        Layout.fillWidth: true
+        text: "Pause while any app is using the microphone, and resume when it's free. Tobrin never listens to it."
+        small: true
+        secondary: true
+    }
+    PanelSwitch {
+        id: login
+        Layout.fillWidth: true
+        text: "Open at login"
+        checked: section.model.launchAtLogin
+        onToggled: {
+            section.model.launchAtLogin = checked;
+            checked = Qt.binding(() => section.model.launchAtLogin);
+        }
+    }
+}

@@ -1,0 +1,53 @@
+// The packs: a grid to choose from, and what is known of the chosen one.
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Tobrin
+
+ColumnLayout {
+    id: section
+
+    required property PanelModel model
+
+    spacing: Theme.gap
+
+    RowLayout {
+        Layout.fillWidth: true
+
+        SectionLabel {
+            Layout.fillWidth: true
+            text: "Sound"
+        }
+        PanelButton {
+            text: "Preview"
+            symbol: "play"
+            onClicked: section.model.preview()
+        }
+    }
+    GridLayout {
+        Layout.fillWidth: true
+        columns: 2
+        columnSpacing: Theme.gap
+        rowSpacing: Theme.gap
+
+        Repeater {
+            model: section.model.packs
+
+            PackTile {
+                required property var modelData
+
+                Layout.fillWidth: true
+                Layout.preferredWidth: 1
+                pack: modelData
+                selected: modelData.id === section.model.selectedPackID
+                action: T.Action {
+                    onTriggered: section.model.select(modelData.id)
+                }
+            }
+        }
+    }
+    PackDetail {
+        Layout.fillWidth: true
+        model: section.model
+    }
+}

@@ -1,0 +1,54 @@
+// One pack of the grid; its `action` is what choosing it does.
+import QtQuick
+import QtQuick.Templates as T
+import Tobrin
+
+T.AbstractButton {
+    id: tile
+
+    required property var pack
+    property bool selected: false
+
+    implicitHeight: names.implicitHeight + 2 * Theme.gap
+    Accessible.role: Accessible.RadioButton
+    Accessible.name: pack.name + ", " + pack.kind
+    Accessible.checkable: true
+    Accessible.checked: selected
+    Keys.onReturnPressed: click()
+    Keys.onEnterPressed: click()
+
+    background: Rectangle {
+        radius: Theme.radius
+        color: tile.hovered && !tile.selected ? Theme.hover : Theme.surface
+        border.width: tile.selected ? 2 : 1
+        border.color: tile.selected ? Theme.accent : Theme.outline
+        opacity: tile.down ? 0.7 : 1
+        FocusRing { control: tile }
+    }
+    contentItem: Item {
+        Column {
+            id: names
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.leftMargin: Theme.gap
+            anchors.rightMargin: Theme.gap
+            anchors.verticalCenter: parent.verticalCenter
+            spacing: 1
+
+            PanelText {
+                width: parent.width
+                text: tile.pack.name
+                font.weight: Font.DemiBold
+                color: tile.selected ? Theme.accent : Theme.text
+                Accessible.ignored: true
+            }
+            PanelText {
+                width: parent.width
+                text: tile.pack.kind
+                secondary: true
+                small: true
+                Accessible.ignored: true
+            }
+        }
+    }
+}

@@ -1,0 +1,48 @@
+// A push button, with a symbol where it has one.
+import QtQuick
+import QtQuick.Templates as T
+import Tobrin
+
+T.Button {
+    id: control
+
+    property string symbol: ""
+    property bool prominent: false
+    readonly property color ink: prominent ? Theme.onAccent : Theme.text
+
+    implicitWidth: row.implicitWidth + leftPadding + rightPadding
+    implicitHeight: row.implicitHeight + topPadding + bottomPadding
+    horizontalPadding: Theme.unit * 2.5
+    verticalPadding: Theme.unit * 1.25
+    Accessible.name: text
+    Keys.onReturnPressed: click()
+    Keys.onEnterPressed: click()
+
+    background: Rectangle {
+        radius: Theme.radius * 0.75
+        color: control.prominent ? Theme.accent : control.hovered ? Theme.hover : Theme.surface
+        border.width: control.prominent ? 0 : 1
+        border.color: Theme.outline
+        opacity: control.down ? 0.7 : 1
+        FocusRing { control: control }
+    }
+    contentItem: Row {
+        id: row
+        spacing: Theme.unit
+
+        Symbol {
+            name: control.symbol
+            visible: control.symbol !== ""
+            color: control.ink
+            size: Math.round(Theme.textSize * 0.9)
+            anchors.verticalCenter: parent.verticalCenter
+        }
+        PanelText {
+            text: control.text
+            color: control.ink
+            wrapMode: Text.NoWrap
+            anchors.verticalCenter: parent.verticalCenter
+            Accessible.ignored: true
+        }
+    }
+}

@@ -1,0 +1,235 @@
+#include "Panel/PanelModel.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Model/AppModel.h"
+
+namespace tobrin {
+namespace {
+
+constexpr float stereoWidth = 0.5f;  // what switching stereo on sets
+
+QString text(const std::string& utf8) {
+  return QString::fromStdString(utf8);
+}
+
+QString text(const std::optional<std::string>& utf8) {
+  return text(utf8.value_or(""));
+}
+
+}  // namespace
+
+PanelModel::PanelModel(AppModel& model, QObject* parent) : QObject(parent), model_(model) {
+  connect(&model, &AppModel::statusChanged, this, &PanelModel::statusChanged);
+  connect(&model, &AppModel::permissionChanged, this, &PanelModel::permissionChanged);
+  connect(&model, &AppModel::packsChanged, this, &PanelModel::packsChanged);
+  connect(&model, &AppModel::packsChanged, this, &PanelModel::selectedPackChanged);
+  connect(&model, &AppModel::selectedPackChanged, this, &PanelModel::selectedPackChanged);
+  connect(&model, &AppModel::packErrorChanged, this, &PanelModel::packErrorChanged);
+  connect(&model, &AppModel::settingsChanged, this, &PanelModel::settingsChanged);
+  connect(&model, &AppModel::settingsChanged, this, &PanelModel::shortcutChanged);
+  connect(&model, &AppModel::shortcutStatusChanged, this, &PanelModel::shortcutChanged);
+  connect(&model, &AppModel::launchAtLoginChanged, this, &PanelModel::launchAtLoginChanged);
+  connect(&model, &AppModel::lastForceChanged, this, &PanelModel::lastForceChanged);
+}
+
+template <typename Field, typename Value>
+void PanelModel::change(Field EngineSettings::*field, Value value) {
+  EngineSettings settings = model_.settings();
+  settings.*field = static_cast<Field>(value);
+  model_.setSettings(settings);
+}
+
+// State
+
+QString PanelModel::statusLine() const {
+  return text(model_.statusLine());
+}
+bool PanelModel::playing() const {
+  return model_.gate().isPlaying();
+}
+bool PanelModel::hasPermission() const {
+  return model_.hasPermission();
+}
+bool PanelModel::needsRelaunch() const {
+  return model_.needsRelaunch();
+}
+
+// Packs
+
+QVariantList PanelModel::packs() const {
+  QVariantList list;
+  for (const PackInfo& pack : model_.packs()) {
+    list.append(
+        QVariantMap{{"id", text(pack.id)}, {"name", text(pack.name)}, {"kind", text(pack.kind)}});
+  }
+  return list;
+}
+
+QString PanelModel::selectedPackID() const {
+  return text(model_.selectedPackID());
+}
+
+QVariantMap PanelModel::selectedPack() const {
+  const PackInfo* pack = model_.selectedPack();
+  if (pack == nullptr) return {};
+  QVariantMap details{{"name", text(pack->name)},
+                      {"kind", text(pack->kind)},
+                      {"summary", text(pack->summary)},
+                      {"author", QString()},
+                      {"license", QString()}};
+  const auto& manifest = model_.loadedManifest();
+  if (manifest && manifest->id == pack->id) {
+    details["author"] = text(manifest->author);
+    details["license"] = text(manifest->license);
+  }
+  return details;
+}
+
+QString PanelModel::packError() const {
+  return text(model_.packError());
+}
+
+// Settings
+
+bool PanelModel::soundsOn() const {
+  return model_.settings().enabled;
+}
+double PanelModel::volume() const {
+  return static_cast<double>(model_.settings().volume);
+}
+bool PanelModel::sensorAvailable() const {
+  return model_.sensorAvailable();
+}
+bool PanelModel::forceSensing() const {
+  return model_.settings().forceSensing;
+}
+double PanelModel::sensitivity() const {
+  return static_cast<double>(model_.settings().sensitivity);
+}
+int PanelModel::fixedTier() const {
+  return static_cast<int>(model_.settings().fixedTier);
+}
+bool PanelModel::releaseSounds() const {
+  return model_.settings().releaseSounds;
+}
+bool PanelModel::stereo() const {
+  return model_.settings().spatial > 0;
+}
+bool PanelModel::quietDuringCalls() const {
+  return model_.settings().quietDuringCalls;
+}
+bool PanelModel::launchAtLogin() const {
+  return model_.launchAtLogin();
+}
+bool PanelModel::shortcutEnabled() const {
+  return model_.settings().shortcutEnabled;
+}
+
+void PanelModel::setSoundsOn(bool on) {
+  change(&EngineSettings::enabled, on);
+}
+void PanelModel::setVolume(double volume) {
+  change(&EngineSettings::volume, volume);
+}
+void PanelModel::setForceSensing(bool on) {
+  change(&EngineSettings::forceSensing, on);
+}
+void PanelModel::setSensitivity(double sensitivity) {
+  change(&EngineSettings::sensitivity, sensitivity);
+}
+void PanelModel::setFixedTier(int raw) {
+  if (const auto chosen = tier(raw)) change(&EngineSettings::fixedTier, *chosen);
+}
+void PanelModel::setReleaseSounds(bool on) {
+  change(&EngineSettings::releaseSounds, on);
+}
+void PanelModel::setStereo(bool on) {
+  change(&EngineSettings::spatial, on ? stereoWidth : 0.0f);
+}
+void PanelModel::setQuietDuringCalls(bool on) {
+  change(&EngineSettings::quietDuringCalls, on);
+}
+void PanelModel::setLaunchAtLogin(bool on) {
+  model_.setLaunchAtLogin(on);
+}
+void PanelModel::setShortcutEnabled(bool on) {
+  change(&EngineSettings::shortcutEnabled, on);
+}
+
+// Force meter
+
+bool PanelModel::hasReading() const {
+  return model_.lastForce().has_value();
+}
+
+double PanelModel::readingRelative() const {
+  return hasReading() ? static_cast<double>(model_.lastForce()->relative) : 0.0;
+}
+
+int PanelModel::readingTier() const {
+  if (!hasReading()) return 0;
+  return static_cast<int>(std::lround(std::clamp(model_.lastForce()->position, 0.0f, 3.0f)));
+}
+
+QString PanelModel::readingCaption() const {
+  if (!hasReading()) return {};
+  return QString::asprintf("Last key: %.1f\u00d7 a typical keystroke (%.3f g)", readingRelative(),
+                           static_cast<double>(model_.lastForce()->peak));
+}
+
+// Shortcut
+
+QStringList PanelModel::shortcutChoices() const {
+  QStringList names;
+  for (const Hotkey& each : model_.offeredShortcuts())
+    names.append(text(model_.display(each)));
+  return names;
+}
+
+int PanelModel::shortcutIndex() const {
+  const auto offered = model_.offeredShortcuts();
+  const auto found = std::find(offered.begin(), offered.end(), model_.settings().shortcut);
+  return static_cast<int>(found - offered.begin());
+}
+
+void PanelModel::setShortcutIndex(int index) {
+  const auto offered = model_.offeredShortcuts();
+  if (index < 0 || index >= static_cast<int>(offered.size())) return;
+  change(&EngineSettings::shortcut, offered[static_cast<std::size_t>(index)]);
+}
+
+QString PanelModel::shortcutProblem() const {
+  return text(model_.shortcutProblem());
+}
+
+QString PanelModel::shortcutHint() const {
+  return text(model_.display(model_.settings().shortcut)) + " in any app to turn sounds on or off";
+}
+
+// Actions
+
+void PanelModel::menuOpened() {
+  model_.menuOpened();
+}
+void PanelModel::select(const QString& packID) {
+  model_.setSelectedPackID(packID.toStdString());
+}
+void PanelModel::preview() {
+  model_.audition();
+}
+void PanelModel::openSettings() {
+  model_.openKeyAccessSettings();
+}
+void PanelModel::relaunch() {
+  model_.relaunch();
+}
+void PanelModel::openPacksFolder() {
+  model_.openPacksFolder();
+}
+void PanelModel::quit() {
+  model_.quit();
+}
+
+}  // namespace tobrin

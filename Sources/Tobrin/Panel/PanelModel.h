@@ -1,0 +1,127 @@
+/// What the panel's views bind to: the application model's state in the types and texts of a view.
+/// Holds nothing of its own. Thread: main.
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QVariantList>
+#include <QtQmlIntegration>
+
+namespace tobrin {
+
+class AppModel;
+struct EngineSettings;
+
+class PanelModel final : public QObject {
+  Q_OBJECT
+  QML_NAMED_ELEMENT(PanelModel)
+  QML_UNCREATABLE("handed to the panel by the program")
+
+  Q_PROPERTY(QString statusLine READ statusLine NOTIFY statusChanged)
+  Q_PROPERTY(bool playing READ playing NOTIFY statusChanged)
+  Q_PROPERTY(bool hasPermission READ hasPermission NOTIFY permissionChanged)
+  Q_PROPERTY(bool needsRelaunch READ needsRelaunch NOTIFY permissionChanged)
+
+  Q_PROPERTY(QVariantList packs READ packs NOTIFY packsChanged)
+  Q_PROPERTY(QString selectedPackID READ selectedPackID NOTIFY selectedPackChanged)
+  Q_PROPERTY(QVariantMap selectedPack READ selectedPack NOTIFY selectedPackChanged)
+  Q_PROPERTY(QString packError READ packError NOTIFY packErrorChanged)
+
+  Q_PROPERTY(bool soundsOn READ soundsOn WRITE setSoundsOn NOTIFY settingsChanged)
+  Q_PROPERTY(double volume READ volume WRITE setVolume NOTIFY settingsChanged)
+  Q_PROPERTY(bool sensorAvailable READ sensorAvailable CONSTANT)
+  Q_PROPERTY(bool forceSensing READ forceSensing WRITE setForceSensing NOTIFY settingsChanged)
+  Q_PROPERTY(double sensitivity READ sensitivity WRITE setSensitivity NOTIFY settingsChanged)
+  Q_PROPERTY(int fixedTier READ fixedTier WRITE setFixedTier NOTIFY settingsChanged)
+  Q_PROPERTY(bool releaseSounds READ releaseSounds WRITE setReleaseSounds NOTIFY settingsChanged)
+  Q_PROPERTY(bool stereo READ stereo WRITE setStereo NOTIFY settingsChanged)
+  Q_PROPERTY(
+      bool quietDuringCalls READ quietDuringCalls WRITE setQuietDuringCalls NOTIFY settingsChanged)
+  Q_PROPERTY(
+      bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
+
+  Q_PROPERTY(bool hasReading READ hasReading NOTIFY lastForceChanged)
+  Q_PROPERTY(double readingRelative READ readingRelative NOTIFY lastForceChanged)
+  Q_PROPERTY(int readingTier READ readingTier NOTIFY lastForceChanged)
+  Q_PROPERTY(QString readingCaption READ readingCaption NOTIFY lastForceChanged)
+
+  Q_PROPERTY(
+      bool shortcutEnabled READ shortcutEnabled WRITE setShortcutEnabled NOTIFY settingsChanged)
+  Q_PROPERTY(QStringList shortcutChoices READ shortcutChoices NOTIFY shortcutChanged)
+  Q_PROPERTY(int shortcutIndex READ shortcutIndex WRITE setShortcutIndex NOTIFY shortcutChanged)
+  Q_PROPERTY(QString shortcutProblem READ shortcutProblem NOTIFY shortcutChanged)
+  Q_PROPERTY(QString shortcutHint READ shortcutHint NOTIFY shortcutChanged)
+
+ public:
+  explicit PanelModel(AppModel& model, QObject* parent = nullptr);
+
+  [[nodiscard]] QString statusLine() const;
+  [[nodiscard]] bool playing() const;
+  [[nodiscard]] bool hasPermission() const;
+  [[nodiscard]] bool needsRelaunch() const;
+  [[nodiscard]] QVariantList packs() const;  ///< maps of id, name, kind
+  [[nodiscard]] QString selectedPackID() const;
+  [[nodiscard]] QVariantMap selectedPack()
+      const;  ///< name, kind, summary, author, license; or empty
+  [[nodiscard]] QString packError() const;
+  [[nodiscard]] bool soundsOn() const;
+  [[nodiscard]] double volume() const;  ///< linear, 0 to 1 on the slider
+  [[nodiscard]] bool sensorAvailable() const;
+  [[nodiscard]] bool forceSensing() const;
+  [[nodiscard]] double sensitivity() const;
+  [[nodiscard]] int fixedTier() const;
+  [[nodiscard]] bool releaseSounds() const;
+  [[nodiscard]] bool stereo() const;
+  [[nodiscard]] bool quietDuringCalls() const;
+  [[nodiscard]] bool launchAtLogin() const;
+  [[nodiscard]] bool hasReading() const;
+  [[nodiscard]] double readingRelative() const;  ///< multiples of a typical stroke
+  [[nodiscard]] int readingTier() const;         ///< 0 to 3
+  [[nodiscard]] QString readingCaption() const;
+  [[nodiscard]] bool shortcutEnabled() const;
+  [[nodiscard]] QStringList shortcutChoices() const;
+  [[nodiscard]] int shortcutIndex() const;
+  [[nodiscard]] QString shortcutProblem() const;  ///< empty while there is none
+  [[nodiscard]] QString shortcutHint() const;
+
+  void setSoundsOn(bool on);
+  void setVolume(double volume);
+  void setForceSensing(bool on);
+  void setSensitivity(double sensitivity);
+  void setFixedTier(int tier);
+  void setReleaseSounds(bool on);
+  void setStereo(bool on);
+  void setQuietDuringCalls(bool on);
+  void setLaunchAtLogin(bool on);
+  void setShortcutEnabled(bool on);
+  void setShortcutIndex(int index);
+
+  Q_INVOKABLE void menuOpened();
+  Q_INVOKABLE void select(const QString& packID);
+  Q_INVOKABLE void preview();
+  Q_INVOKABLE void openSettings();
+  Q_INVOKABLE void relaunch();
+  Q_INVOKABLE void openPacksFolder();
+  Q_INVOKABLE void quit();
+
+ signals:
+  void statusChanged();
+  void permissionChanged();
+  void packsChanged();
+  void selectedPackChanged();
+  void packErrorChanged();
+  void settingsChanged();
+  void launchAtLoginChanged();
+  void lastForceChanged();
+  void shortcutChanged();
+
+ private:
+  /// Changes one setting: reads all, sets the field, writes all.
+  template <typename Field, typename Value>
+  void change(Field EngineSettings::*field, Value value);
+
+  AppModel& model_;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,83 @@
+// A row of choices of which exactly one is taken; arrow keys move between them.
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Tobrin
+
+FocusScope {
+    id: picker
+
+    property string label: ""
+    property var choices: []
+    property int current: 0
+    signal chosen(int index)
+
+    implicitWidth: row.implicitWidth
+    implicitHeight: row.implicitHeight
+    Accessible.role: Accessible.Grouping
+    Accessible.name: label
+
+    Rectangle {
+        anchors.fill: parent
+        radius: Theme.radius * 0.75
+        color: Theme.hover
+        border.color: Theme.outline
+    }
+    RowLayout {
+        id: row
+        anchors.fill: parent
+        spacing: 0
+
+        Repeater {
+            id: segments
+            model: picker.choices
+
+            T.RadioButton {
+                id: segment
+
+                required property int index
+                required property string modelData
+
+                Layout.fillWidth: true
+                Layout.preferredWidth: 1
+                implicitWidth: caption.implicitWidth + Theme.unit * 2
+                implicitHeight: caption.implicitHeight + Theme.unit * 3
+                focus: checked
+                focusPolicy: checked ? Qt.StrongFocus : Qt.ClickFocus
+                checked: index === picker.current
+                text: modelData
+                Accessible.name: picker.label + ": " + text
+                onClicked: picker.chosen(index)
+                Keys.onLeftPressed: picker.move(-1)
+                Keys.onRightPressed: picker.move(1)
+
+                background: Rectangle {
+                    anchors.fill: parent
+                    anchors.margins: 2
+                    radius: Theme.radius * 0.6
+                    color: segment.checked ? Theme.surface : "transparent"
+                    border.width: segment.checked ? 1 : 0
+                    border.color: Theme.outline
+                    FocusRing { control: segment; anchors.margins: 0; radius: parent.radius }
+                }
+                contentItem: PanelText {
+                    id: caption
+                    text: segment.text
+                    small: true
+                    font.weight: segment.checked ? Font.DemiBold : Font.Normal
+                    horizontalAlignment: Text.AlignHCenter
+                    verticalAlignment: Text.AlignVCenter
+                    Accessible.ignored: true
+                }
+            }
+        }
+    }
+
+    function move(step) {
+        const next = Math.max(0, Math.min(choices.length - 1, current + step));
+        if (next === current)
+            return;
+        chosen(next);
+        segments.itemAt(next).forceActiveFocus(Qt.TabFocusReason);
+    }
+}

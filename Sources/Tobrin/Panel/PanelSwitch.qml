@@ -1,0 +1,44 @@
+// An on-off switch with its label at the left and the switch at the right.
+import QtQuick
+import QtQuick.Templates as T
+import Tobrin
+
+T.Switch {
+    id: control
+
+    property bool labelHidden: false
+
+    implicitWidth: labelHidden ? indicator.implicitWidth : Math.max(label.implicitWidth + indicator.width + Theme.gap, 100)
+    implicitHeight: Math.max(label.implicitHeight, indicator.implicitHeight) + Theme.unit
+    Accessible.name: text
+
+    indicator: Rectangle {
+        implicitWidth: Math.round(Theme.textSize * 2.5)
+        implicitHeight: Math.round(Theme.textSize * 1.45)
+        x: control.width - width
+        y: (control.height - height) / 2
+        radius: height / 2
+        color: control.checked ? Theme.accent : Theme.control
+        Behavior on color { ColorAnimation { duration: 120 } }
+
+        Rectangle {
+            readonly property real inset: 2
+            x: control.checked ? parent.width - width - inset : inset
+            y: inset
+            width: parent.height - 2 * inset
+            height: width
+            radius: width / 2
+            color: "#ffffff"
+            Behavior on x { NumberAnimation { duration: 120; easing.type: Easing.OutCubic } }
+        }
+        FocusRing { control: control; radius: parent.radius + 3 }
+    }
+    contentItem: PanelText {
+        id: label
+        text: control.labelHidden ? "" : control.text
+        rightPadding: control.indicator.width + Theme.gap
+        verticalAlignment: Text.AlignVCenter
+        opacity: control.enabled ? 1 : 0.5
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,38 @@
+/// The panel in a window of its own: a pop-up beside the tray item that closes when it loses the
+/// focus, or an ordinary window. Thread: main.
+#pragma once
+
+#include <QQuickView>
+#include <functional>
+#include <memory>
+
+#include "Application/UserInterface.h"
+#include "Panel/PanelModel.h"
+
+namespace tobrin {
+
+class PanelWindow final : public QObject, public Panel {
+ public:
+  /// The model outlives the window. `onClosed` is called whenever the panel has closed.
+  PanelWindow(AppModel& model, std::function<void()> onClosed);
+  ~PanelWindow() override;
+
+  void open(const QPoint* anchor) override;
+  void close() override;
+  void setDark(bool dark) override;
+  [[nodiscard]] bool isOpen() const override;
+
+  /// The view itself, for pictures of it.
+  [[nodiscard]] QQuickView& view() { return *view_; }
+
+ private:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void fitToScreen(const QPoint* anchor);
+
+  std::unique_ptr<PanelModel> model_;  // before the view, which binds to it
+  std::unique_ptr<QQuickView> view_;
+  std::function<void()> onClosed_;
+  bool closesWithFocus_ = false;
+};
+
+}  // namespace tobrin

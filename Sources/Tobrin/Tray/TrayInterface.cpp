@@ -1,0 +1,149 @@
+#include "Tray/TrayInterface.h"
+
+#include <QActionGroup>
+#include <QApplication>
+#include <QCursor>
+#include <QIcon>
+
+#include "Application/Modules.h"
+#include "Model/AppModel.h"
+#include "Tray/SymbolPixmap.h"
+
+namespace tobrin {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto trayLookInterval = 500ms;
+constexpr int quickLooks = 20;  // for ten seconds after the start; then the window opens
+constexpr auto unloadAfter = 60s;
+
+QIcon symbolIcon(const QString& name, const QColor& color) {
+  QIcon icon;
+  for (const int pixels : {16, 22, 24, 32, 48, 64}) {
+    icon.addPixmap(symbolPixmap(":/Tray/" + name + ".svg", color, pixels));
+  }
+  return icon;
+}
+
+}  // namespace
+
+std::unique_ptr<QCoreApplication> TrayInterface::makeApplication(int& argc, char** argv) {
+  QGuiApplication::setDesktopFileName("app.tobrin.Tobrin");
+  QGuiApplication::setQuitOnLastWindowClosed(false);
+  auto application = std::make_unique<QApplication>(argc, argv);
+  QCoreApplication::setApplicationName("Tobrin");
+  return application;
+}
+
+void TrayInterface::start(AppModel& model) {
+  model_ = &model;
+  colors_ = std::make_unique<ColorScheme>();
+  unload_.setSingleShot(true);
+  connect(&unload_, &QTimer::timeout, this, &TrayInterface::panelMayBeUnloaded);
+  connect(&model, &AppModel::statusChanged, this, &TrayInterface::updateItem);
+  connect(colors_.get(), &ColorScheme::changed, this, &TrayInterface::applyColors);
+  lookForTray();
+}
+
+void TrayInterface::stop() {
+  unload_.stop();
+  panel_.reset();
+  item_.reset();
+  menu_.reset();
+}
+
+void TrayInterface::lookForTray() {
+  if (QSystemTrayIcon::isSystemTrayAvailable()) {
+    makeTrayItem();
+  } else if (++looksForTray_ < quickLooks) {
+    QTimer::singleShot(trayLookInterval, this, &TrayInterface::lookForTray);
+  } else {
+    showPanel();
+  }
+}
+
+void TrayInterface::makeTrayItem() {
+  menu_ = std::make_unique<QMenu>();
+  connect(menu_.get(), &QMenu::aboutToShow, this, &TrayInterface::fillMenu);
+  fillMenu();
+  item_ = std::make_unique<QSystemTrayIcon>();
+  item_->setContextMenu(menu_.get());
+  connect(item_.get(), &QSystemTrayIcon::activated, this,
+          [this](QSystemTrayIcon::ActivationReason reason) {
+            if (reason == QSystemTrayIcon::Trigger) togglePanel();
+          });
+  updateItem();
+  item_->show();
+}
+
+void TrayInterface::applyColors() {
+  if (panel_) panel_->setDark(colors_->isDark());
+  updateItem();
+}
+
+void TrayInterface::updateItem() {
+  if (!item_) return;
+  const bool playing = model_->gate().isPlaying();
+  const QColor ink = colors_->isDark() ? QColor("#f2f2f5") : QColor("#2b2b31");
+  item_->setIcon(symbolIcon(playing ? "keyboard-fill" : "keyboard", ink));
+  item_->setToolTip("Tobrin\n" + QString::fromStdString(model_->statusLine()));
+}
+
+void TrayInterface::fillMenu() {
+  menu_->clear();
+  QAction* sounds = menu_->addAction("Sounds");
+  sounds->setCheckable(true);
+  sounds->setChecked(model_->settings().enabled);
+  connect(sounds, &QAction::triggered, model_, &AppModel::toggleEnabled);
+  menu_->addSeparator();
+  auto* packs = new QActionGroup(menu_.get());
+  for (const PackInfo& pack : model_->packs()) {
+    QAction* choice = packs->addAction(menu_->addAction(QString::fromStdString(pack.name)));
+    choice->setCheckable(true);
+    choice->setChecked(pack.id == model_->selectedPackID());
+    connect(choice, &QAction::triggered, model_, [this, pack] { model_->select(pack); });
+  }
+  menu_->addSeparator();
+  connect(menu_->addAction("Open Tobrin"), &QAction::triggered, this, &TrayInterface::showPanel);
+  connect(menu_->addAction("Quit"), &QAction::triggered, model_, &AppModel::quit);
+}
+
+void TrayInterface::togglePanel() {
+  if (panel_ && panel_->isOpen()) {
+    panel_->close();
+  } else {
+    showPanel();
+  }
+}
+
+void TrayInterface::showPanel() {
+  Panel* shown = panel();
+  if (shown == nullptr) return;
+  if (!item_) return shown->open(nullptr);
+  // Many trays do not say where the item is; the pointer that clicked it is beside it.
+  const QRect place = item_->geometry();
+  const QPoint anchor = place.isValid() ? place.center() : QCursor::pos();
+  shown->open(&anchor);
+}
+
+Panel* TrayInterface::panel() {
+  unload_.stop();
+  if (panel_) return panel_.get();
+  using Make = Panel* (*)(AppModel&, std::function<void()> onClosed);
+  const auto make = reinterpret_cast<Make>(Modules::symbol("panel", "tobrinMakePanel"));
+  if (make == nullptr) return nullptr;
+  panel_.reset(make(*model_, [this] { unload_.start(unloadAfter); }));
+  panel_->setDark(colors_->isDark());
+  return panel_.get();
+}
+
+void TrayInterface::panelMayBeUnloaded() {
+  if (panel_ && !panel_->isOpen()) panel_.reset();
+}
+
+}  // namespace tobrin
+
+extern "C" tobrin::UserInterface* tobrinMakeUserInterface() {
+  return new tobrin::TrayInterface;
+}

@@ -1,0 +1,44 @@
+/// The tray item: its symbol follows the sound state, a left click opens the panel beside it, the
+/// menu has the switch, the packs and Quit. Without a tray on the desktop the panel opens as an
+/// ordinary window; a tray that appears later (at login, its host may be late) is taken.
+/// Thread: main.
+#pragma once
+
+#include <QMenu>
+#include <QObject>
+#include <QSystemTrayIcon>
+#include <QTimer>
+#include <memory>
+
+#include "Application/UserInterface.h"
+#include "Tray/ColorScheme.h"
+
+namespace tobrin {
+
+class TrayInterface final : public QObject, public UserInterface {
+ public:
+  std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) override;
+  void start(AppModel& model) override;
+  void showPanel() override;
+  void stop() override;
+
+ private:
+  void lookForTray();
+  void makeTrayItem();
+  void updateItem();
+  void applyColors();
+  void fillMenu();
+  void togglePanel();
+  Panel* panel();
+  void panelMayBeUnloaded();
+
+  AppModel* model_ = nullptr;  // set by start
+  std::unique_ptr<ColorScheme> colors_;
+  std::unique_ptr<QMenu> menu_;
+  std::unique_ptr<QSystemTrayIcon> item_;
+  std::unique_ptr<Panel> panel_;  // from its first opening until it has been closed for a while
+  QTimer unload_;
+  int looksForTray_ = 0;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,37 @@
+/// What the application asks of the desktop it runs in, besides keys, sound and shortcuts.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+namespace tobrin {
+
+/// Whether the program starts with the session. Thread: main.
+class LoginItem {
+ public:
+  virtual ~LoginItem() = default;
+  [[nodiscard]] virtual bool isEnabled() const = 0;
+  /// Returns why it failed, in words; empty on success.
+  virtual std::string setEnabled(bool on) = 0;
+};
+
+/// The session's notices and actions. Thread: main; the notices come on it too.
+class Workspace {
+ public:
+  virtual ~Workspace() = default;
+  /// Called after the machine woke from sleep.
+  virtual void setOnWake(std::function<void()> onWake) = 0;
+  /// Called when the session or the user ends the program.
+  virtual void setOnTerminate(std::function<void()> onTerminate) = 0;
+  /// Shows a folder in the file manager, making it if missing; returns why it failed.
+  virtual std::string openFolder(const std::filesystem::path& folder) = 0;
+  /// Offers the user the one-time grant of access to keys; returns why it failed.
+  virtual std::string openKeyAccessSettings() = 0;
+  /// Starts a new instance of the program, which waits for this one to end; returns why it failed.
+  virtual std::string relaunch() = 0;
+  /// Ends this instance.
+  virtual void terminate() = 0;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,26 @@
+/// Makes key events that reach every listener of the session, as if somebody typed. For checking
+/// the program's own ears.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "Engine/KeyEvent.h"
+
+namespace tobrin {
+
+class KeyTyper {
+ public:
+  virtual ~KeyTyper() = default;
+
+  /// Makes the typist ready; false leaves the reason in `problem`. Thread: main.
+  virtual bool open() = 0;
+
+  /// Presses or releases a key of the US layout by its virtual key code; false where it could not.
+  virtual bool send(uint16_t code, KeyAction action) = 0;
+
+  /// Why there are no synthetic keys here, in words.
+  [[nodiscard]] virtual std::string problem() const = 0;
+};
+
+}  // namespace tobrin

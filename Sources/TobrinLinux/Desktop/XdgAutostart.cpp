@@ -1,0 +1,63 @@
+#include "Desktop/XdgAutostart.h"
+
+#include <fstream>
+
+#include "Building/AtomicFile.h"
+
+namespace tobrin {
+namespace {
+
+/// An Exec value's argument, quoted as the desktop entry rules want it. The value is unescaped
+/// twice, once as a string and once as a command line.
+std::string quoted(const std::string& argument) {
+  std::string result = "\"";
+  for (const char c : argument) {
+    if (c == '"' || c == '`' || c == '$') result += "\\\\";
+    if (c == '\\') result += "\\\\\\";
+    if (c == '%') result += '%';
+    result += c;
+  }
+  return result + "\"";
+}
+
+}  // namespace
+
+XdgAutostart::XdgAutostart(const std::filesystem::path& configFolder, std::filesystem::path program)
+    : entry_(configFolder / "autostart" / "app.tobrin.Tobrin.desktop"),
+      program_(std::move(program)) {}
+
+bool XdgAutostart::isEnabled() const {
+  std::ifstream file(entry_);
+  bool startsTobrin = false;
+  for (std::string line; std::getline(file, line);) {
+    if (line == "Hidden=true" || line == "X-GNOME-Autostart-enabled=false") return false;
+    if (line.starts_with("Exec=")) startsTobrin = true;
+  }
+  return startsTobrin;
+}
+
+std::string XdgAutostart::setEnabled(bool on) {
+  std::error_code error;
+  if (!on) {
+    std::filesystem::remove(entry_, error);
+    return error ? entry_.string() + ": " + error.message() : "";
+  }
+  try {
+    std::filesystem::create_directories(entry_.parent_path());
+    writeFileAtomically(entry_,
+                        "[Desktop Entry]\n"
+                        "Type=Application\n"
+                        "Name=Tobrin\n"
+                        "Comment=Velocity-sensitive keyboard sounds\n"
+                        "Icon=app.tobrin.Tobrin\n"
+                        "Exec=" +
+                            quoted(program_.string()) +
+                            "\n"
+                            "Terminal=false\n");
+    return "";
+  } catch (const std::exception& problem) {
+    return problem.what();
+  }
+}
+
+}  // namespace tobrin
