@@ -5,10 +5,10 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <system_error>
 #include <thread>
 
 #include "Desktop/MakeKeySource.h"
@@ -49,7 +49,8 @@ class PartFile {
   std::ostream& stream() { return stream_; }
   void check() {
     if (!stream_.flush())
-      throw std::runtime_error("can't write " + part_.string() + ": " + std::strerror(errno));
+      throw std::runtime_error("can't write " + part_.string() + ": " +
+                               std::generic_category().message(errno));
   }
   void complete() {
     check();
@@ -97,8 +98,8 @@ void record(const fs::path& traceFile, const fs::path& keysFile, double seconds,
   PartFile trace(traceFile, MotionTrace::header);
   PartFile keys(keysFile, KeyTrace::header);
   streams.err << "Recording " << recorder.description() << "; Ctrl-C ends it.\n";
-  std::signal(SIGINT, endRecording);
-  std::signal(SIGTERM, endRecording);
+  (void)std::signal(SIGINT, endRecording);
+  (void)std::signal(SIGTERM, endRecording);
   Counts counts;
   const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
   while (!interrupted && std::chrono::steady_clock::now() < end) {

@@ -3,7 +3,7 @@
 
 #include "CommandLine.h"
 
-namespace CLI {
+namespace CLI {  // NOLINT(readability-identifier-naming): another library's name
 class App;
 }
 

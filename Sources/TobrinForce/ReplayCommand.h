@@ -7,7 +7,7 @@
 #include "CommandLine.h"
 #include "Force/ForceReplay.h"
 
-namespace CLI {
+namespace CLI {  // NOLINT(readability-identifier-naming): another library's name
 class App;
 }
 

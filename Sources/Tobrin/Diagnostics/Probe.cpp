@@ -4,10 +4,10 @@
 #include <array>
 #include <cerrno>
 #include <cmath>
-#include <cstring>
 #include <ctime>
 #include <fstream>
 #include <iostream>
+#include <system_error>
 #include <thread>
 
 #include "Engine/MachTime.h"
@@ -22,8 +22,8 @@ std::string timeStamp() {
   std::tm local{};
   localtime_r(&now, &local);
   std::array<char, 32> text{};
-  std::strftime(text.data(), text.size(), "%Y%m%d-%H%M%S", &local);
-  return text.data();
+  const std::size_t length = std::strftime(text.data(), text.size(), "%Y%m%d-%H%M%S", &local);
+  return {text.data(), length};
 }
 
 // Beside the fixed texts, for whoever sets the machine up.
@@ -142,7 +142,8 @@ bool Probe::save(const std::filesystem::path& file, const std::string& text) {
   stream << text;
   stream.close();
   if (stream) return true;
-  out_ << "Couldn't write " << file.string() << ": " << std::strerror(errno) << std::endl;
+  out_ << "Couldn't write " << file.string() << ": " << std::generic_category().message(errno)
+       << std::endl;
   return false;
 }
 

@@ -29,6 +29,7 @@ std::string fixed(float number, int decimals) {
 
 std::string offsets(const std::vector<Hit>& hits) {
   std::vector<double> values;
+  values.reserve(hits.size());
   for (const Hit& hit : hits)
     values.push_back(hit.offsetMs);
   const auto at = [&](double p) { return fixed(percentile(values, p), 1, Sign::always); };
@@ -80,6 +81,7 @@ int percentInWindow(const std::vector<Hit>& hits) {
 
 std::string report(const std::vector<Hit>& hits, const Summary& summary) {
   std::vector<float> peaks;
+  peaks.reserve(hits.size());
   for (const Hit& hit : hits)
     peaks.push_back(hit.peak);
   const double ratio = static_cast<double>(percentile(peaks, 0.5)) /

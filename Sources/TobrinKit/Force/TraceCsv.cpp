@@ -2,9 +2,9 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 #include <utility>
 
 namespace tobrin {
@@ -77,7 +77,8 @@ std::string TraceCsv::load(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
   std::string text{std::istreambuf_iterator<char>(stream), {}};
   if (!stream.is_open() || stream.bad())
-    throw TraceError(file.string() + ": " + std::strerror(errno != 0 ? errno : EIO));
+    throw TraceError(file.string() + ": " +
+                     std::generic_category().message(errno != 0 ? errno : EIO));
   return text;
 }
 

@@ -5,7 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
+#include <system_error>
 #include <utility>
 
 #include "Engine/MachTime.h"
@@ -43,7 +43,8 @@ std::optional<IioLayout> readLayout(const fs::path& folder) {
 }
 
 std::string cannotWrite(const fs::path& file, int error) {
-  std::string text = "cannot write " + file.string() + ": " + std::strerror(error);
+  std::string text =
+      "cannot write " + file.string() + ": " + std::generic_category().message(error);
   if (error == EBUSY) text += "; another program uses it";
   return text;
 }
@@ -159,7 +160,7 @@ void IioBufferReader::pass(std::size_t frames, uint64_t readTime, const MotionSo
 std::string IioBufferReader::description() const {
   if (!hz_) return device_.title();
   std::array<char, 32> rate{};
-  std::snprintf(rate.data(), rate.size(), ", %.0f Hz", *hz_);
+  (void)std::snprintf(rate.data(), rate.size(), ", %.0f Hz", *hz_);
   return device_.title() + rate.data();
 }
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
-#include <cstring>
+#include <system_error>
 #include <utility>
 
 #include "Engine/MachTime.h"
@@ -28,7 +28,7 @@ std::unique_ptr<IioPollReader> IioPollReader::prepare(const IioDevice& device,
   auto reader =
       std::unique_ptr<IioPollReader>(new IioPollReader(device, calibration, std::move(axes)));
   if (reader->readCounts()) return reader;
-  reason = "cannot read " + device.title() + ": " + std::strerror(errno);
+  reason = "cannot read " + device.title() + ": " + std::generic_category().message(errno);
   return nullptr;
 }
 

@@ -41,6 +41,7 @@ std::vector<std::string> ratesToTry(std::string_view available) {
       std::find_if(rates.begin(), rates.end(), [](const Rate& r) { return r.hz < wantedRate; });
   if (firstBelow != rates.begin()) rates.erase(rates.begin(), firstBelow - 1);
   std::vector<std::string> texts;
+  texts.reserve(rates.size());
   for (const Rate& rate : rates)
     texts.push_back(rate.text);
   return texts;

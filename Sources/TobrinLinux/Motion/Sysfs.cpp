@@ -7,9 +7,9 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 
 #include "Motion/FileDescriptor.h"
 
@@ -18,7 +18,7 @@ namespace tobrin {
 namespace fs = std::filesystem;
 
 std::string cannotOpen(const fs::path& path, int error) {
-  std::string text = "cannot open " + path.string() + ": " + std::strerror(error);
+  std::string text = "cannot open " + path.string() + ": " + std::generic_category().message(error);
   if (error == EBUSY) text += "; another program uses it";
   if (error == EACCES || error == EPERM) text += "; a udev rule has to allow it";
   return text;
