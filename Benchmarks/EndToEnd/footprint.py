@@ -9,8 +9,8 @@ import time
 from listening import Tobrin, find_sounds, press_keys, record
 
 STARTS = 7
-QUIET_SECONDS = 10
-PATIENCE_SECONDS = 30
+QUIET_SECONDS = 20
+SETTLING_SECONDS = 15  # what is prepared after the start is done by then
 
 
 def resident_mib(pid):
@@ -36,7 +36,7 @@ def report_memory(report, program, packs):
         with Tobrin(program, packs) as tobrin:
             os.environ.update(kept)
             tobrin.wait_for("status:")
-            tobrin.quiet_for(1.5)
+            time.sleep(SETTLING_SECONDS)
             report.under(f"resident memory, {where}", resident_mib(tobrin.process.pid), "MiB", limit)
             tobrin.stop(signal.SIGTERM)
 
@@ -45,7 +45,7 @@ def report_wakeups(report, program, packs):
     """Switched off it is suspended at once; left alone it is after three minutes."""
     with Tobrin(program, packs, enabled=False) as tobrin:
         tobrin.wait_for("status:")
-        tobrin.quiet_for(2.0)
+        time.sleep(SETTLING_SECONDS)
         before = context_switches(tobrin.process.pid)
         time.sleep(QUIET_SECONDS)
         woken = context_switches(tobrin.process.pid) - before

@@ -32,12 +32,17 @@ class TypingTest(unittest.TestCase):
             recorder.quiet_for(0.5)
             self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
         start = keys[0].ns - 100_000_000
-        sounds = [sound for sound in find_sounds(self.wav) if sound.ns > start]
-        return match([key for key in keys if key.down == down], sounds, window_ms=WINDOW_MS)
+        self.sounds = [sound for sound in find_sounds(self.wav) if sound.ns > start]
+        return match([key for key in keys if key.down == down], self.sounds, window_ms=WINDOW_MS)
+
+    def around(self, silent):
+        """The sounds near a key that seems to have none, in ms after it."""
+        return [round((sound.ns - silent.press_ns) / 1e6, 1) for sound in self.sounds
+                if abs(sound.ns - silent.press_ns) < 500_000_000]
 
     def assert_all_heard(self, matches):
-        silent = [index for index, each in enumerate(matches) if each.latency_ms is None]
-        self.assertEqual(silent, [], figures(matches))
+        silent = [each for each in matches if each.latency_ms is None]
+        self.assertEqual(silent, [], f"{figures(matches)}, sounds around: {[self.around(each) for each in silent]}")
         self.assertGreater(min(each.peak_db for each in matches), -50)
 
     def test_every_press_is_heard(self):
