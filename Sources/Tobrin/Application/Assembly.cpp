@@ -5,6 +5,7 @@
 #include "Application/TimelyThread.h"
 #include "Desktop/MakeAudioDevice.h"
 #include "Desktop/MakeKeySource.h"
+#include "Desktop/MakeMicSource.h"
 #include "Desktop/XdgFolders.h"
 #include "Motion/FindMotionSource.h"
 #include "Packs/PackLibrary.h"
@@ -20,14 +21,6 @@ std::filesystem::path thisProgram() {
   return std::filesystem::read_symlink("/proc/self/exe", error);
 }
 
-/// Until the sound server is asked, nobody records.
-class NoMicSource final : public MicSource {
- public:
-  void start(std::function<void()>) override {}
-  void stop() override {}
-  MicActivity read() override { return {}; }
-};
-
 std::shared_ptr<const LoadedPack> loadPack(const PackInfo& info) {
   return LoadedPack::load(info, AudioOutput::sampleRate);
 }
@@ -42,6 +35,8 @@ Assembly::Assembly()
       loader_("app.tobrin.load"),
       conductorQueue_(Conductor::queueName, requestRealtimeScheduling),
       micQueue_(MicMonitor::queueName) {
+  // One connection's loop serves output and microphone watch.
+  const auto soundServer = makePipeWireLoop();
   model_ = std::make_unique<AppModel>(AppServices{
       .main = main_,
       .loader = loader_,
@@ -50,11 +45,11 @@ Assembly::Assembly()
       .settings = settings_,
       .loginItem = loginItem_,
       .workspace = workspace_,
-      .audioDevice = makeAudioDevice(makePipeWireLoop(), requestRealtimeScheduling),
+      .audioDevice = makeAudioDevice(soundServer, requestRealtimeScheduling),
       .motionSource = findMotionSource(),
       .keySource = makeKeySource(),
       .shortcutService = std::make_unique<DesktopShortcuts>(),
-      .micSource = std::make_unique<NoMicSource>(),
+      .micSource = makeMicSource(soundServer),
       .onThreadStart = prepareTimelyThread,
       .discoverPacks = [] { return PackLibrary::discover(); },
       .loadPack = loadPack,

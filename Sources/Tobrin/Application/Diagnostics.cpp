@@ -8,6 +8,9 @@
 #include "Desktop/MakeAudioDevice.h"
 #include "Desktop/MakeKeySource.h"
 #include "Desktop/MakeKeyTyper.h"
+#include "Desktop/MakeMicSource.h"
+#include "Desktop/ProcessName.h"
+#include "Diagnostics/MicWatch.h"
 #include "Diagnostics/Probe.h"
 #include "Diagnostics/SelfTest.h"
 #include "Engine/Conductor.h"
@@ -33,6 +36,15 @@ int Diagnostics::probe(double seconds) {
                     : nullptr;
   return probe::Probe({std::move(sensor), listen}, std::cout, std::filesystem::current_path())
       .run(seconds);
+}
+
+int Diagnostics::micWatch(double seconds) {
+  AsioQueue queue(MicMonitor::queueName);
+  AsioQueue main("app.tobrin.main");
+  MicMonitor monitor(queue, main, makeMicSource(makePipeWireLoop()));
+  auto surroundings = MicWatch::realTime();
+  surroundings.processName = processName;
+  return MicWatch(monitor, main, std::cout, std::move(surroundings)).run(seconds);
 }
 
 int Diagnostics::selfTest() {

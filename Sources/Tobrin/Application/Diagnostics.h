@@ -7,6 +7,7 @@ namespace tobrin {
 struct Diagnostics {
   static int probe(double seconds);
   static int selfTest();
+  static int micWatch(double seconds);
 };
 
 }  // namespace tobrin

@@ -11,6 +11,7 @@ namespace tobrin {
 namespace {
 
 constexpr double probeSeconds = 20;
+constexpr double micWatchSeconds = 60;
 
 std::optional<std::string> argument(const std::vector<std::string>& arguments, std::size_t index) {
   if (index >= arguments.size()) return std::nullopt;
@@ -30,6 +31,9 @@ std::optional<int> CLI::run(const std::vector<std::string>& arguments) {
   if (first == "--help" || first == "-h") return printLine(usage());
   if (first == "--probe") {
     return Diagnostics::probe(seconds(argument(arguments, 1), probeSeconds));
+  }
+  if (first == "--micwatch") {
+    return Diagnostics::micWatch(seconds(argument(arguments, 1), micWatchSeconds));
   }
   if (first == "--selftest") return Diagnostics::selfTest();
   return std::nullopt;

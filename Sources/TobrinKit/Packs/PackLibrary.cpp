@@ -26,8 +26,11 @@ std::optional<fs::path> absolutePath(const Environment& environment, const char*
 
 fs::path homeFolder(const Environment& environment) {
   if (auto home = absolutePath(environment, "HOME")) return *std::move(home);
-  if (const passwd* const user = getpwuid(getuid()); user != nullptr && user->pw_dir != nullptr)
-    return user->pw_dir;
+  passwd user{};
+  passwd* found = nullptr;
+  std::vector<char> strings(16384);
+  getpwuid_r(getuid(), &user, strings.data(), strings.size(), &found);
+  if (found != nullptr && found->pw_dir != nullptr) return found->pw_dir;
   throw std::runtime_error("the system knows no home folder of this user");
 }
 
@@ -66,7 +69,7 @@ std::vector<fs::path> visibleEntries(const fs::path& folder) {
 }  // namespace
 
 std::optional<std::string> PackLibrary::processEnvironment(const char* name) {
-  const char* const value = std::getenv(name);
+  const char* const value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): never written to
   return value == nullptr ? std::nullopt : std::optional<std::string>(value);
 }
 

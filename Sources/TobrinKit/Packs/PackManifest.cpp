@@ -104,7 +104,7 @@ PackManifest::Group groupValue(const Json& value, const std::string& path) {
   const std::string downPath = path + ".down";
   const Json& down = objectValue(required(object, path + ".", "down"), downPath);
   for (const auto& [tierName, paths] : down.items())
-    group.down[tierName] = pathList(paths, downPath + "." + tierName);
+    group.down[tierName] = pathList(paths, std::string(downPath).append(".").append(tierName));
   if (const auto up = object.find("up"); up != object.end() && !up->is_null())
     group.up = pathList(*up, path + ".up");
   return group;

@@ -15,7 +15,7 @@ namespace {
 /// A broken promise of the caller that would corrupt memory later on.
 void demand(bool holds, const char* promise) {
   if (holds) return;
-  std::fprintf(stderr, "Tobrin: broken promise: %s\n", promise);
+  (void)std::fprintf(stderr, "Tobrin: broken promise: %s\n", promise);
   std::abort();
 }
 

@@ -8,6 +8,7 @@
 #include "Desktop/FallbackAudioDevice.h"
 #include "PipeWire/PipeWireLoop.h"
 #include "PipeWire/PipeWireOutput.h"
+#include "Threads/RealtimeScheduling.h"
 
 namespace tobrin {
 
@@ -26,10 +27,9 @@ std::shared_ptr<PipeWireLoop> makePipeWireLoop() {
   }
 }
 
-std::unique_ptr<AudioDevice> makeAudioDevice(std::shared_ptr<PipeWireLoop> loop,
-                                             std::function<void()> onThreadStart) {
-  const auto makeAlsa = [onStart = std::move(onThreadStart)]() -> std::unique_ptr<AudioDevice> {
-    return std::make_unique<AlsaOutput>(alsaDevice, onStart);
+std::unique_ptr<AudioDevice> makeAudioDevice(std::shared_ptr<PipeWireLoop> loop) {
+  const auto makeAlsa = []() -> std::unique_ptr<AudioDevice> {
+    return std::make_unique<AlsaOutput>(alsaDevice, requestRealtimeScheduling);
   };
   if (loop == nullptr) return makeAlsa();
   auto server = std::make_unique<PipeWireOutput>(std::move(loop));

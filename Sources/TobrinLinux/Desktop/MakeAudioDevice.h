@@ -1,7 +1,6 @@
 /// The audio output for the sound system that this desktop has.
 #pragma once
 
-#include <functional>
 #include <memory>
 
 #include "Engine/AudioDevice.h"
@@ -14,9 +13,7 @@ class PipeWireLoop;
 /// library cannot be used.
 std::shared_ptr<PipeWireLoop> makePipeWireLoop();
 
-/// PipeWire, and ALSA while no PipeWire server has answered yet. `loop` may be null. ALSA's thread
-/// runs `onThreadStart` first, to ask for real-time scheduling.
-std::unique_ptr<AudioDevice> makeAudioDevice(std::shared_ptr<PipeWireLoop> loop,
-                                             std::function<void()> onThreadStart = nullptr);
+/// PipeWire, and ALSA while no PipeWire server has answered yet. `loop` may be null.
+std::unique_ptr<AudioDevice> makeAudioDevice(std::shared_ptr<PipeWireLoop> loop);
 
 }  // namespace tobrin

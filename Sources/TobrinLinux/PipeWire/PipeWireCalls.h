@@ -19,6 +19,25 @@ inline void addListener(pw_registry* registry, spa_hook& hook, const pw_registry
   pw_registry_add_listener(registry, &hook, &events, data);
 }
 
+inline void addListener(pw_node* node, spa_hook& hook, const pw_node_events& events, void* data) {
+  pw_node_add_listener(node, &hook, &events, data);
+}
+
+inline void addListener(pw_client* client, spa_hook& hook, const pw_client_events& events,
+                        void* data) {
+  pw_client_add_listener(client, &hook, &events, data);
+}
+
+inline void addListener(pw_metadata* metadata, spa_hook& hook, const pw_metadata_events& events,
+                        void* data) {
+  pw_metadata_add_listener(metadata, &hook, &events, data);
+}
+
+/// Null where the object is gone or not to be had.
+inline pw_proxy* bind(pw_registry* registry, uint32_t id, const char* type, uint32_t version) {
+  return static_cast<pw_proxy*>(pw_registry_bind(registry, id, type, version, 0));
+}
+
 inline pw_registry* getRegistry(pw_core* core) {
   return pw_core_get_registry(core, PW_VERSION_REGISTRY, 0);
 }

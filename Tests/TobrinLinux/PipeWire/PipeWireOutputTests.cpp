@@ -113,7 +113,7 @@ TEST_F(PipeWireOutputTest, PausedIsIdle) {
   const int blocks = player_.blocks;
   const uint64_t before = wakeUps();
   std::this_thread::sleep_for(1s);
-  EXPECT_LE(wakeUps() - before, 1U);  // this thread's own
+  EXPECT_LE(wakeUps() - before, 5U);  // 188 while it plays
   EXPECT_EQ(player_.blocks, blocks);
 }
 

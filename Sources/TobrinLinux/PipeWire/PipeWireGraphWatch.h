@@ -1,0 +1,54 @@
+/// Follows the sound server's nodes, links and default source over one connection, as far as the
+/// microphone watch needs them. Thread: the loop's, or any that holds its lock.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+
+#include "PipeWire/CaptureGraph.h"
+
+struct pw_core;
+struct spa_dict;
+
+namespace tobrin {
+
+class PipeWireGraphWatch final {
+ public:
+  /// `updated` is called after each change, on the loop thread; it must not destroy the watch.
+  PipeWireGraphWatch(pw_core* core, std::function<void()> updated);
+  ~PipeWireGraphWatch();
+  PipeWireGraphWatch(const PipeWireGraphWatch&) = delete;
+  PipeWireGraphWatch& operator=(const PipeWireGraphWatch&) = delete;
+
+  [[nodiscard]] const CaptureGraph& graph() const { return graph_; }
+
+  /// Whether everything that was there at the start is known.
+  [[nodiscard]] bool isSettled() const { return isSettled_; }
+
+ private:
+  class Registry;
+  class BoundObject;
+  class BoundNode;
+  class BoundClient;
+  class BoundMetadata;
+
+  void added(uint32_t id, const char* type, const spa_dict* properties);
+  void removed(uint32_t id);
+  void answered(int sequence);
+  void addNode(uint32_t id, const spa_dict& properties);
+  void addLink(uint32_t id, const spa_dict& properties);
+  void bindNodeIfNeeded(uint32_t id);
+
+  pw_core* const core_;
+  const std::function<void()> updated_;
+  CaptureGraph graph_;
+  std::map<uint32_t, std::unique_ptr<BoundObject>> bound_;
+  std::unique_ptr<Registry> registry_;
+  int awaited_ = 0;             // number of the answer under way
+  bool hasAskedSince_ = false;  // for more than that answer covers
+  bool isSettled_ = false;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,118 @@
+#include "Mic/MicMonitor.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "Engine/MachTime.h"
+#include "Engine/VirtualQueue.h"
+#include "Support/ScriptedMicSource.h"
+
+namespace tobrin {
+namespace {
+
+using testing::MicState;
+using testing::ScriptedMicSource;
+
+class MicMonitorTest : public ::testing::Test {
+ protected:
+  MicMonitorTest() {
+    monitor_.setOnChange([this](bool inUse) { reports_.push_back(inUse); });
+  }
+
+  /// So many milliseconds pass, then these processes record.
+  void recordAt(double ms, std::vector<int32_t> processes) {
+    pass(ms);
+    mic_->activity.recordingProcesses = std::move(processes);
+    if (mic_->changed) mic_->changed();
+    pass(0);
+  }
+
+  void pass(double ms) {
+    queue_.runUntil(queue_.now() + MachTime::ticks(ms));
+    main_.runUntil(queue_.now());
+  }
+
+  VirtualQueue queue_{MicMonitor::queueName};
+  VirtualQueue main_{"main"};
+  std::shared_ptr<MicState> mic_ = std::make_shared<MicState>();
+  std::vector<bool> reports_;
+  MicMonitor monitor_{queue_, main_, std::make_unique<ScriptedMicSource>(mic_)};
+};
+
+using Reports = std::vector<bool>;
+
+TEST_F(MicMonitorTest, ReportsUseAtOnceAndReleaseAfterASecond) {
+  monitor_.start();
+  monitor_.start();
+  pass(0);
+  EXPECT_EQ(reports_, (Reports{false}));  // the present state, once
+  EXPECT_EQ(mic_->starts, 1);
+  recordAt(10, {99});
+  EXPECT_EQ(reports_, (Reports{false, true}));
+
+  recordAt(100, {});
+  recordAt(500, {99});  // half a second free is no release
+  pass(5000);
+  EXPECT_EQ(reports_, (Reports{false, true}));
+
+  recordAt(0, {});
+  recordAt(400, {});  // another notice does not put the release off
+  pass(599);
+  EXPECT_EQ(reports_, (Reports{false, true}));
+  pass(1);
+  EXPECT_EQ(reports_, (Reports{false, true, false}));
+}
+
+TEST_F(MicMonitorTest, ReadsAgainBeforeItReleases) {
+  mic_->activity.recordingProcesses = {99};
+  monitor_.start();
+  pass(0);
+  EXPECT_EQ(reports_, (Reports{true, true}));  // found in use, and the state at the start
+  recordAt(0, {});
+  mic_->activity.recordingProcesses = {99};  // its notice is still under way
+  pass(2000);
+  EXPECT_EQ(reports_, (Reports{true, true}));
+  recordAt(0, {});
+  pass(1000);
+  EXPECT_EQ(reports_, (Reports{true, true, false}));
+}
+
+TEST_F(MicMonitorTest, StopsWithoutAReport) {
+  monitor_.start();
+  recordAt(0, {99});
+  recordAt(0, {});
+  monitor_.stop();
+  pass(5000);
+  EXPECT_EQ(reports_, (Reports{false, true}));
+  EXPECT_FALSE(mic_->changed);
+  mic_->activity.recordingProcesses = {99};
+  monitor_.refresh();  // nothing to a stopped monitor
+  pass(0);
+  EXPECT_EQ(reports_, (Reports{false, true}));
+  EXPECT_EQ(monitor_.current().recordingProcesses, mic_->activity.recordingProcesses);
+}
+
+TEST(MicActivity, TrustsARunningDeviceOnlyWhereItDoesNotPlay) {
+  struct Row {
+    const char* label;
+    MicActivity activity;
+    bool inUse;
+  };
+  const Row rows[] = {
+      {"nothing", {}, false},
+      {"running", {"Mic", true, false, std::nullopt}, true},
+      {"headset playing", {"Headset", true, true, std::nullopt}, false},
+      {"headset playing, processes known", {"Headset", true, true, {{}}}, false},
+      {"headset recording", {"Headset", true, true, {{99}}}, true},
+      {"another device recording", {"Mic", false, false, {{99}}}, true},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(row.activity.micInUse(), row.inUse) << row.label;
+  }
+}
+
+}  // namespace
+}  // namespace tobrin
