@@ -28,7 +28,7 @@ std::vector<float> noise(std::size_t frames) {
 }
 
 /// Start commands of voices that each end within block `lifeBlocks`. Layers lie `apart` frames from
-/// each other in the noise, going round where it ends.
+/// each other in the noise, going round where it ends, and all alike in their cache lines.
 std::vector<TBCommand> voicesOf(const std::vector<float>& sound, uint32_t voices, uint32_t layers,
                                 std::size_t apart) {
   std::mt19937 generator(5);
@@ -44,7 +44,7 @@ std::vector<TBCommand> voicesOf(const std::vector<float>& sound, uint32_t voices
     const auto frames = static_cast<uint32_t>((lifeBlocks - 0.5F) * blockFrames * command.rate);
     for (uint32_t n = 0; n < layers; ++n) {
       const auto place = [&] {
-        offset = (offset + apart) % (sound.size() - frames);
+        offset = (offset + apart) % ((sound.size() - frames) / 16 * 16);
         return sound.data() + offset;
       };
       command.layers[n] = {place(), place(), frames};
@@ -102,7 +102,7 @@ constexpr std::size_t cachedFrames = 60'000;
 
 void crowdedBlock(Report& report) {
   const std::vector<float> sound = noise(cachedFrames);
-  const std::vector<TBCommand> voices = voicesOf(sound, 32, 4, 997);
+  const std::vector<TBCommand> voices = voicesOf(sound, 32, 4, 1008);
   const MixerHandle mixer = makeMixer();
   ScalarMixer scalar;
   OpenAlMixer openAl(voices);
@@ -115,7 +115,7 @@ void crowdedBlock(Report& report) {
 
 void fewVoices(Report& report) {
   const std::vector<float> sound = noise(cachedFrames);
-  const std::vector<TBCommand> voices = voicesOf(sound, 8, 2, 997);
+  const std::vector<TBCommand> voices = voicesOf(sound, 8, 2, 1008);
   const MixerHandle mixer = makeMixer();
   ScalarMixer scalar;
   const auto times =
@@ -126,7 +126,7 @@ void fewVoices(Report& report) {
 
 void samplesOutOfCache(Report& report) {
   const std::vector<float> sound = noise(32'000'000);
-  const std::vector<TBCommand> voices = voicesOf(sound, 32, 4, 124'003);
+  const std::vector<TBCommand> voices = voicesOf(sound, 32, 4, 124'000);
   const MixerHandle mixer = makeMixer();
   ScalarMixer scalar;
   const auto times =

@@ -52,20 +52,24 @@ class NearRates {
     const int32_t drift = path.rate - static_cast<int32_t>(oneFrame);
     laneDrift_ = hn::Mul(hn::ConvertTo(d, hn::Mul(hn::Iota(di, 0), hn::Set(di, drift))),
                          hn::Set(d, frameFraction));
-    // The whole drift within a stretch stays under 2^6 frames.
-    const auto first = hn::Set(di, path.fraction);
-    const auto vectorDrift = hn::Set(di, drift * lanes);
+    // One vector's place after another, as many at a time as fit a vector. The whole drift within
+    // a stretch stays under 2^6 frames.
+    const auto wholeMask = hn::Set(di, static_cast<int32_t>(oneFrame - 1));
     const auto below = hn::Set(d, faster_ ? 1.0F : 0.0F);
-    const int32_t before = faster_ ? 0 : 1;
-    for (int32_t v = 0; v * lanes < static_cast<int32_t>(frames); v += lanes) {
-      const auto vector = hn::Iota(di, v);
-      const auto place = hn::Add(first, hn::Mul(vector, vectorDrift));
+    const int32_t vectorDrift = drift * lanes;
+    auto place =
+        hn::Add(hn::Set(di, path.fraction), hn::Mul(hn::Iota(di, 0), hn::Set(di, vectorDrift)));
+    auto index =
+        hn::Sub(hn::Mul(hn::Iota(di, 0), hn::Set(di, lanes)), hn::Set(di, faster_ ? 0 : 1));
+    const auto nextPlace = hn::Set(di, vectorDrift * lanes);
+    const auto nextIndex = hn::Set(di, lanes * lanes);
+    for (size_t v = 0; v * hn::Lanes(d) < frames; v += hn::Lanes(d)) {
       const auto whole = hn::ShiftRight<MixerVoice::fractionBits>(place);
-      const auto part = hn::And(place, hn::Set(di, static_cast<int32_t>(oneFrame - 1)));
-      const auto index = hn::Add(whole, hn::Mul(vector, hn::Set(di, lanes)));
-      hn::Store(hn::Sub(index, hn::Set(di, before)), di, starts_.data() + v);
-      hn::Store(hn::Sub(hn::Mul(hn::ConvertTo(d, part), hn::Set(d, frameFraction)), below), d,
-                offsets_.data() + v);
+      const auto part = hn::ConvertTo(d, hn::And(place, wholeMask));
+      hn::Store(hn::Add(index, whole), di, starts_.data() + v);
+      hn::Store(hn::Sub(hn::Mul(part, hn::Set(d, frameFraction)), below), d, offsets_.data() + v);
+      place = hn::Add(place, nextPlace);
+      index = hn::Add(index, nextIndex);
     }
   }
 
@@ -85,7 +89,7 @@ class NearRates {
     const float* from = line + start_;
     const auto middle = hn::LoadU(d, from + 1);
     return {.here = hn::IfThenElse(early_, hn::LoadU(d, from), middle),
-            .next = hn::IfThenElse(early_, middle, hn::LoadU(d, from + 2))};
+            .next = hn::IfThenElse(hn::Not(early_), hn::LoadU(d, from + 2), middle)};
   }
 
  private:
@@ -140,6 +144,11 @@ HWY_INLINE Floats interpolated(const Reader& reader, const float* line) {
   const Neighbours samples = reader.read(line);
   const auto slope = hn::Sub(samples.next, samples.here);
   return hn::Add(samples.here, hn::Mul(reader.fraction(), slope));
+}
+
+HWY_INLINE void accumulate(float* mix, Floats added) {
+  const FloatTag d;
+  hn::StoreU(hn::Add(hn::LoadU(d, mix), added), d, mix);
 }
 
 }  // namespace tobrin::HWY_NAMESPACE

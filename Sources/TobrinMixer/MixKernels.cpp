@@ -6,30 +6,27 @@
 // Comes after foreach_target.h, which sets what they compile to.
 #include "Interpolation-inl.h"
 #include "LineSum-inl.h"
+#include "WindowMix-inl.h"
 #include "hwy/highway.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace tobrin::HWY_NAMESPACE {
 namespace {
 
-struct StretchPlace {
-  const VoiceStretch& stretch;
-  MixScratch& scratch;
-  uint32_t offset;
-};
-
-HWY_INLINE void accumulate(float* mix, Floats added) {
-  const FloatTag d;
-  hn::StoreU(hn::Add(hn::LoadU(d, mix), added), d, mix);
+// `first`, `first + 1` and so on, one a lane.
+HWY_INLINE Floats frameNumbers(uint32_t first) {
+  const IntTag di;
+  return hn::ConvertTo(FloatTag(),
+                       hn::Add(hn::Iota(di, 0), hn::Set(di, static_cast<int32_t>(first))));
 }
 
-// Adds the lines to the mix; `shape` maps one vector of each line to one of each channel, and the
-// vector's frames are counted for ramps.
+// Calls `addVector(reader, frame, heard)` for every vector of the stretch; `heard` silences the
+// lanes past the stretch's end.
 template <typename Reader, typename AddVector>
 void forEachVector(const VoiceStretch& stretch, AddVector addVector) {
   const FloatTag d;
   const size_t lanes = hn::Lanes(d);
-  Reader reader({.fraction = static_cast<int32_t>(stretch.position & (MixerVoice::one - 1)),
+  Reader reader({.fraction = static_cast<int32_t>(stretch.fraction),
                  .rate = static_cast<int32_t>(stretch.rate)},
                 stretch.frames);
   size_t vector = 0;
@@ -55,20 +52,18 @@ HWY_INLINE Floats lineValue(const Reader& reader, const float* line, const float
 }
 
 template <typename Reader, bool ramping>
-void addLines(const StretchPlace& place, uint32_t channels) {
+void addLinesWith(const StretchWork& work, MixBuffer& mix, uint32_t channels) {
   const FloatTag d;
-  const VoiceStretch& stretch = place.stretch;
-  const std::array<const float*, 2> lines{place.scratch.lines[0].data() + MixScratch::front,
-                                          place.scratch.lines[1].data() + MixScratch::front};
-  const std::array<const float*, 2> steps{place.scratch.steps[0].data() + MixScratch::front,
-                                          place.scratch.steps[1].data() + MixScratch::front};
-  float* left = place.scratch.mix[0].data() + place.offset;
-  float* right = place.scratch.mix[1].data() + place.offset;
+  const VoiceStretch& stretch = work.stretch;
+  constexpr size_t first = StretchWork::front;
+  const std::array<const float*, 2> lines{work.sums[0].data() + first, work.sums[1].data() + first};
+  const std::array<const float*, 2> steps{work.steps[0].data() + first,
+                                          work.steps[1].data() + first};
+  float* left = mix[0].data() + stretch.offset;
+  float* right = mix[1].data() + stretch.offset;
   const auto value = [&](const Reader& reader, size_t line, size_t frame) HWY_ATTR {
     const auto rampFrame =
-        ramping
-            ? hn::ConvertTo(d, hn::Iota(IntTag(), static_cast<int32_t>(stretch.rampFrame + frame)))
-            : hn::Zero(d);
+        ramping ? frameNumbers(stretch.rampFrame + static_cast<uint32_t>(frame)) : hn::Zero(d);
     return lineValue<ramping>(reader, lines[line], steps[line], rampFrame);
   };
   if (channels == 1) {
@@ -91,31 +86,30 @@ void addLines(const StretchPlace& place, uint32_t channels) {
   }
 }
 
-void formLines(const VoiceStretch& stretch, MixScratch& scratch) {
-  const uint64_t first = stretch.position >> MixerVoice::fractionBits;
+void formLines(StretchWork& work) noexcept {
+  const VoiceStretch& stretch = work.stretch;
+  work.windowed = suitsWindows(stretch);
+  if (work.windowed) return;
   const uint64_t last =
-      (stretch.position + (stretch.frames - 1) * stretch.rate) >> MixerVoice::fractionBits;
-  const auto frames = static_cast<size_t>(last - first + 2);
+      (stretch.fraction + (stretch.frames - 1) * stretch.rate) >> MixerVoice::fractionBits;
+  const auto frames = static_cast<size_t>(last + 2);
   for (uint32_t n = 0; n < stretch.lineCount; ++n) {
-    sumLine(weightedSet(stretch.lines[n], first, [](const LineSource& s) { return s.gain; }),
-            frames, scratch.lines[n].data() + MixScratch::front);
-    if (!stretch.ramping) continue;
-    sumLine(weightedSet(stretch.lines[n], first, [](const LineSource& s) { return s.step; }),
-            frames, scratch.steps[n].data() + MixScratch::front);
+    const Line& line = stretch.lines[n];
+    sumLine(line, &LineSource::gain, frames, work.sums[n].data() + StretchWork::front);
+    if (stretch.ramping)
+      sumLine(line, &LineSource::step, frames, work.steps[n].data() + StretchWork::front);
   }
 }
 
-void addStretch(const VoiceStretch& stretch, MixScratch& scratch, uint32_t channels,
-                uint32_t offset) noexcept {
-  if (stretch.frames == 0) return;
-  formLines(stretch, scratch);
-  const StretchPlace place{.stretch = stretch, .scratch = scratch, .offset = offset};
+void addLines(const StretchWork& work, MixBuffer& mix, uint32_t channels) noexcept {
+  const VoiceStretch& stretch = work.stretch;
+  if (work.windowed) return addWindows(stretch, mix, channels);
   if (NearRates::suits(static_cast<int64_t>(stretch.rate))) {
-    stretch.ramping ? addLines<NearRates, true>(place, channels)
-                    : addLines<NearRates, false>(place, channels);
+    stretch.ramping ? addLinesWith<NearRates, true>(work, mix, channels)
+                    : addLinesWith<NearRates, false>(work, mix, channels);
   } else {
-    stretch.ramping ? addLines<AnyRate, true>(place, channels)
-                    : addLines<AnyRate, false>(place, channels);
+    stretch.ramping ? addLinesWith<AnyRate, true>(work, mix, channels)
+                    : addLinesWith<AnyRate, false>(work, mix, channels);
   }
 }
 
@@ -137,28 +131,35 @@ HWY_INLINE Floats finished(Floats sample, Floats gain) {
   return HWY_LIKELY(hn::AllTrue(d, quiet)) ? loud : softLimited(loud);
 }
 
-void finish(const float* mix, float* output, uint32_t frames, const MasterRamp& ramp,
-            uint32_t firstFrame) noexcept {
+// Calls `gain(frame)` for the gains of a vector of frames.
+template <typename Gain>
+HWY_INLINE void finishWith(const float* mix, float* output, uint32_t frames, Gain gain) {
   const FloatTag d;
-  const size_t lanes = hn::Lanes(d);
-  const auto start = hn::Set(d, ramp.start);
-  const auto step = hn::Set(d, ramp.step);
-  const auto vector = [&](size_t frame) HWY_ATTR {
-    const auto count =
-        hn::ConvertTo(d, hn::Iota(IntTag(), static_cast<int32_t>(firstFrame + frame + 1)));
-    return finished(hn::Load(d, mix + frame), hn::Add(start, hn::Mul(step, count)));
-  };
-  size_t frame = 0;
+  const auto lanes = static_cast<uint32_t>(hn::Lanes(d));
+  uint32_t frame = 0;
   for (; frame + lanes <= frames; frame += lanes)
-    hn::StoreU(vector(frame), d, output + frame);
+    hn::StoreU(finished(hn::Load(d, mix + frame), gain(frame)), d, output + frame);
   if (frame == frames) return;
   alignas(64) std::array<float, HWY_MAX_BYTES / sizeof(float)> rest;
-  hn::Store(vector(frame), d, rest.data());
+  hn::Store(finished(hn::Load(d, mix + frame), gain(frame)), d, rest.data());
   std::copy_n(rest.data(), frames - frame, output + frame);
 }
 
+void finish(const float* mix, float* output, uint32_t frames, const MasterRamp& ramp) noexcept {
+  const FloatTag d;
+  const auto start = hn::Set(d, ramp.start);
+  const auto step = hn::Set(d, ramp.step);
+  if (ramp.step == 0) {
+    finishWith(mix, output, frames, [start](uint32_t) HWY_ATTR { return start; });
+  } else {
+    finishWith(mix, output, frames, [=](uint32_t frame) HWY_ATTR {
+      return hn::Add(start, hn::Mul(step, frameNumbers(frame + 1)));
+    });
+  }
+}
+
 const MixKernels& kernels() {
-  static constexpr MixKernels table{.addStretch = addStretch, .finish = finish};
+  static constexpr MixKernels table{.formLines = formLines, .addLines = addLines, .finish = finish};
   return table;
 }
 

@@ -23,7 +23,6 @@ struct MixerVoice {
   static constexpr int fractionBits = 25;
   static constexpr uint64_t one = uint64_t{1} << fractionBits;
 
-  bool active = false;
   bool releasing = false;  ///< fading out for good
   uint32_t tag = 0;
   uint64_t sequence = 0;  ///< how many voices had started with this one; the smallest is oldest
@@ -48,11 +47,17 @@ struct MixerVoice {
   /// Starts a ramp of `frames` from the present gains to `gains`.
   void rampTo(const std::array<float, TB_LAYERS>& gains, uint32_t frames) noexcept;
 
+  /// Whether all of the next `frames` frames lie within the sound.
+  [[nodiscard]] bool lasts(uint32_t frames) const noexcept {
+    return position + rate * (uint64_t{frames} - 1) < end();
+  }
+
   /// Frames until the position reaches the end, 0 when it has.
   [[nodiscard]] uint64_t framesLeft() const noexcept {
-    const uint64_t end = uint64_t{length} << fractionBits;
-    return position >= end ? 0 : (end - position + rate - 1) / rate;
+    return position >= end() ? 0 : (end() - position + rate - 1) / rate;
   }
+
+  [[nodiscard]] uint64_t end() const noexcept { return uint64_t{length} << fractionBits; }
 
   /// Moves on by `frames`, no more than are left of a running ramp.
   void advance(uint32_t frames) noexcept;

@@ -60,18 +60,20 @@ bool VoicePool::apply(const TBCommand& command) noexcept {
   }
 }
 
-MixerVoice& VoicePool::slotForNewVoice() noexcept {
-  const auto free = std::ranges::find(voices_, false, &MixerVoice::active);
-  return free != voices_.end() ? *free
-                               : *std::ranges::min_element(voices_, {}, &MixerVoice::sequence);
+size_t VoicePool::slotForNewVoice() const noexcept {
+  const auto free = static_cast<size_t>(std::countr_one(active_));
+  if (free < TB_VOICES) return free;
+  const auto oldest = std::ranges::min_element(voices_, {}, &MixerVoice::sequence);
+  return static_cast<size_t>(oldest - voices_.begin());
 }
 
 bool VoicePool::start(const TBCommand& command) noexcept {
   const uint32_t length = longestLayer(command);
   if (length == 0) return false;
-  MixerVoice& voice = slotForNewVoice();
+  const size_t slot = slotForNewVoice();
+  active_ |= 1U << slot;
+  MixerVoice& voice = voices_[slot];
   voice = MixerVoice{};
-  voice.active = true;
   voice.tag = command.tag;
   voice.sequence = ++sequence_;
   voice.length = length;
@@ -88,22 +90,20 @@ bool VoicePool::start(const TBCommand& command) noexcept {
 }
 
 void VoicePool::setWeights(const TBCommand& command) noexcept {
-  const auto voice = std::ranges::find_if(voices_, [&](const MixerVoice& candidate) {
-    return candidate.active && !candidate.releasing && candidate.tag == command.tag;
+  bool found = false;
+  forEachActive([&](MixerVoice& voice) {
+    if (found || voice.releasing || voice.tag != command.tag) return true;
+    voice.rampTo(audibleGains(voice, command), fadeFrames_);
+    return found = true;
   });
-  if (voice != voices_.end()) voice->rampTo(audibleGains(*voice, command), fadeFrames_);
 }
 
 void VoicePool::releaseAll() noexcept {
-  for (MixerVoice& voice : voices_) {
-    if (!voice.active) continue;
+  forEachActive([&](MixerVoice& voice) {
     voice.releasing = true;
     voice.rampTo({}, releaseFrames_);
-  }
-}
-
-uint32_t VoicePool::activeCount() const noexcept {
-  return static_cast<uint32_t>(std::ranges::count(voices_, true, &MixerVoice::active));
+    return true;
+  });
 }
 
 }  // namespace tobrin

@@ -4,68 +4,69 @@ namespace tobrin {
 
 namespace {
 
-bool isMono(const VoiceLayer& layer) {
-  return layer.left == layer.right;
+bool isMono(const MixerVoice& voice) {
+  for (const VoiceLayer& layer : voice.layers) {
+    if (layer.left != layer.right) return false;
+  }
+  return true;
 }
 
-/// A layer's gain and its change, before panning.
-struct LayerGain {
+/// A layer's gain and its change, before panning, and where it is to be read.
+struct SoundingLayer {
   float gain, step;
-  [[nodiscard]] bool silent() const { return gain == 0 && step == 0; }
+  uint64_t first, frames;  ///< first sample of interest, samples in all
 };
 
-LayerGain gainOf(const MixerVoice& voice, uint32_t layer) {
-  if (voice.rampLeft == 0) return {voice.target[layer], 0};
-  return {voice.rampFrom[layer], voice.rampStep[layer]};
+// Written field by field: a record copied whole right after its fields would wait for them.
+void addSource(Line& line, const float* samples, const SoundingLayer& layer, float factor) {
+  LineSource& source = line.sources[line.count++];
+  source.samples = samples + layer.first;
+  source.frames = layer.frames - layer.first;
+  source.gain = layer.gain * factor;
+  source.step = layer.step * factor;
 }
 
-LineSource source(const float* samples, uint64_t frames, const LayerGain& gain, float factor) {
-  return {
-      .samples = samples, .frames = frames, .gain = gain.gain * factor, .step = gain.step * factor};
-}
-
-// Half the sum of both panned channels.
-void addToMono(Line& line, const MixerVoice& voice, const VoiceLayer& layer,
-               const LayerGain& gain) {
-  const float left = 0.5F * voice.panLeft;
-  const float right = 0.5F * voice.panRight;
-  if (isMono(layer)) {
-    line.add(source(layer.left, layer.frames, gain, left + right));
+void addLayer(const MixerVoice& voice, const VoiceLayer& layer, const SoundingLayer& sounding,
+              uint32_t channels, VoiceStretch& stretch) {
+  if (stretch.lineCount == 2) {
+    addSource(stretch.lines[0], layer.left, sounding, voice.panLeft);
+    addSource(stretch.lines[1], layer.right, sounding, voice.panRight);
+  } else if (channels == 2) {
+    addSource(stretch.lines[0], layer.left, sounding, 1);
+  } else if (layer.left == layer.right) {
+    addSource(stretch.lines[0], layer.left, sounding, 0.5F * (voice.panLeft + voice.panRight));
   } else {
-    line.add(source(layer.left, layer.frames, gain, left));
-    line.add(source(layer.right, layer.frames, gain, right));
+    addSource(stretch.lines[0], layer.left, sounding, 0.5F * voice.panLeft);
+    addSource(stretch.lines[0], layer.right, sounding, 0.5F * voice.panRight);
   }
 }
 
 }  // namespace
 
-VoiceStretch stretchOf(const MixerVoice& voice, uint32_t frames, uint32_t channels) noexcept {
-  VoiceStretch stretch;
-  stretch.position = voice.position;
+void describeStretch(const MixerVoice& voice, MixSpan span, uint32_t channels,
+                     VoiceStretch& stretch) noexcept {
+  const uint64_t first = voice.position >> MixerVoice::fractionBits;
+  stretch.first = first;
+  stretch.fraction = voice.position & (MixerVoice::one - 1);
   stretch.rate = voice.rate;
-  stretch.frames = frames;
+  stretch.offset = span.offset;
+  stretch.frames = span.frames;
   stretch.rampFrame = voice.rampFrame;
   stretch.ramping = voice.rampLeft > 0;
-  bool mono = true;
-  for (const VoiceLayer& layer : voice.layers)
-    mono = mono && isMono(layer);
-  stretch.lineCount = channels == 2 && !mono ? 2 : 1;
+  stretch.lineCount = channels == 2 && !isMono(voice) ? 2 : 1;
   stretch.panLeft = voice.panLeft;
   stretch.panRight = voice.panRight;
+  stretch.lines[0].count = stretch.lines[1].count = 0;
   for (uint32_t n = 0; n < TB_LAYERS; ++n) {
     const VoiceLayer& layer = voice.layers[n];
-    const LayerGain gain = gainOf(voice, n);
-    if (layer.left == nullptr || gain.silent()) continue;
-    if (channels == 1) {
-      addToMono(stretch.lines[0], voice, layer, gain);
-    } else if (mono) {
-      stretch.lines[0].add(source(layer.left, layer.frames, gain, 1));
-    } else {
-      stretch.lines[0].add(source(layer.left, layer.frames, gain, voice.panLeft));
-      stretch.lines[1].add(source(layer.right, layer.frames, gain, voice.panRight));
-    }
+    if (layer.frames <= first) continue;
+    const float gain = stretch.ramping ? voice.rampFrom[n] : voice.target[n];
+    const float step = stretch.ramping ? voice.rampStep[n] : 0;
+    if (gain == 0 && step == 0) continue;
+    const SoundingLayer sounding{
+        .gain = gain, .step = step, .first = first, .frames = layer.frames};
+    addLayer(voice, layer, sounding, channels, stretch);
   }
-  return stretch;
 }
 
 }  // namespace tobrin

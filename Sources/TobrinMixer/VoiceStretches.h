@@ -7,9 +7,16 @@
 
 namespace tobrin {
 
-/// The lines that `frames` frames of `voice` from now on are mixed from, for 1 or 2 output
+/// A part of a stretch: `frames` frames from `offset` on.
+struct MixSpan {
+  uint32_t offset;
+  uint32_t frames;
+};
+
+/// Describes what `voice` adds to `span` of the mix from its present position on, for 1 or 2 output
 /// channels. The frames lie within the voice's sound and within its ramp, if one runs. Layers that
 /// stay silent are left out.
-VoiceStretch stretchOf(const MixerVoice& voice, uint32_t frames, uint32_t channels) noexcept;
+void describeStretch(const MixerVoice& voice, MixSpan span, uint32_t channels,
+                     VoiceStretch& stretch) noexcept;
 
 }  // namespace tobrin

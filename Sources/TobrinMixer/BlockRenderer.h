@@ -1,0 +1,49 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "MixKernels.h"
+#include "TobrinMixer.h"
+#include "VoicePool.h"
+#include "VoiceStretches.h"
+
+namespace tobrin {
+
+/// Where a block goes; `count` is 1 for mono, which takes half the sum of both channels.
+struct OutputChannels {
+  std::array<float*, 2> samples;
+  uint32_t count;
+};
+
+/// Turns voices into blocks of sound. Thread: render, after creation.
+class BlockRenderer final {
+ public:
+  /// Settles the instruction set. Fade lengths in frames.
+  BlockRenderer(uint32_t fadeFrames, uint32_t releaseFrames) noexcept
+      : kernels_(chooseMixKernels()), pool_(fadeFrames, releaseFrames) {}
+
+  /// Carries out one command. Returns whether a voice started.
+  bool apply(const TBCommand& command) noexcept { return pool_.apply(command); }
+
+  /// Overwrites `frames` frames, with the master gain moving to `master` across them.
+  void render(const OutputChannels& output, uint32_t frames, float master) noexcept;
+
+  [[nodiscard]] uint32_t activeVoices() const noexcept { return pool_.activeCount(); }
+
+ private:
+  void renderStretch(const OutputChannels& output, uint32_t firstFrame, uint32_t frames,
+                     const MasterRamp& ramp) noexcept;
+  bool renderVoice(MixerVoice& voice, uint32_t channels, uint32_t frames) noexcept;
+  void addStretch(const MixerVoice& voice, MixSpan span, uint32_t channels) noexcept;
+  void addPending(uint32_t channels) noexcept;
+
+  const MixKernels& kernels_;
+  VoicePool pool_;
+  float master_ = 1;
+  std::array<StretchWork, 2> works_{};  ///< used in turn
+  StretchWork* pending_ = nullptr;      ///< formed, but not yet added to the mix
+  alignas(64) MixBuffer mix_{};
+};
+
+}  // namespace tobrin
