@@ -45,7 +45,7 @@ Assembly::Assembly()
       .settings = settings_,
       .loginItem = loginItem_,
       .workspace = workspace_,
-      .audioDevice = makeAudioDevice(soundServer, requestRealtimeScheduling),
+      .audioDevice = makeAudioDevice(soundServer),
       .motionSource = findMotionSource(),
       .keySource = makeKeySource(),
       .shortcutService = std::make_unique<DesktopShortcuts>(),
