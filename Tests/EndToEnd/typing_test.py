@@ -71,6 +71,17 @@ class TypingTest(unittest.TestCase):
         self.assert_all_heard(self.type_and_match("--random", 15, "--gap", "150:200", before=restart,
                                                   releaseSounds=False))
 
+    def test_a_sound_server_that_comes_late_is_taken(self):
+        control("stop-sound")
+        try:
+            with Tobrin(PROGRAM, PACKS) as program:
+                program.wait_for("status:")
+                control("start-sound")
+                with record(self.wav) as recorder:
+                    self.assertTrue(program.wait_until_heard(recorder), program.lines)
+        finally:
+            control("restart-sound")
+
     def test_switched_off_it_is_silent(self):
         with record(self.wav) as recorder, Tobrin(PROGRAM, PACKS, enabled=False) as program:
             program.wait_for("Off")
