@@ -19,6 +19,9 @@ static_assert(std::atomic<uint32_t>::is_always_lock_free);
 /// count has one writer and a cache line of its own, so neither side slows the other by writing.
 class CommandRing final {
  public:
+  /// `firstCount` is where both counts begin.
+  explicit CommandRing(uint32_t firstCount = 0) noexcept : write_(firstCount), read_(firstCount) {}
+
   /// Copies `command` into the ring; false when every slot is taken. Thread: producer.
   [[nodiscard]] bool push(const TBCommand& command) noexcept {
     const uint32_t write = write_.load(std::memory_order_relaxed);
@@ -48,8 +51,8 @@ class CommandRing final {
                 "slots are taken modulo a power of two");
   static constexpr size_t cacheLine = 64;
 
-  alignas(cacheLine) std::atomic<uint32_t> write_{0};
-  alignas(cacheLine) std::atomic<uint32_t> read_{0};
+  alignas(cacheLine) std::atomic<uint32_t> write_;
+  alignas(cacheLine) std::atomic<uint32_t> read_;
   alignas(cacheLine) std::array<TBCommand, TB_RING_CAPACITY> slots_{};
 };
 
