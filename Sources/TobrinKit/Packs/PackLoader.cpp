@@ -5,6 +5,7 @@
 #include <system_error>
 #include <thread>
 
+#include "Engine/MachTime.h"
 #include "Packs/AudioDecoder.h"
 #include "Packs/PackError.h"
 
@@ -12,7 +13,8 @@ namespace tobrin {
 namespace {
 
 constexpr uint64_t budgetFrames = LoadedPack::memoryBudget / bytesPerFrame;
-constexpr std::size_t leastFilesPerThread = 4;  // below, starting a thread costs more than it saves
+constexpr std::size_t probedFiles = 4;  // decoded alone, to see how long they take
+constexpr double leastWorkForHelp = 4;  // ms; below, waiting for a thread costs more than it saves
 
 bool isWithin(const std::filesystem::path& folder, const std::filesystem::path& file) {
   return std::mismatch(folder.begin(), folder.end(), file.begin(), file.end()).first ==
@@ -67,18 +69,19 @@ std::vector<std::size_t> PackLoader::entries(const std::vector<std::string>& pat
   return result;
 }
 
-/// Decodes what it can on several threads under one budget. A file that fails, or that finds the
-/// budget used up by whatever else is being decoded, is left open: `settle` has the last word.
+/// Decodes what it can, on several threads where that is worth it, under one budget. A file that
+/// fails, or that finds the budget used up by whatever else is being decoded, is left open:
+/// `settle` has the last word.
 void PackLoader::decodeAhead() {
   FrameAllowance allowance(budgetFrames);
   std::atomic<std::size_t> next{0};
   std::atomic<bool> failed{false};
-  const auto work = [&] {
+  const auto work = [&](std::size_t end) {
     AudioDecoder decoder(sampleRate_);
     // Relaxed: the results are read after the join.
     while (!failed.load(std::memory_order_relaxed)) {
       const std::size_t entry = next.fetch_add(1, std::memory_order_relaxed);
-      if (entry >= paths_.size()) return;
+      if (entry >= end) return;
       try {
         contents_.buffers[entry] = decode(paths_[entry], decoder, allowance);
       } catch (...) {
@@ -86,16 +89,30 @@ void PackLoader::decodeAhead() {
       }
     }
   };
-  const std::size_t cores = threads_ != 0 ? threads_ : std::thread::hardware_concurrency();
-  const std::size_t wanted = std::min(cores, paths_.size() / leastFilesPerThread);
+  const std::size_t probed = std::min(probedFiles, paths_.size());
+  const uint64_t start = MachTime::now();
+  work(probed);
+  next.store(probed, std::memory_order_relaxed);
+  const std::size_t wanted = helpers(MachTime::milliseconds(MachTime::now() - start));
+
   std::vector<std::jthread> others;
   try {
-    while (others.size() + 1 < wanted)
-      others.emplace_back(work);
+    while (others.size() < wanted)
+      others.emplace_back(work, paths_.size());
   } catch (const std::system_error&) {
     // The system refuses more threads: those that run do the work.
   }
-  work();
+  work(paths_.size());
+}
+
+/// How many threads are worth starting beside this one, by the time the probed files took.
+std::size_t PackLoader::helpers(double probedMs) const {
+  if (paths_.size() <= probedFiles) return 0;
+  const std::size_t left = paths_.size() - probedFiles;
+  const double work = probedMs / static_cast<double>(probedFiles) * static_cast<double>(left);
+  if (threads_ == 0 && work < leastWorkForHelp) return 0;
+  const std::size_t threads = threads_ != 0 ? threads_ : std::thread::hardware_concurrency();
+  return std::min(std::max<std::size_t>(threads, 1) - 1, left / probedFiles);
 }
 
 /// Goes through the files in order, keeps what is there, decodes what was left open, and meets

@@ -1,5 +1,6 @@
-/// Decodes the takes that a manifest lists, on all cores. What comes out, and which error where
-/// something is wrong, is what one thread going through the lists in order would give.
+/// Decodes the takes that a manifest lists, on all cores where that saves time. What comes out, and
+/// which error where something is wrong, is what one thread going through the lists in order would
+/// give.
 #pragma once
 
 #include <filesystem>
@@ -18,7 +19,8 @@ class AudioDecoder;
 
 class PackLoader final {
  public:
-  /// `threads` is the most to use, this one included; 0 stands for one a core.
+  /// `threads` is the most to use, this one included; 0 stands for one a core, and for
+  /// this one alone where it is done in a few milliseconds.
   PackLoader(std::filesystem::path directory, double sampleRate, unsigned threads = 0)
       : directory_(std::move(directory)), sampleRate_(sampleRate), threads_(threads) {}
 
@@ -31,6 +33,7 @@ class PackLoader final {
   void plan(const PackManifest& manifest);
   std::vector<std::size_t> entries(const std::vector<std::string>& paths);
   void decodeAhead();
+  [[nodiscard]] std::size_t helpers(double probedMs) const;
   void settle();
   Buffer decode(const std::string& path, AudioDecoder& decoder, FrameAllowance& allowance) const;
   [[nodiscard]] std::filesystem::path resolved(const std::string& path) const;
