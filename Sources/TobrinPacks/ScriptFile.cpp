@@ -9,6 +9,8 @@ namespace {
 
 using Json = nlohmann::json;
 
+constexpr int maxDepth = 8;  // the format needs 2
+
 [[noreturn]] void fail(const std::string& text) {
   throw std::runtime_error(text);
 }
@@ -42,7 +44,10 @@ ScriptedKey parseKey(const Json& entry) {
 
 Json parseJson(std::string_view text) {
   try {
-    return Json::parse(text);
+    return Json::parse(text, [](int depth, Json::parse_event_t, const Json&) {
+      if (depth > maxDepth) fail("nested too deeply");
+      return true;
+    });
   } catch (const Json::exception& error) {
     fail(std::string("not valid JSON: ") + error.what());
   }

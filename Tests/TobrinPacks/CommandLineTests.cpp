@@ -164,6 +164,7 @@ TEST(ScriptFile, RefusesEntriesOutOfRangeByNumberAndKey) {
   const std::pair<const char*, const char*> table[] = {
       {"{}", "not a list"},
       {"[", "not valid JSON"},
+      {"[[[[[[[[[[", "nested too deeply"},
       {"[1]", "entry 1: is not an object"},
       {R"([{"time":-1}])", "entry 1: \"time\" is not a number from 0 to 86400"},
       {R"([{"time":1e9}])", "\"time\" is not"},
