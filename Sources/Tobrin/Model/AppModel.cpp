@@ -285,8 +285,7 @@ void AppModel::loadSelectedPack(bool audition) {
   const uint64_t number = ++loadNumber_;
   const PackInfo* selected = selectedPack();
   if (selected == nullptr) {
-    manifest_.reset();
-    conductor_->setPack(nullptr);
+    install(nullptr, false);
     setPackError(packs_.empty() ? std::optional<std::string>("No sound packs found.")
                                 : std::nullopt);
     return;
@@ -302,19 +301,15 @@ void AppModel::loadSelectedPack(bool audition) {
     }
     main.async([this, self, number, audition, pack, problem] {
       if (*self == nullptr || number != loadNumber_) return;
-      if (pack == nullptr) {
-        setPackError(problem);
-      } else {
-        install(pack, audition);
-      }
+      install(pack, audition && pack != nullptr);
+      setPackError(pack != nullptr ? std::nullopt : std::optional(problem));
     });
   });
 }
 
 void AppModel::install(std::shared_ptr<const LoadedPack> pack, bool audition) {
-  manifest_ = pack->manifest();
+  manifest_ = pack != nullptr ? std::optional(pack->manifest()) : std::nullopt;
   conductor_->setPack(std::move(pack));
-  setPackError(std::nullopt);
   emit selectedPackChanged();
   if (audition) conductor_->audition();
 }

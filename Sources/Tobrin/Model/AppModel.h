@@ -107,6 +107,7 @@ class AppModel final : public QObject {
   void pollPermission();
   void publishPermission(bool hasPermission, bool listening, bool needsRelaunch);
   void loadSelectedPack(bool audition);
+  /// Plays from `pack` from now on; null: from none, so that no other pack sounds under its name.
   void install(std::shared_ptr<const LoadedPack> pack, bool audition);
   void setPackError(std::optional<std::string> text);
   void readLoginItem();

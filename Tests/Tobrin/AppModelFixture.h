@@ -1,0 +1,229 @@
+/// The application's model with everything around it under a test's control: queues on virtual
+/// time, settings in memory, and a desktop, keyboard, microphone and sound device that do as told.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Engine/Log.h"
+#include "Engine/MachTime.h"
+#include "Engine/VirtualQueue.h"
+#include "Model/AppModel.h"
+#include "Support/HandDrivenDevice.h"
+#include "Support/ScriptedMicSource.h"
+#include "Support/TestPack.h"
+
+namespace tobrin::testing {
+
+struct MemorySettings final : SettingsStore {
+  std::map<std::string, std::string, std::less<>> values, aside;
+  int writes = 0;
+
+  [[nodiscard]] std::optional<std::string> read(std::string_view key) const override {
+    const auto found = values.find(key);
+    return found == values.end() ? std::nullopt : std::optional(found->second);
+  }
+  bool write(std::string_view key, std::string_view json) override {
+    ++writes;
+    values.insert_or_assign(std::string(key), std::string(json));
+    return true;
+  }
+  void keepAside(std::string_view key) override {
+    aside.insert_or_assign(std::string(key), values.at(std::string(key)));
+  }
+};
+
+/// Session and login item in one.
+struct TestDesktop final : Workspace, LoginItem {
+  bool startsAtLogin = false;
+  std::string refusal;  ///< why actions fail; empty: they succeed
+  std::vector<std::string> actions;
+  std::function<void()> onWake, onTerminate;
+
+  [[nodiscard]] bool isEnabled() const override { return startsAtLogin; }
+  std::string setEnabled(bool on) override {
+    if (refusal.empty()) startsAtLogin = on;
+    return refusal;
+  }
+  void setOnWake(std::function<void()> call) override { onWake = std::move(call); }
+  void setOnTerminate(std::function<void()> call) override { onTerminate = std::move(call); }
+  std::string openFolder(const std::filesystem::path&) override { return act("folder"); }
+  std::string openKeyAccessSettings() override { return act("access"); }
+  std::string relaunch() override { return act("relaunch"); }
+  void terminate() override { actions.emplace_back("terminate"); }
+
+ private:
+  std::string act(const char* action) {
+    actions.emplace_back(action);
+    return refusal;
+  }
+};
+
+/// Keyboards that nobody types on: what matters is whether they may be heard.
+struct KeyAccess {
+  std::atomic<bool> granted = true;
+  std::atomic<bool> opens = true;  ///< where it is granted
+  std::atomic<int> requests = 0;
+};
+
+class SilentKeys final : public KeySource {
+ public:
+  explicit SilentKeys(KeyAccess& access) : access_(access) {}
+  bool open() override { return access_.granted && access_.opens; }
+  void run(const Sink&) override { interrupted_.wait(false); }
+  void close() override { interrupted_ = false; }
+  void interrupt() override {
+    interrupted_ = true;
+    interrupted_.notify_all();
+  }
+  [[nodiscard]] bool hasPermission() const override { return access_.granted; }
+  bool requestPermission() override {
+    ++access_.requests;
+    return access_.granted;
+  }
+  [[nodiscard]] std::string problem() const override { return {}; }
+  [[nodiscard]] std::string description() const override { return "silent keys"; }
+
+ private:
+  KeyAccess& access_;
+  std::atomic<bool> interrupted_ = false;
+};
+
+struct ShortcutDesk {
+  ShortcutGrab answer;
+  bool reserved = false;
+  std::function<void()> pressed;  ///< empty while nothing is grabbed
+};
+
+class DeskShortcuts final : public ShortcutService {
+ public:
+  explicit DeskShortcuts(ShortcutDesk& desk) : desk_(desk) {}
+  bool isReserved(const Hotkey&) override { return desk_.reserved; }
+  ShortcutGrab grab(const Hotkey&, std::function<void()> pressed) override {
+    desk_.pressed = desk_.answer == ShortcutGrab{} ? std::move(pressed) : nullptr;
+    return desk_.answer;
+  }
+  void release() override { desk_.pressed = nullptr; }
+  std::optional<std::string> keyName(uint32_t) override { return "k"; }
+  void observe(const KeyEvent&) override {}
+  [[nodiscard]] std::string description() const override { return "a desk"; }
+
+ private:
+  ShortcutDesk& desk_;
+};
+
+class AppModelTest : public ::testing::Test {
+ protected:
+  AppModelTest() {
+    Log::setSink([this](const std::string& line) { log_ += line + "\n"; });
+  }
+  ~AppModelTest() override {
+    model_.reset();
+    Log::setSink(nullptr);
+  }
+
+  static PackInfo pack(const std::string& id) {
+    return {.id = id, .name = "The " + id, .kind = id, .summary = {}, .directory = {}};
+  }
+
+  /// Starts the program; nothing is loaded until time passes.
+  AppModel& start(std::optional<AppModel::Preview> preview = std::nullopt) {
+    model_.reset();
+    model_ = std::make_unique<AppModel>(
+        AppServices{.main = main_,
+                    .loader = loader_,
+                    .conductorQueue = conductorQueue_,
+                    .micQueue = micQueue_,
+                    .settings = settings_,
+                    .loginItem = desktop_,
+                    .workspace = desktop_,
+                    .audioDevice = std::make_unique<HandDrivenDevice>(device_),
+                    .motionSource = nullptr,
+                    .keySource = std::make_unique<SilentKeys>(keys_),
+                    .shortcutService = std::make_unique<DeskShortcuts>(shortcuts_),
+                    .micSource = std::make_unique<ScriptedMicSource>(microphone_),
+                    .onThreadStart = nullptr,
+                    .discoverPacks = [this] { return found_; },
+                    .loadPack = [this](const PackInfo& info) { return load(info); }},
+        std::move(preview));
+    return *model_;
+  }
+
+  /// Lets time pass for all queues alike.
+  void advance(double milliseconds) {
+    constexpr double step = 50;
+    for (double passed = 0; passed < milliseconds; passed += step)
+      moveTo(main_.now() + MachTime::ticks(std::min(step, milliseconds - passed)));
+    moveTo(main_.now());
+  }
+
+  void change(const std::function<void(EngineSettings&)>& edit) {
+    EngineSettings changed = model_->settings();
+    edit(changed);
+    model_->setSettings(changed);
+    advance(0);
+  }
+
+  void takeMicrophone(bool taken) {
+    microphone_->activity.inputRunningSomewhere = taken;
+    if (microphone_->changed) microphone_->changed();
+    advance(0);
+  }
+
+  [[nodiscard]] EngineSettings savedSettings() const {
+    return EngineSettings::fromJson(settings_.read(AppModel::settingsKey).value_or("{}"));
+  }
+  [[nodiscard]] std::string loadedPack() const {
+    return model_->loadedManifest() ? model_->loadedManifest()->id : "none";
+  }
+  /// Whether something sounds within half a second of the virtual time.
+  bool isHeard() {
+    float loudest = 0;
+    for (int i = 0; i < 10; ++i) {
+      advance(50);
+      for (const float value : device_->render(2400).first)
+        loudest = std::max(loudest, std::abs(value));
+    }
+    return loudest > 0;
+  }
+
+  VirtualQueue main_{"main"}, loader_{"loader"}, conductorQueue_{"conductor"}, micQueue_{"mic"};
+  MemorySettings settings_;
+  TestDesktop desktop_;
+  KeyAccess keys_;
+  ShortcutDesk shortcuts_;
+  std::shared_ptr<MicState> microphone_ = std::make_shared<MicState>();
+  std::shared_ptr<HandDrivenDevice::Controls> device_ =
+      std::make_shared<HandDrivenDevice::Controls>();
+  std::vector<PackInfo> found_ = {pack("alpha"), pack("leopold"), pack("omega")};
+  std::set<std::string> damaged_;  ///< ids of packs that do not load
+  std::vector<std::string> loads_;
+  std::string log_;
+  std::unique_ptr<AppModel> model_;
+
+ private:
+  std::shared_ptr<const LoadedPack> load(const PackInfo& info) {
+    loads_.push_back(info.id);
+    if (damaged_.contains(info.id)) throw std::runtime_error("it is damaged");
+    return TestPack().down(KeyGroup::alpha, Tier::medium, 0.2F).make(info.id);
+  }
+
+  void moveTo(uint64_t time) {
+    // A task on one queue may post to another: a second and a third round take those up.
+    for (int round = 0; round < 3; ++round)
+      for (VirtualQueue* queue : {&main_, &loader_, &micQueue_, &conductorQueue_})
+        queue->runUntil(time);
+  }
+};
+
+}  // namespace tobrin::testing

@@ -1,0 +1,298 @@
+#include "Model/AppModel.h"
+
+#include "AppModelFixture.h"
+
+namespace tobrin::testing {
+namespace {
+
+TEST_F(AppModelTest, ChoosesAPackAtTheStart) {
+  struct Row {
+    const char* label;
+    std::vector<std::string> found;
+    const char* saved;  // JSON
+    const char* loaded;
+    const char* status;
+    const char* error;
+    int writes;
+  };
+  const Row rows[] = {
+      {"first start", {"alpha", "leopold"}, "", "leopold", "The leopold", "", 0},
+      {"chosen before", {"alpha", "leopold"}, "\"alpha\"", "alpha", "The alpha", "", 0},
+      {"chosen one is gone", {"alpha", "omega"}, "\"old\"", "alpha", "The alpha", "", 1},
+      {"no default pack", {"omega"}, "", "omega", "The omega", "", 1},
+      {"not a text", {"leopold"}, "17", "leopold", "The leopold", "", 0},
+      {"no packs", {}, "\"old\"", "none", "No pack", "No sound packs found.", 0},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.label);
+    settings_ = {};
+    if (*row.saved != '\0') settings_.values[AppModel::selectedPackKey] = row.saved;
+    found_.clear();
+    for (const std::string& id : row.found)
+      found_.push_back(pack(id));
+    const AppModel& model = start();
+    advance(0);
+    EXPECT_EQ(loadedPack(), row.loaded);
+    EXPECT_EQ(model.statusLine(), row.status + std::string(" · Fixed strength"));
+    EXPECT_EQ(model.packError().value_or(""), row.error);
+    EXPECT_EQ(settings_.writes, row.writes);
+    if (row.writes > 0) {
+      EXPECT_EQ(settings_.readText(AppModel::selectedPackKey), std::string(row.loaded));
+    }
+    EXPECT_FALSE(isHeard()) << "the start is silent";
+  }
+}
+
+TEST_F(AppModelTest, PlaysAPackWhenItIsChosen) {
+  AppModel& model = start();
+  advance(0);
+  model.select(pack("omega"));
+  EXPECT_EQ(settings_.readText(AppModel::selectedPackKey), "omega");
+  EXPECT_TRUE(isHeard());
+  EXPECT_EQ(loadedPack(), "omega");
+
+  for (int i = 0; i < 20 && isHeard(); ++i) {  // until the demonstration has ended
+  }
+  const auto before = loads_;
+  const int writes = settings_.writes;
+  model.select(pack("omega"));
+  EXPECT_FALSE(isHeard());
+  EXPECT_EQ(loads_, before);
+  EXPECT_EQ(settings_.writes, writes);
+}
+
+TEST_F(AppModelTest, ALaterChoiceOvertakesALoad) {
+  AppModel& model = start();
+  advance(0);
+  model.setSelectedPackID("alpha");
+  loader_.runUntil(loader_.now());  // decoded, on its way to the main thread
+  damaged_ = {"leopold"};
+  model.setSelectedPackID("leopold");
+  loader_.runUntil(loader_.now());
+  model.setSelectedPackID("omega");
+  advance(0);
+  EXPECT_EQ(loadedPack(), "omega");
+  EXPECT_EQ(model.packError(), std::nullopt);
+}
+
+TEST_F(AppModelTest, ADamagedPackIsNamedAndSilent) {
+  AppModel& model = start();
+  advance(0);
+  damaged_ = {"omega"};
+  model.setSelectedPackID("omega");
+  EXPECT_FALSE(isHeard());
+  EXPECT_EQ(model.packError(), "The omega couldn't load: it is damaged");
+  model.audition();
+  EXPECT_FALSE(isHeard()) << "another pack must not play under this one's name";
+
+  model.setSelectedPackID("alpha");
+  EXPECT_TRUE(isHeard());
+  EXPECT_EQ(model.packError(), std::nullopt);
+}
+
+TEST_F(AppModelTest, KeepsSettings) {
+  start();
+  change([](EngineSettings& settings) {
+    settings.volume = 0.25F;
+    settings.quietDuringCalls = false;
+  });
+  EXPECT_EQ(savedSettings().volume, 0.25F);
+  const int writes = settings_.writes;
+  change([](EngineSettings&) {});
+  EXPECT_EQ(settings_.writes, writes) << "nothing changed";
+  EXPECT_EQ(start().settings(), savedSettings());
+
+  settings_.values[AppModel::settingsKey] = R"({"volume": "loud"})";
+  EXPECT_EQ(start().settings(), EngineSettings());
+  EXPECT_EQ(settings_.aside[AppModel::settingsKey], R"({"volume": "loud"})");
+}
+
+TEST_F(AppModelTest, TheShortcutSwitchesSounds) {
+  AppModel& model = start();
+  advance(0);
+  ASSERT_TRUE(shortcuts_.pressed);
+  for (const bool enabled : {false, true}) {
+    shortcuts_.pressed();
+    advance(0);
+    EXPECT_EQ(model.settings().enabled, enabled);
+    EXPECT_EQ(savedSettings().enabled, enabled);
+    EXPECT_EQ(device_->running, enabled);
+    EXPECT_EQ(model.statusLine() == "Off", !enabled);
+  }
+  const auto late = shortcuts_.pressed;
+  change([](EngineSettings& settings) { settings.shortcutEnabled = false; });
+  EXPECT_FALSE(shortcuts_.pressed);
+  late();  // pressed just before the program ends
+  model_.reset();
+  advance(0);
+}
+
+TEST_F(AppModelTest, SaysWhyTheShortcutDoesNotWork) {
+  using Result = ShortcutGrab::Result;
+  struct Row {
+    const char* label;
+    ShortcutGrab grab;
+    bool reserved;
+    const char* problem;
+  };
+  const Row rows[] = {
+      {"active", {}, false, ""},
+      {"taken",
+       {.result = Result::taken},
+       false,
+       "⌃⌥⌘K is already used by another app. Pick another."},
+      {"reserved",
+       {},
+       true,
+       "⌃⌥⌘K is a macOS shortcut (System Settings › Keyboard). Pick another."},
+      {"failed",
+       {.result = Result::failed, .error = -9868},
+       false,
+       "Couldn't set up ⌃⌥⌘K (error -9868)."},
+  };
+  AppModel& model = start();
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.label);
+    shortcuts_.answer = row.grab;
+    shortcuts_.reserved = row.reserved;
+    log_.clear();
+    model.menuOpened();
+    const std::string problem = row.problem;
+    EXPECT_EQ(model.shortcutProblem().value_or(""), problem);
+    EXPECT_EQ(log_, problem.empty() ? "" : "Tobrin: shortcut ⌃⌥⌘K unavailable: " + problem + "\n");
+  }
+  change([](EngineSettings& settings) { settings.shortcutEnabled = false; });
+  EXPECT_EQ(model.shortcutProblem(), std::nullopt);
+}
+
+TEST_F(AppModelTest, PausesDuringCalls) {
+  AppModel& model = start();
+  advance(0);
+  EXPECT_TRUE(device_->running);
+  takeMicrophone(true);
+  EXPECT_TRUE(model.micInUse());
+  EXPECT_EQ(model.statusLine(), "Paused while the mic is in use");
+  EXPECT_FALSE(model.effectiveSettings().enabled);
+  EXPECT_TRUE(model.settings().enabled) << "the user's own switch stays";
+  EXPECT_FALSE(device_->running);
+
+  change([](EngineSettings& settings) { settings.enabled = false; });
+  EXPECT_EQ(model.statusLine(), "Off");
+  change([](EngineSettings& settings) { settings.enabled = true; });
+  EXPECT_FALSE(device_->running);
+
+  change([](EngineSettings& settings) { settings.quietDuringCalls = false; });
+  EXPECT_TRUE(device_->running) << "resumes at once";
+  EXPECT_FALSE(microphone_->changed) << "nobody watches any more";
+
+  change([](EngineSettings& settings) { settings.quietDuringCalls = true; });
+  EXPECT_FALSE(device_->running);
+  takeMicrophone(false);
+  advance(900);
+  EXPECT_TRUE(model.micInUse());
+  advance(200);
+  EXPECT_FALSE(model.micInUse());
+  EXPECT_TRUE(model.effectiveSettings().enabled);
+}
+
+TEST_F(AppModelTest, ForgetsACallThatEndedUnwatched) {
+  AppModel& model = start();
+  takeMicrophone(true);
+  change([](EngineSettings& settings) { settings.quietDuringCalls = false; });
+  takeMicrophone(false);
+  change([](EngineSettings& settings) { settings.quietDuringCalls = true; });
+  EXPECT_FALSE(model.micInUse());
+  EXPECT_TRUE(model.effectiveSettings().enabled);
+}
+
+TEST_F(AppModelTest, WaitsForAccessToKeys) {
+  keys_.granted = false;
+  AppModel& model = start();
+  EXPECT_EQ(model.statusLine(), "Needs Input Monitoring access");
+  EXPECT_EQ(keys_.requests, 1);
+  advance(3000);
+  EXPECT_EQ(keys_.requests, 1) << "asks once, not at every look";
+
+  keys_.granted = true;
+  advance(1400);
+  EXPECT_FALSE(model.listening()) << "looks every 1.5 s";
+  advance(100);
+  EXPECT_TRUE(model.listening());
+  EXPECT_TRUE(model.hasPermission());
+  EXPECT_FALSE(model.needsRelaunch());
+  advance(0);
+  EXPECT_EQ(main_.nextDue(), std::nullopt) << "and no more once it hears";
+}
+
+TEST_F(AppModelTest, AsksToBeStartedAgain) {
+  keys_.opens = false;
+  AppModel& model = start();
+  EXPECT_TRUE(model.hasPermission());
+  EXPECT_EQ(keys_.requests, 0);
+  advance(1500);  // the first look that finds access without keys
+  advance(3000);
+  EXPECT_FALSE(model.needsRelaunch()) << "not before more than 3 s";
+  advance(1500);
+  EXPECT_TRUE(model.needsRelaunch());
+
+  desktop_.refusal = "no program";
+  model.relaunch();
+  EXPECT_EQ(desktop_.actions, (std::vector<std::string>{"relaunch"})) << "stays while it can't";
+  desktop_.refusal.clear();
+  model.relaunch();
+  EXPECT_EQ(desktop_.actions.back(), "terminate");
+
+  keys_.opens = true;
+  model.menuOpened();
+  EXPECT_TRUE(model.listening()) << "opening the panel looks too";
+  EXPECT_FALSE(model.needsRelaunch());
+}
+
+TEST_F(AppModelTest, TheLoginSwitchShowsWhatIs) {
+  desktop_.startsAtLogin = true;
+  AppModel& model = start();
+  EXPECT_TRUE(model.launchAtLogin());
+  int notices = 0;
+  QObject::connect(&model, &AppModel::launchAtLoginChanged, [&] { ++notices; });
+  desktop_.refusal = "read-only";
+  model.setLaunchAtLogin(false);
+  EXPECT_TRUE(model.launchAtLogin());
+  EXPECT_EQ(notices, 1) << "the switch has to go back";
+  EXPECT_NE(log_.find("Tobrin: launch at login change failed: read-only\n"), std::string::npos);
+  desktop_.refusal.clear();
+  model.setLaunchAtLogin(false);
+  EXPECT_FALSE(model.launchAtLogin());
+}
+
+TEST_F(AppModelTest, APreviewLeavesNoTrace) {
+  settings_.values[AppModel::settingsKey] = R"({"enabled": false})";
+  AppModel& model = start(AppModel::Preview{.pack = "omega"});
+  advance(0);
+  EXPECT_EQ(loadedPack(), "omega");
+  change([](EngineSettings& settings) { settings.volume = 1; });
+  model.setSelectedPackID("alpha");
+  advance(2000);
+  EXPECT_TRUE(model.settings().enabled);
+  EXPECT_EQ(settings_.writes, 0);
+  EXPECT_FALSE(model.listening());
+  EXPECT_FALSE(shortcuts_.pressed);
+  EXPECT_FALSE(microphone_->changed);
+}
+
+TEST_F(AppModelTest, FollowsTheSession) {
+  start();
+  advance(0);
+  const int starts = device_->starts;
+  microphone_->activity.inputRunningSomewhere = true;  // nobody said so
+  desktop_.onWake();
+  advance(0);
+  EXPECT_TRUE(model_->micInUse());
+  EXPECT_GE(device_->starts, starts);
+  desktop_.onTerminate();
+  EXPECT_FALSE(device_->running);
+  model_.reset();
+  EXPECT_FALSE(desktop_.onWake);
+}
+
+}  // namespace
+}  // namespace tobrin::testing
