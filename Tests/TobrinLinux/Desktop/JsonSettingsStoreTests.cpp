@@ -1,0 +1,94 @@
+#include "Desktop/JsonSettingsStore.h"
+
+#include <gtest/gtest.h>
+
+#include <iterator>
+
+#include "Engine/Log.h"
+#include "Support/TempFolder.h"
+
+namespace tobrin {
+namespace {
+
+namespace fs = std::filesystem;
+
+class JsonSettingsStoreTest : public ::testing::Test {
+ protected:
+  JsonSettingsStoreTest() {
+    Log::setSink([this](const std::string& line) { log_ += line; });
+  }
+  ~JsonSettingsStoreTest() override { Log::setSink(nullptr); }
+
+  static std::string text(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+  [[nodiscard]] std::ptrdiff_t filesInFolder() const {
+    return std::distance(fs::directory_iterator(folder_.path() / "Tobrin"), {});
+  }
+
+  testing::TempFolder folder_;
+  fs::path file_ = folder_.path() / "Tobrin" / "settings.json";
+  std::string log_;
+};
+
+TEST_F(JsonSettingsStoreTest, KeepsChoicesAndWhatItDoesNotKnow) {
+  EXPECT_TRUE(JsonSettingsStore(file_).writeText("pack", "a \"ü\"")) << "makes its folder";
+  folder_.write("Tobrin/settings.json", R"({"later": {"version": [1, 2]}, "pack": "old"})");
+  JsonSettingsStore store(file_);
+  EXPECT_EQ(store.readText("pack"), "old");
+  EXPECT_EQ(store.readText("later"), std::nullopt);
+  EXPECT_EQ(store.read("missing"), std::nullopt);
+  EXPECT_TRUE(store.write("engine", R"({"volume": 0.5})"));
+  EXPECT_TRUE(store.writeText("pack", "a \"ü\""));
+
+  const JsonSettingsStore reread(file_);
+  EXPECT_EQ(reread.read("later"), R"({"version":[1,2]})");
+  EXPECT_EQ(reread.read("engine"), R"({"volume":0.5})");
+  EXPECT_EQ(reread.readText("pack"), "a \"ü\"");
+  EXPECT_EQ(filesInFolder(), 1) << "nothing is left beside it";
+}
+
+TEST_F(JsonSettingsStoreTest, ReplacesTheFileWhole) {
+  JsonSettingsStore store(file_);
+  store.writeText("pack", "first");
+  // Whoever has the old file open goes on reading the old text: it was never written into.
+  std::ifstream old(file_, std::ios::binary);
+  const std::string before = text(file_);
+  store.writeText("pack", "a text of another length");
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(old), {}), before);
+}
+
+TEST_F(JsonSettingsStoreTest, KeepsABrokenFileAside) {
+  for (const std::string broken :
+       {"{\"engine\": ", "", "[1]", "\xff\xfe", "{\"a\": \"\xff\"}", "7"}) {
+    SCOPED_TRACE(broken);
+    folder_.write("Tobrin/settings.json", broken);
+    log_.clear();
+    JsonSettingsStore store(file_);
+    EXPECT_NE(log_.find(file_.string()), std::string::npos);
+    EXPECT_EQ(store.read("engine"), std::nullopt);
+    EXPECT_TRUE(store.writeText("pack", "new"));
+    EXPECT_EQ(text(file_.string() + ".broken"), broken);
+    EXPECT_EQ(JsonSettingsStore(file_).readText("pack"), "new");
+  }
+}
+
+TEST_F(JsonSettingsStoreTest, LosesNothingWhereItCannotWrite) {
+  folder_.write("Tobrin/settings.json", R"({"pack": "old"})");
+  JsonSettingsStore store(file_);
+  // Stands in for a read-only folder, which would not stop a test that runs as root.
+  fs::rename(folder_.path() / "Tobrin", folder_.path() / "Kept");
+  folder_.write("Tobrin", "in the way");
+  EXPECT_FALSE(store.writeText("pack", "new"));
+  EXPECT_NE(log_.find("settings can't be saved"), std::string::npos);
+  EXPECT_EQ(store.readText("pack"), "new") << "holds while the program runs";
+  EXPECT_EQ(text(folder_.path() / "Kept" / "settings.json"), R"({"pack": "old"})");
+
+  fs::remove(folder_.path() / "Tobrin");
+  EXPECT_TRUE(store.write("engine", "1"));
+  EXPECT_EQ(JsonSettingsStore(file_).readText("pack"), "new") << "saved with the next change";
+}
+
+}  // namespace
+}  // namespace tobrin
