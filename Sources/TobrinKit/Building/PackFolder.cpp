@@ -25,8 +25,9 @@ void refuseForeignFolder(const fs::path& target) {
 fs::path folderBeside(const fs::path& target) {
   refuseForeignFolder(target);
   fs::create_directories(target.parent_path());
-  std::string pattern =
-      (target.parent_path() / ("." + target.filename().string() + ".building-XXXXXX")).string();
+  std::string hidden = target.filename().string();
+  hidden.insert(0, 1, '.');
+  std::string pattern = (target.parent_path() / (hidden += ".building-XXXXXX")).string();
   if (mkdtemp(pattern.data()) == nullptr) {
     throw fs::filesystem_error("can't make a folder", pattern,
                                std::error_code(errno, std::generic_category()));
