@@ -4,6 +4,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QEvent>
 #include <QGuiApplication>
 #include <QPalette>
 
@@ -30,7 +31,7 @@ ColorScheme::ColorScheme(QObject* parent) : QObject(parent) {
   QDBusConnection::sessionBus().connect(
       service, path, interface, "SettingChanged", this,
       SLOT(portalChanged(const QString&, const QString&, const QDBusVariant&)));
-  connect(qGuiApp, &QGuiApplication::paletteChanged, this, &ColorScheme::changed);
+  qGuiApp->installEventFilter(this);
   askPortal();
 }
 
@@ -44,6 +45,11 @@ void ColorScheme::askPortal() {
     if (!reply.isError()) take(QVariant::fromValue(reply.value()));
     answer->deleteLater();
   });
+}
+
+bool ColorScheme::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::ApplicationPaletteChange) emit changed();
+  return QObject::eventFilter(watched, event);
 }
 
 void ColorScheme::portalChanged(const QString& space, const QString& key,

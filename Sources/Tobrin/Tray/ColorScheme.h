@@ -23,6 +23,8 @@ class ColorScheme final : public QObject {
   void portalChanged(const QString& space, const QString& key, const QDBusVariant& value);
 
  private:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
   enum class Wish { none, dark, light };
   void askPortal();
   void take(const QVariant& value);
