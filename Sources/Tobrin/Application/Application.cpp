@@ -1,5 +1,7 @@
 #include "Application/Application.h"
 
+#include <malloc.h>
+
 #include <QCoreApplication>
 #include <QSocketNotifier>
 #include <chrono>
@@ -59,6 +61,7 @@ int Application::run(int argc, char** argv) {
   if (!instance->isFirst()) return bringUpTheOther(*instance);
 
   SignalWatcher::holdSignals();
+  mallopt(M_ARENA_MAX, 1);  // few allocations at a time: a heap a thread would be mostly empty
   const auto interface = userInterface();
   const auto application = interface != nullptr ? interface->makeApplication(argc, argv)
                                                 : std::make_unique<QCoreApplication>(argc, argv);

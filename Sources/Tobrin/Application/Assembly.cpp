@@ -1,5 +1,7 @@
 #include "Application/Assembly.h"
 
+#include <malloc.h>
+
 #include <filesystem>
 
 #include "Application/TimelyThread.h"
@@ -22,7 +24,9 @@ std::filesystem::path thisProgram() {
 }
 
 std::shared_ptr<const LoadedPack> loadPack(const PackInfo& info) {
-  return LoadedPack::load(info, AudioOutput::sampleRate);
+  auto pack = LoadedPack::load(info, AudioOutput::sampleRate);
+  malloc_trim(0);  // what decoding needed besides the pack goes back to the system
+  return pack;
 }
 
 }  // namespace
