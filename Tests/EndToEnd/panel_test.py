@@ -81,7 +81,7 @@ class PanelTest(unittest.TestCase):
         saved = json.loads(self.settings_file.read_text(encoding="utf-8"))
         self.assertEqual(saved["engineSettings"]["volume"], 0.5, "nothing else was touched")
 
-        xdotool("windowfocus", "--sync", windows[0], "key", "--window", windows[0], "Escape")
+        xdotool("key", "--window", windows[0], "Escape")
         self.assertTrue(eventually(lambda: not panels()))
         self.assertIsNone(program.process.poll(), "closing the window does not end the program")
         self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
