@@ -1,0 +1,55 @@
+#include "Building/PackRecipe.h"
+
+#include <gtest/gtest.h>
+
+#include "Building/RecipeError.h"
+
+namespace tobrin {
+namespace {
+
+std::string recipe(const std::string& more = "") {
+  const std::string source = R"({"freesoundID": 7, "user": "ann", "title": "Keys",
+      "license": "CC0", "previewURL": "file:///keys.wav"})";
+  return R"({"id": "mine", "name": "Mine", "kind": "Tactile", "summary": "My own", "sources": [)" +
+         source + R"(, {"freesoundID": 9, "user": "bob", "title": "More", "license": "CC BY",
+      "previewURL": "https://example.org/more"}], "enterSources": [)" +
+         source + "]" + more + "}";
+}
+
+TEST(PackRecipe, CreditsEveryRecordingOnceAndSurvivesWriting) {
+  const PackRecipe read = PackRecipe::fromJson(recipe(R"(, "options": {"alphaVariants": 8})"));
+  EXPECT_EQ(read.credits().size(), 2u);
+  const std::string text = read.licenseText();
+  EXPECT_TRUE(text.starts_with("Recordings: \"Keys\" by ann, "));
+  EXPECT_NE(text.find("/s/7/ (CC0); \"More\" by bob, "), std::string::npos);
+  EXPECT_TRUE(text.ends_with("/s/9/ (CC BY). Sliced and leveled for Tobrin."));
+  RecordingSlicer::Options expected;
+  expected.alphaVariants = 8;
+  EXPECT_EQ(read.options, expected);
+  EXPECT_EQ(PackRecipe::fromJson(read.toJson()), read);
+  EXPECT_EQ(slicerOptionsFromJson("{}"), RecordingSlicer::Options());
+}
+
+TEST(PackRecipe, RefusesWhatIsWrongByItsKey) {
+  const std::pair<std::string, const char*> cases[] = {
+      {"[]", "object"},
+      {"{\"id\": 3}", "\"id\" must be a text"},
+      {"{}", "\"id\" is missing"},
+      {recipe(R"(, "options": {"gainDb": "loud"})"), "\"gainDb\" must be a number"},
+      {recipe(R"(, "options": {"alphaVariants": 2.5})"), "\"alphaVariants\" must be a whole"},
+      {recipe(R"(, "options": {"bigKeyShare": 1e300})"), "\"bigKeyShare\" must lie between"},
+      {recipe(R"(, "options": {"noReleases": 1})"), "\"noReleases\" must be true or false"},
+      {recipe().substr(0, 40), "not valid JSON"},
+  };
+  for (const auto& [text, problem] : cases) {
+    try {
+      (void)PackRecipe::fromJson(text);
+      ADD_FAILURE() << "accepted: " << text;
+    } catch (const RecipeError& error) {
+      EXPECT_NE(std::string(error.what()).find(problem), std::string::npos) << error.what();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tobrin

@@ -1,0 +1,148 @@
+#include "Building/RecordingSlicer.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "Engine/SplitMix64.h"
+
+namespace tobrin {
+namespace {
+
+constexpr double rate = 48000;
+
+/// A recording composed of decaying sounds at known places, over a little noise.
+class Composition {
+ public:
+  explicit Composition(double seconds) : samples_(static_cast<std::size_t>(seconds * rate)) {
+    for (float& x : samples_)
+      x = static_cast<float>(1e-4 * rng_.signedUnit());
+  }
+
+  void add(double at, double amplitude, double pitch = 1, double length = 1) {
+    const auto start = static_cast<std::size_t>(at * rate);
+    for (const auto& [hz, decay] : {std::pair{400.0, 0.012}, {1300.0, 0.007}, {3100.0, 0.004}}) {
+      const double phase = rng_.unit() * 2 * std::numbers::pi;
+      for (std::size_t n = 0; start + n < samples_.size() && n < 9600; ++n) {
+        const double t = static_cast<double>(n) / rate;
+        samples_[start + n] +=
+            static_cast<float>(amplitude * std::exp(-t / (decay * length)) *
+                               std::sin(phase + 2 * std::numbers::pi * hz * pitch * t));
+      }
+    }
+  }
+
+  RecordingSlicer::Result slice(const RecordingSlicer::Options& options = {}) const {
+    return RecordingSlicer::slice(samples_, samples_, rate, options);
+  }
+  SplitMix64& rng() { return rng_; }
+
+ private:
+  SplitMix64 rng_{7};
+  std::vector<float> samples_;
+};
+
+struct Stroke {
+  std::size_t onset;
+  bool isPress;
+  double amplitude;
+};
+
+/// Typing with a release after every press, strengths spread over 18 dB.
+std::vector<Stroke> type(Composition& piece, double seconds) {
+  std::vector<Stroke> strokes;
+  SplitMix64& rng = piece.rng();
+  for (double at = 0.5; at < seconds - 1; at += 0.28 + 0.08 * rng.unit()) {
+    const double press = 0.1 * std::pow(10, 9 * rng.signedUnit() / 20);
+    const double hold = 0.09 + 0.02 * rng.unit();
+    piece.add(at, press);
+    piece.add(at + hold, press * std::pow(10, -14.0 / 20), 1.3, 0.6);
+    strokes.push_back({static_cast<std::size_t>(at * rate), true, press});
+    strokes.push_back({static_cast<std::size_t>((at + hold) * rate), false, press});
+  }
+  return strokes;
+}
+
+const RecordingSlicer::Hit* hitAt(const RecordingSlicer::Result& result, std::size_t onset) {
+  constexpr std::size_t tolerance = 96;  // 2 ms
+  for (const auto& hit : result.hits)
+    if (hit.onset + tolerance > onset && hit.onset < onset + tolerance) return &hit;
+  return nullptr;
+}
+
+TEST(RecordingSlicer, TellsPressesFromReleasesAndRanksThemByStrength) {
+  Composition piece(60);
+  const auto strokes = type(piece, 60);
+  const auto result = piece.slice();
+  double presses = 0, keptPresses = 0, kept = 0, inOrder = 0, pairs = 0;
+  std::vector<std::pair<double, float>> strengths;
+  for (const Stroke& stroke : strokes) {
+    const auto* hit = hitAt(result, stroke.onset);
+    presses += stroke.isPress ? 1 : 0;
+    if (hit == nullptr || hit->isRelease || hit->preActivity >= 0.25f) continue;
+    ++kept;
+    keptPresses += stroke.isPress ? 1 : 0;
+    if (stroke.isPress) strengths.emplace_back(stroke.amplitude, hit->energy);
+  }
+  EXPECT_GE(keptPresses / presses, 0.97);
+  EXPECT_GE(keptPresses / kept, 0.87);
+  for (std::size_t i = 0; i < strengths.size(); ++i) {
+    for (std::size_t j = 0; j < i; ++j) {
+      if (std::abs(std::log(strengths[i].first / strengths[j].first)) < 0.35) continue;  // 3 dB
+      ++pairs;
+      inOrder +=
+          (strengths[i].first < strengths[j].first) == (strengths[i].second < strengths[j].second)
+              ? 1
+              : 0;
+    }
+  }
+  EXPECT_GE(inOrder / pairs, 0.98);
+  EXPECT_EQ(result.down.at(KeyGroup::alpha).size(), tierCount);
+}
+
+TEST(RecordingSlicer, TakesFadeAtBothEndsAndEndBeforeTheNextHit) {
+  Composition piece(20);
+  type(piece, 20);
+  const auto result = piece.slice();
+  std::size_t takes = 0;
+  for (const auto& [group, tiers] : result.down) {
+    for (const auto& [tier, list] : tiers) {
+      for (const auto& take : list) {
+        ++takes;
+        ASSERT_EQ(take.left.size(), take.right.size());
+        EXPECT_EQ(take.left.front(), 0.0f);
+        EXPECT_EQ(take.left.back(), 0.0f);
+        EXPECT_LE(static_cast<double>(take.left.size()), (0.11 + 0.0015) * rate)
+            << "the release comes after 110 ms at the latest";
+      }
+    }
+  }
+  EXPECT_GT(takes, 0u);
+  EXPECT_FALSE(result.up.empty());
+}
+
+TEST(RecordingSlicer, MergesWhatIsCloserThanTheMergeDistance) {
+  for (const auto& [apart, hits] : {std::pair{0.020, 1u}, {0.035, 2u}}) {
+    Composition piece(2);
+    piece.add(0.5, 0.05, 1, 0.2);
+    piece.add(0.5 + apart, 0.3, 1, 0.2);
+    EXPECT_EQ(piece.slice().hits.size(), hits) << apart;
+  }
+}
+
+TEST(RecordingSlicer, HasNothingToSayOfSilenceAndOfNothing) {
+  for (const std::size_t frames : {std::size_t{0}, std::size_t{47}, std::size_t{96000}}) {
+    const std::vector<float> silence(frames);
+    const auto result = RecordingSlicer::slice(silence, silence, rate, {});
+    EXPECT_TRUE(result.hits.empty()) << frames;
+    EXPECT_TRUE(result.down.empty() && result.up.empty()) << frames;
+  }
+  EXPECT_EQ(RecordingSlicer::percentile({3, 1, 2}, 0.2), 1);
+  EXPECT_EQ(RecordingSlicer::percentile({3, 1, 2}, 1.0), 3);
+  EXPECT_EQ(RecordingSlicer::percentile({}, 0.5), 0);
+}
+
+}  // namespace
+}  // namespace tobrin
