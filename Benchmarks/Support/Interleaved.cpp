@@ -38,6 +38,7 @@ Timing summary(std::vector<double> times) {
 std::vector<Timing> timeInterleaved(const std::vector<Contestant>& contestants,
                                     const InterleavedOptions& options) {
   std::vector<std::size_t> repetitions;
+  repetitions.reserve(contestants.size());
   for (const Contestant& contestant : contestants)
     repetitions.push_back(repetitionsFor(contestant, options.secondsARun));
   std::vector<std::vector<double>> times(contestants.size());
@@ -48,6 +49,7 @@ std::vector<Timing> timeInterleaved(const std::vector<Contestant>& contestants,
     }
   }
   std::vector<Timing> timings;
+  timings.reserve(times.size());
   for (std::vector<double>& series : times)
     timings.push_back(summary(std::move(series)));
   return timings;

@@ -13,13 +13,17 @@ constexpr const char* rowFormat = "%-50s %16s %22s %7s %8s %4s %8s\n";
 
 std::string number(double value) {
   char text[32];
-  std::snprintf(text, sizeof text, value < 10 ? "%.2f" : value < 1000 ? "%.1f" : "%.0f", value);
+  static_cast<void>(std::snprintf(text, sizeof text,
+                                  value < 10     ? "%.2f"
+                                  : value < 1000 ? "%.1f"
+                                                 : "%.0f",
+                                  value));
   return text;
 }
 
 std::string percent(double part) {
   char text[32];
-  std::snprintf(text, sizeof text, "%.1f %%", 100 * part);
+  static_cast<void>(std::snprintf(text, sizeof text, "%.1f %%", 100 * part));
   return text;
 }
 
@@ -92,7 +96,7 @@ void Report::add(const Figure& figure) {
                 number(figure.ratio).c_str(), goal.c_str(), figure.met() ? "yes" : "NO",
                 percent(figure.spread).c_str());
   }
-  std::fflush(stdout);
+  static_cast<void>(std::fflush(stdout));
 }
 
 }  // namespace tobrin

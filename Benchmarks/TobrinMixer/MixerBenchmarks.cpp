@@ -88,7 +88,7 @@ Contestant scalarBlocks(ScalarMixer& mixer, const std::vector<TBCommand>& voices
 
 Contestant openAlBlocks(OpenAlMixer& mixer) {
   return contestant("OpenAL Soft",
-                    [&mixer, samples = std::vector<float>(2 * blockFrames)]() mutable {
+                    [&mixer, samples = std::vector<float>(std::size_t{2} * blockFrames)]() mutable {
                       mixer.render(samples.data(), blockFrames);
                     });
 }

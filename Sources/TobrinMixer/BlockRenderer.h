@@ -21,7 +21,7 @@ class BlockRenderer final {
  public:
   /// Settles the instruction set. Fade lengths in frames.
   BlockRenderer(uint32_t fadeFrames, uint32_t releaseFrames) noexcept
-      : kernels_(chooseMixKernels()), pool_(fadeFrames, releaseFrames) {}
+      : pool_(fadeFrames, releaseFrames), kernels_(chooseMixKernels()) {}
 
   /// Carries out one command. Returns whether a voice started.
   bool apply(const TBCommand& command) noexcept { return pool_.apply(command); }
@@ -38,12 +38,12 @@ class BlockRenderer final {
   void addStretch(const MixerVoice& voice, MixSpan span, uint32_t channels) noexcept;
   void addPending(uint32_t channels) noexcept;
 
-  const MixKernels& kernels_;
-  VoicePool pool_;
-  float master_ = 1;
-  std::array<StretchWork, 2> works_{};  ///< used in turn
-  StretchWork* pending_ = nullptr;      ///< formed, but not yet added to the mix
   alignas(64) MixBuffer mix_{};
+  std::array<StretchWork, 2> works_{};  ///< used in turn
+  VoicePool pool_;
+  const MixKernels& kernels_;
+  StretchWork* pending_ = nullptr;  ///< formed, but not yet added to the mix
+  float master_ = 1;
 };
 
 }  // namespace tobrin

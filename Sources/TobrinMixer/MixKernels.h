@@ -24,7 +24,7 @@ struct LineSource {
 /// The weighted sum of several sources, which is formed before it is interpolated: layers of one
 /// voice share their position, so interpolating the sum is interpolating each.
 struct Line {
-  std::array<LineSource, 2 * TB_LAYERS> sources;
+  std::array<LineSource, size_t{2} * TB_LAYERS> sources;
   uint32_t count;
 };
 
@@ -47,7 +47,7 @@ struct VoiceStretch {
 /// A stretch with its lines, the sums of its sources.
 struct StretchWork {
   static constexpr size_t front = 16;  ///< samples before a line, read but never heard
-  static constexpr size_t lineFrames = front + 4 * stretchFrames + vectorSlack;
+  static constexpr size_t lineFrames = front + size_t{4} * stretchFrames + vectorSlack;
   using Samples = std::array<float, lineFrames>;
 
   alignas(64) std::array<Samples, 2> sums;

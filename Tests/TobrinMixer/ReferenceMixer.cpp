@@ -72,7 +72,7 @@ void ReferenceMixer::apply(const TBCommand& command) {
 }
 
 void ReferenceMixer::mix(Voice& voice, double* left, double* right, uint32_t frames) {
-  for (uint32_t i = 0; i < frames; ++i, voice.position += voice.rate) {
+  for (uint32_t i = 0; i < frames; ++i) {
     if (voice.position >= voice.length) {
       voice.active = false;
       return;
@@ -97,6 +97,7 @@ void ReferenceMixer::mix(Voice& voice, double* left, double* right, uint32_t fra
     left[i] += (right == nullptr ? 0.5 : 1.0) * mixLeft * voice.panLeft;
     (right == nullptr ? left : right)[i] +=
         (right == nullptr ? 0.5 : 1.0) * mixRight * voice.panRight;
+    voice.position += voice.rate;
   }
 }
 
