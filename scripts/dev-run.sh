@@ -1,11 +1,12 @@
 # run [ARGS]: the program in this desktop; where there is none, in a private one, typed at and recorded.
 main() {
+  local program=(tobrin TobrinTray TobrinPanel TobrinStarterPacks)
   ensure_packages scripts/packages.txt
   if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
-    build_preset release --target tobrin TobrinStarterPacks
+    build_preset release --target "${program[@]}"
     exec build/release/tobrin "$@"
   fi
-  build_preset release --target tobrin TobrinStarterPacks press-keys record-sink find-onsets
+  build_preset release --target "${program[@]}" press-keys record-sink find-onsets
   export TOBRIN_DESKTOP_TOOLS=$PWD/build/release/desktop-tools PYTHONDONTWRITEBYTECODE=1
   case ${1:-} in
     --*)
