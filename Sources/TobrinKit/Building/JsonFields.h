@@ -74,10 +74,16 @@ class JsonFields final {
   std::string place_;
 };
 
-/// Parses a document; text that is no JSON throws `RecipeError`.
+/// Parses a document; text that is no JSON, or nested so deeply that writing it could exhaust the
+/// stack, throws `RecipeError`.
 inline nlohmann::json parsedJson(std::string_view text) {
+  constexpr int maxDepth = 32;  // recipes need 3
   try {
-    return nlohmann::json::parse(text);
+    return nlohmann::json::parse(
+        text, [](int depth, nlohmann::json::parse_event_t, const nlohmann::json&) {
+          if (depth > maxDepth) throw RecipeError("nested too deeply");
+          return true;
+        });
   } catch (const nlohmann::json::exception& error) {
     throw RecipeError(std::string("not valid JSON: ") + error.what());
   }

@@ -89,6 +89,10 @@ TakeCollection collected(const PackRecipe& recipe, const fs::path& cache,
                          const RecordedPackBuilder::Log& log) {
   const Options options = recipe.options.value_or(Options());
   TakeCollection takes(options);
+  // Once for each recording, also when several sources are parts of the same one.
+  forEachSource<fs::path>(recipe.credits(), [&](const auto& source) {
+    return RecordedPackBuilder::fetch(source, cache);
+  });
   auto results = forEachSource<RecordingSlicer::Result>(
       recipe.sources, [&](const auto& source) { return sliced(source, cache, options); });
   for (std::size_t i = 0; i < results.size(); ++i) {

@@ -5,6 +5,7 @@ import select
 import shutil
 import signal
 import subprocess
+import sys
 from dataclasses import dataclass, field
 
 from .control import Control
@@ -83,7 +84,11 @@ class Session:
             while pending:
                 process.send_signal(pending.pop(0))
         signal.set_wakeup_fd(-1)
-        return process.returncode if process.returncode >= 0 else 128 - process.returncode
+        if process.returncode >= 0:
+            return process.returncode
+        print(f"desktop-session: the command was ended by {signal.Signals(-process.returncode).name}",
+              file=sys.stderr)
+        return 128 - process.returncode
 
     def close(self):
         """Ends whatever the command left running, while its desktop still stands; then the desktop."""

@@ -40,6 +40,9 @@ TEST(PackRecipe, RefusesWhatIsWrongByItsKey) {
       {recipe(R"(, "options": {"bigKeyShare": 1e300})"), "\"bigKeyShare\" must lie between"},
       {recipe(R"(, "options": {"noReleases": 1})"), "\"noReleases\" must be true or false"},
       {recipe().substr(0, 40), "not valid JSON"},
+      {recipe(R"(, "options": {"x": )" + std::string(100'000, '[') + std::string(100'000, ']') +
+              "}"),
+       "nested too deeply"},
   };
   for (const auto& [text, problem] : cases) {
     try {

@@ -1,0 +1,60 @@
+// Any short recording under any options that a recipe may hold: takes stay inside the recording and
+// no sample is other than a number.
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "Building/PackRecipe.h"
+#include "Building/RecipeError.h"
+#include "FuzzInput.h"
+
+namespace {
+
+using tobrin::RecordingSlicer;
+using tobrin::fuzz::require;
+
+void check(const RecordingSlicer::Take& take, std::size_t frames) {
+  require(take.left.size() == take.right.size() && take.left.size() <= frames);
+  const auto isNumber = [](float x) { return std::isfinite(x); };
+  require(std::all_of(take.left.begin(), take.left.end(), isNumber));
+  require(std::all_of(take.right.begin(), take.right.end(), isNumber));
+}
+
+void check(const RecordingSlicer::Result& result, std::size_t frames) {
+  require(result.fates.size() == result.hits.size());
+  for (const auto& hit : result.hits)
+    require(hit.onset < frames && hit.gapAfter <= frames);
+  for (const auto& [group, tiers] : result.down) {
+    for (const auto& [tier, takes] : tiers) {
+      for (const auto& take : takes)
+        check(take, frames);
+    }
+  }
+  for (const auto& take : result.up)
+    check(take, frames);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
+  tobrin::fuzz::Input input(data, size);
+  constexpr double rate = 48000;
+  constexpr std::size_t framesAByte = 96;  // 2 ms, so that few bytes make many hits
+  RecordingSlicer::Options options;
+  try {
+    options = tobrin::slicerOptionsFromJson(input.text(input.take<uint8_t>()));
+  } catch (const tobrin::RecipeError&) {
+    // The defaults, then.
+  }
+  std::vector<float> left, right;
+  while (!input.empty()) {
+    const float amplitude = static_cast<float>(input.take<int8_t>()) / 127;
+    for (std::size_t i = 0; i < framesAByte; ++i) {
+      const float alternating = i / 8 % 2 == 0 ? amplitude : -amplitude;
+      left.push_back(alternating);
+      right.push_back(alternating / 2);
+    }
+  }
+  check(RecordingSlicer::slice(left, right, rate, options), left.size());
+  return 0;
+}

@@ -1,0 +1,171 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "CommandLine.h"
+#include "Support/RawServer.h"
+#include "Support/TempFolder.h"
+
+namespace tobrin {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::json;
+using testing::RawServer;
+
+struct Outcome {
+  int status = 0;
+  std::string out;
+  std::string err;
+};
+
+Outcome run(const std::vector<std::string>& arguments) {
+  std::ostringstream out;
+  std::ostringstream err;
+  const int status = runPackWorkshop(arguments, {out, err});
+  return {status, out.str(), err.str()};
+}
+
+std::string contentOf(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// Every file below a folder by its relative path.
+std::map<std::string, std::string> filesIn(const fs::path& folder) {
+  std::map<std::string, std::string> files;
+  if (!fs::exists(folder)) return files;
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+    if (entry.is_regular_file()) files[fs::relative(entry, folder)] = contentOf(entry);
+  }
+  return files;
+}
+
+/// A minute of leisurely typing on a synthesized keyboard, rendered once for all tests.
+class BuildCommand : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    shared = new testing::TempFolder;
+    recording = shared->path() / "typing.wav";
+    ASSERT_EQ(run({"generate", "cream", "--into", shared->path()}).status, 0);
+    std::string text;
+    while (text.size() < 200)
+      text += "every key has its own sound.\n";
+    const auto made = run(
+        {"render", shared->path() / "cream", "--text", text, "--wpm", "40", "--out", recording});
+    ASSERT_EQ(made.status, 0) << made.err;
+  }
+  static void TearDownTestSuite() { delete shared; }
+
+  static Json source(int64_t number, const std::string& url) {
+    return {{"freesoundID", number},
+            {"user", "somebody"},
+            {"title", "typing"},
+            {"license", "CC0"},
+            {"previewURL", url}};
+  }
+  static std::string fileURL() { return "file://" + recording.string(); }
+
+  Outcome build(const Json& sources, const fs::path& into) const {
+    const Json recipe = {
+        {"id", "mine"}, {"name", "Mine"}, {"kind", "own"}, {"summary", ""}, {"sources", sources}};
+    const std::string file = folder.write("recipe.json", recipe.dump());
+    return run({"build", file, "--into", into, "--cache", cache, "--json"});
+  }
+
+  static inline testing::TempFolder* shared = nullptr;
+  static inline fs::path recording;
+  const testing::TempFolder folder;
+  const fs::path cache = folder.path() / "cache";
+  const fs::path pack = folder.path() / "mine";
+};
+
+TEST_F(BuildCommand, MakesASoundPackAtTheTargetLoudnessWithTheSameBytesEveryTime) {
+  const auto built = build(Json::array({source(1, fileURL())}), pack);
+  ASSERT_EQ(built.status, 0) << built.err;
+  const Json result = Json::parse(built.out);
+  EXPECT_NEAR(result["lufs"].get<double>(), -28, 0.3);
+  EXPECT_GT(result["takes"].get<int>(), 12);
+  const auto checked = run({"check", pack});
+  EXPECT_EQ(checked.status, 0) << checked.out << checked.err;
+
+  const fs::path again = folder.path() / "again";
+  fs::remove_all(cache);
+  ASSERT_EQ(build(Json::array({source(1, fileURL())}), again).status, 0);
+  EXPECT_TRUE(filesIn(pack) == filesIn(again));
+}
+
+TEST_F(BuildCommand, UsesTwoPartsOfOneRecordingAndSeparateRecordingsOfEnter) {
+  Json parts = {source(1, fileURL()), source(1, fileURL())};
+  parts[0]["end"] = 30;
+  parts[1]["start"] = 30;
+  Json recipe = {{"id", "mine"},     {"name", "Mine"},
+                 {"kind", "own"},    {"summary", ""},
+                 {"sources", parts}, {"enterSources", Json::array({source(2, fileURL())})}};
+  recipe["enterSources"][0]["end"] = 5;
+  const std::string file = folder.write("recipe.json", recipe.dump());
+  const auto built = run({"build", file, "--into", pack, "--cache", cache});
+  ASSERT_EQ(built.status, 0) << built.err;
+  const Json manifest = Json::parse(contentOf(pack / "pack.json"));
+  EXPECT_EQ(manifest["author"], "somebody");
+  EXPECT_EQ(manifest["groups"]["enter"]["down"]["medium"][0], "enter-1.wav");
+  EXPECT_EQ(filesIn(cache).size(), 4u) << "two previews, two conversions";
+}
+
+TEST_F(BuildCommand, FetchesOverHttpAndSaysWhatWentWrongThere) {
+  const std::string bytes = contentOf(recording);
+  const RawServer good(RawServer::answer("200 OK", bytes, bytes.size()));
+  ASSERT_EQ(build(Json::array({source(1, good.url("/typing.wav"))}), pack).status, 0);
+  const auto before = filesIn(pack);
+  fs::remove_all(cache);
+
+  const RawServer missing(RawServer::answer("404 Not Found", "no", 2));
+  const RawServer cut(RawServer::answer("200 OK", bytes.substr(0, 5000), bytes.size()));
+  const RawServer mute("");
+  const RawServer empty(RawServer::answer("200 OK", "", 0));
+  const RawServer thief("HTTP/1.1 302 Found\r\nLocation: " + fileURL() +
+                        "\r\nContent-Length: 0\r\n\r\n");
+  const std::string cases[] = {missing.url("/a.ogg"), cut.url("/b.ogg"),   mute.url("/c.ogg"),
+                               empty.url("/d.ogg"),   thief.url("/e.ogg"), "file:///no/such.ogg",
+                               "gopher://127.0.0.1/"};
+  for (const std::string& url : cases) {
+    const auto failed = build(Json::array({source(1, url)}), pack);
+    EXPECT_EQ(failed.status, 1) << url;
+    EXPECT_NE(failed.err.find(url), std::string::npos) << failed.err;
+    const auto line = failed.err.substr(failed.err.find('\n') + 1);  // after "building Mine"
+    EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1) << failed.err;
+    EXPECT_TRUE(filesIn(cache).empty()) << url;
+    EXPECT_TRUE(filesIn(pack) == before) << url;
+  }
+}
+
+TEST_F(BuildCommand, LeavesFoldersAloneThatItCannotFill) {
+  const auto refused = [&](const fs::path& into, const Json& sources, const std::string& reason) {
+    const auto before = filesIn(folder.path() / into.filename());
+    const auto outcome = build(sources, into);
+    EXPECT_EQ(outcome.status, 1) << into;
+    EXPECT_NE(outcome.err.find(reason), std::string::npos) << outcome.err;
+    EXPECT_TRUE(filesIn(folder.path() / into.filename()) == before) << into;
+  };
+  folder.write("letters/first.txt", "dear");
+  refused(folder.path() / "letters", Json::array({source(1, fileURL())}), "is no sound pack");
+  refused(pack, Json::array(), "sources");
+  const auto text = folder.write("text.ogg", "this is no sound");
+  refused(pack, Json::array({source(3, "file://" + text.string())}), "ffmpeg failed");
+  Json quiet = source(1, fileURL());
+  quiet["end"] = 0.01;
+  refused(pack, Json::array({quiet}), "mine");
+  EXPECT_FALSE(fs::exists(pack));
+  for (const auto& entry : fs::directory_iterator(folder.path())) {
+    EXPECT_EQ(entry.path().filename().string().find(".building"), std::string::npos) << entry;
+  }
+}
+
+}  // namespace
+}  // namespace tobrin

@@ -1,0 +1,123 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "CommandLine.h"
+#include "Support/AudioFiles.h"
+#include "Support/TempFolder.h"
+
+namespace tobrin {
+namespace {
+
+using Json = nlohmann::json;
+using testing::WavHeader;
+
+struct Outcome {
+  int status = 0;
+  std::string out;
+  std::string err;
+};
+
+Outcome run(const std::vector<std::string>& arguments) {
+  std::ostringstream out;
+  std::ostringstream err;
+  const int status = runPackWorkshop(arguments, {out, err});
+  return {status, out.str(), err.str()};
+}
+
+/// Ten decaying clicks, half a second apart from 0.25 s on, alike in all channels.
+std::string clicks(const WavHeader& header, double amplitude) {
+  constexpr double seconds = 5.25;
+  const auto frames = static_cast<std::size_t>(seconds * header.rate);
+  std::vector<int16_t> samples;
+  samples.reserve(frames * header.channels);
+  for (std::size_t n = 0; n < frames; ++n) {
+    const double at = static_cast<double>(n) / header.rate;
+    const double since = std::fmod(at + 0.25, 0.5);
+    const double x = at < 0.25 ? 0 : std::exp(-since / 0.01) * std::sin(9000 * since);
+    const double value = std::clamp(amplitude * x, -1.0, 1.0) * 32767;
+    samples.insert(samples.end(), header.channels, static_cast<int16_t>(value));
+  }
+  return testing::wav16(header, samples);
+}
+
+TEST(SliceCommand, FindsTheSameHitsInEveryLayoutAndRate) {
+  const testing::TempFolder folder;
+  for (const WavHeader& header :
+       {WavHeader{1, 48000}, WavHeader{2, 48000}, WavHeader{8, 48000}, WavHeader{2, 44100}}) {
+    const std::string label =
+        std::to_string(header.channels) + " channels at " + std::to_string(header.rate);
+    const std::string file = folder.write("clicks.wav", clicks(header, 0.5));
+    const auto sliced = run({"slice", file, "--json"});
+    ASSERT_EQ(sliced.status, 0) << label << ": " << sliced.err;
+    const Json hits = Json::parse(sliced.out)["hits"];
+    ASSERT_EQ(hits.size(), 10u) << label;
+    for (std::size_t i = 0; i < hits.size(); ++i) {
+      const double expected = 48000 * (0.25 + 0.5 * static_cast<double>(i));
+      EXPECT_NEAR(hits[i]["onset"].get<double>(), expected, 48) << label;
+      EXPECT_FALSE(hits[i]["clipped"].get<bool>()) << label;
+    }
+  }
+}
+
+TEST(SliceCommand, AnswersWhateverItIsGiven) {
+  const testing::TempFolder folder;
+  const std::string whole = clicks({}, 0.5);
+  struct Case {
+    const char* label;
+    std::string content;
+    std::size_t hits;
+  };
+  const Case cases[] = {
+      {"silence", testing::wav16({}, std::vector<int16_t>(48000)), 0},
+      {"1 ms", testing::wav16({}, std::vector<int16_t>(48, 9000)), 0},
+      {"clipped", clicks({}, 4), 10},
+      {"truncated", whole.substr(0, whole.size() / 2), 5},
+  };
+  for (const Case& each : cases) {
+    const std::string file = folder.write("recording.wav", each.content);
+    const auto sliced = run({"slice", file, "--json"});
+    ASSERT_EQ(sliced.status, 0) << each.label << ": " << sliced.err;
+    const Json result = Json::parse(sliced.out);
+    EXPECT_EQ(result["hits"].size(), each.hits) << each.label;
+    if (each.label == std::string("clipped")) {
+      EXPECT_TRUE(result["down"].empty());
+    }
+  }
+  for (const auto& [label, content] :
+       {std::pair{"no sound", std::string("hello")}, {"empty", std::string()}}) {
+    const std::string file = folder.write("recording.wav", content);
+    const auto failed = run({"slice", file, "--json"});
+    EXPECT_EQ(failed.status, 1) << label;
+    EXPECT_TRUE(failed.out.empty()) << label;
+    EXPECT_NE(failed.err.find("recording.wav"), std::string::npos) << failed.err;
+    EXPECT_EQ(std::count(failed.err.begin(), failed.err.end(), '\n'), 1) << failed.err;
+  }
+}
+
+TEST(SliceCommand, TakesOptionsAndDrawsAPlot) {
+  const testing::TempFolder folder;
+  const std::string file = folder.write("clicks.wav", clicks({}, 0.5));
+  const std::string wrong = folder.write("options.json", R"({"alphaVariants": "six"})");
+  const auto refused = run({"slice", file, "--options", wrong});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_NE(refused.err.find("options.json"), std::string::npos) << refused.err;
+  EXPECT_NE(refused.err.find("alphaVariants"), std::string::npos) << refused.err;
+
+  const std::string options = folder.write("options.json", R"({"minPressMs": 600})");
+  const std::string plot = folder.path() / "clicks.svg";
+  const auto sliced = run({"slice", file, "--options", options, "--plot", plot, "--json"});
+  ASSERT_EQ(sliced.status, 0) << sliced.err;
+  EXPECT_TRUE(Json::parse(sliced.out)["down"].empty()) << "no hit has so much room";
+  std::ifstream drawing(plot);
+  std::string first;
+  std::getline(drawing, first);
+  EXPECT_EQ(first.rfind("<svg", 0), 0u) << first;
+}
+
+}  // namespace
+}  // namespace tobrin
