@@ -1,0 +1,64 @@
+// Slicing of a long recording, as multiples of real time on one thread.
+#include <cmath>
+#include <cstdio>
+#include <numbers>
+#include <vector>
+
+#include "Building/RecordingSlicer.h"
+#include "Engine/SplitMix64.h"
+#include "Support/Interleaved.h"
+#include "Support/Report.h"
+
+namespace tobrin {
+namespace {
+
+constexpr double rate = 48'000;
+constexpr double seconds = 120;
+
+void addStroke(std::vector<float>& samples, double at, double amplitude) {
+  const auto start = static_cast<std::size_t>(at * rate);
+  for (std::size_t n = 0; start + n < samples.size() && n < 4800; ++n) {
+    const double t = static_cast<double>(n) / rate;
+    samples[start + n] += static_cast<float>(amplitude * std::exp(-t / 0.008) *
+                                             std::sin(2 * std::numbers::pi * 1500 * t));
+  }
+}
+
+/// Two minutes of typing over noise, each press followed by a softer release.
+std::vector<float> typing() {
+  SplitMix64 rng(7);
+  std::vector<float> samples(static_cast<std::size_t>(seconds * rate));
+  for (float& x : samples)
+    x = static_cast<float>(1e-4 * rng.signedUnit());
+  for (double at = 0.5; at < seconds - 1; at += 0.2 + 0.1 * rng.unit()) {
+    const double amplitude = 0.1 * std::pow(10, 9 * rng.signedUnit() / 20);
+    addStroke(samples, at, amplitude);
+    addStroke(samples, at + 0.09, amplitude / 5);
+  }
+  return samples;
+}
+
+/// Returns whether the recording was sliced at all.
+bool twoMinutes(Report& report) {
+  const std::vector<float> recording = typing();
+  std::size_t hits = 0;
+  const auto timings = timeInterleaved(
+      {contestant(
+          "tobrin",
+          [&] { hits = RecordingSlicer::slice(recording, recording, rate, {}).hits.size(); })},
+      {.rounds = 7});
+  constexpr double goal = 300;
+  report.add(Figure::over("slicing of 2 minutes of typing", seconds / timings[0].median,
+                          "x real time", goal, timings[0].spread));
+  return hits > 500;
+}
+
+}  // namespace
+}  // namespace tobrin
+
+int main(int argc, char** argv) {
+  tobrin::Report report(argc, argv);
+  if (tobrin::twoMinutes(report)) return 0;
+  std::fputs("slicing: keystrokes were missed\n", stderr);
+  return 1;
+}
