@@ -5,7 +5,7 @@ main() {
   [[ $seconds =~ ^[0-9]+$ ]] || die "fuzz: '$seconds' is no number of seconds"
   ensure_packages scripts/packages.txt
   ensure_packages scripts/packages-fuzz.txt
-  build_preset fuzz
+  build_preset fuzz --target TobrinFuzzers
   while read -r program; do
     name=$(basename "$program")
     corpus=build/fuzz/Corpus/$name
