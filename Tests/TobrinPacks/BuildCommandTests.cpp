@@ -6,9 +6,8 @@
 #include <iterator>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
-#include "CommandLine.h"
+#include "RunWorkshop.h"
 #include "Support/RawServer.h"
 #include "Support/TempFolder.h"
 
@@ -19,18 +18,8 @@ namespace fs = std::filesystem;
 using Json = nlohmann::json;
 using testing::RawServer;
 
-struct Outcome {
-  int status = 0;
-  std::string out;
-  std::string err;
-};
-
-Outcome run(const std::vector<std::string>& arguments) {
-  std::ostringstream out;
-  std::ostringstream err;
-  const int status = runPackWorkshop(arguments, {out, err});
-  return {status, out.str(), err.str()};
-}
+using testing::Outcome;
+using testing::run;
 
 std::string contentOf(const fs::path& file) {
   std::ifstream in(file, std::ios::binary);

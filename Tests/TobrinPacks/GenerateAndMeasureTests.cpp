@@ -3,28 +3,17 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <numbers>
-#include <sstream>
 
 #include "Building/WAVWriter.h"
-#include "CommandLine.h"
 #include "Packs/PackLibrary.h"
+#include "RunWorkshop.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
 namespace {
 
-struct Outcome {
-  int status = 0;
-  std::string out;
-  std::string err;
-};
-
-Outcome run(const std::vector<std::string>& arguments) {
-  std::ostringstream out;
-  std::ostringstream err;
-  const int status = runPackWorkshop(arguments, {out, err});
-  return {status, out.str(), err.str()};
-}
+using testing::Outcome;
+using testing::run;
 
 TEST(GenerateCommand, WritesTheNamedPacksAndNothingElse) {
   const testing::TempFolder folder;

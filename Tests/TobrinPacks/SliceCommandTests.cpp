@@ -4,9 +4,8 @@
 #include <cmath>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
-#include "CommandLine.h"
+#include "RunWorkshop.h"
 #include "Support/AudioFiles.h"
 #include "Support/TempFolder.h"
 
@@ -16,18 +15,7 @@ namespace {
 using Json = nlohmann::json;
 using testing::WavHeader;
 
-struct Outcome {
-  int status = 0;
-  std::string out;
-  std::string err;
-};
-
-Outcome run(const std::vector<std::string>& arguments) {
-  std::ostringstream out;
-  std::ostringstream err;
-  const int status = runPackWorkshop(arguments, {out, err});
-  return {status, out.str(), err.str()};
-}
+using testing::run;
 
 /// Ten decaying clicks, half a second apart from 0.25 s on, alike in all channels.
 std::string clicks(const WavHeader& header, double amplitude) {
