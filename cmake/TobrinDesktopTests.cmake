@@ -1,7 +1,7 @@
 # Tests that need an X server, a message bus or a sound server: each runs in a private desktop session of
-# its own (Tests/Desktop), so that they neither touch the machine's nor each other.
+# its own (Tools/Desktop), so that they neither touch the machine's nor each other.
 
-set(TOBRIN_DESKTOP_SESSION ${PROJECT_SOURCE_DIR}/Tests/Desktop/desktop-session)
+set(TOBRIN_DESKTOP_SESSION ${PROJECT_SOURCE_DIR}/Tools/Desktop/desktop-session)
 
 # tobrin_add_desktop_test(NAME name COMMAND program|target [argument...]
 #                         [SESSION option...] [TIMEOUT seconds] [LABELS label...] [SERIAL])

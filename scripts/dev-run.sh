@@ -11,10 +11,10 @@ main() {
   case ${1:-} in
     --*)
       say "no desktop here: in a private one"
-      exec Tests/Desktop/desktop-session -- build/release/tobrin "$@"
+      exec Tools/Desktop/desktop-session -- build/release/tobrin "$@"
       ;;
   esac
   say "no desktop here: typing in a private one"
-  exec Tests/Desktop/desktop-session -- scripts/demo build/release/tobrin build/release/Resources/Packs \
+  exec Tools/Desktop/desktop-session -- scripts/demo build/release/tobrin build/release/Resources/Packs \
     tobrin-demo.wav "$@"
 }

@@ -9,7 +9,7 @@ import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-sys.path.insert(0, str(ROOT / "Tests" / "Desktop"))
+sys.path.insert(0, str(ROOT / "Tools" / "Desktop"))
 
 from footprint import (report_first_key_after_suspension, report_memory, report_start,  # noqa: E402
                        report_wakeups)

@@ -10,12 +10,12 @@ import tempfile
 import time
 import unittest
 
-HERE = pathlib.Path(__file__).resolve().parent
-CTL = f"{sys.executable} {HERE}/desktop-ctl"
+TOOLS = pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"
+CTL = f"{sys.executable} {TOOLS}/desktop-ctl"
 
 
 def start(script, *options, env=None):
-    return subprocess.Popen([sys.executable, HERE / "desktop-session", *options, "--", "bash", "-ec", script],
+    return subprocess.Popen([sys.executable, TOOLS / "desktop-session", *options, "--", "bash", "-ec", script],
                             stdout=subprocess.PIPE, text=True, env=env)
 
 

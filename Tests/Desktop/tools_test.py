@@ -7,10 +7,11 @@ import sys
 import tempfile
 import unittest
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+TOOLS = pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"
+sys.path.insert(0, str(TOOLS))
 from listening import Background, Press, Sound, figures, find_sounds, match, press_keys, record, tool  # noqa: E402
 
-CTL = pathlib.Path(__file__).resolve().parent / "desktop-ctl"
+CTL = TOOLS / "desktop-ctl"
 SAMPLE_NS = 1e9 / 48000
 
 

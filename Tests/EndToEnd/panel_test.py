@@ -10,7 +10,7 @@ import sys
 import time
 import unittest
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "Desktop"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
 from listening import Tobrin  # noqa: E402
 
 PACKS, PROGRAM = sys.argv.pop(), sys.argv.pop()

@@ -7,7 +7,7 @@ import sys
 import tempfile
 import unittest
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "Desktop"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
 from listening import (Tobrin, control, figures, find_sounds, match, press_keys, record,  # noqa: E402
                        types_audibly)
 
