@@ -26,15 +26,18 @@ std::unique_ptr<KeyMonitor> listen(KeyMonitor::Handler handler) {
                                       KeyMonitorOptions{.onThreadStart = prepareTimelyThread});
 }
 
+/// Nothing where the machine has no sensor.
+std::unique_ptr<ForceSensor> findSensor() {
+  auto source = findMotionSource();
+  if (source == nullptr) return nullptr;
+  return std::make_unique<ForceSensor>(std::move(source),
+                                       [] { prepareTimelyThread(ForceSensor::threadName); });
+}
+
 }  // namespace
 
 int Diagnostics::probe(double seconds) {
-  auto source = findMotionSource();
-  auto sensor = source != nullptr
-                    ? std::make_unique<ForceSensor>(
-                          std::move(source), [] { prepareTimelyThread(ForceSensor::threadName); })
-                    : nullptr;
-  return probe::Probe({std::move(sensor), listen}, std::cout, std::filesystem::current_path())
+  return probe::Probe({findSensor(), listen}, std::cout, std::filesystem::current_path())
       .run(seconds);
 }
 
@@ -55,7 +58,7 @@ int Diagnostics::selfTest() {
           [](const PackInfo& info) { return LoadedPack::load(info, AudioOutput::sampleRate); },
       .conductorQueue = queue,
       .audioDevice = makeAudioDevice(makePipeWireLoop()),
-      .motionSource = findMotionSource(),
+      .sensor = findSensor(),
       .listen = listen,
       .typer = makeKeyTyper(),
       .sleep = [](std::chrono::milliseconds time) { std::this_thread::sleep_for(time); },

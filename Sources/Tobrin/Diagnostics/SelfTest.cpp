@@ -51,13 +51,10 @@ std::shared_ptr<const LoadedPack> SelfTest::checkPacks() {
 }
 
 void SelfTest::checkEngine(std::shared_ptr<const LoadedPack> pack) {
-  auto sensor = parts_.motionSource != nullptr
-                    ? std::make_unique<ForceSensor>(std::move(parts_.motionSource))
-                    : nullptr;
-  ForceSensor* const watched = sensor.get();
+  ForceSensor* const watched = parts_.sensor.get();
   Conductor conductor(parts_.conductorQueue,
                       std::make_unique<AudioOutput>(std::move(parts_.audioDevice)),
-                      std::move(sensor));
+                      std::move(parts_.sensor));
   conductor.apply(muted(), true);
   conductor.setPack(std::move(pack));
 

@@ -11,7 +11,7 @@
 
 #include "Engine/AudioDevice.h"
 #include "Engine/SerialQueue.h"
-#include "Force/MotionSource.h"
+#include "Force/ForceSensor.h"
 #include "Input/KeyMonitor.h"
 #include "Input/KeyTyper.h"
 #include "Packs/LoadedPack.h"
@@ -26,7 +26,7 @@ class SelfTest final {
     std::function<std::shared_ptr<const LoadedPack>(const PackInfo&)> loadPack;  ///< throws
     SerialQueue& conductorQueue;
     std::unique_ptr<AudioDevice> audioDevice;
-    std::unique_ptr<MotionSource> motionSource;  ///< null without a sensor
+    std::unique_ptr<ForceSensor> sensor;  ///< null where there is none
     std::function<std::unique_ptr<KeyMonitor>(KeyMonitor::Handler)> listen;
     std::unique_ptr<KeyTyper> typer;
     std::function<void(std::chrono::milliseconds)> sleep;

@@ -1,0 +1,106 @@
+#!/usr/bin/env python3
+"""What happens around a microphone, and the self-test: diagnostics_test.py PROGRAM PACKS, in a desktop session."""
+
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
+from listening import (Background, Tobrin, control, find_sounds, match, press_keys, record,  # noqa: E402
+                       write_click_pack)
+
+PACKS, PROGRAM = sys.argv.pop(), sys.argv.pop()
+os.environ["TOBRIN_PACKS"] = PACKS
+IN_USE, FREE = "mic in use: sounds pause", "mic free: sounds resume"
+RELEASE_SECONDS = 1.0
+PULSE_CLIENT = ("parec", "--raw", "-d", "test_mic", "/dev/null")
+MONITOR_CLIENT = ("parec", "--raw", "-d", "test_sink.monitor", "/dev/null")
+
+
+class MicTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.native_client = ("pw-record", "--target", "test_mic", str(self.folder / "call.wav"))
+
+    def changes(self, watch):
+        return [line.split("  ", 1)[1] for line in watch.lines if line.endswith((IN_USE, FREE))]
+
+    def test_the_watch_tells_calls_from_everything_else(self):
+        with Background([PROGRAM, "--micwatch", "60"]) as watch:
+            watch.wait_for("mic in use: no")
+            for client in (self.native_client, PULSE_CLIENT):
+                with Background(client) as call:
+                    watch.wait_for(IN_USE, 5)
+                    self.assertIn(f"recording: {client[0]}", watch.wait_for("recording: ", 5))
+                    call.stop()
+                ended = time.monotonic()
+                watch.wait_for(FREE, 5)
+                self.assertGreater(time.monotonic() - ended, RELEASE_SECONDS - 0.1)
+                self.assertLess(time.monotonic() - ended, RELEASE_SECONDS + 0.5)
+                self.assertIn("recording: nobody", watch.wait_for("recording: ", 5))
+            with Background(MONITOR_CLIENT):
+                self.assertTrue(watch.quiet_for(1.5), "a monitor is no microphone")
+            self.assertEqual(self.changes(watch), [IN_USE, FREE] * 2)
+
+            with Background(PULSE_CLIENT):
+                watch.wait_for(IN_USE, 5)
+            time.sleep(0.5)
+            with Background(PULSE_CLIENT):
+                watch.quiet_for(1.6, 3)
+            watch.wait_for(FREE, 5)
+            self.assertEqual(self.changes(watch), [IN_USE, FREE] * 3, "a gap of half a second is no end")
+
+    def test_a_call_silences_typing_and_gives_it_back_whole(self):
+        packs, wav = write_click_pack(self.folder), self.folder / "heard.wav"
+        with record(wav) as recorder, Tobrin(PROGRAM, packs, pack="click", releaseSounds=False) as program:
+            self.assertTrue(program.wait_until_heard(recorder), program.lines)
+            with Background(PULSE_CLIENT):
+                time.sleep(0.5)
+                silent = press_keys("--text", "silence", "--interval", 150)
+            time.sleep(RELEASE_SECONDS + 0.3)
+            freed = press_keys("--delay", 0, "--text", "freed", "--interval", 250)
+            recorder.quiet_for(0.5)
+            self.assertEqual(program.stop(), 0)
+        sounds = find_sounds(wav)
+        self.assertFalse([each for each in sounds if silent[0].ns < each.ns < silent[-1].ns])
+        matches = match([key for key in freed if key.down], sounds, window_ms=140)
+        self.assertTrue(all(each.latency_ms is not None for each in matches), matches)
+        peaks = [each.peak_db for each in matches]
+        # A click's first samples are its loudest: had its beginning been lost, it would be fainter.
+        self.assertGreater(peaks[0], min(peaks[1:]) - 3, peaks)
+
+
+class SelfTest(unittest.TestCase):
+    def run_self_test(self):
+        done = subprocess.run([PROGRAM, "--selftest"], stdout=subprocess.PIPE, text=True, timeout=60, check=False)
+        return done.returncode, done.stdout.splitlines()
+
+    def left_behind(self):
+        folders = [os.environ[name] for name in ("HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME")]
+        files = {str(file) for folder in folders for file in pathlib.Path(folder).rglob("*")}
+        return {file for file in files if "tobrin" in file.lower()}
+
+    def test_passes_here_fails_in_words_without_sound_and_leaves_nothing(self):
+        before = self.left_behind()
+        status, lines = self.run_self_test()
+        self.assertEqual((status, lines[-1]), (0, "All checks passed."), lines)
+        self.assertEqual([line for line in lines[:-1] if not line.startswith(("PASS  ", "SKIP  "))], [])
+        control("stop-sound")
+        try:
+            status, lines = self.run_self_test()
+        finally:
+            control("restart-sound")
+        self.assertEqual(status, 1, lines)
+        self.assertTrue(any(line.startswith("FAIL  audio engine running: ") for line in lines), lines)
+        self.assertRegex(lines[-1], r"^\d check\(s\) failed\.$")
+        self.assertEqual(self.left_behind(), before)
+
+
+if __name__ == "__main__":
+    unittest.main()
