@@ -68,17 +68,6 @@ TEST_F(AudioOutputTest, LogsEachCauseOfFailureOnce) {
   EXPECT_EQ(device_->pauses, 1);
 }
 
-TEST_F(AudioOutputTest, RendersStereoAndMono) {
-  output_.start();
-  play(0.5f, 1000);
-  auto [left, right] = device_->render(64);
-  EXPECT_FLOAT_EQ(left[10], 0.5f);
-  EXPECT_FLOAT_EQ(right[10], 0.5f);
-  device_->mono = true;
-  EXPECT_FLOAT_EQ(device_->render(64).first[10], 0.5f);
-  device_->callbacks.render(device_->callbacks.context, nullptr, nullptr, 64);
-}
-
 TEST_F(AudioOutputTest, ForgetsVoicesOnlyWhilePaused) {
   output_.start();
   for (uint32_t i = 0; i < TB_RING_CAPACITY; ++i)

@@ -23,16 +23,12 @@ ScriptedKey up(double time, float position = 1, uint16_t code = space) {
   return {time, code, KeyAction::up, position};
 }
 
-/// Full volume, so that the master does not move; one tier at a time.
-EngineSettings plain() {
-  EngineSettings settings;
-  settings.volume = 1;
-  settings.blendTiers = false;
-  return settings;
-}
-
 OfflineRenderer::Sound render(std::vector<ScriptedKey> script, double tail = 0.1,
-                              const EngineSettings& settings = plain()) {
+                              bool releaseSounds = true) {
+  EngineSettings settings;
+  settings.volume = 1;  // so that the master does not move
+  settings.blendTiers = false;
+  settings.releaseSounds = releaseSounds;
   return OfflineRenderer::render(*TestPack::simple(2400), std::move(script), settings, tail, rate);
 }
 
@@ -47,14 +43,9 @@ float gainOf(int key) {
   return static_cast<float>(gain);
 }
 
-TEST(OfflineRenderer, LastsUntilTheTailAfterTheLastKey) {
-  EXPECT_EQ(render({}, 0).left.size(), 0u);
+TEST(OfflineRenderer, StartsKeysWithTheirBlockAndLastsUntilTheTailAfterTheLast) {
   EXPECT_EQ(render({}, -1).left.size(), 0u);
-  EXPECT_EQ(render({}, 0.01).right, std::vector<float>(480));
   EXPECT_EQ(render({down(0.5), up(0.25)}, 0.00101).left.size(), 24048u);
-}
-
-TEST(OfflineRenderer, StartsKeysWithTheirBlock) {
   const std::pair<double, std::size_t> table[] = {
       {0.0001, 0}, {63.5 / rate, 0}, {64 / rate, 64}, {1000 / rate, 960}, {-1, 0}};
   for (const auto& [time, onset] : table) {
@@ -69,9 +60,8 @@ TEST(OfflineRenderer, StartsKeysWithTheirBlock) {
 
 TEST(OfflineRenderer, PlaysTheLevelsOfTiersAndReleases) {
   // The takes of `simple` have levels 0.1 to 0.4 by tier, the release 0.05.
-  const std::tuple<float, float, float> table[] = {{-3, 0.1f, 0.4f},   {0.4f, 0.1f, 0.4f},
-                                                   {0.6f, 0.2f, 1.0f}, {2, 0.3f, 2.2f},
-                                                   {2.6f, 0.4f, 4.0f}, {9, 0.4f, 4.0f}};
+  const std::tuple<float, float, float> table[] = {
+      {-3, 0.1f, 0.4f}, {0.6f, 0.2f, 1.0f}, {2, 0.3f, 2.2f}, {9, 0.4f, 4.0f}};
   for (const auto& [position, level, relative] : table) {
     const auto sound = render({down(0, position), up(0.1, position)});
     EXPECT_NEAR(sound.left[100], level * gainOf(0), 1e-6f) << position;
@@ -81,26 +71,11 @@ TEST(OfflineRenderer, PlaysTheLevelsOfTiersAndReleases) {
   }
 }
 
-TEST(OfflineRenderer, DrawsForEveryKeyWhetherItSoundsOrNot) {
-  auto settings = plain();
-  settings.releaseSounds = false;
-  const auto sound = render({up(0), down(0.05), up(0.1), down(0.2)}, 0.1, settings);
+TEST(OfflineRenderer, DrawsForEveryKeyInTimeOrderWhetherItSoundsOrNot) {
+  const auto sound = render({down(0.2), up(0), down(0.05), up(0.1)}, 0.1, false);
   EXPECT_EQ(sound.left[1000], 0);
   EXPECT_NEAR(sound.left[2500], 0.2f * gainOf(1), 1e-6f);
   EXPECT_NEAR(sound.left[9700], 0.2f * gainOf(3), 1e-6f);
-}
-
-TEST(OfflineRenderer, GivesTheSameSamplesEveryTime) {
-  std::vector<ScriptedKey> script;
-  for (uint16_t i = 0; i < 50; ++i)
-    script.push_back({0.01 * i, i, i % 3 == 0 ? KeyAction::up : KeyAction::down, i % 4 * 0.9f});
-  const EngineSettings settings;
-  const auto first = render(script, 0.1, settings);
-  std::reverse(script.begin(), script.end());
-  const auto second = render(script, 0.1, settings);
-  EXPECT_EQ(first.left, second.left) << "the order of times counts, not that of the list";
-  EXPECT_EQ(first.right, second.right);
-  EXPECT_NE(first.left, first.right);
 }
 
 }  // namespace

@@ -12,37 +12,39 @@ constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 constexpr float infinity = std::numeric_limits<float>::infinity();
 
 TEST(ForceClassifier, StrengthIsCountedFromTheNoiseFloor) {
-  struct {
-    const char* label;
-    float sensitivity, peak, noise, expected;
-  } const rows[] = {
-      {"typical", 1, 0.02f, 0.001f, 1},
-      {"twice as far above the floor", 1, 0.0385f, 0.001f, 2.0f},
-      {"exactly the floor", 1, 0.0015f, 0.001f, 0},
-      {"below the floor", 1, 0.001f, 0.001f, 0},
-      {"sensitivity counts", 2, 0.02f, 0.001f, 2},
-      {"no sensitivity is 0.05", 0, 0.02f, 0.001f, 0.05f},
-      {"sensitivity that is no number", nan, 0.02f, 0.001f, 0.05f},
-      {"noise above the reference", 1, 0.07501f, 0.05f, 1.0f},
-      {"peak that is no number", 1, nan, 0.001f, 0},
+  const std::array<float, 4> rows[] = {
+      // sensitivity, peak, noise, relative strength
+      {1, 0.02f, 0.001f, 1}, {1, 0.0385f, 0.001f, 2},   {1, 0.001f, 0.001f, 0},
+      {2, 0.02f, 0.001f, 2}, {0, 0.02f, 0.001f, 0.05f}, {nan, 0.02f, 0.001f, 0.05f},
+      {1, nan, 0.001f, 0},   {1, 0.07501f, 0.05f, 1},
   };
-  for (const auto& row : rows) {
+  for (const auto& [sensitivity, peak, noise, expected] : rows) {
     ForceClassifier classifier;
-    classifier.sensitivity = row.sensitivity;
-    EXPECT_NEAR(classifier.relative(row.peak, row.noise), row.expected, 2e-3f) << row.label;
+    classifier.sensitivity = sensitivity;
+    EXPECT_NEAR(classifier.relative(peak, noise), expected, 2e-3f) << sensitivity << " " << peak;
   }
 }
 
-TEST(ForceClassifier, PositionIsLinearInTheLogarithmBetweenCenters) {
-  struct {
-    float relative, position;
-  } const rows[] = {
-      {0, 0},   {0.4f, 0}, {std::sqrt(0.4f), 0.5f},     {1, 1},        {2.2f, 2},
-      {4, 3},   {100, 3},  {std::sqrt(2.2f * 4), 2.5f}, {infinity, 3}, {-1, 0},
-      {nan, 0},
+TEST(ForceClassifier, PositionIsLinearInTheLogarithmAndEdgeGainActsOutsideTheTiersOnly) {
+  const std::array<float, 3> rows[] = {
+      // relative strength, position, edge gain
+      {-1, 0, 0.45f},
+      {0.1f, 0, 0.5f},
+      {0.4f, 0, 1},
+      {std::sqrt(0.4f), 0.5f, 1},
+      {1, 1, 1},
+      {2.2f, 2, 1},
+      {4, 3, 1},
+      {std::sqrt(2.2f * 4), 2.5f, 1},
+      {100, 3, 1.25f},
+      {nan, 0, 1},
+      {infinity, 3, 1.25f},
+      {5, 3, std::pow(1.25f, 0.25f)},
   };
-  for (const auto& row : rows)
-    EXPECT_NEAR(ForceClassifier::tierPosition(row.relative), row.position, 1e-5f) << row.relative;
+  for (const auto& [relative, position, gain] : rows) {
+    EXPECT_NEAR(ForceClassifier::tierPosition(relative), position, 1e-5f) << relative;
+    EXPECT_NEAR(ForceClassifier::edgeGain(relative), gain, 1e-6f) << relative;
+  }
 }
 
 TEST(ForceClassifier, ReferenceIsTheBoundedMedianOfTheNewestPeaks) {
@@ -84,16 +86,6 @@ TEST(ForceClassifier, WeightsPickOrBlendNeighbours) {
     for (std::size_t i = 0; i < tierCount; ++i)
       EXPECT_NEAR(weights[i], row.weights[i], 1e-6f) << row.position << " layer " << i;
   }
-}
-
-TEST(ForceClassifier, EdgeGainActsOutsideTheTiersOnly) {
-  struct {
-    float relative, gain;
-  } const rows[] = {{0, 0.45f},  {0.1f, 0.5f}, {0.4f, 1},
-                    {2, 1},      {4, 1},       {5, std::pow(1.25f, 0.25f)},
-                    {16, 1.25f}, {-3, 0.45f},  {nan, 1}};
-  for (const auto& row : rows)
-    EXPECT_NEAR(ForceClassifier::edgeGain(row.relative), row.gain, 1e-6f) << row.relative;
 }
 
 }  // namespace

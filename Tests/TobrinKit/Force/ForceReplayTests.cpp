@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace tobrin {
 namespace {
 
@@ -22,50 +24,27 @@ MotionTrace traceOf(uint64_t ms, const std::vector<Impact>& impacts) {
   return trace;
 }
 
-std::vector<ForceStage> stagesOfOneKey(const std::vector<Impact>& impacts, float sensitivity = 1) {
-  std::vector<ForceStage> stages;
-  const KeyTrace keys{{{5000 * millisecond, 0}}};
-  for (const ReplayedStage& replayed : replayForce(traceOf(6000, impacts), keys, sensitivity))
-    stages.push_back(replayed.stage);
-  return stages;
-}
-
 TEST(ForceReplay, TheWindowGoesFromTwelveBeforeToFourteenAfter) {
-  struct {
-    const char* label;
-    Impact impact;
-    std::vector<bool> counted;  // provisional, 4, 10 and 16 ms
-  } const rows[] = {
-      {"long before", {4987, 0.028}, {false, false, false, false}},
-      {"first of the window", {4988, 0.028}, {true, true, true, true}},
-      {"at the key", {5000, 0.028}, {true, true, true, true}},
-      {"soon after", {5003, 0.028}, {false, true, true, true}},
-      {"last of the window", {5014, 0.028}, {false, false, false, true}},
-      {"too late", {5015, 0.028}, {false, false, false, false}},
-      {"weak: no start from it", {4990, 0.008}, {false, true, true, true}},
-      {"no impact at all", {4990, 0.0014}, {false, false, false, false}},
+  const std::pair<Impact, std::string> rows[] = {
+      // counted: provisionally, at 4, 10 and 16 ms
+      {{4987, 0.028}, "...."},  {{4988, 0.028}, "++++"}, {{5000, 0.028}, "++++"},
+      {{5003, 0.028}, ".+++"},  {{5014, 0.028}, "...+"}, {{5015, 0.028}, "...."},
+      {{4990, 0.008}, ".+++"},  // too weak to start from
+      {{4990, 0.0014}, "...."},
   };
-  for (const auto& row : rows) {
-    const auto stages = stagesOfOneKey({row.impact});
-    ASSERT_EQ(stages.size(), 4u) << row.label;
-    for (std::size_t i = 0; i < stages.size(); ++i) {
-      EXPECT_EQ(stages[i].counted, row.counted[i]) << row.label << " stage " << i;
-      if (stages[i].counted)
-        EXPECT_NEAR(static_cast<double>(stages[i].window->peak), row.impact.g, 2e-4) << row.label;
-      else
-        EXPECT_EQ(stages[i].relative, 1) << row.label;
+  for (const auto& [impact, counted] : rows) {
+    const auto stages = replayForce(traceOf(6000, {impact}), {{{5000 * millisecond, 0}}}, 1);
+    std::string found;
+    for (const auto& [key, stage] : stages) {
+      found += stage.counted ? '+' : '.';
+      EXPECT_NEAR(stage.counted ? static_cast<double>(stage.window->peak) : impact.g, impact.g,
+                  2e-4);
     }
-    const float settled = row.counted[3] ? 1 + 0.1f * (stages[3].position - 1) : 1;
-    EXPECT_EQ(stages[2].typicalAfter, 1) << row.label << ": only the last stage teaches";
-    EXPECT_FLOAT_EQ(stages[3].typicalAfter, settled) << row.label;
+    EXPECT_EQ(found, counted) << impact.atMs << " ms, " << impact.g << " g";
+    const float settled = found[3] == '+' ? 1 + 0.1f * (stages[3].stage.position - 1) : 1;
+    EXPECT_EQ(stages[2].stage.typicalAfter, 1) << "only the last stage teaches";
+    EXPECT_FLOAT_EQ(stages[3].stage.typicalAfter, settled) << impact.atMs;
   }
-}
-
-TEST(ForceReplay, SensitivityScalesAndASecondImpactTakesOver) {
-  const auto stages = stagesOfOneKey({{4995, 0.02}, {5008, 0.04}}, 2);
-  EXPECT_NEAR(static_cast<double>(stages[1].relative), 2, 0.05);
-  EXPECT_NEAR(static_cast<double>(stages[2].relative), 4, 0.2);
-  EXPECT_EQ(stages[2].window->peakTime, 5008 * millisecond);
 }
 
 TEST(ForceReplay, TheTwelfthImpactCalibrates) {

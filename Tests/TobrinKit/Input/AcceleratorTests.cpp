@@ -10,34 +10,23 @@ namespace {
 constexpr uint32_t command = Modifiers::command;
 constexpr uint32_t controlOption = Modifiers::control | Modifiers::option;
 
-bool contains(const std::vector<Accelerator>& list, const Hotkey& hotkey, const KeyNaming& naming) {
-  return std::any_of(list.begin(), list.end(),
-                     [&](const Accelerator& each) { return each.matches(hotkey, naming); });
-}
-
 TEST(Accelerator, ReadsBothWaysOfWritingCombinations) {
   const struct {
     std::optional<Accelerator> (*read)(std::string_view);
     const char* text;
     std::optional<Accelerator> result;
   } rows[] = {
-      {Accelerator::fromGtk, "<Super>space", Accelerator{{command}, "space"}},
       {Accelerator::fromGtk, "<Primary><Alt>Page_Up", Accelerator{{controlOption}, "prior"}},
       {Accelerator::fromGtk, "<Hyper>k", std::nullopt},
       {Accelerator::fromGtk, "<Super", std::nullopt},
-      {Accelerator::fromGtk, "disabled", std::nullopt},
-      {Accelerator::fromGtk, "", std::nullopt},
       {Accelerator::fromQt, "Ctrl+Alt+PgUp", Accelerator{{controlOption}, "prior"}},
       {Accelerator::fromQt, "Meta++", Accelerator{{command}, "+"}},
       {Accelerator::fromQt, "Ctrl+", std::nullopt},
       {Accelerator::fromQt, "Hyper+K", std::nullopt},
-      {Accelerator::fromQt, "none", std::nullopt},
       {Accelerator::fromQt, "", std::nullopt},
   };
-  for (const auto& row : rows) {
-    const auto result = row.read(row.text);
-    EXPECT_TRUE(result == row.result) << row.text;
-  }
+  for (const auto& row : rows)
+    EXPECT_TRUE(row.read(row.text) == row.result) << row.text;
 }
 
 TEST(Accelerator, FindsTheDesktopsOwnShortcutsByTheLayoutsNames) {
@@ -59,7 +48,6 @@ TEST(Accelerator, FindsTheDesktopsOwnShortcutsByTheLayoutsNames) {
     bool reserved;
   } rows[] = {
       {"GNOME input source", gnome, {49, {command}}, {"space", " "}, true},
-      {"GNOME lock", gnome, {37, {command}}, {"l", "l"}, true},
       {"GNOME, other modifiers", gnome, {37, {controlOption}}, {"l", "l"}, false},
       {"GNOME, custom", gnome, {17, {controlOption}}, {"t", "t"}, true},
       {"GNOME, other layout", gnome, {37, {command}}, {"n", "n"}, false},
@@ -71,7 +59,8 @@ TEST(Accelerator, FindsTheDesktopsOwnShortcutsByTheLayoutsNames) {
       {"KDE, a name is none", kde, {40, {command}}, {"k", "k"}, false},
   };
   for (const auto& row : rows) {
-    EXPECT_EQ(contains(row.list, row.hotkey, row.naming), row.reserved) << row.label;
+    const auto matches = [&](const auto& each) { return each.matches(row.hotkey, row.naming); };
+    EXPECT_EQ(std::ranges::any_of(row.list, matches), row.reserved) << row.label;
   }
 }
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <initializer_list>
-#include <vector>
 
 #include "Input/ChordRecognizer.h"
 
@@ -18,8 +17,8 @@ constexpr Hotkey toggle{40, {Modifiers::control | Modifiers::option | Modifiers:
 class FakeService final : public ShortcutService {
  public:
   bool isReserved(const Hotkey&) override { return reserved; }
-  ShortcutGrab grab(const Hotkey& hotkey, std::function<void()> action) override {
-    grabs.push_back(hotkey);
+  ShortcutGrab grab(const Hotkey&, std::function<void()> action) override {
+    EXPECT_FALSE(reserved);
     pressed = answer.result == Result::granted ? std::move(action) : nullptr;
     return answer;
   }
@@ -30,32 +29,22 @@ class FakeService final : public ShortcutService {
 
   bool reserved = false;
   ShortcutGrab answer;
-  std::vector<Hotkey> grabs;
   std::function<void()> pressed;
 };
 
 TEST(GlobalHotkey, EveryOutcomeIsAStatusAndHoldsNothingItShouldNot) {
-  const struct {
-    const char* label;
-    bool reserved;
-    ShortcutGrab answer;
-    GlobalHotkey::Status status;
-    std::size_t grabs;
-  } rows[] = {
-      {"granted", false, {}, {Kind::active, toggle, 0}, 1},
-      {"another program's", false, {Result::taken, 0}, {Kind::taken, toggle, 0}, 1},
-      {"the desktop's", true, {}, {Kind::reservedBySystem, toggle, 0}, 0},
-      {"an error", false, {Result::failed, -19}, {Kind::failed, toggle, -19}, 1},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.label);
+  const std::tuple<bool, ShortcutGrab, Kind> rows[] = {
+      {false, {}, Kind::active},
+      {false, {Result::taken, 0}, Kind::taken},
+      {true, {}, Kind::reservedBySystem},
+      {false, {Result::failed, -19}, Kind::failed}};
+  for (const auto& [reserved, answer, kind] : rows) {
     FakeService service;
-    service.reserved = row.reserved;
-    service.answer = row.answer;
+    service.reserved = reserved;
+    service.answer = answer;
     GlobalHotkey hotkey(service, [] {});
-    EXPECT_EQ(hotkey.registerHotkey(toggle), row.status);
-    EXPECT_EQ(service.grabs.size(), row.grabs);
-    EXPECT_EQ(service.pressed != nullptr, row.status.kind == Kind::active);
+    EXPECT_EQ(hotkey.registerHotkey(toggle), (GlobalHotkey::Status{kind, toggle, answer.error}));
+    EXPECT_EQ(service.pressed != nullptr, kind == Kind::active);
     EXPECT_EQ(hotkey.registerHotkey(std::nullopt).kind, Kind::off);
     EXPECT_EQ(service.pressed, nullptr);
   }
@@ -63,18 +52,15 @@ TEST(GlobalHotkey, EveryOutcomeIsAStatusAndHoldsNothingItShouldNot) {
 
 TEST(GlobalHotkey, ANewShortcutReplacesTheOldAndDestructionReleases) {
   FakeService service;
-  int presses = 0;
   {
-    GlobalHotkey hotkey(service, [&] { ++presses; });
+    GlobalHotkey hotkey(service, [] {});
     hotkey.registerHotkey(toggle);
     service.reserved = true;
     EXPECT_EQ(hotkey.registerHotkey(Hotkey{49, {Modifiers::command}}).kind, Kind::reservedBySystem);
     EXPECT_EQ(service.pressed, nullptr);  // the first one is gone although the second never came
     service.reserved = false;
     hotkey.registerHotkey(toggle);
-    service.pressed();
   }
-  EXPECT_EQ(presses, 1);
   EXPECT_EQ(service.pressed, nullptr);
 }
 
