@@ -31,7 +31,7 @@ std::shared_ptr<const LoadedPack> loadPack(const PackInfo& info) {
 
 }  // namespace
 
-Assembly::Assembly()
+Assembly::Assembly(std::optional<AppModel::Preview> preview)
     : settings_(XdgFolders::config() / "Tobrin" / "settings.json"),
       loginItem_(XdgFolders::config(), thisProgram()),
       workspace_(thisProgram()),
@@ -41,7 +41,7 @@ Assembly::Assembly()
       micQueue_(MicMonitor::queueName) {
   // One connection's loop serves output and microphone watch.
   const auto soundServer = makePipeWireLoop();
-  model_ = std::make_unique<AppModel>(AppServices{
+  AppServices services{
       .main = main_,
       .loader = loader_,
       .conductorQueue = conductorQueue_,
@@ -57,7 +57,8 @@ Assembly::Assembly()
       .onThreadStart = prepareTimelyThread,
       .discoverPacks = [] { return PackLibrary::discover(); },
       .loadPack = loadPack,
-  });
+  };
+  model_ = std::make_unique<AppModel>(std::move(services), std::move(preview));
 }
 
 }  // namespace tobrin

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "Application/DesktopWorkspace.h"
 #include "Desktop/JsonSettingsStore.h"
@@ -15,7 +16,8 @@ namespace tobrin {
 
 class Assembly final {
  public:
-  Assembly();
+  /// With `preview`, the model is one, and whatever it holds stays unused.
+  explicit Assembly(std::optional<AppModel::Preview> preview = std::nullopt);
 
   [[nodiscard]] AppModel& model() { return *model_; }
 

@@ -10,4 +10,10 @@ std::unique_ptr<UserInterface> UserInterface::load() {
   return std::unique_ptr<UserInterface>(make != nullptr ? make() : nullptr);
 }
 
+std::unique_ptr<PanelPicture> PanelPicture::load() {
+  using Make = PanelPicture* (*)();
+  const auto make = reinterpret_cast<Make>(Modules::symbol("panel", "tobrinMakePanelPicture"));
+  return std::unique_ptr<PanelPicture>(make != nullptr ? make() : nullptr);
+}
+
 }  // namespace tobrin

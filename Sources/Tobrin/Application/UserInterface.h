@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QPoint>
 #include <memory>
+#include <string>
 
 namespace tobrin {
 
@@ -42,6 +43,20 @@ class Panel {
   virtual void close() = 0;
   virtual void setDark(bool dark) = 0;
   [[nodiscard]] virtual bool isOpen() const = 0;
+};
+
+/// Draws the panel into an image file, without a display; made by the panel's library.
+class PanelPicture {
+ public:
+  virtual ~PanelPicture() = default;
+  /// The application object that drawing needs; made before anything else of Qt.
+  virtual std::unique_ptr<QCoreApplication> makeApplication() = 0;
+  /// Returns why the picture could not be written; empty on success. The file's ending decides its
+  /// format.
+  virtual std::string save(AppModel& model, const std::string& path, bool dark) = 0;
+
+  /// Null (and the reason logged) where the library is missing.
+  static std::unique_ptr<PanelPicture> load();
 };
 
 }  // namespace tobrin

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "Application/Diagnostics.h"
+#include "Application/Snapshot.h"
 
 namespace tobrin {
 namespace {
@@ -36,6 +37,7 @@ std::optional<int> CLI::run(const std::vector<std::string>& arguments) {
     return Diagnostics::micWatch(seconds(argument(arguments, 1), micWatchSeconds));
   }
   if (first == "--selftest") return Diagnostics::selfTest();
+  if (first == "--snapshot") return Snapshot::run({arguments.begin() + 1, arguments.end()});
   return std::nullopt;
 }
 

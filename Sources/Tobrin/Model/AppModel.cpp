@@ -21,10 +21,10 @@ constexpr double relaunchAfterMs = 3000;  // access granted, yet no key source t
 AppModel::AppModel(AppServices services, std::optional<Preview> preview)
     : services_(std::move(services)),
       preview_(preview.has_value()),
-      sensorAvailable_(services_.motionSource != nullptr),
+      sensorAvailable_(services_.motionSource != nullptr || (preview && preview->reading)),
       self_(std::make_shared<AppModel*>(this)) {
   readSavedState(preview);
-  auto sensor = sensorAvailable_
+  auto sensor = services_.motionSource != nullptr
                     ? std::make_unique<ForceSensor>(std::move(services_.motionSource),
                                                     [onStart = services_.onThreadStart] {
                                                       if (onStart) onStart(ForceSensor::threadName);
@@ -57,6 +57,9 @@ void AppModel::readSavedState(const std::optional<Preview>& preview) {
   selectedPackID_ = defaultPackID;
   if (preview) {
     selectedPackID_ = preview->pack.value_or(selectedPackID_);
+    hasPermission_ = true;
+    micInUse_ = preview->micInUse;
+    lastForce_ = preview->reading;
     return;
   }
   if (const auto saved = services_.settings.read(settingsKey)) {

@@ -29,8 +29,11 @@ class AppModel final : public QObject {
   static constexpr const char* defaultPackID = "leopold";
 
   /// A preview never reads or writes the settings store and starts neither keys nor sound.
+  /// It shows a machine on which everything is well, except for what is said here.
   struct Preview {
     std::optional<std::string> pack;
+    bool micInUse = false;
+    std::optional<ForceReading> reading;  ///< with one, a motion sensor is shown too
   };
 
   explicit AppModel(AppServices services, std::optional<Preview> preview = std::nullopt);

@@ -7,10 +7,11 @@ Rectangle {
     id: card
 
     property color tint: Theme.surface
+    property alias spacing: column.spacing
     default property alias content: column.data
 
     Layout.fillWidth: true
-    implicitHeight: column.implicitHeight + 2 * Theme.gap * 1.5
+    implicitHeight: column.implicitHeight + 2 * Theme.unit
     radius: Theme.radius
     color: tint
     border.width: 1
@@ -19,7 +20,10 @@ Rectangle {
     ColumnLayout {
         id: column
         anchors.fill: parent
-        anchors.margins: Theme.gap * 1.5
-        spacing: Theme.gap
+        anchors.leftMargin: Theme.inset
+        anchors.rightMargin: Theme.inset
+        anchors.topMargin: Theme.unit
+        anchors.bottomMargin: Theme.unit
+        spacing: 0
     }
 }

@@ -7,25 +7,41 @@ ColumnLayout {
     id: meter
 
     required property PanelModel reading
-    readonly property real fullScale: 4
+    readonly property int fullScale: 4
 
-    spacing: Theme.unit
+    spacing: Theme.unit * 1.5
 
     Rectangle {
+        id: track
         Layout.fillWidth: true
-        implicitHeight: Math.round(Theme.textSize * 0.6)
+        implicitHeight: Math.round(Theme.textSize * 0.66)
         radius: height / 2
-        color: Theme.control
+        color: Theme.groove
         Accessible.role: Accessible.ProgressBar
         Accessible.name: caption.text
 
         Rectangle {
-            width: meter.reading.hasReading ? parent.width * Math.min(1, Math.max(0, meter.reading.readingRelative / meter.fullScale)) : 0
+            readonly property real filled: Math.min(1, Math.max(0, meter.reading.readingRelative / meter.fullScale))
+
+            // Never narrower than its own round ends.
+            width: meter.reading.hasReading ? height + filled * (parent.width - height) : 0
             height: parent.height
             radius: height / 2
             color: Theme.tierColors[meter.reading.readingTier]
             Behavior on width { NumberAnimation { duration: 120; easing.type: Easing.OutCubic } }
             Behavior on color { ColorAnimation { duration: 120 } }
+        }
+        Repeater {
+            model: meter.fullScale - 1
+
+            Rectangle {
+                required property int index
+
+                x: Math.round((index + 1) / meter.fullScale * track.width)
+                width: 1
+                height: track.height
+                color: Theme.surface
+            }
         }
     }
     PanelText {

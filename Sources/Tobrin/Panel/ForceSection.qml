@@ -3,64 +3,79 @@ import QtQuick
 import QtQuick.Layouts
 import Tobrin
 
-Card {
+ColumnLayout {
     id: section
 
     required property PanelModel model
     readonly property bool measuring: model.sensorAvailable && model.forceSensing
 
+    spacing: Theme.unit * 1.5
+
     SectionLabel {
         text: "Force"
     }
-    PanelSwitch {
-        Layout.fillWidth: true
-        visible: section.model.sensorAvailable
-        text: "Feel how hard you type"
-        checked: section.model.forceSensing
-        onToggled: section.model.forceSensing = checked
-    }
-    PanelText {
-        Layout.fillWidth: true
-        visible: !section.model.sensorAvailable
-        text: "Force sensing needs a MacBook with the motion sensor (M1 Pro/Max, M2 or later). Pick a fixed strength instead."
-        small: true
-        secondary: true
-    }
-    RowLayout {
-        Layout.fillWidth: true
-        visible: section.measuring
-        spacing: Theme.gap
-
-        PanelText {
-            text: "Sensitivity"
-            Accessible.ignored: true
-        }
-        PanelSlider {
+    Card {
+        PanelSwitch {
             Layout.fillWidth: true
-            label: "Sensitivity"
-            from: 0.25
-            to: 4
-            value: section.model.sensitivity
-            onMoved: section.model.sensitivity = value
+            visible: section.model.sensorAvailable
+            text: "Feel how hard you type"
+            checked: section.model.forceSensing
+            onToggled: section.model.forceSensing = checked
         }
-    }
-    ForceMeter {
-        Layout.fillWidth: true
-        visible: section.measuring
-        reading: section.model
-    }
-    PanelText {
-        visible: strength.visible
-        text: "Strength"
-        Accessible.ignored: true
-    }
-    PanelPicker {
-        id: strength
-        Layout.fillWidth: true
-        visible: !section.measuring
-        label: "Strength"
-        choices: Theme.tierNames
-        current: section.model.fixedTier
-        onChosen: index => section.model.fixedTier = index
+        PanelText {
+            Layout.fillWidth: true
+            Layout.topMargin: Theme.unit * 1.5
+            Layout.bottomMargin: Theme.gap
+            visible: !section.model.sensorAvailable
+            text: "Force sensing needs a MacBook with the motion sensor (M1 Pro/Max, M2 or later). Pick a fixed strength instead."
+            small: true
+            secondary: true
+        }
+        Hairline { }
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.minimumHeight: Theme.rowHeight
+            visible: section.measuring
+            spacing: Theme.inset
+
+            PanelText {
+                text: "Sensitivity"
+                Accessible.ignored: true
+            }
+            PanelSlider {
+                Layout.fillWidth: true
+                label: "Sensitivity"
+                from: 0.25
+                to: 4
+                value: section.model.sensitivity
+                onMoved: section.model.sensitivity = value
+            }
+        }
+        ForceMeter {
+            Layout.fillWidth: true
+            Layout.topMargin: Theme.unit
+            Layout.bottomMargin: Theme.gap
+            visible: section.measuring
+            reading: section.model
+        }
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.topMargin: Theme.gap
+            Layout.bottomMargin: Theme.unit
+            visible: !section.measuring
+            spacing: Theme.inset
+
+            PanelText {
+                text: "Strength"
+                Accessible.ignored: true
+            }
+            PanelPicker {
+                Layout.fillWidth: true
+                label: "Strength"
+                choices: Theme.tierNames
+                current: section.model.fixedTier
+                onChosen: index => section.model.fixedTier = index
+            }
+        }
     }
 }

@@ -8,16 +8,27 @@ RowLayout {
 
     required property PanelModel model
 
-    spacing: Theme.gap * 1.5
+    spacing: Theme.inset
 
-    Symbol {
-        name: header.model.playing ? "keyboard-fill" : "keyboard"
-        color: header.model.playing ? Theme.accent : Theme.secondaryText
-        size: Math.round(Theme.textSize * 2.4)
+    Rectangle {
+        implicitWidth: Math.round(Theme.textSize * 3.2)
+        implicitHeight: implicitWidth
+        radius: Theme.radius
+        color: header.model.playing ? Theme.accent : Theme.surface
+        border.width: header.model.playing ? 0 : 1
+        border.color: Theme.outline
+        Behavior on color { ColorAnimation { duration: 120 } }
+
+        Symbol {
+            anchors.centerIn: parent
+            name: header.model.playing ? "keyboard-fill" : "keyboard"
+            color: header.model.playing ? Theme.accentInk : Theme.secondaryText
+            size: Math.round(Theme.textSize * 2.1)
+        }
     }
     ColumnLayout {
         Layout.fillWidth: true
-        spacing: 0
+        spacing: 1
 
         PanelText {
             Layout.fillWidth: true

@@ -9,13 +9,16 @@ Rectangle {
 
     required property PanelModel model
     property bool dark: false
+    property bool framed: false
     readonly property real fullHeight: content.implicitHeight + 2 * Theme.margin
+    readonly property Item focused: Window.activeFocusItem
 
     implicitWidth: Theme.panelWidth
     implicitHeight: fullHeight
     color: Theme.background
     Accessible.role: Accessible.Pane
     Accessible.name: "Tobrin"
+    onFocusedChanged: scroller.show(focused)
 
     Binding {
         target: Theme
@@ -32,12 +35,22 @@ Rectangle {
             policy: scroller.interactive ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff
         }
 
+        // Whoever moves by keyboard sees where to.
+        function show(control) {
+            if (!control || !interactive)
+                return;
+            const top = control.mapToItem(contentItem, 0, 0).y - Theme.margin;
+            const bottom = top + control.height + 2 * Theme.margin;
+            const least = Math.min(contentHeight - height, bottom - height);
+            contentY = Math.max(0, least, Math.min(contentY, top));
+        }
+
         ColumnLayout {
             id: content
             x: Theme.margin
             y: Theme.margin
             width: panel.width - 2 * Theme.margin
-            spacing: Theme.margin * 0.75
+            spacing: Theme.inset
 
             MenuHeader {
                 Layout.fillWidth: true
@@ -51,30 +64,38 @@ Rectangle {
                 Layout.fillWidth: true
                 model: panel.model
             }
-            RowLayout {
-                Layout.fillWidth: true
-                spacing: Theme.gap
-
-                Symbol { name: "speaker"; color: Theme.secondaryText }
-                PanelSlider {
+            Card {
+                RowLayout {
                     Layout.fillWidth: true
-                    label: "Volume"
-                    from: 0
-                    to: 1
-                    value: panel.model.volume
-                    onMoved: panel.model.volume = value
+                    Layout.minimumHeight: Theme.rowHeight
+                    spacing: Theme.gap
+
+                    Symbol {
+                        Layout.rightMargin: -Theme.gap
+                        name: "speaker"
+                        color: Theme.secondaryText
+                    }
+                    PanelSlider {
+                        Layout.fillWidth: true
+                        label: "Volume"
+                        from: 0
+                        to: 1
+                        value: panel.model.volume
+                        onMoved: panel.model.volume = value
+                    }
+                    Symbol { name: "speaker-wave"; color: Theme.secondaryText }
                 }
-                Symbol { name: "speaker-wave"; color: Theme.secondaryText }
             }
-            ForceSection { model: panel.model }
-            OptionsSection { model: panel.model }
-            ShortcutSection { model: panel.model }
-            Rectangle {
+            ForceSection {
                 Layout.fillWidth: true
-                implicitHeight: 1
-                color: Theme.outline
-                Accessible.ignored: true
+                model: panel.model
             }
+            OptionsSection { model: panel.model }
+            ShortcutSection {
+                Layout.fillWidth: true
+                model: panel.model
+            }
+            Hairline { color: Theme.outline }
             RowLayout {
                 Layout.fillWidth: true
 
@@ -89,5 +110,11 @@ Rectangle {
                 }
             }
         }
+    }
+    Rectangle {
+        anchors.fill: parent
+        visible: panel.framed
+        color: "transparent"
+        border.color: Theme.outline
     }
 }

@@ -14,12 +14,14 @@ Card {
         checked: section.model.releaseSounds
         onToggled: section.model.releaseSounds = checked
     }
+    Hairline { }
     PanelSwitch {
         Layout.fillWidth: true
         text: "Stereo by key position"
         checked: section.model.stereo
         onToggled: section.model.stereo = checked
     }
+    Hairline { }
     PanelSwitch {
         Layout.fillWidth: true
         text: "Quiet during calls"
@@ -30,10 +32,13 @@ Card {
     PanelText {
         id: quietNote
         Layout.fillWidth: true
+        Layout.rightMargin: Theme.inset
+        Layout.bottomMargin: Theme.gap
         text: "Pause while any app is using the microphone, and resume when it's free. Tobrin never listens to it."
         small: true
         secondary: true
     }
+    Hairline { }
     PanelSwitch {
         id: login
         Layout.fillWidth: true

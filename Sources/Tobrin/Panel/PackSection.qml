@@ -26,17 +26,20 @@ ColumnLayout {
     }
     GridLayout {
         Layout.fillWidth: true
-        columns: 2
+        visible: tiles.count > 0
+        columns: 3
         columnSpacing: Theme.gap
         rowSpacing: Theme.gap
 
         Repeater {
+            id: tiles
             model: section.model.packs
 
             PackTile {
                 required property var modelData
 
                 Layout.fillWidth: true
+                Layout.fillHeight: true
                 Layout.preferredWidth: 1
                 pack: modelData
                 selected: modelData.id === section.model.selectedPackID
@@ -48,6 +51,8 @@ ColumnLayout {
     }
     PackDetail {
         Layout.fillWidth: true
+        Layout.topMargin: Theme.unit
+        Layout.leftMargin: Theme.unit / 2
         model: section.model
     }
 }

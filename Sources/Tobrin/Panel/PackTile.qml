@@ -9,7 +9,7 @@ T.AbstractButton {
     required property var pack
     property bool selected: false
 
-    implicitHeight: names.implicitHeight + 2 * Theme.gap
+    implicitHeight: names.implicitHeight + 2 * Theme.unit * 1.75
     Accessible.role: Accessible.RadioButton
     Accessible.name: pack.name + ", " + pack.kind
     Accessible.checkable: true
@@ -19,7 +19,7 @@ T.AbstractButton {
 
     background: Rectangle {
         radius: Theme.radius
-        color: tile.hovered && !tile.selected ? Theme.hover : Theme.surface
+        color: tile.selected ? Theme.accentTint : tile.hovered ? Theme.hover : Theme.surface
         border.width: tile.selected ? 2 : 1
         border.color: tile.selected ? Theme.accent : Theme.outline
         opacity: tile.down ? 0.7 : 1
@@ -32,7 +32,8 @@ T.AbstractButton {
             anchors.right: parent.right
             anchors.leftMargin: Theme.gap
             anchors.rightMargin: Theme.gap
-            anchors.verticalCenter: parent.verticalCenter
+            anchors.top: parent.top
+            anchors.topMargin: Theme.unit * 1.75
             spacing: 1
 
             PanelText {

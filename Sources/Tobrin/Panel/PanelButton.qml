@@ -8,7 +8,7 @@ T.Button {
 
     property string symbol: ""
     property bool prominent: false
-    readonly property color ink: prominent ? Theme.onAccent : Theme.text
+    readonly property color ink: prominent ? Theme.accentInk : Theme.text
 
     implicitWidth: row.implicitWidth + leftPadding + rightPadding
     implicitHeight: row.implicitHeight + topPadding + bottomPadding

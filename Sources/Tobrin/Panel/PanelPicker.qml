@@ -20,7 +20,7 @@ FocusScope {
     Rectangle {
         anchors.fill: parent
         radius: Theme.radius * 0.75
-        color: Theme.hover
+        color: Theme.groove
         border.color: Theme.outline
     }
     RowLayout {
@@ -41,7 +41,7 @@ FocusScope {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
                 implicitWidth: caption.implicitWidth + Theme.unit * 2
-                implicitHeight: caption.implicitHeight + Theme.unit * 3
+                implicitHeight: caption.implicitHeight + Theme.unit * 2.5
                 focus: checked
                 focusPolicy: checked ? Qt.StrongFocus : Qt.ClickFocus
                 checked: index === picker.current
@@ -55,7 +55,7 @@ FocusScope {
                     anchors.fill: parent
                     anchors.margins: 2
                     radius: Theme.radius * 0.6
-                    color: segment.checked ? Theme.surface : "transparent"
+                    color: segment.checked ? Theme.segment : "transparent"
                     border.width: segment.checked ? 1 : 0
                     border.color: Theme.outline
                     FocusRing { control: segment; anchors.margins: 0; radius: parent.radius }

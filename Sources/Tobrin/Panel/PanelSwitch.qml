@@ -9,7 +9,7 @@ T.Switch {
     property bool labelHidden: false
 
     implicitWidth: labelHidden ? indicator.implicitWidth : Math.max(label.implicitWidth + indicator.width + Theme.gap, 100)
-    implicitHeight: Math.max(label.implicitHeight, indicator.implicitHeight) + Theme.unit
+    implicitHeight: labelHidden ? indicator.implicitHeight : Math.max(label.implicitHeight + Theme.unit, Theme.rowHeight)
     Accessible.name: text
 
     indicator: Rectangle {

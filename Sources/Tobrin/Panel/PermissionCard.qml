@@ -8,10 +8,12 @@ Card {
 
     required property PanelModel model
 
-    tint: Theme.dark ? "#33291a" : "#fff5e2"
+    tint: Theme.warningTint
+    spacing: Theme.unit * 1.5
 
     PanelText {
         Layout.fillWidth: true
+        Layout.topMargin: Theme.unit
         text: "Tobrin needs Input Monitoring"
         font.weight: Font.DemiBold
         Accessible.role: Accessible.Heading
@@ -19,9 +21,12 @@ Card {
     PanelText {
         Layout.fillWidth: true
         text: "It only uses key presses to pick a sound. It never records or sends what you type."
+        small: true
     }
     Flow {
         Layout.fillWidth: true
+        Layout.topMargin: Theme.unit
+        Layout.bottomMargin: Theme.unit
         spacing: Theme.gap
 
         PanelButton {

@@ -3,6 +3,7 @@ import QtQuick
 import Tobrin
 
 PanelText {
+    leftPadding: Theme.unit / 2
     secondary: true
     small: true
     font.weight: Font.DemiBold

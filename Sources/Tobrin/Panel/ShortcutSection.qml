@@ -3,50 +3,58 @@ import QtQuick
 import QtQuick.Layouts
 import Tobrin
 
-Card {
+ColumnLayout {
     id: section
 
     required property PanelModel model
 
+    spacing: Theme.unit * 1.5
+
     SectionLabel {
         text: "Shortcut"
     }
-    PanelSwitch {
-        Layout.fillWidth: true
-        text: "Turn sounds on/off with"
-        checked: section.model.shortcutEnabled
-        onToggled: section.model.shortcutEnabled = checked
-    }
-    PanelPicker {
-        Layout.fillWidth: true
-        enabled: section.model.shortcutEnabled
-        opacity: enabled ? 1 : 0.5
-        label: "Shortcut"
-        choices: section.model.shortcutChoices
-        current: section.model.shortcutIndex
-        onChosen: index => section.model.shortcutIndex = index
-    }
-    RowLayout {
-        Layout.fillWidth: true
-        visible: section.model.shortcutProblem !== ""
-        spacing: Theme.unit
-
-        Symbol {
-            Layout.alignment: Qt.AlignTop
-            name: "warning"
-            color: Theme.warning
-        }
-        PanelText {
+    Card {
+        PanelSwitch {
             Layout.fillWidth: true
-            text: section.model.shortcutProblem
-            small: true
-            color: Theme.warning
-            Accessible.role: Accessible.AlertMessage
+            text: "Turn sounds on/off with"
+            checked: section.model.shortcutEnabled
+            onToggled: section.model.shortcutEnabled = checked
         }
-    }
-    ShortcutHint {
-        Layout.fillWidth: true
-        visible: section.model.shortcutProblem === ""
-        text: section.model.shortcutHint
+        PanelPicker {
+            Layout.fillWidth: true
+            enabled: section.model.shortcutEnabled
+            opacity: enabled ? 1 : 0.5
+            label: "Shortcut"
+            choices: section.model.shortcutChoices
+            current: section.model.shortcutIndex
+            onChosen: index => section.model.shortcutIndex = index
+        }
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.topMargin: Theme.gap
+            Layout.bottomMargin: Theme.unit
+            visible: section.model.shortcutProblem !== ""
+            spacing: Theme.unit * 1.5
+
+            Symbol {
+                Layout.alignment: Qt.AlignTop
+                name: "warning"
+                color: Theme.warning
+            }
+            PanelText {
+                Layout.fillWidth: true
+                text: section.model.shortcutProblem
+                small: true
+                color: Theme.warning
+                Accessible.role: Accessible.AlertMessage
+            }
+        }
+        ShortcutHint {
+            Layout.fillWidth: true
+            Layout.topMargin: Theme.gap
+            Layout.bottomMargin: Theme.unit
+            visible: section.model.shortcutProblem === ""
+            text: section.model.shortcutHint
+        }
     }
 }

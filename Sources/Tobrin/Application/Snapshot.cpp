@@ -1,0 +1,85 @@
+#include "Application/Snapshot.h"
+
+#include <QEventLoop>
+#include <cstdio>
+#include <optional>
+
+#include "Application/Assembly.h"
+#include "Application/UserInterface.h"
+
+namespace tobrin {
+namespace {
+
+struct Wish {
+  std::string path = "menu.png";
+  bool dark = false;
+  AppModel::Preview preview;
+};
+
+int fail(const std::string& words) {
+  std::printf("%s\n", words.c_str());
+  return 1;
+}
+
+/// Nothing where there is a second path, which is a word that nobody understands.
+std::optional<Wish> parse(const std::vector<std::string>& words) {
+  constexpr std::string_view packPrefix = "pack=";
+  Wish wish;
+  // A firm stroke, so that the meter has something to show.
+  wish.preview.reading =
+      ForceReading{.position = 1.7F, .relative = 1.6F, .peak = 0.084F, .sensed = true};
+  bool hasPath = false;
+  for (const std::string& word : words) {
+    if (word == "dark") {
+      wish.dark = true;
+    } else if (word == "call") {
+      wish.preview.micInUse = true;
+    } else if (word.starts_with(packPrefix)) {
+      wish.preview.pack = word.substr(packPrefix.size());
+    } else if (std::exchange(hasPath, true)) {
+      return std::nullopt;
+    } else {
+      wish.path = word;
+    }
+  }
+  return wish;
+}
+
+/// Returns once the selected pack is there, or it is known why not.
+void waitForPack(const AppModel& model) {
+  QEventLoop loop;
+  const auto look = [&] {
+    if (model.loadedManifest() || model.packError()) loop.quit();
+  };
+  QObject::connect(&model, &AppModel::selectedPackChanged, &loop, look);
+  QObject::connect(&model, &AppModel::packErrorChanged, &loop, look);
+  if (!model.loadedManifest() && !model.packError()) loop.exec();
+}
+
+std::string idsOf(const std::vector<PackInfo>& packs) {
+  std::string ids;
+  for (const PackInfo& pack : packs)
+    ids += (ids.empty() ? "" : ", ") + pack.id;
+  return ids.empty() ? "none" : ids;
+}
+
+}  // namespace
+
+int Snapshot::run(const std::vector<std::string>& words) {
+  const auto wish = parse(words);
+  if (!wish) return fail("Usage: tobrin --snapshot [path] [dark] [call] [pack=ID]");
+  const auto picture = PanelPicture::load();
+  if (picture == nullptr) return fail("The panel's library is missing.");
+  const auto application = picture->makeApplication();
+  Assembly assembly(wish->preview);
+  AppModel& model = assembly.model();
+  if (wish->preview.pack && model.selectedPackID() != *wish->preview.pack) {
+    return fail("There is no pack \"" + *wish->preview.pack +
+                "\". There are: " + idsOf(model.packs()) + ".");
+  }
+  waitForPack(model);
+  const std::string problem = picture->save(model, wish->path, wish->dark);
+  return problem.empty() ? 0 : fail(problem);
+}
+
+}  // namespace tobrin

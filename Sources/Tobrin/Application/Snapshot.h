@@ -1,0 +1,15 @@
+/// Draws the panel into an image file, for documentation: without display, keys or sound.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tobrin {
+
+struct Snapshot {
+  /// Takes a path (default "menu.png") and, in any order, the words "dark", "call" (paused for a
+  /// call) and "pack=ID". Returns the exit status; what went wrong is said on standard output.
+  static int run(const std::vector<std::string>& words);
+};
+
+}  // namespace tobrin
