@@ -38,10 +38,10 @@ SoundFile openSound(const RegularFile& file, SF_INFO& info) {
 void deinterleave(const float* interleaved, std::size_t frames, std::size_t channels, float* left,
                   float* right) {
   for (std::size_t i = 0; i < frames; ++i)
-    left[i] = finiteOrZero(interleaved[i * channels]);
+    left[i] = soundOrZero(interleaved[i * channels]);
   if (channels < 2) return;
   for (std::size_t i = 0; i < frames; ++i)
-    right[i] = finiteOrZero(interleaved[i * channels + 1]);
+    right[i] = soundOrZero(interleaved[i * channels + 1]);
 }
 
 }  // namespace

@@ -33,9 +33,9 @@ void FrameStore::append(const float* left, const float* right, std::size_t frame
     taken_ = wanted;
   }
   if (wanted > capacity_) setCapacity(std::max(wanted, 2 * capacity_));
-  std::transform(left, left + frames, blocks_.left.get() + blocks_.frames, finiteOrZero);
+  std::transform(left, left + frames, blocks_.left.get() + blocks_.frames, soundOrZero);
   if (stereo_)
-    std::transform(right, right + frames, blocks_.right.get() + blocks_.frames, finiteOrZero);
+    std::transform(right, right + frames, blocks_.right.get() + blocks_.frames, soundOrZero);
   blocks_.frames = wanted;
 }
 

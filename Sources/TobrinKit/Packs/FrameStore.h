@@ -14,9 +14,12 @@
 namespace tobrin {
 
 /// A filter would spread a sample that is not finite over its whole length, and the mixer has no
-/// use for it either.
-inline float finiteOrZero(float sample) {
-  return std::fabs(sample) <= std::numeric_limits<float>::max() ? sample : 0.0f;
+/// use for it either. Subnormal ones, a filter's last ringing, would cost the mixer fifty times the
+/// time of the same sound without them.
+inline float soundOrZero(float sample) {
+  using Limits = std::numeric_limits<float>;
+  const float size = std::fabs(sample);
+  return size >= Limits::min() && size <= Limits::max() ? sample : 0.0f;
 }
 
 class FrameStore final {

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "Threads/RealtimeScheduling.h"
 #include "Threads/ThreadName.h"
 
 namespace tobrin {
@@ -17,6 +18,12 @@ namespace {
 int nameDataThread(spa_loop* /*loop*/, bool /*async*/, uint32_t /*sequence*/, const void* /*data*/,
                    size_t /*size*/, void* /*context*/) {
   nameThisThread("Tobrin.Render");
+  return 0;
+}
+
+int askForScheduling(spa_loop* /*loop*/, bool /*async*/, uint32_t /*sequence*/,
+                     const void* /*data*/, size_t /*size*/, void* /*context*/) {
+  requestRealtimeScheduling();
   return 0;
 }
 
@@ -46,6 +53,8 @@ PipeWireLoop::PipeWireLoop() {
     throw std::runtime_error("the PipeWire library cannot be used (" + reason + ")");
   }
   const PipeWireLock locked(*this);
+  // It resumes the stream on the first key after a pause, which is heard late where it is late.
+  pw_loop_invoke(loop(), askForScheduling, 0, nullptr, 0, false, nullptr);
   pw_data_loop_invoke(pw_context_get_data_loop(context_), nameDataThread, 0, nullptr, 0, false,
                       nullptr);
 }

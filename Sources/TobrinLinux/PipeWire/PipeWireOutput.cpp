@@ -58,6 +58,8 @@ bool PipeWireOutput::start() {
   const PipeWireLock locked(*loop_);
   if (isClosing_.load(std::memory_order_relaxed)) return false;
   if (isWanted_ && isRunning()) return true;
+  // It goes on trying by itself, and keys meanwhile need not wait to hear so.
+  if (isWanted_ && !startIsAnswered_ && !problem_.empty()) return false;
   isWanted_ = true;
   startIsAnswered_ = true;
   problem_.clear();

@@ -73,11 +73,13 @@ TEST(SampleBuffer, MakesEverySampleFinite) {
     samples[0] = Limits::quiet_NaN();
     samples[4] = Limits::lowest();
     samples[5] = Limits::infinity();
+    samples[6] = 1e-40F;
     const auto file = folder.write("a.wav", wavFloat({.rate = rate}, samples));
     const auto sound = SampleBuffer::load(file, 48000);
     for (std::size_t i = 0; i < sound->frames(); ++i)
       ASSERT_TRUE(std::isfinite(sound->left()[i])) << rate << " " << i;
     EXPECT_TRUE(std::isfinite(sound->peak()));
+    if (rate == 48000) EXPECT_EQ(sound->left()[6], 0) << "subnormal";
   }
 }
 
