@@ -1,7 +1,6 @@
 #include "Application/Assembly.h"
 
-#include <malloc.h>
-
+#include <chrono>
 #include <filesystem>
 
 #include "Application/TimelyThread.h"
@@ -9,6 +8,7 @@
 #include "Desktop/MakeKeySource.h"
 #include "Desktop/MakeMicSource.h"
 #include "Desktop/XdgFolders.h"
+#include "Memory/UnusedMemory.h"
 #include "Motion/FindMotionSource.h"
 #include "Packs/PackLibrary.h"
 #include "PipeWire/PipeWireLoop.h"
@@ -23,11 +23,8 @@ std::filesystem::path thisProgram() {
   return std::filesystem::read_symlink("/proc/self/exe", error);
 }
 
-std::shared_ptr<const LoadedPack> loadPack(const PackInfo& info) {
-  auto pack = LoadedPack::load(info, AudioOutput::sampleRate);
-  malloc_trim(0);  // what decoding needed besides the pack goes back to the system
-  return pack;
-}
+// By then the replaced pack is gone, and what decoding and starting needed besides.
+constexpr std::chrono::seconds settleTime{3};
 
 }  // namespace
 
@@ -56,7 +53,11 @@ Assembly::Assembly(std::optional<AppModel::Preview> preview)
       .micSource = makeMicSource(soundServer),
       .onThreadStart = prepareTimelyThread,
       .discoverPacks = [] { return PackLibrary::discover(); },
-      .loadPack = loadPack,
+      .loadPack =
+          [this](const PackInfo& info) {
+            main_.after(settleTime, giveBackUnusedMemory);
+            return LoadedPack::load(info, AudioOutput::sampleRate);
+          },
   };
   model_ = std::make_unique<AppModel>(std::move(services), std::move(preview));
 }

@@ -6,6 +6,7 @@
 #include <QIcon>
 
 #include "Application/Modules.h"
+#include "Memory/UnusedMemory.h"
 #include "Model/AppModel.h"
 #include "Tray/SymbolPixmap.h"
 
@@ -139,7 +140,9 @@ Panel* TrayInterface::panel() {
 }
 
 void TrayInterface::panelMayBeUnloaded() {
-  if (panel_ && !panel_->isOpen()) panel_.reset();
+  if (!panel_ || panel_->isOpen()) return;
+  panel_.reset();
+  giveBackUnusedMemory();
 }
 
 }  // namespace tobrin
