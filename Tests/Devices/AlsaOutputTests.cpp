@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "Support/AudioPlayer.h"
-#include "Support/PrivateDesktop.h"
+#include "Support/Eventually.h"
 
 namespace tobrin {
 namespace {

@@ -18,7 +18,7 @@
 
 #include "Input/KeyMonitor.h"
 #include "Support/HeardKeys.h"
-#include "Support/VirtualKeyboard.h"
+#include "Tools/Devices/VirtualKeyboard.h"
 
 namespace tobrin {
 namespace {

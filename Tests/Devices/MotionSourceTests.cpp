@@ -14,7 +14,7 @@
 #include "Motion/FindMotionSource.h"
 #include "Motion/IioDevice.h"
 #include "Motion/Sysfs.h"
-#include "Support/VirtualAccelerometer.h"
+#include "Tools/Devices/VirtualAccelerometer.h"
 
 namespace tobrin {
 namespace {

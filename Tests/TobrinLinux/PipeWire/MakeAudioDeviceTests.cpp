@@ -4,8 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "Support/AudioPlayer.h"
-#include "Support/PrivateDesktop.h"
+#include "Support/Eventually.h"
 #include "Support/TempFolder.h"
+#include "Tools/Desktop/ChildProcess.h"
 
 namespace tobrin {
 namespace {

@@ -8,9 +8,8 @@
 #include <vector>
 
 #include "PipeWire/PipeWireLoop.h"
-#include "Support/ChildProcess.h"
-#include "Support/PrivateDesktop.h"
-#include "Support/WakeUps.h"
+#include "Support/Eventually.h"
+#include "Tools/Desktop/ChildProcess.h"
 
 namespace tobrin {
 namespace {
@@ -59,7 +58,6 @@ TEST_F(PipeWireMicSourceTest, SeesProgramsOfEachSoundLayer) {
     EXPECT_TRUE(activity.micInUse() && activity.inputRunningSomewhere) << command[0];
     program.end();
     EXPECT_TRUE(record({})) << command[0];
-    EXPECT_FALSE(source_.read().micInUse()) << command[0];
     EXPECT_GE(changes_, before + 2) << command[0];
   }
 }
@@ -106,14 +104,6 @@ TEST_F(PipeWireMicSourceTest, AttachesAgainAfterTheServerWasGone) {
   program.end();
   EXPECT_TRUE(record({}));
   EXPECT_EQ(changes_, after);
-}
-
-TEST_F(PipeWireMicSourceTest, SleepsWhileNothingChanges) {
-  start();
-  ASSERT_TRUE(record({}));
-  const auto before = testing::wakeUps();
-  std::this_thread::sleep_for(1s);
-  EXPECT_LE(testing::wakeUps() - before, 5U);  // a device may fall asleep meanwhile
 }
 
 }  // namespace

@@ -1,70 +1,18 @@
-/// A session bus of the test's own and a desktop portal on it that offers global shortcuts.
+/// A desktop portal that offers global shortcuts, on the session bus of this process.
 #pragma once
 
-#include <poll.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <systemd/sd-bus.h>
-#include <unistd.h>
-
 #include <atomic>
-#include <cstdlib>
 #include <mutex>
-#include <stdexcept>
 #include <string>
-#include <thread>
+
+#include "Tools/Desktop/PrivateBus.h"
 
 namespace tobrin::testing {
-
-/// Its address is this process's DBUS_SESSION_BUS_ADDRESS while it lives.
-class PrivateBus final {
- public:
-  PrivateBus() {
-    int ends[2];
-    if (pipe(ends) != 0) throw std::runtime_error("no pipe");
-    process_ = fork();
-    if (process_ == 0) {
-      const std::string print = "--print-address=" + std::to_string(ends[1]);
-      execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--address=unix:tmpdir=/tmp",
-             print.c_str(), nullptr);
-      _exit(127);
-    }
-    close(ends[1]);
-    std::string address;
-    for (char c = 0; read(ends[0], &c, 1) == 1 && c != '\n';)
-      address += c;
-    close(ends[0]);
-    if (address.empty()) throw std::runtime_error("dbus-daemon did not start");
-    setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
-  }
-  ~PrivateBus() {
-    unsetenv("DBUS_SESSION_BUS_ADDRESS");
-    kill(process_, SIGTERM);
-    waitpid(process_, nullptr, 0);
-  }
-  PrivateBus(const PrivateBus&) = delete;
-  PrivateBus& operator=(const PrivateBus&) = delete;
-
- private:
-  pid_t process_ = -1;
-};
 
 class FakePortal final {
  public:
   /// `answer` is what the user says to the shortcut: 0 agrees, 1 refuses.
-  explicit FakePortal(uint32_t answer) : answer_(answer) {
-    if (sd_bus_open_user(&bus_) < 0) throw std::runtime_error("no bus");
-    sd_bus_add_object_vtable(bus_, nullptr, path, shortcuts, table(), this);
-    sd_bus_request_name(bus_, "org.freedesktop.portal.Desktop", 0);
-    thread_ = std::thread([this] { serve(); });
-  }
-  ~FakePortal() {
-    stopping_ = true;
-    thread_.join();
-    sd_bus_flush_close_unref(bus_);
-  }
-  FakePortal(const FakePortal&) = delete;
-  FakePortal& operator=(const FakePortal&) = delete;
+  explicit FakePortal(uint32_t answer) : answer_(answer) {}
 
   /// The user presses the combination.
   void activate() { activations_.fetch_add(1); }
@@ -118,26 +66,25 @@ class FakePortal final {
     return 1;
   }
 
-  void serve() {
-    while (!stopping_) {
-      while (sd_bus_process(bus_, nullptr) > 0) {
-      }
-      for (; activations_ > 0; --activations_) {
-        sd_bus_emit_signal(bus_, path, shortcuts, "Activated", "osta{sv}", session, "toggle-sounds",
-                           uint64_t{1}, 0);
-      }
-      pollfd wait{sd_bus_get_fd(bus_), POLLIN, 0};
-      poll(&wait, 1, 5);
+  void tellActivations(sd_bus* bus) {
+    for (; activations_ > 0; --activations_) {
+      sd_bus_emit_signal(bus, path, shortcuts, "Activated", "osta{sv}", session, "toggle-sounds",
+                         uint64_t{1}, 0);
     }
   }
 
   const uint32_t answer_;
-  sd_bus* bus_ = nullptr;
-  std::atomic<bool> stopping_{false};
   std::atomic<int> activations_{0};
   mutable std::mutex mutex_;
   std::string trigger_;  // guarded by mutex_
-  std::thread thread_;
+  // Last: its thread uses the rest.
+  BusService service_{sd_bus_open_user,
+                      "org.freedesktop.portal.Desktop",
+                      path,
+                      shortcuts,
+                      table(),
+                      this,
+                      [this](sd_bus* bus) { tellActivations(bus); }};
 };
 
 }  // namespace tobrin::testing

@@ -8,7 +8,7 @@
 #include <optional>
 
 #include "Force/MotionReport.h"
-#include "Support/UhidDevice.h"
+#include "Tools/Devices/UhidDevice.h"
 
 namespace tobrin::testing {
 

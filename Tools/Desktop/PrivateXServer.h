@@ -1,0 +1,54 @@
+/// An X server of the test's own, without a screen anyone sees, and a typist at its keyboard.
+#pragma once
+
+#include <linux/input-event-codes.h>
+#include <xcb/xcb.h>
+#include <xcb/xtest.h>
+
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "Tools/Desktop/ChildProcess.h"
+#include "X11/XConnection.h"
+
+namespace tobrin::testing {
+
+class PrivateXServer final {
+ public:
+  /// Picks a free display, or takes the one given (":7") to come back on it.
+  explicit PrivateXServer(const std::string& display = {})
+      : server_(command(display), ChildProcess::Output::announced),
+        display_(server_.firstLine().insert(0, 1, ':')),
+        connection_(connectToX(display_)) {}
+
+  [[nodiscard]] const std::string& display() const { return display_; }
+
+  /// Presses or releases keys by their kernel codes, and returns once the server has taken it.
+  void press(std::initializer_list<uint8_t> keys) { type(XCB_KEY_PRESS, keys); }
+  void release(std::initializer_list<uint8_t> keys) { type(XCB_KEY_RELEASE, keys); }
+
+  /// Another program's connection. Owned by the server object.
+  [[nodiscard]] xcb_connection_t* connection() const { return connection_.get(); }
+
+ private:
+  void type(uint8_t action, std::initializer_list<uint8_t> keys) {
+    xcb_connection_t* typist = connection_.get();
+    for (const uint8_t key : keys) {
+      xcb_test_fake_input(typist, action, static_cast<uint8_t>(key + 8), 0, XCB_NONE, 0, 0, 0);
+    }
+    free(xcb_get_input_focus_reply(typist, xcb_get_input_focus(typist), nullptr));
+  }
+
+  static std::vector<std::string> command(const std::string& display) {
+    std::vector<std::string> words = {"Xvfb", "-displayfd", "1", "-noreset", "-nolisten", "tcp"};
+    if (!display.empty()) words.push_back(display);
+    return words;
+  }
+
+  ChildProcess server_;
+  std::string display_;
+  XConnection connection_;
+};
+
+}  // namespace tobrin::testing
