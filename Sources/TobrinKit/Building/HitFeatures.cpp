@@ -113,13 +113,14 @@ class Meter {
     return 1000.0 * windows * static_cast<double>(window) / recording_.rate;
   }
 
-  /// Above 700 Hz, so that rumble and hum do not count as activity.
+  /// Above 700 Hz, so that rumble and hum do not count as activity; against the whole hit, so that
+  /// a touch ahead of a low thud does not either.
   float preActivity(const RecordingSlicer::Hit& hit) const {
     const std::size_t length = std::min(samples(beforeSeconds), hit.onset);
     const std::span<const float> signal = onsets_.signal;
     const float before = largest(signal.subspan(hit.onset - length, length));
     const float peak = largest(from(signal, hit.onset, peakSeconds));
-    return peak > 0 ? before / peak : 0.0f;
+    return peak > 0 ? before / std::max(peak, hit.peak) : 0.0f;
   }
 
   const RecordingView& recording_;

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <numeric>
 
+#include "Building/TypingLattice.h"
 #include "Building/TypingModel.h"
 
 namespace tobrin {
@@ -10,11 +13,11 @@ namespace {
 
 constexpr double neighbourhoodSeconds = 2.0;  // that the level of a hit is judged against
 constexpr double pressPercentile = 0.75;      // among hits of which up to a half are releases
-constexpr double leastSeparationDb = 2.5;
-constexpr double leastGainPerHit = 0.05;  // log likelihood, over a recording without releases
-/// A press that is lost costs a pack more than a release that passes for a press.
-constexpr double doubt = 4;
-constexpr int rounds = 10;
+/// Share of all presses. One that is lost costs a pack more than a release that passes for one.
+constexpr double bearableLoss = 0.006;
+constexpr double evenOdds = 0.5;
+constexpr int firstRounds = 3;
+constexpr int lastRounds = 8;
 constexpr double quietest = 1e-9;
 
 /// The level that presses around hit `index` have, in dB.
@@ -47,12 +50,57 @@ std::vector<TypedHit> typed(const std::vector<RecordingSlicer::Hit>& hits, doubl
   return result;
 }
 
-/// The log likelihood of a reading without any release, with the model that fits it.
-double scoreWithoutReleases(const std::vector<TypedHit>& hits) {
-  const TypingModel::Assignment allPresses(hits.size(), TypingModel::isPress);
-  TypingModel model = TypingModel().fitted(hits, allPresses);
-  model.heardReleases = 1e-9;  // no reading with releases can win
-  return model.read(hits).score;
+struct Fit {
+  TypingModel model;
+  TypingLattice::Reading reading;
+};
+
+/// Expectation maximisation with hard assignments. Models are drawn towards `expected`.
+void improve(Fit& fit, const TypingModel& expected, const std::vector<TypedHit>& hits, int rounds) {
+  for (int round = 0; round < rounds; ++round) {
+    fit.model = expected.fitted(hits, fit.reading.assignment);
+    auto next = TypingLattice::read(fit.model, hits);
+    const bool settled = next.assignment == fit.reading.assignment;
+    fit.reading = std::move(next);
+    if (settled) return;
+  }
+}
+
+/// The best of the fits from several first guesses: fast typing with few releases in it looks much
+/// like slow typing to the wrong one.
+Fit bestFit(const std::vector<TypedHit>& hits) {
+  Fit best;
+  TypingModel expected;
+  best.reading.logLikelihood = -std::numeric_limits<double>::infinity();
+  for (const double interval : {0.1, 0.18, 0.32}) {
+    for (const double releaseDb : {-6.0, -13.0}) {
+      TypingModel guess;
+      guess.logInterval.mean = std::log(interval);
+      guess.releaseDb.mean = releaseDb;
+      Fit fit{guess, TypingLattice::read(guess, hits)};
+      improve(fit, guess, hits, firstRounds);
+      if (fit.reading.logLikelihood <= best.reading.logLikelihood) continue;
+      best = std::move(fit);
+      expected = guess;
+    }
+  }
+  improve(best, expected, hits, lastRounds);
+  return best;
+}
+
+/// How much of the presses may be lost on the whole: hits are taken for releases, the surest first,
+/// until the chance of a press among them adds up to that.
+void markSurest(std::vector<RecordingSlicer::Hit>& hits, const std::vector<double>& pressChance) {
+  std::vector<std::size_t> order(hits.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::stable_sort(order.begin(), order.end(),
+                   [&](std::size_t a, std::size_t b) { return pressChance[a] < pressChance[b]; });
+  double allowance = bearableLoss * std::accumulate(pressChance.begin(), pressChance.end(), 0.0);
+  for (const std::size_t i : order) {
+    allowance -= pressChance[i];
+    if (allowance < 0 || pressChance[i] > evenOdds) break;
+    hits[i].isRelease = true;
+  }
 }
 
 }  // namespace
@@ -62,22 +110,7 @@ void ReleaseMarking::mark(std::vector<RecordingSlicer::Hit>& hits, double rate) 
     hit.isRelease = false;
   if (hits.size() < 2) return;
   const auto typedHits = typed(hits, rate);
-  TypingModel model;
-  TypingModel::Reading reading = model.read(typedHits);
-  for (int round = 0; round < rounds; ++round) {
-    model = model.fitted(typedHits, reading.assignment);
-    auto next = model.read(typedHits);
-    const bool settled = next.assignment == reading.assignment;
-    reading = std::move(next);
-    if (settled) break;
-  }
-  const double gain = reading.score - scoreWithoutReleases(typedHits);
-  const bool isWorthIt = gain > leastGainPerHit * static_cast<double>(hits.size());
-  if (!isWorthIt || model.pressDb.mean - model.releaseDb.mean < leastSeparationDb) return;
-  const auto sure = model.read(typedHits, doubt);
-  for (std::size_t i = 0; i < hits.size(); ++i) {
-    hits[i].isRelease = sure.assignment[i] != TypingModel::isPress;
-  }
+  markSurest(hits, bestFit(typedHits).reading.pressChance);
 }
 
 }  // namespace tobrin

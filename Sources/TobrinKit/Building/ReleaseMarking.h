@@ -10,9 +10,11 @@ namespace tobrin {
 /// A release is softer than the presses around it and follows its own press after the time a finger
 /// rests on a key; every press is released once. A `TypingModel` of both is fitted to the recording
 /// in turns with the likeliest reading of all hits (expectation maximisation with hard
-/// assignments). Where a model without releases explains the recording as well, nothing is marked.
+/// assignments), from several first guesses. Marked is only what is no press with near certainty:
+/// where releases sound like presses, few are marked.
 struct ReleaseMarking {
-  /// Sets `isRelease` on the hits, which are in time order. `rate` in samples a second.
+  /// Sets `isRelease` on the releases and strays among the hits, which are in time order. `rate` in
+  /// samples a second.
   static void mark(std::vector<RecordingSlicer::Hit>& hits, double rate);
 };
 

@@ -6,16 +6,18 @@
 
 namespace tobrin {
 
-/// A normal distribution, fitted by median and median absolute deviation, which stray values and
-/// wrong assignments hardly move.
-struct Normal {
+/// A bell curve with the heavy tails of Student's distribution, so that no single stray value is
+/// proof of anything. Fitted by median and median absolute deviation for the same reason.
+struct Bell {
   double mean = 0;
   double deviation = 1;
 
   [[nodiscard]] double logDensity(double x) const;
 
-  /// `fallback` where there are too few values; no deviation below `leastDeviation`.
-  static Normal fit(std::vector<double> values, const Normal& fallback, double leastDeviation);
+  /// Drawn towards `expected` as if that had been seen `weight` times already; no deviation below
+  /// `leastDeviation`.
+  static Bell fit(std::vector<double> values, const Bell& expected, double weight,
+                  double leastDeviation);
 };
 
 /// One hit as far as the model is concerned.
@@ -25,26 +27,22 @@ struct TypedHit {
 };
 
 struct TypingModel {
-  Normal pressDb{0, 3.5};
-  Normal releaseDb{-10, 3.5};
-  Normal logHold{-2.4, 0.4};      ///< natural logarithm of seconds; about 90 ms
-  Normal logInterval{-1.7, 0.6};  ///< from press to press; about 180 ms
-  double heardReleases = 0.7;     ///< share of presses whose release is heard
+  Bell pressDb{0, 4};
+  Bell releaseDb{-10, 4};
+  Bell strayDb{-15, 7};         ///< knocks, residue, releases of presses that were not heard
+  Bell logHold{-2.4, 0.35};     ///< natural logarithm of seconds; about 90 ms
+  Bell logInterval{-1.7, 0.5};  ///< from press to press; about 180 ms
+  double heardReleases = 0.7;   ///< share of presses whose release is heard
+  double straysASecond = 0.2;
 
-  /// What became of one hit: the index of the press it releases, or `isPress`.
+  static constexpr double longestInterval = 1.0;  ///< s; a longer one is a pause
+
+  /// What one hit is: the index of the press it releases, or one of these.
   static constexpr int isPress = -1;
+  static constexpr int isStray = -2;
   using Assignment = std::vector<int>;
 
-  /// The likeliest assignment of all hits together, by beam search over which keys are held; its
-  /// logarithmic likelihood in `score`. `doubt` is taken off for every release, so that only the
-  /// surer ones are read as such.
-  struct Reading {
-    Assignment assignment;
-    double score = 0;
-  };
-  [[nodiscard]] Reading read(const std::vector<TypedHit>& hits, double doubt = 0) const;
-
-  /// The model that fits an assignment best.
+  /// The model that fits an assignment best, drawn a little towards this one.
   [[nodiscard]] TypingModel fitted(const std::vector<TypedHit>& hits,
                                    const Assignment& assignment) const;
 };

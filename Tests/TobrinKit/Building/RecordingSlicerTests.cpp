@@ -86,8 +86,8 @@ TEST(RecordingSlicer, TellsPressesFromReleasesAndRanksThemByStrength) {
     keptPresses += stroke.isPress ? 1 : 0;
     if (stroke.isPress) strengths.emplace_back(stroke.amplitude, hit->energy);
   }
-  EXPECT_GE(keptPresses / presses, 0.97);
-  EXPECT_GE(keptPresses / kept, 0.87);
+  EXPECT_GE(keptPresses / presses, 0.98);
+  EXPECT_GE(keptPresses / kept, 0.95);
   for (std::size_t i = 0; i < strengths.size(); ++i) {
     for (std::size_t j = 0; j < i; ++j) {
       if (std::abs(std::log(strengths[i].first / strengths[j].first)) < 0.35) continue;  // 3 dB
