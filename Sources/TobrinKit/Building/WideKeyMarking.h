@@ -9,9 +9,10 @@
 namespace tobrin {
 
 /// Wide keys sound lower and longer. Each press is ranked among all presses by its mean frequency,
-/// its brightness and its decay, since ranks need no scale that would hold across keyboards; the
-/// share of presses ranked lowest is taken for wide. Where wide keys do not differ, that picks
-/// ordinary keys of the lower and longer kind, which still suit a wide key.
+/// by how much of it lies below 200 and below 400 Hz, and by its decay: no single one of them holds
+/// across keyboards, and ranks need no scale that would. The share of presses ranked lowest is
+/// taken for wide. Where wide keys do not differ, that picks ordinary keys of the lower and longer
+/// kind, which still suit a wide key.
 struct WideKeyMarking {
   /// Sets `isBig` on the presses among `hits`. `mono` is the recording's mix; `share` of all
   /// presses (0 to 1) is marked.
