@@ -80,9 +80,11 @@ fs::path PackLibrary::userPacksDirectory(const Environment& environment) {
 
 std::optional<fs::path> PackLibrary::bundledPacksDirectory(const Environment& environment) {
   if (const auto folder = environment("TOBRIN_PACKS")) return fs::path(*folder);
-  for (const fs::path folder : {TOBRIN_INSTALLED_PACKS, TOBRIN_BUILT_PACKS}) {
-    std::error_code missing;
-    if (fs::exists(folder, missing)) return folder;
+  std::error_code missing;
+  const fs::path program = fs::read_symlink("/proc/self/exe", missing).parent_path();
+  for (const char* const place : {TOBRIN_BUILT_PACKS, TOBRIN_INSTALLED_PACKS}) {
+    fs::path folder = (program / place).lexically_normal();
+    if (fs::is_directory(folder, missing)) return folder;
   }
   return std::nullopt;
 }

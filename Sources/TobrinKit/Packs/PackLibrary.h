@@ -24,8 +24,8 @@ struct PackLibrary {
   static std::filesystem::path userPacksDirectory(
       const Environment& environment = processEnvironment);
 
-  /// Where the shipped packs lie: "TOBRIN_PACKS" unchecked where it is set, else the installed
-  /// folder, else the one of the build tree; nothing where none of these exists.
+  /// Where the shipped packs lie: "TOBRIN_PACKS" unchecked where it is set, else the build
+  /// tree's or the installation's that this program is part of; nothing where neither exists.
   static std::optional<std::filesystem::path> bundledPacksDirectory(
       const Environment& environment = processEnvironment);
 

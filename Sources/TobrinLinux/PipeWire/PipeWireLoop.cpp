@@ -39,11 +39,12 @@ PipeWireLoop::PipeWireLoop() {
   loop_ = pw_thread_loop_new("Tobrin.PipeWire", nullptr);
   if (loop_ != nullptr) {
     // The stock client configuration leaves the data thread without real-time scheduling.
-    context_ = pw_context_new(
-        pw_thread_loop_get_loop(loop_),
-        pw_properties_new(PW_KEY_CONFIG_NAME, "client-rt.conf", PW_KEY_APP_NAME, "Tobrin",
-                          PW_KEY_APP_ID, "app.tobrin", PW_KEY_APP_ICON_NAME, "tobrin", nullptr),
-        0);
+    context_ =
+        pw_context_new(pw_thread_loop_get_loop(loop_),
+                       pw_properties_new(PW_KEY_CONFIG_NAME, "client-rt.conf", PW_KEY_APP_NAME,
+                                         "Tobrin", PW_KEY_APP_ID, "app.tobrin",
+                                         PW_KEY_APP_ICON_NAME, "app.tobrin.Tobrin", nullptr),
+                       0);
   }
   if (context_ == nullptr || pw_thread_loop_start(loop_) != 0) {
     const std::string reason = std::strerror(errno);

@@ -1,0 +1,32 @@
+# What is installed, and where; the starter packs stand in Resources/CMakeLists.txt.
+
+set(resources ${PROJECT_SOURCE_DIR}/Resources)
+set(made ${PROJECT_BINARY_DIR}/Resources)
+set(share ${CMAKE_INSTALL_DATADIR})
+
+install(TARGETS tobrin tobrin-packs tobrin-force RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS TobrinTray TobrinPanel LIBRARY DESTINATION ${TOBRIN_MODULES_DIR})
+
+# The desktop: entry, icons, description.
+install(FILES ${resources}/desktop/app.tobrin.Tobrin.desktop DESTINATION ${share}/applications)
+install(FILES ${resources}/icons/app.tobrin.Tobrin.svg DESTINATION ${share}/icons/hicolor/scalable/apps)
+install(FILES ${resources}/icons/app.tobrin.Tobrin-symbolic.svg ${resources}/icons/app.tobrin.Tobrin-off-symbolic.svg
+        DESTINATION ${share}/icons/hicolor/symbolic/apps)
+include(TobrinReleases)
+configure_file(${resources}/desktop/app.tobrin.Tobrin.metainfo.xml.in ${made}/app.tobrin.Tobrin.metainfo.xml @ONLY)
+install(FILES ${made}/app.tobrin.Tobrin.metainfo.xml DESTINATION ${share}/metainfo)
+
+# The shell: manual pages and completions.
+foreach(program tobrin tobrin-packs tobrin-force)
+  configure_file(${resources}/man/${program}.1.in ${made}/man/${program}.1 @ONLY)
+  install(FILES ${made}/man/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${resources}/completions/${program}.bash DESTINATION ${share}/bash-completion/completions RENAME ${program})
+  install(FILES ${resources}/completions/${program}.fish DESTINATION ${share}/fish/vendor_completions.d)
+endforeach()
+install(FILES ${resources}/completions/_tobrin DESTINATION ${TOBRIN_ZSH_COMPLETIONS_DIR})
+
+# The system: access to motion sensors.
+install(FILES ${resources}/udev/70-tobrin-motion.rules DESTINATION ${TOBRIN_UDEV_RULES_DIR})
+
+install(FILES README.md DESTINATION ${TOBRIN_DOC_DIR})
+install(DIRECTORY Docs DESTINATION ${TOBRIN_DOC_DIR})
