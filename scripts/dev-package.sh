@@ -1,0 +1,42 @@
+# package [--test]: the Debian package, into build/package; --test installs it in a fresh system.
+main() {
+  local test='' package
+  case ${1:-} in
+    '') ;;
+    --test) test=yes ;;
+    *) die "package: unknown option $1" ;;
+  esac
+  ensure_packages scripts/packages.txt
+  ensure_packages scripts/packages-package.txt
+  # The date that the package carries: the same sources make the same package.
+  SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
+  export SOURCE_DATE_EPOCH
+  rm -f build/package/*.deb
+  cmake --preset package >/dev/null
+  build_preset package
+  (cd build/package && cpack >/dev/null)
+  package=$(echo build/package/*.deb)
+  say "made $package, $(du -k "$package" | cut -f1) KiB"
+  check_parts
+  say "lintian"
+  # The sounds are most of the package, and made by the very programs that it holds.
+  lintian --allow-root --fail-on error,warning,info --display-info --suppress-tags arch-dep-package-has-big-usr-share \
+    "$package"
+  say "all checks passed"
+  [ -z "$test" ] || as_root scripts/package-test "$package"
+}
+
+# check_parts: each part of the desktop's and the shell's by the program that knows its kind.
+check_parts() {
+  local made=build/package/Resources page warnings
+  say "desktop entry, description, manual pages, completions"
+  desktop-file-validate Resources/desktop/*.desktop
+  appstreamcli validate --no-net "$made/app.tobrin.Tobrin.metainfo.xml"
+  for page in "$made"/man/*.1; do
+    warnings=$(LC_ALL=C.UTF-8 MANROFFSEQ='' MANWIDTH=80 man --warnings -E UTF-8 -l -Tutf8 -Z "$page" 2>&1 >/dev/null)
+    [ -z "$warnings" ] || die "$page: $warnings"
+  done
+  for page in Resources/completions/*.bash; do bash -n "$page"; done
+  for page in Resources/completions/*.fish; do fish --no-execute "$page"; done
+  zsh -n Resources/completions/_tobrin
+}
