@@ -1,8 +1,6 @@
 // Against the kernel's own devices: run these as root in a virtual machine.
-#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -14,6 +12,8 @@
 #include "Motion/FindMotionSource.h"
 #include "Motion/IioDevice.h"
 #include "Motion/Sysfs.h"
+#include "Support/AsNobody.h"
+#include "Support/Eventually.h"
 #include "Tools/Devices/VirtualAccelerometer.h"
 
 namespace tobrin {
@@ -33,11 +33,7 @@ class MotionSourceTest : public ::testing::Test {
 
   /// The kernel and its device manager take their time with each new device.
   static bool eventually(const std::function<bool()>& condition) {
-    for (int i = 0; i < 300; ++i) {
-      if (condition()) return true;
-      std::this_thread::sleep_for(milliseconds(50));
-    }
-    return false;
+    return testing::eventually(condition, std::chrono::seconds(15));
   }
 
   /// Waits for a source that opens, and starts a sensor on it.
@@ -89,6 +85,10 @@ TEST_F(MotionSourceTest, AnIioSensorStreamsAtItsHighestRateAndIsPutBack) {
   const IioDevice found = IioDevice::findAll({})[0];
   EXPECT_EQ(sysfs::readNumber(found.folder / "buffer/enable"), 1);
   EXPECT_EQ(sensor->description(), found.title() + ", 1000 Hz");
+  ForceSensor second(findMotionSource());
+  EXPECT_FALSE(second.start());
+  EXPECT_EQ(second.problem(), "accel_3d (iio:device0) is in use by another program");
+  EXPECT_NEAR(measuredRate(), 1000, 30) << "left alone";
   sensor->stop();
   EXPECT_EQ(sysfs::readNumber(found.folder / "buffer/enable"), 0);
   EXPECT_EQ(sysfs::readNumber(*found.rateFile()), 100) << "as the device was found";
@@ -122,16 +122,6 @@ TEST_F(MotionSourceTest, AnIioSensorMayGoAndComeBack) {
   sensor->stop();  // while there is no device
 }
 
-TEST_F(MotionSourceTest, ASensorInUseIsToldInWordsAndLeftAlone) {
-  VirtualAccelerometer device(VirtualAccelerometer::Sensor{});
-  ASSERT_TRUE(start());
-  ASSERT_TRUE(streams());
-  ForceSensor second(findMotionSource());
-  EXPECT_FALSE(second.start());
-  EXPECT_EQ(second.problem(), "accel_3d (iio:device0) is in use by another program");
-  EXPECT_NEAR(measuredRate(), 1000, 30);
-}
-
 TEST_F(MotionSourceTest, ASensorThatMayNotBeReadIsToldInWords) {
   const VirtualAccelerometer device(VirtualAccelerometer::Sensor{});
   ASSERT_TRUE(start());
@@ -141,18 +131,13 @@ TEST_F(MotionSourceTest, ASensorThatMayNotBeReadIsToldInWords) {
   const auto asNobody = [&](bool rawReadable) {
     for (std::size_t axis = 0; axis < 3; ++axis)
       chmod(found.axisFile(axis, "raw").c_str(), rawReadable ? 0644 : 0600);
-    const pid_t child = fork();
-    if (child == 0) {
-      if (setgid(65534) != 0 || setuid(65534) != 0) _exit(9);
+    return testing::exitStatus(testing::startAsNobody([&] {
       const auto source = findMotionSource();
-      if (source->open()) _exit(1);
+      if (source->open()) return 1;
       const std::string expected =
           "cannot open " + found.node.string() + ": Permission denied; a udev rule has to allow it";
-      _exit(source->problem() == expected ? 2 : 3);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+      return source->problem() == expected ? 2 : 3;
+    }));
   };
   EXPECT_EQ(asNobody(true), 1) << "single readings need no more than the right to read";
   EXPECT_EQ(asNobody(false), 2);
@@ -167,18 +152,14 @@ TEST_F(MotionSourceTest, TheShippedRuleLetsMembersOfInputUseTheBuffer) {
   const VirtualAccelerometer device(VirtualAccelerometer::Sensor{});
   ASSERT_TRUE(eventually([] { return findMotionSource() != nullptr; }));
   ASSERT_EQ(std::system("udevadm settle"), 0);
-  const pid_t child = fork();
-  if (child == 0) {
-    const gid_t input = getgrnam("input")->gr_gid;
-    if (setgroups(1, &input) != 0 || setgid(65534) != 0 || setuid(65534) != 0) _exit(9);
+  const auto useBuffer = [] {
     ForceSensor own(findMotionSource());
-    if (!own.start()) _exit(1);
+    if (!own.start()) return 1;
     const bool fast = eventually([&] { return own.reportsReceived() > 500; });
-    _exit(fast && own.description().ends_with(", 1000 Hz") ? 0 : 2);
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, 0);
+    return fast && own.description().ends_with(", 1000 Hz") ? 0 : 2;
+  };
+  const gid_t input = getgrnam("input")->gr_gid;
+  EXPECT_EQ(testing::exitStatus(testing::startAsNobody(useBuffer, input)), 0);
 }
 
 TEST_F(MotionSourceTest, ARawDeviceIsStampedOnArrivalAndMayComeBack) {

@@ -54,19 +54,9 @@ class RawServer final {
     for (;;) {
       const int connection = accept(listening_, nullptr, nullptr);
       if (connection < 0) return;
-      std::string request;
-      char bytes[1024];
-      while (request.find("\r\n\r\n") == std::string::npos) {
-        const ssize_t count = recv(connection, bytes, sizeof bytes, 0);
-        if (count <= 0) break;
-        request.append(bytes, static_cast<std::size_t>(count));
-      }
-      for (std::size_t sent = 0; sent < answer_.size();) {
-        const ssize_t count =
-            send(connection, answer_.data() + sent, answer_.size() - sent, MSG_NOSIGNAL);
-        if (count <= 0) break;
-        sent += static_cast<std::size_t>(count);
-      }
+      char request[8192];
+      recv(connection, request, sizeof request, 0);
+      send(connection, answer_.data(), answer_.size(), MSG_NOSIGNAL);
       close(connection);
     }
   }

@@ -1,6 +1,7 @@
 /// A key source driven by a test: opens or refuses as told and hands on what the test sends.
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -24,10 +25,13 @@ class KeyScript {
   void press(uint16_t code) { send({.type = KeySource::EventType::keyDown, .code = code}); }
   void release(uint16_t code) { send({.type = KeySource::EventType::keyUp, .code = code}); }
 
-  /// What the next `open` answers.
+  /// Whether this program may listen, and whether keys open where it may.
   void allow(bool allowed) { set(allowed_, allowed); }
+  void work(bool works) { set(works_, works); }
   /// Ends the current `run` as a vanished display server would.
   void lose() { set(lost_, true); }
+  std::atomic<int> requests = 0;  ///< for permission
+
   /// Waits until `open` was called this often in all.
   void awaitOpens(int count) {
     std::unique_lock lock(mutex_);
@@ -46,6 +50,7 @@ class KeyScript {
   std::condition_variable changed_;
   std::deque<KeySource::Event> events_;  // all below guarded by mutex_
   bool allowed_ = true;
+  bool works_ = true;
   bool lost_ = false;
   bool interrupted_ = false;
   int opens_ = 0;
@@ -60,7 +65,7 @@ class ScriptedKeySource final : public KeySource {
     ++script_.opens_;
     script_.lost_ = false;
     script_.changed_.notify_all();
-    return script_.allowed_;
+    return script_.allowed_ && script_.works_;
   }
 
   void run(const Sink& sink) override {
@@ -82,7 +87,10 @@ class ScriptedKeySource final : public KeySource {
   void close() override { script_.set(script_.interrupted_, false); }
   void interrupt() override { script_.set(script_.interrupted_, true); }
   [[nodiscard]] bool hasPermission() const override { return isAllowed(); }
-  bool requestPermission() override { return isAllowed(); }
+  bool requestPermission() override {
+    ++script_.requests;
+    return isAllowed();
+  }
   [[nodiscard]] std::string problem() const override { return isAllowed() ? "" : "not allowed"; }
   [[nodiscard]] std::string description() const override { return "a script"; }
 

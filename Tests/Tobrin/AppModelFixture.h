@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <functional>
 #include <map>
@@ -19,7 +18,9 @@
 #include "Engine/MachTime.h"
 #include "Engine/VirtualQueue.h"
 #include "Model/AppModel.h"
+#include "Support/DeskShortcuts.h"
 #include "Support/HandDrivenDevice.h"
+#include "Support/ScriptedKeySource.h"
 #include "Support/ScriptedMicSource.h"
 #include "Support/TestPack.h"
 
@@ -69,59 +70,6 @@ struct TestDesktop final : Workspace, LoginItem {
   }
 };
 
-/// Keyboards that nobody types on: what matters is whether they may be heard.
-struct KeyAccess {
-  std::atomic<bool> granted = true;
-  std::atomic<bool> opens = true;  ///< where it is granted
-  std::atomic<int> requests = 0;
-};
-
-class SilentKeys final : public KeySource {
- public:
-  explicit SilentKeys(KeyAccess& access) : access_(access) {}
-  bool open() override { return access_.granted && access_.opens; }
-  void run(const Sink&) override { interrupted_.wait(false); }
-  void close() override { interrupted_ = false; }
-  void interrupt() override {
-    interrupted_ = true;
-    interrupted_.notify_all();
-  }
-  [[nodiscard]] bool hasPermission() const override { return access_.granted; }
-  bool requestPermission() override {
-    ++access_.requests;
-    return access_.granted;
-  }
-  [[nodiscard]] std::string problem() const override { return {}; }
-  [[nodiscard]] std::string description() const override { return "silent keys"; }
-
- private:
-  KeyAccess& access_;
-  std::atomic<bool> interrupted_ = false;
-};
-
-struct ShortcutDesk {
-  ShortcutGrab answer;
-  bool reserved = false;
-  std::function<void()> pressed;  ///< empty while nothing is grabbed
-};
-
-class DeskShortcuts final : public ShortcutService {
- public:
-  explicit DeskShortcuts(ShortcutDesk& desk) : desk_(desk) {}
-  bool isReserved(const Hotkey&) override { return desk_.reserved; }
-  ShortcutGrab grab(const Hotkey&, std::function<void()> pressed) override {
-    desk_.pressed = desk_.answer == ShortcutGrab{} ? std::move(pressed) : nullptr;
-    return desk_.answer;
-  }
-  void release() override { desk_.pressed = nullptr; }
-  std::optional<std::string> keyName(uint32_t) override { return "k"; }
-  void observe(const KeyEvent&) override {}
-  [[nodiscard]] std::string description() const override { return "a desk"; }
-
- private:
-  ShortcutDesk& desk_;
-};
-
 class AppModelTest : public ::testing::Test {
  protected:
   AppModelTest() {
@@ -149,7 +97,7 @@ class AppModelTest : public ::testing::Test {
                     .workspace = desktop_,
                     .audioDevice = std::make_unique<HandDrivenDevice>(device_),
                     .motionSource = nullptr,
-                    .keySource = std::make_unique<SilentKeys>(keys_),
+                    .keySource = std::make_unique<ScriptedKeySource>(keys_),
                     .shortcutService = std::make_unique<DeskShortcuts>(shortcuts_),
                     .micSource = std::make_unique<ScriptedMicSource>(microphone_),
                     .onThreadStart = nullptr,
@@ -200,7 +148,7 @@ class AppModelTest : public ::testing::Test {
   VirtualQueue main_{"main"}, loader_{"loader"}, conductorQueue_{"conductor"}, micQueue_{"mic"};
   MemorySettings settings_;
   TestDesktop desktop_;
-  KeyAccess keys_;
+  KeyScript keys_;
   ShortcutDesk shortcuts_;
   std::shared_ptr<MicState> microphone_ = std::make_shared<MicState>();
   std::shared_ptr<HandDrivenDevice::Controls> device_ =

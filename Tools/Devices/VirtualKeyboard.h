@@ -14,28 +14,21 @@ namespace tobrin::testing {
 
 class VirtualKeyboard final {
  public:
-  struct Shape {
-    bool letters = true;   ///< without them it is a bare pair of buttons
-    bool repeats = false;  ///< the kernel repeats held keys
-  };
-
   static bool isPossible() { return access("/dev/uinput", R_OK | W_OK) == 0; }
 
-  VirtualKeyboard(const std::string& name, Shape shape) {
+  /// Without letters it is a bare pair of buttons.
+  explicit VirtualKeyboard(const std::string& name, bool letters = true) {
     libevdev* plan = libevdev_new();
     libevdev_set_name(plan, name.c_str());
     libevdev_enable_event_code(plan, EV_KEY, KEY_POWER, nullptr);
     libevdev_enable_event_code(plan, EV_KEY, BTN_LEFT, nullptr);
-    for (unsigned key = KEY_ESC; shape.letters && key <= KEY_MICMUTE; ++key) {
+    for (unsigned key = KEY_ESC; letters && key <= KEY_MICMUTE; ++key)
       libevdev_enable_event_code(plan, EV_KEY, key, nullptr);
-    }
-    if (shape.repeats) libevdev_enable_event_type(plan, EV_REP);
     const int failure =
         libevdev_uinput_create_from_device(plan, LIBEVDEV_UINPUT_OPEN_MANAGED, &device_);
     libevdev_free(plan);
     if (failure < 0) throw std::runtime_error("uinput refuses the keyboard");
   }
-  explicit VirtualKeyboard(const std::string& name) : VirtualKeyboard(name, Shape{}) {}
   ~VirtualKeyboard() { libevdev_uinput_destroy(device_); }
   VirtualKeyboard(const VirtualKeyboard&) = delete;
   VirtualKeyboard& operator=(const VirtualKeyboard&) = delete;

@@ -68,15 +68,9 @@ TEST_F(MicWatchTest, PrintsTheStateAndEachChange) {
             "01:00:03  mic free: sounds resume\n"
             "  default input: Webcam · running: no · recording: nobody\n");
   EXPECT_FALSE(mic_->changed);
-}
-
-TEST_F(MicWatchTest, DescribesWhatIsKnown) {
-  const MicWatch watch = this->watch([] {});
   EXPECT_EQ(watch.describe({"Headset", true, true, std::nullopt}),
             "default input: Headset (also plays audio) · running: yes · "
             "recording: unknown before macOS 14");
-  EXPECT_EQ(watch.describe({std::nullopt, false, false, {{99}}}),
-            "default input: none · running: no · recording: caller");
 }
 
 }  // namespace

@@ -21,16 +21,8 @@ constexpr uint64_t millisecond = 1'000'000;
 
 TEST(ProbeReport, PercentilesAreElementsOfTheList) {
   const std::vector<double> eleven = {10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
-  for (const auto& [p, expected] : {std::pair{0.0, 0.0},
-                                    {0.1, 1.0},
-                                    {0.5, 5.0},
-                                    {0.59, 5.0},
-                                    {0.9, 9.0},
-                                    {1.0, 10.0},
-                                    {7.0, 10.0},
-                                    {-1.0, 0.0}})
+  for (const auto& [p, expected] : {std::pair{0.1, 1.0}, {0.59, 5.0}, {7.0, 10.0}, {-1.0, 0.0}})
     EXPECT_EQ(percentile(eleven, p), expected) << p;
-  EXPECT_EQ(percentile(std::vector<float>{3, 1}, 0.9), 1);
 }
 
 TEST(ProbeReport, AHitIsTheEarliestOfTheStrongestSamples) {

@@ -5,6 +5,7 @@
 #include <initializer_list>
 
 #include "Input/ChordRecognizer.h"
+#include "Support/DeskShortcuts.h"
 
 namespace tobrin {
 namespace {
@@ -14,24 +15,6 @@ using Result = ShortcutGrab::Result;
 
 constexpr Hotkey toggle{40, {Modifiers::control | Modifiers::option | Modifiers::command}};
 
-class FakeService final : public ShortcutService {
- public:
-  bool isReserved(const Hotkey&) override { return reserved; }
-  ShortcutGrab grab(const Hotkey&, std::function<void()> action) override {
-    EXPECT_FALSE(reserved);
-    pressed = answer.result == Result::granted ? std::move(action) : nullptr;
-    return answer;
-  }
-  void release() override { pressed = nullptr; }
-  std::optional<std::string> keyName(uint32_t) override { return std::nullopt; }
-  void observe(const KeyEvent&) override {}
-  [[nodiscard]] std::string description() const override { return "a fake"; }
-
-  bool reserved = false;
-  ShortcutGrab answer;
-  std::function<void()> pressed;
-};
-
 TEST(GlobalHotkey, EveryOutcomeIsAStatusAndHoldsNothingItShouldNot) {
   const std::tuple<bool, ShortcutGrab, Kind> rows[] = {
       {false, {}, Kind::active},
@@ -39,29 +22,29 @@ TEST(GlobalHotkey, EveryOutcomeIsAStatusAndHoldsNothingItShouldNot) {
       {true, {}, Kind::reservedBySystem},
       {false, {Result::failed, -19}, Kind::failed}};
   for (const auto& [reserved, answer, kind] : rows) {
-    FakeService service;
-    service.reserved = reserved;
-    service.answer = answer;
+    testing::ShortcutDesk desk{answer, reserved, nullptr};
+    testing::DeskShortcuts service(desk);
     GlobalHotkey hotkey(service, [] {});
     EXPECT_EQ(hotkey.registerHotkey(toggle), (GlobalHotkey::Status{kind, toggle, answer.error}));
-    EXPECT_EQ(service.pressed != nullptr, kind == Kind::active);
+    EXPECT_EQ(desk.pressed != nullptr, kind == Kind::active);
     EXPECT_EQ(hotkey.registerHotkey(std::nullopt).kind, Kind::off);
-    EXPECT_EQ(service.pressed, nullptr);
+    EXPECT_EQ(desk.pressed, nullptr);
   }
 }
 
 TEST(GlobalHotkey, ANewShortcutReplacesTheOldAndDestructionReleases) {
-  FakeService service;
+  testing::ShortcutDesk desk;
+  testing::DeskShortcuts service(desk);
   {
     GlobalHotkey hotkey(service, [] {});
     hotkey.registerHotkey(toggle);
-    service.reserved = true;
+    desk.reserved = true;
     EXPECT_EQ(hotkey.registerHotkey(Hotkey{49, {Modifiers::command}}).kind, Kind::reservedBySystem);
-    EXPECT_EQ(service.pressed, nullptr);  // the first one is gone although the second never came
-    service.reserved = false;
+    EXPECT_EQ(desk.pressed, nullptr);  // the first one is gone although the second never came
+    desk.reserved = false;
     hotkey.registerHotkey(toggle);
   }
-  EXPECT_EQ(service.pressed, nullptr);
+  EXPECT_EQ(desk.pressed, nullptr);
 }
 
 TEST(ChordRecognizer, HearsExactlyItsCombinationOnceAPress) {
