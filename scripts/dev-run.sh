@@ -1,6 +1,6 @@
 # run [ARGS]: the program in this desktop; where there is none, in a private one, typed at and recorded.
 main() {
-  local program=(tobrin TobrinTray TobrinPanel TobrinStarterPacks)
+  local program=(tobrin TobrinTray TobrinPanel TobrinStarterPacks tobrin-key-access)
   ensure_packages scripts/packages.txt
   if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
     build_preset release --target "${program[@]}"

@@ -59,7 +59,9 @@ struct TestDesktop final : Workspace, LoginItem {
   void setOnWake(std::function<void()> call) override { onWake = std::move(call); }
   void setOnTerminate(std::function<void()> call) override { onTerminate = std::move(call); }
   std::string openFolder(const std::filesystem::path&) override { return act("folder"); }
-  std::string openKeyAccessSettings() override { return act("access"); }
+  void openKeyAccessSettings(std::function<void(const std::string&)> onEnd) override {
+    onEnd(act("access"));
+  }
   std::string relaunch() override { return act("relaunch"); }
   void terminate() override { actions.emplace_back("terminate"); }
 

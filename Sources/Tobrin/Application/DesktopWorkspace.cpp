@@ -46,8 +46,30 @@ std::string DesktopWorkspace::openFolder(const std::filesystem::path& folder) {
   return start("xdg-open", {QString::fromStdString(folder.string())});
 }
 
-std::string DesktopWorkspace::openKeyAccessSettings() {
-  return start("pkexec", {TOBRIN_KEY_ACCESS_HELPER, "grant"});
+void DesktopWorkspace::openKeyAccessSettings(std::function<void(const std::string&)> onEnd) {
+  if (grant_ && grant_->state() != QProcess::NotRunning) return;  // the user is being asked
+  // A program that runs where it was built has its helper beside it.
+  const auto built = program_.parent_path() / "tobrin-key-access";
+  std::error_code error;
+  const QString helper = std::filesystem::exists(built, error)
+                             ? QString::fromStdString(built.string())
+                             : QString(TOBRIN_KEY_ACCESS_HELPER);
+  grant_ = std::make_unique<QProcess>();
+  grant_->setProcessChannelMode(QProcess::ForwardedOutputChannel);
+  QObject::connect(grant_.get(), &QProcess::errorOccurred, grant_.get(),
+                   [onEnd](QProcess::ProcessError problem) {
+                     if (problem == QProcess::FailedToStart) onEnd("pkexec is not installed");
+                   });
+  QObject::connect(grant_.get(), &QProcess::finished, grant_.get(),
+                   [this, onEnd](int status) { onEnd(grantProblem(status)); });
+  grant_->start("pkexec", {helper, "grant"});
+}
+
+std::string DesktopWorkspace::grantProblem(int status) {
+  constexpr int dismissed = 126;  // by the user
+  if (status == 0 || status == dismissed) return {};
+  const auto lines = QString::fromUtf8(grant_->readAllStandardError()).trimmed().split('\n');
+  return lines.last().isEmpty() ? "it was not allowed" : lines.last().toStdString();
 }
 
 std::string DesktopWorkspace::relaunch() {

@@ -1,6 +1,7 @@
 /// The session's notices and actions on a Linux desktop. Thread: main.
 #pragma once
 
+#include <QProcess>
 #include <QSocketNotifier>
 #include <filesystem>
 #include <memory>
@@ -18,18 +19,20 @@ class DesktopWorkspace final : public Workspace {
   void setOnWake(std::function<void()> onWake) override { onWake_ = std::move(onWake); }
   void setOnTerminate(std::function<void()> onTerminate) override;
   std::string openFolder(const std::filesystem::path& folder) override;
-  std::string openKeyAccessSettings() override;
+  void openKeyAccessSettings(std::function<void(const std::string&)> onEnd) override;
   std::string relaunch() override;
   void terminate() override;
 
  private:
   void hearSleep();
+  [[nodiscard]] std::string grantProblem(int status);
 
   std::filesystem::path program_;
   std::function<void()> onWake_;
   std::function<void()> onTerminate_;
   SleepWatch sleep_;
   std::unique_ptr<QSocketNotifier> sleepNotifier_;
+  std::unique_ptr<QProcess> grant_;  // the newest one
 };
 
 }  // namespace tobrin

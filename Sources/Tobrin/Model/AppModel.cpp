@@ -356,8 +356,13 @@ void AppModel::openPacksFolder() {
 }
 
 void AppModel::openKeyAccessSettings() {
-  const std::string problem = services_.workspace.openKeyAccessSettings();
-  if (!problem.empty()) Log::line("access to keys can't be set up: " + problem);
+  services_.workspace.openKeyAccessSettings([this, self = self_](const std::string& problem) {
+    if (*self == nullptr) return;
+    keyAccessProblem_ = problem.empty() ? "" : "Access to keys can't be set up: " + problem;
+    if (!problem.empty()) Log::line(keyAccessProblem_);
+    emit permissionChanged();
+    pollPermission();
+  });
 }
 
 void AppModel::relaunch() {

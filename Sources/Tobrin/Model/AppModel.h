@@ -53,6 +53,8 @@ class AppModel final : public QObject {
   [[nodiscard]] bool hasPermission() const { return hasPermission_; }
   [[nodiscard]] bool listening() const { return listening_; }
   [[nodiscard]] bool needsRelaunch() const { return needsRelaunch_; }
+  /// Why the grant of access to keys could not be made; empty while nothing went wrong.
+  [[nodiscard]] const std::string& keyAccessProblem() const { return keyAccessProblem_; }
   [[nodiscard]] const std::optional<ForceReading>& lastForce() const { return lastForce_; }
   [[nodiscard]] bool launchAtLogin() const { return launchAtLogin_; }
   [[nodiscard]] bool micInUse() const { return micInUse_; }
@@ -89,7 +91,7 @@ class AppModel final : public QObject {
   void selectedPackChanged();
   void packsChanged();
   void packErrorChanged();
-  void permissionChanged();  ///< hasPermission, listening, needsRelaunch
+  void permissionChanged();  ///< hasPermission, listening, needsRelaunch, keyAccessProblem
   void lastForceChanged();
   void launchAtLoginChanged();
   void micInUseChanged();
@@ -130,6 +132,7 @@ class AppModel final : public QObject {
   bool hasPermission_ = false;
   bool listening_ = false;
   bool needsRelaunch_ = false;
+  std::string keyAccessProblem_;
   std::optional<ForceReading> lastForce_;
   bool launchAtLogin_ = false;
   bool micInUse_ = false;

@@ -56,6 +56,10 @@ bool PanelModel::needsRelaunch() const {
   return model_.needsRelaunch();
 }
 
+QString PanelModel::keyAccessProblem() const {
+  return text(model_.keyAccessProblem());
+}
+
 // Packs
 
 QVariantList PanelModel::packs() const {

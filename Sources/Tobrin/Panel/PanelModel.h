@@ -22,6 +22,7 @@ class PanelModel final : public QObject {
   Q_PROPERTY(bool playing READ playing NOTIFY statusChanged)
   Q_PROPERTY(bool hasPermission READ hasPermission NOTIFY permissionChanged)
   Q_PROPERTY(bool needsRelaunch READ needsRelaunch NOTIFY permissionChanged)
+  Q_PROPERTY(QString keyAccessProblem READ keyAccessProblem NOTIFY permissionChanged)
 
   Q_PROPERTY(QVariantList packs READ packs NOTIFY packsChanged)
   Q_PROPERTY(QString selectedPackID READ selectedPackID NOTIFY selectedPackChanged)
@@ -60,6 +61,7 @@ class PanelModel final : public QObject {
   [[nodiscard]] bool playing() const;
   [[nodiscard]] bool hasPermission() const;
   [[nodiscard]] bool needsRelaunch() const;
+  [[nodiscard]] QString keyAccessProblem() const;
   [[nodiscard]] QVariantList packs() const;  ///< maps of id, name, kind
   [[nodiscard]] QString selectedPackID() const;
   [[nodiscard]] QVariantMap selectedPack()

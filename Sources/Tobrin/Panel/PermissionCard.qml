@@ -40,4 +40,13 @@ Card {
             onClicked: card.model.relaunch()
         }
     }
+    PanelText {
+        Layout.fillWidth: true
+        Layout.bottomMargin: Theme.unit
+        visible: text !== ""
+        text: card.model.keyAccessProblem
+        small: true
+        color: Theme.warning
+        Accessible.role: Accessible.AlertMessage
+    }
 }

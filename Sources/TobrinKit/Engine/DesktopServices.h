@@ -26,8 +26,9 @@ class Workspace {
   virtual void setOnTerminate(std::function<void()> onTerminate) = 0;
   /// Shows a folder in the file manager, making it if missing; returns why it failed.
   virtual std::string openFolder(const std::filesystem::path& folder) = 0;
-  /// Offers the user the one-time grant of access to keys; returns why it failed.
-  virtual std::string openKeyAccessSettings() = 0;
+  /// Offers the user the one-time grant of access to keys. `onEnd` is told why it failed, or an
+  /// empty text; never once the workspace is gone.
+  virtual void openKeyAccessSettings(std::function<void(const std::string& problem)> onEnd) = 0;
   /// Starts a new instance of the program, which waits for this one to end; returns why it failed.
   virtual std::string relaunch() = 0;
   /// Ends this instance.

@@ -1,0 +1,15 @@
+/// The keyboards that are plugged in, and who may open them.
+#pragma once
+
+namespace tobrin::keyboards {
+
+/// Has the device manager read its rules again and go through the keyboards by them. Returns once
+/// it has; false where it does not run or refuses.
+[[nodiscard]] bool applyRules();
+
+/// Takes back what single users were given of the keyboards' event devices. Rules that give access
+/// to one of them for another purpose do so again when they are applied. Programs that have a
+/// keyboard open keep it.
+void takeBackAccess();
+
+}  // namespace tobrin::keyboards

@@ -1,0 +1,27 @@
+/// One file in the device manager's rules folder: there whole, or not at all.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tobrin {
+
+class RuleFile final {
+ public:
+  /// `root` is "" or the folder that stands for "/".
+  explicit RuleFile(const std::string& root);
+
+  [[nodiscard]] const std::string& path() const { return path_; }
+
+  /// Writes the rule beside its place and renames it there; makes the folder if it is missing.
+  /// Throws std::system_error, and then leaves what was there.
+  void install(std::string_view rule) const;
+
+  /// Returns false where there was none. Throws std::system_error.
+  [[nodiscard]] bool remove() const;
+
+ private:
+  std::string folder_, path_;
+};
+
+}  // namespace tobrin
