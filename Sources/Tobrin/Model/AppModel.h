@@ -31,9 +31,9 @@ class AppModel final : public QObject {
   /// A preview never reads or writes the settings store and starts neither keys nor sound.
   /// It shows a machine on which everything is well, except for what is said here.
   struct Preview {
-    std::optional<std::string> pack;
+    std::optional<std::string> pack = std::nullopt;
     bool micInUse = false;
-    std::optional<ForceReading> reading;  ///< with one, a motion sensor is shown too
+    std::optional<ForceReading> reading = std::nullopt;  ///< with one, a motion sensor is shown too
   };
 
   explicit AppModel(AppServices services, std::optional<Preview> preview = std::nullopt);
