@@ -12,6 +12,7 @@
 #include "Engine/Conductor.h"
 #include "Engine/MachTime.h"
 #include "Force/MotionReport.h"
+#include "Support/PacedDevice.h"
 #include "Support/Report.h"
 #include "Support/TestPack.h"
 #include "Threads/AsioQueue.h"
@@ -24,36 +25,6 @@ using namespace std::chrono_literals;
 
 constexpr int keys = 600;
 constexpr double microsecondsATick = 1e-3;
-
-/// Renders a block every 5.3 ms into nothing.
-class SilentDevice final : public AudioDevice {
- public:
-  ~SilentDevice() override { pause(); }
-  bool start() override {
-    running_ = true;
-    thread_ = std::thread([this] {
-      std::vector<float> left(256), right(256);
-      while (running_) {
-        callbacks_.render(callbacks_.context, left.data(), right.data(), 256);
-        std::this_thread::sleep_for(5333us);
-      }
-    });
-    return true;
-  }
-  void pause() override {
-    running_ = false;
-    if (thread_.joinable()) thread_.join();
-  }
-  [[nodiscard]] bool isRunning() const override { return running_; }
-  [[nodiscard]] std::string problem() const override { return {}; }
-  [[nodiscard]] std::string description() const override { return "nothing"; }
-  void setCallbacks(AudioCallbacks callbacks) override { callbacks_ = std::move(callbacks); }
-
- private:
-  AudioCallbacks callbacks_;
-  std::atomic<bool> running_ = false;
-  std::thread thread_;
-};
 
 /// A small impact every millisecond.
 class SteadySource final : public MotionSource {
@@ -117,7 +88,7 @@ double percentile(const std::vector<double>& sorted, double part) {
 void measure(Report& report, const std::string& name, double limit) {
   AsioQueue queue(Conductor::queueName, requestRealtimeScheduling);
   Conductor conductor(
-      queue, std::make_unique<AudioOutput>(std::make_unique<SilentDevice>()),
+      queue, std::make_unique<AudioOutput>(std::make_unique<PacedDevice>()),
       std::make_unique<ForceSensor>(std::make_unique<SteadySource>(), requestRealtimeScheduling));
   conductor.setPack(testing::TestPack::simple());
   conductor.apply({}, true);
