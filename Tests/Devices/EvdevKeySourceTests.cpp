@@ -10,13 +10,13 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <thread>
 
 #include "Input/KeyMonitor.h"
-#include "Support/AsNobody.h"
 #include "Support/HeardKeys.h"
+#include "Tools/Devices/AsNobody.h"
+#include "Tools/Devices/Seat.h"
 #include "Tools/Devices/VirtualKeyboard.h"
 
 namespace tobrin {
@@ -148,31 +148,22 @@ TEST_F(EvdevKeySourceTest, OnlyKeyboardsAreOpened) {
   EXPECT_TRUE(KeyboardList().nodes("seat7").empty());
 }
 
-/// Writes what the login manager writes when a session comes to the front of the seat.
-void bringToFront(uid_t user) {
-  const std::filesystem::path seats = "/run/systemd/seats";
-  std::filesystem::create_directories(seats);
-  std::ofstream(seats / ".new") << "IS_SEAT0=1\nACTIVE=c" << user << "\nACTIVE_UID=" << user
-                                << "\n";
-  std::filesystem::rename(seats / ".new", seats / "seat0");
-}
-
 TEST_F(EvdevKeySourceTest, KeysOfAnotherUsersSessionAreNotHeard) {
   if (access("/run/systemd/seats/seat0", F_OK) == 0) GTEST_SKIP() << "a login manager runs";
-  bringToFront(getuid());
+  testing::bringToFront(getuid());
   VirtualKeyboard keyboard("Shared");
   ASSERT_TRUE(monitor.start());
   ASSERT_TRUE(becomesHeard(keyboard));
   keyboard.press({KEY_LEFTCTRL, KEY_LEFTALT});
   EXPECT_EQ(heard.await(2), "+59 +58 ");
-  bringToFront(getuid() + 1000);
+  testing::bringToFront(getuid() + 1000);
   EXPECT_EQ(heard.await(2), "-59 -58 ") << "left behind in our session";
   keyboard.release({KEY_LEFTALT, KEY_LEFTCTRL});
   keyboard.press({KEY_A});
   keyboard.release({KEY_A});
   std::this_thread::sleep_for(milliseconds(200));
   EXPECT_EQ(heard.await(0), "");
-  bringToFront(getuid());
+  testing::bringToFront(getuid());
   EXPECT_TRUE(becomesHeard(keyboard));
   std::filesystem::remove("/run/systemd/seats/seat0");
 }

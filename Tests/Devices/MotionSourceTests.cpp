@@ -12,8 +12,8 @@
 #include "Motion/FindMotionSource.h"
 #include "Motion/IioDevice.h"
 #include "Motion/Sysfs.h"
-#include "Support/AsNobody.h"
 #include "Support/Eventually.h"
+#include "Tools/Devices/AsNobody.h"
 #include "Tools/Devices/VirtualAccelerometer.h"
 
 namespace tobrin {

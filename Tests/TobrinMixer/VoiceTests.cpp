@@ -65,19 +65,6 @@ TEST(VoiceMixer, TheOldestVoiceIsTakenOverAtOnceEvenWhileItFades) {
   EXPECT_EQ(tb_mixer_active_voices(mixer.get()), 1U) << "only the new voice outlives the release";
 }
 
-TEST(VoiceMixer, AReleaseEndsWithoutItsLastFrameAndIsFinal) {
-  const std::vector<float> sound(5000, 0.5F);
-  const MixerHandle mixer = makeMixer();
-  push(mixer.get(), startOf(sound));
-  push(mixer.get(), commandOf(TB_COMMAND_RELEASE_ALL));
-  push(mixer.get(), commandOf(TB_COMMAND_SET_WEIGHTS, 1, 1));
-  const Block block = renderBlock(mixer.get(), 288);
-  EXPECT_EQ(block.left[0], 0.5F) << "the first frame still has the gain before the fade";
-  EXPECT_NEAR(block.left[286], 0.5F / 144, 1e-6);
-  EXPECT_EQ(block.left[287], 0);
-  EXPECT_EQ(tb_mixer_active_voices(mixer.get()), 0U);
-}
-
 TEST(VoiceMixer, NewWeightsTakeTheCrossfadesTime) {
   const std::vector<float> sound(5000, 0.5F);
   struct Row {

@@ -128,15 +128,14 @@ TEST(Probe, MeasuresEveryKeyOfARunLongerThanTheSensorRemembers) {
 TEST(Probe, SaysWhatIsMissing) {
   ProbeRun machine({});
   EXPECT_EQ(machine.run(1, false), 1);
-  EXPECT_EQ(machine.out.str(),
-            "This Mac has no motion sensor, so force sensing isn't available.\n");
-  machine.out.str("");
   EXPECT_EQ(machine.run(1), 1);
-  EXPECT_NE(machine.out.str().find("\nNo keys recorded.\n"), std::string::npos);
-  machine.out.str("");
   machine.keys.allow(false);
   EXPECT_EQ(machine.run(1), 1);
-  EXPECT_EQ(machine.out.str().find("Needs Input Monitoring: "), 0u) << machine.out.str();
+  EXPECT_TRUE(std::regex_search(
+      machine.out.str(),
+      std::regex("^This Mac has no motion sensor, so force sensing isn't "
+                 "available.\n[^]*\nNo keys recorded.\nNeeds Input Monitoring: ")))
+      << machine.out.str();
 }
 
 }  // namespace

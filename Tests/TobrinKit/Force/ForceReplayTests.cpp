@@ -47,19 +47,6 @@ TEST(ForceReplay, TheWindowGoesFromTwelveBeforeToFourteenAfter) {
   }
 }
 
-TEST(ForceReplay, TheTwelfthImpactCalibrates) {
-  KeyTrace keys;
-  std::vector<Impact> impacts;
-  for (uint64_t i = 0; i < 13; ++i) {
-    impacts.push_back({1000 + 400 * i, 0.06});
-    keys.keys.push_back({(1000 + 400 * i) * millisecond, static_cast<uint16_t>(i)});
-  }
-  for (const auto& [key, stage] : replayForce(traceOf(7000, impacts), keys, 1)) {
-    const bool adapted = key > 11 || (key == 11 && stage.delayMs == 16);
-    EXPECT_NEAR(static_cast<double>(stage.referenceAfter), adapted ? 0.06 : 0.02, 1e-3) << key;
-  }
-}
-
 TEST(ForceReplay, ASensorThatStallsLeavesKeysAtTheUsualStrength) {
   MotionTrace trace = traceOf(2000, {{1000, 0.06}});
   const KeyTrace keys{{{1000 * millisecond, 0},

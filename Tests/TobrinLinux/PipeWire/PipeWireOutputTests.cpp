@@ -2,18 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "PipeWire/PipeWireLoop.h"
 #include "Support/AudioPlayer.h"
 #include "Support/Eventually.h"
-#include "Support/TempFolder.h"
 #include "Support/WakeUps.h"
-#include "Tools/Desktop/ChildProcess.h"
+#include "Tools/Desktop/SinkRecording.h"
 
 namespace tobrin {
 namespace {
@@ -22,36 +18,6 @@ using namespace std::chrono_literals;
 using testing::eventually;
 using testing::tellDesktop;
 using testing::wakeUps;
-
-/// What a sink plays, recorded from its monitor by a program that real-time scheduling keeps from
-/// losing any of it.
-class Recording {
- public:
-  explicit Recording(const std::string& sink)
-      : recorder_({TOBRIN_RECORD_SINK, sound_, sink}, testing::ChildProcess::Output::announced) {
-    EXPECT_EQ(recorder_.firstLine().front(), 'r') << "it records";
-  }
-
-  /// Frames so far that are not silent, channel by channel.
-  [[nodiscard]] std::vector<std::pair<float, float>> heard() const {
-    std::ifstream file(sound_, std::ios::binary);
-    const std::string bytes(std::istreambuf_iterator<char>(file), {});
-    const auto header = bytes.find("data");
-    std::vector<std::pair<float, float>> frames;
-    if (header == std::string::npos) return frames;
-    for (auto at = header + 8; at + 8 <= bytes.size(); at += 8) {
-      float pair[2];
-      std::memcpy(pair, bytes.data() + at, sizeof pair);
-      if (pair[0] != 0 || pair[1] != 0) frames.emplace_back(pair[0], pair[1]);
-    }
-    return frames;
-  }
-
- private:
-  testing::TempFolder folder_;
-  const std::string sound_ = folder_.path() / "sound.wav";
-  testing::ChildProcess recorder_;
-};
 
 class PipeWireOutputTest : public ::testing::Test {
  protected:
@@ -62,7 +28,7 @@ class PipeWireOutputTest : public ::testing::Test {
 };
 
 TEST_F(PipeWireOutputTest, FirstSoundAfterAPauseIsHeardWhole) {
-  Recording recording("test_sink");
+  testing::SinkRecording recording("test_sink");
   constexpr std::size_t pulse = 1000;
   for (std::size_t round = 1; round <= 5; ++round) {
     player_.pulseFrames = pulse;
@@ -96,7 +62,7 @@ TEST_F(PipeWireOutputTest, FollowsTheDefaultDevice) {
   ASSERT_EQ(control({"load-module", "module-null-sink", "sink_name=other_sink"}), 0);
   ASSERT_TRUE(output_.start());
   EXPECT_EQ(output_.description(), "PipeWire, test_sink");
-  Recording recording("other_sink");
+  testing::SinkRecording recording("other_sink");
   ASSERT_EQ(control({"set-default-sink", "other_sink"}), 0);
   EXPECT_TRUE(eventually([&] { return player_.changes > 0 && output_.isRunning(); }));
   player_.pulseFrames = 1000;
@@ -122,21 +88,6 @@ TEST_F(PipeWireOutputTest, PausedIsIdle) {
   std::this_thread::sleep_for(1s);
   EXPECT_LE(wakeUps() - before, 5U);  // 188 while it plays
   EXPECT_EQ(player_.blocks, blocks);
-}
-
-TEST_F(PipeWireOutputTest, ResumesByItselfAfterTheServerWasGone) {
-  ASSERT_TRUE(output_.start());
-  ASSERT_TRUE(eventually([&] { return output_.isRunning(); }));
-  tellDesktop("kill-sound");
-  EXPECT_TRUE(eventually([&] { return !output_.isRunning() && player_.changes == 1; }));
-  EXPECT_FALSE(output_.start());
-  EXPECT_FALSE(output_.problem().empty());
-
-  tellDesktop("start-sound");
-  EXPECT_TRUE(eventually([&] { return output_.isRunning() && player_.changes >= 2; }));
-  EXPECT_EQ(output_.problem(), "");
-  const int blocks = player_.blocks;
-  EXPECT_TRUE(eventually([&] { return player_.blocks > blocks + 5; }));
 }
 
 TEST_F(PipeWireOutputTest, PausedStaysPausedWhileTheServerComesAndGoes) {

@@ -39,28 +39,20 @@ void typeChord(ShortcutService& service) {
     service.observe({code, KeyAction::up, 0});
 }
 
-TEST(DesktopShortcuts, AnX11SessionGrabsFromItsServerAndNamesKeysByItsLayout) {
+TEST(DesktopShortcuts, AnX11SessionGrabsOnceAndNamesKeysByItsLayout) {
   testing::PrivateXServer server;
-  const Environment session =
-      environmentOf({{"XDG_SESSION_TYPE", "x11"}, {"DISPLAY", server.display()}});
   std::atomic<int> presses{0};
-  DesktopShortcuts first(session);
-  DesktopShortcuts second(session);
-  GlobalHotkey hotkey(first, [&] { ++presses; });
-  GlobalHotkey rival(second, [] {});
-  EXPECT_EQ(hotkey.registerHotkey(toggle).kind, Kind::active);
-  EXPECT_EQ(rival.registerHotkey(toggle).kind, Kind::taken);
+  DesktopShortcuts service(
+      environmentOf({{"XDG_SESSION_TYPE", "x11"}, {"DISPLAY", server.display()}}));
+  GlobalHotkey hotkey(service, [&] { ++presses; });
+  for (int again = 0; again < 2; ++again)
+    EXPECT_EQ(hotkey.registerHotkey(toggle).kind, Kind::active);
   server.press({KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_K});
   EXPECT_TRUE(eventually([&] { return presses == 1; }));
-  typeChord(first);
+  typeChord(service);
   EXPECT_EQ(presses, 1) << "the same press in our own key events counts once";
-  EXPECT_EQ(hotkey.registerHotkey(toggle).kind, Kind::active) << "again";
-  hotkey.unregister();
-  EXPECT_EQ(rival.registerHotkey(toggle).kind, Kind::active);
-
-  EXPECT_EQ(first.keyName(40), "k");
-  EXPECT_EQ(first.keyName(49), std::nullopt) << "a space is no name";
-  EXPECT_EQ(first.keyName(9999), std::nullopt);
+  EXPECT_EQ(service.keyName(40), "k");
+  EXPECT_EQ(service.keyName(49), std::nullopt) << "a space is no name";
 }
 
 TEST(DesktopShortcuts, AWaylandSessionHearsItsOwnKeysUntilThePortalAgrees) {
