@@ -18,7 +18,6 @@
 #include "Engine/MachTime.h"
 #include "Engine/VirtualQueue.h"
 #include "Model/AppModel.h"
-#include "Support/DeskShortcuts.h"
 #include "Support/HandDrivenDevice.h"
 #include "Support/ScriptedKeySource.h"
 #include "Support/ScriptedMicSource.h"
@@ -70,6 +69,30 @@ struct TestDesktop final : Workspace, LoginItem {
     actions.emplace_back(action);
     return refusal;
   }
+};
+
+struct ShortcutDesk {
+  ShortcutGrab answer;
+  bool reserved = false;
+  std::function<void()> pressed;  ///< empty while nothing is grabbed
+};
+
+class DeskShortcuts final : public ShortcutService {
+ public:
+  explicit DeskShortcuts(ShortcutDesk& desk) : desk_(desk) {}
+  bool isReserved(const Hotkey&) override { return desk_.reserved; }
+  ShortcutGrab grab(const Hotkey&, std::function<void()> pressed) override {
+    EXPECT_FALSE(desk_.reserved);
+    desk_.pressed = desk_.answer == ShortcutGrab{} ? std::move(pressed) : nullptr;
+    return desk_.answer;
+  }
+  void release() override { desk_.pressed = nullptr; }
+  std::optional<std::string> keyName(uint32_t) override { return "k"; }
+  void observe(const KeyEvent&) override {}
+  [[nodiscard]] std::string description() const override { return "a desk"; }
+
+ private:
+  ShortcutDesk& desk_;
 };
 
 class AppModelTest : public ::testing::Test {

@@ -131,8 +131,8 @@ TEST_F(AppModelTest, SaysWhyTheShortcutDoesNotWork) {
   const std::tuple<ShortcutGrab, bool, std::string> rows[] = {
       // answer, reserved, problem
       {{}, false, ""},
-      {{Result::taken, 0}, false, "⌃⌥⌘K is already used by another app. Pick another."},
       {{}, true, "⌃⌥⌘K is a macOS shortcut (System Settings › Keyboard). Pick another."},
+      {{Result::taken, 0}, false, "⌃⌥⌘K is already used by another app. Pick another."},
       {{Result::failed, -9868}, false, "Couldn't set up ⌃⌥⌘K (error -9868)."},
   };
   AppModel& model = start();
@@ -142,6 +142,7 @@ TEST_F(AppModelTest, SaysWhyTheShortcutDoesNotWork) {
     log_.clear();
     model.menuOpened();
     EXPECT_EQ(model.shortcutProblem().value_or(""), problem);
+    EXPECT_EQ(shortcuts_.pressed != nullptr, problem.empty()) << "holds nothing it should not";
     EXPECT_EQ(log_, problem.empty() ? "" : "Tobrin: shortcut ⌃⌥⌘K unavailable: " + problem + "\n");
   }
   change([](EngineSettings& settings) { settings.shortcutEnabled = false; });

@@ -171,11 +171,9 @@ TEST_F(ConductorTest, LearnsTheTypicalStrokeAndForgetsIt) {
 }
 
 TEST_F(ConductorTest, ReleasesAreAsLoudAsTheirPress) {
-  const std::tuple<double, double, float> rows[] = {// impact, time held, loudness
-                                                    {0.3, 50, 1.3f},
-                                                    {0.3, 8, 1},
-                                                    {0.004, 50, 0.5f},
-                                                    {0, 50, 1}};
+  // Impact, time held, loudness.
+  const std::tuple<double, double, float> rows[] = {
+      {0.3, 50, 1.3f}, {0.3, 8, 1}, {0.004, 50, 0.5f}, {0, 50, 1}};
   for (const auto& [g, heldMs, loudness] : rows) {
     settle();
     press();

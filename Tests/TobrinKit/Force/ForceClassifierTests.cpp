@@ -12,8 +12,8 @@ constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 constexpr float infinity = std::numeric_limits<float>::infinity();
 
 TEST(ForceClassifier, StrengthIsCountedFromTheNoiseFloor) {
+  // Sensitivity, peak, noise, relative strength.
   const std::array<float, 4> rows[] = {
-      // sensitivity, peak, noise, relative strength
       {1, 0.02f, 0.001f, 1}, {1, 0.0385f, 0.001f, 2},   {1, 0.001f, 0.001f, 0},
       {2, 0.02f, 0.001f, 2}, {0, 0.02f, 0.001f, 0.05f}, {nan, 0.02f, 0.001f, 0.05f},
       {1, nan, 0.001f, 0},   {1, 0.07501f, 0.05f, 1},
@@ -26,21 +26,19 @@ TEST(ForceClassifier, StrengthIsCountedFromTheNoiseFloor) {
 }
 
 TEST(ForceClassifier, PositionIsLinearInTheLogarithmAndEdgeGainActsOutsideTheTiersOnly) {
-  const std::array<float, 3> rows[] = {
-      // relative strength, position, edge gain
-      {-1, 0, 0.45f},
-      {0.1f, 0, 0.5f},
-      {0.4f, 0, 1},
-      {std::sqrt(0.4f), 0.5f, 1},
-      {1, 1, 1},
-      {2.2f, 2, 1},
-      {4, 3, 1},
-      {std::sqrt(2.2f * 4), 2.5f, 1},
-      {100, 3, 1.25f},
-      {nan, 0, 1},
-      {infinity, 3, 1.25f},
-      {5, 3, std::pow(1.25f, 0.25f)},
-  };
+  // Relative strength, position, edge gain.
+  const std::array<float, 3> rows[] = {{-1, 0, 0.45f},
+                                       {0.1f, 0, 0.5f},
+                                       {0.4f, 0, 1},
+                                       {std::sqrt(0.4f), 0.5f, 1},
+                                       {1, 1, 1},
+                                       {2.2f, 2, 1},
+                                       {4, 3, 1},
+                                       {100, 3, 1.25f},
+                                       {std::sqrt(2.2f * 4), 2.5f, 1},
+                                       {nan, 0, 1},
+                                       {infinity, 3, 1.25f},
+                                       {5, 3, std::pow(1.25f, 0.25f)}};
   for (const auto& [relative, position, gain] : rows) {
     EXPECT_NEAR(ForceClassifier::tierPosition(relative), position, 1e-5f) << relative;
     EXPECT_NEAR(ForceClassifier::edgeGain(relative), gain, 1e-6f) << relative;

@@ -8,6 +8,7 @@
 #include "Force/KeyTrace.h"
 #include "Force/TraceCsv.h"
 #include "Force/TraceSource.h"
+#include "Support/Failure.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
@@ -38,10 +39,7 @@ TEST(MotionTrace, WhatIsWrittenReadsBack) {
 }
 
 TEST(MotionTrace, MalformedTracesAreNamedWithFileAndLine) {
-  struct {
-    const char* text;
-    const char* error;
-  } const rows[] = {
+  const std::pair<const char*, std::string> rows[] = {
       {"", "T:1: expected the header \"time_ns,x,y,z\""},
       {"time_ns,x,y,z\n1,2,3\n", "T:2: expected 4 fields (time_ns,x,y,z), found 3"},
       {"time_ns,x,y,z\n1,0,0,0\n1,0,zero,0\n", "T:3: y is no number: \"zero\""},
@@ -56,14 +54,8 @@ TEST(MotionTrace, MalformedTracesAreNamedWithFileAndLine) {
   };
   EXPECT_THROW((void)KeyTrace::parse("time_ns,code\n5,65536\n", "K"), TraceError);
   EXPECT_THROW((void)KeyTrace::parse("time_ns,code\n5,1\n4,1\n", "K"), TraceError);
-  for (const auto& row : rows) {
-    try {
-      MotionTrace::parse(row.text, "T");
-      ADD_FAILURE() << "accepted: " << row.text;
-    } catch (const TraceError& error) {
-      EXPECT_STREQ(error.what(), row.error);
-    }
-  }
+  for (const auto& [text, error] : rows)
+    EXPECT_EQ(testing::failureOf([&] { MotionTrace::parse(text, "T"); }), error) << text;
 }
 
 TEST(TraceSource, RepeatsStampedWithThePresent) {

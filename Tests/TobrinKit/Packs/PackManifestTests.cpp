@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "Packs/PackError.h"
+#include "Support/Failure.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
@@ -13,15 +13,6 @@ using testing::TempFolder;
 
 std::string withGroups(const std::string& groups) {
   return R"({"formatVersion":1,"id":"i","name":"n","kind":"k","groups":)" + groups + "}";
-}
-
-std::string failure(const std::string& text) {
-  try {
-    (void)PackManifest::fromJson(text);
-  } catch (const std::runtime_error& error) {
-    return error.what();
-  }
-  return "(decoded)";
 }
 
 TEST(PackManifest, DecodesWhatItEncodes) {
@@ -66,20 +57,16 @@ TEST(PackManifest, RefusesMalformedTextNamingTheKey) {
       {withGroups(R"({"x":{"down":{"a":[],"a":[]}}})"), "\"a\" stands there twice"},
       {R"({"x":)" + std::string(1'000'000, '['), "nested too deeply"},
   };
-  for (const auto& [text, expected] : table)
-    EXPECT_NE(failure(text).find(expected), std::string::npos)
-        << text.substr(0, 100) << ": " << failure(text);
+  for (const auto& [text, expected] : table) {
+    const std::string failure = testing::failureOf([&] { (void)PackManifest::fromJson(text); });
+    EXPECT_NE(failure.find(expected), std::string::npos) << text.substr(0, 100) << ": " << failure;
+  }
 }
 
 TEST(PackInfo, TellsMissingFromInvalidManifests) {
   const TempFolder folder;
   const auto failureIn = [&](const char* name) {
-    try {
-      (void)PackInfo::read(folder.path() / name, false);
-    } catch (const PackError& error) {
-      return std::string(error.what());
-    }
-    return std::string();
+    return testing::failureOf([&] { (void)PackInfo::read(folder.path() / name, false); });
   };
   folder.write("good/pack.json", withGroups("{}"));
   folder.write("bad/pack.json", "{}");

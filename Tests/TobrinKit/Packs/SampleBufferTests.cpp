@@ -9,8 +9,8 @@
 #include <numbers>
 #include <numeric>
 
-#include "Packs/PackError.h"
 #include "Support/AudioFiles.h"
+#include "Support/Failure.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
@@ -21,13 +21,7 @@ using testing::wav16;
 using testing::wavFloat;
 
 std::string failure(const std::filesystem::path& file, uint64_t maxBytes = UINT64_MAX) {
-  try {
-    (void)SampleBuffer::load(file, 48000, maxBytes);
-  } catch (const PackError& error) {
-    EXPECT_EQ(error.kind(), PackError::Kind::decode);
-    return error.what();
-  }
-  return "(loaded)";
+  return testing::failureOf([&] { (void)SampleBuffer::load(file, 48000, maxBytes); });
 }
 
 TEST(SampleBuffer, KeepsTheSamplesOfTheFirstTwoChannels) {
@@ -79,7 +73,7 @@ TEST(SampleBuffer, MakesEverySampleFinite) {
     for (std::size_t i = 0; i < sound->frames(); ++i)
       ASSERT_TRUE(std::isfinite(sound->left()[i])) << rate << " " << i;
     EXPECT_TRUE(std::isfinite(sound->peak()));
-    if (rate == 48000) EXPECT_EQ(sound->left()[6], 0) << "subnormal";
+    EXPECT_FALSE(rate == 48000 && sound->left()[6] != 0) << "subnormal";
   }
 }
 
@@ -116,7 +110,7 @@ TEST(SampleBuffer, RefusesWhatIsNoSoundFileAtOnce) {
         folder.write("b.wav", std::string(5000, 'x')), folder.write("c.flac", "fLaC")})
     EXPECT_TRUE(failure(file).starts_with("Can't read ")) << file;
   const std::string cut("a.wav\0.wav", 10);
-  EXPECT_NE(failure(folder.path() / cut), "(loaded)");
+  EXPECT_NE(failure(folder.path() / cut), "(none)");
 }
 
 /// Writes a compressed file of silence with libsndfile.
@@ -140,7 +134,7 @@ TEST(SampleBuffer, HoldsTheLimitWhateverALengthClaims) {
         {slow, 1000u},
         {compressed(folder, "a.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 48000), 48000u},
         {compressed(folder, "a.ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS, 48000), 48000u}}) {
-    EXPECT_EQ(failure(file, frames * 8), "(loaded)") << file;
+    EXPECT_EQ(failure(file, frames * 8), "(none)") << file;
     EXPECT_NE(failure(file, frames * 8 - 1).find("too long"), std::string::npos) << file;
   }
 
