@@ -9,7 +9,7 @@
 #include <memory>
 #include <thread>
 
-#include "Support/VirtualKeyboard.h"
+#include "Tools/Devices/VirtualKeyboard.h"
 
 namespace tobrin {
 namespace {
@@ -47,7 +47,7 @@ bool letSomebodyIn(const std::string& node) {
 TEST(KeyAccess, KeyboardsAloneAreGivenToTheSeatAndTakenBack) {
   if (!VirtualKeyboard::isPossible()) GTEST_SKIP() << "no /dev/uinput";
   const VirtualKeyboard keyboard("Keyboard");
-  const VirtualKeyboard buttons("Buttons", {.letters = false});
+  const VirtualKeyboard buttons("Buttons", false);
   std::this_thread::sleep_for(std::chrono::milliseconds(500));  // the device manager's rules
   ASSERT_FALSE(isGivenToTheSeat(keyboard.node()));
   const bool buttonsBefore = isGivenToTheSeat(buttons.node());

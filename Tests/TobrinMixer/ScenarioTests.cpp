@@ -126,28 +126,5 @@ TEST_F(EveryInstructionSet, GivesTheSameBitsCloseToTheReference) {
   }
 }
 
-TEST_F(EveryInstructionSet, GivesTheSameBitsHoweverABlockIsSplit) {
-  for (uint32_t seed = 100; seed < 130; ++seed) {
-    Scenario scenario(seed);
-    const MixerHandle whole = makeMixer();
-    const MixerHandle split = makeMixer();
-    for (int n = 0; n < 30; ++n) {
-      const TBCommand command = scenario.command();
-      for (TBMixer* mixer : {whole.get(), split.get()})
-        EXPECT_TRUE(tb_mixer_push(mixer, &command));
-    }
-    const Block expected = renderBlock(whole.get(), 2000);
-    for (uint32_t done = 0; done < 2000;) {
-      const auto frames = std::min(2000 - done, static_cast<uint32_t>(scenario.between(0, 90)));
-      const Block part = renderBlock(split.get(), frames);
-      ASSERT_TRUE(std::equal(part.left.begin(), part.left.end(), expected.left.begin() + done))
-          << "seed " << seed << " frame " << done;
-      ASSERT_TRUE(std::equal(part.right.begin(), part.right.end(), expected.right.begin() + done));
-      done += frames;
-    }
-    EXPECT_EQ(tb_mixer_active_voices(whole.get()), tb_mixer_active_voices(split.get()));
-  }
-}
-
 }  // namespace
 }  // namespace tobrin

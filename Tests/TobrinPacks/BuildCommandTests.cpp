@@ -8,8 +8,8 @@
 #include <nlohmann/json.hpp>
 
 #include "RunWorkshop.h"
-#include "Support/RawServer.h"
 #include "Support/TempFolder.h"
+#include "Tools/Desktop/RawServer.h"
 
 namespace tobrin {
 namespace {
