@@ -28,14 +28,19 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(modules qtqml qtqml-workerscript qtquick qtquick-controls qtquick-layouts qtquick-templates qtquick-window)
 list(TRANSFORM modules PREPEND qml6-module-)
 list(JOIN modules ", " CPACK_DEBIAN_PACKAGE_DEPENDS)
-# ffmpeg opens recordings for the workshop; without PipeWire sounds go to ALSA.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "ffmpeg, pipewire, qt6-wayland")
+# ffmpeg opens recordings for the workshop; without PipeWire sounds go to ALSA; pkexec asks for the
+# access to keyboards.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "ffmpeg, pipewire, pkexec, qt6-wayland")
 
 set(made ${PROJECT_BINARY_DIR}/Resources/package)
 set(origin ${PROJECT_SOURCE_DIR}/Resources/package)
 string(TIMESTAMP TOBRIN_PACKAGE_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(${origin}/changelog.Debian.in ${made}/changelog.Debian @ONLY)
 configure_file(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${made}/changelog COPYONLY)
+set(TOBRIN_KEY_ACCESS_HELPER ${CMAKE_INSTALL_FULL_LIBEXECDIR}/tobrin-key-access)
+configure_file(${origin}/prerm.in ${made}/prerm @ONLY FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
+               GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${made}/prerm)
 install(FILES ${made}/changelog ${made}/changelog.Debian ${origin}/copyright DESTINATION ${TOBRIN_DOC_DIR})
 
 include(CPack)
