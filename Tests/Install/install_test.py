@@ -16,6 +16,7 @@ COMMANDS = {
     "tobrin-packs": [[], ["list"], ["check"], ["generate"], ["loudness"], ["render"], ["slice"], ["build"]],
     "tobrin-force": [[], ["record"], ["replay"]],
 }
+UNLISTED = {"tobrin": {"snapshot"}}  # an aid for these documents, which the usage text leaves out
 
 
 def output(*words):
@@ -51,7 +52,7 @@ class Installation(unittest.TestCase):
     def test_manuals_and_completions_name_every_option(self):
         zsh = (self.root / "share/zsh/site-functions/_tobrin").read_text()
         for program, commands in COMMANDS.items():
-            known = set()
+            known = set(UNLISTED.get(program, ()))
             for command in commands:
                 known |= options(output(self.root / "bin" / program, *command, "--help")) | {"help", "version"}
             page = (self.root / f"share/man/man1/{program}.1").read_text().replace("\\-", "-")
