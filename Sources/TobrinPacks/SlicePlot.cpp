@@ -3,16 +3,16 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdarg>
-#include <cstdio>
 
 #include "Building/TierAssignment.h"
+#include "SvgDocument.h"
 
 namespace tobrin {
 namespace {
 
 using Fate = RecordingSlicer::Fate;
 using Result = RecordingSlicer::Result;
+using Anchor = SvgDocument::Anchor;
 
 struct FateStyle {
   Fate fate;
@@ -20,23 +20,36 @@ struct FateStyle {
   const char* color;
 };
 
-constexpr std::array<FateStyle, 7> styles = {{{Fate::press, "press", "#2f86cf"},
-                                              {Fate::bigPress, "big press", "#7a4fd0"},
-                                              {Fate::release, "release", "#2a9a63"},
-                                              {Fate::clipped, "clipped", "#d8343b"},
-                                              {Fate::overlapping, "dropped: overlaps", "#d98512"},
-                                              {Fate::faint, "dropped: too faint", "#8a8a94"},
-                                              {Fate::repeated, "dropped: repeated", "#8a8a94"}}};
-constexpr std::array<const char*, tierCount> tierColors = {"#cfe6f7", "#d3eedd", "#f9e6c4",
-                                                           "#f8d2d3"};
+constexpr std::array<FateStyle, 7> styles = {{{Fate::press, "press", "#1f77d0"},
+                                              {Fate::bigPress, "big press", "#8a2fd0"},
+                                              {Fate::release, "release", "#1f9a5f"},
+                                              {Fate::clipped, "clipped", "#e02030"},
+                                              {Fate::overlapping, "dropped: overlaps", "#e08a00"},
+                                              {Fate::faint, "dropped: too faint", "#6f6f78"},
+                                              {Fate::repeated, "dropped: repeated", "#b06a50"}}};
 
-constexpr double margin = 56;
-constexpr double waveTop = 64;
-constexpr double waveHeight = 260;
-constexpr double rankTop = waveTop + waveHeight + 84;
-constexpr double rankHeight = 220;
-constexpr double documentHeight = rankTop + rankHeight + 48;
-constexpr double pixelsPerSecond = 14;
+struct TierStyle {
+  const char* band;
+  const char* bar;
+};
+constexpr std::array<TierStyle, tierCount> tierStyles = {{{"#e3f0fb", "#5aa2dd"},
+                                                          {"#e0f3e8", "#46b27c"},
+                                                          {"#fcefd6", "#e0a030"},
+                                                          {"#fbe0e1", "#dd5560"}}};
+constexpr const char* unusedBar = "#c9c9d2";
+constexpr const char* quietText = "#5f5f6b";
+constexpr const char* noiseColor = "#c02030";
+
+constexpr double margin = 64;
+constexpr double plotWidth = 1400;
+constexpr double rankTop = 76;
+constexpr double rankHeight = 190;
+constexpr double waveTop = rankTop + rankHeight + 86;
+constexpr double rowHeight = 132;
+constexpr double rowGap = 30;
+constexpr double fewestSecondsARow = 5;
+constexpr double mostSecondsARow = 15;
+constexpr double quietestDb = -96;  // of 16 bits
 
 const FateStyle& styleOf(Fate fate) {
   return styles[static_cast<std::size_t>(fate)];
@@ -46,166 +59,183 @@ double decibels(float amplitude) {
   return 20 * std::log10(std::max(static_cast<double>(amplitude), 1e-6));
 }
 
-/// Builds the document piece by piece.
 class Drawing {
  public:
   Drawing(const Result& result, std::span<const float> left, std::span<const float> right,
           double rate, const RecordingSlicer::Options& options)
-      : result_(result), left_(left), right_(right), options_(options) {
-    const double seconds = static_cast<double>(left.size()) / rate;
-    plotWidth_ = std::clamp(seconds * pixelsPerSecond, 900.0, 12000.0);
-    framesPerPixel_ = std::max(static_cast<double>(left.size()) / plotWidth_, 1e-9);
-    rate_ = rate;
+      : result_(result),
+        left_(left),
+        right_(right),
+        rate_(rate),
+        options_(options),
+        secondsARow_(std::clamp(static_cast<double>(left.size()) / rate, fewestSecondsARow,
+                                mostSecondsARow)),
+        rows_(static_cast<std::size_t>(
+            std::max(1.0, std::ceil(static_cast<double>(left.size()) / rate / secondsARow_)))),
+        svg_(plotWidth + 2 * margin,
+             waveTop + static_cast<double>(rows_) * (rowHeight + rowGap) + 12) {
+    float loudest = 0;
+    for (std::size_t i = 0; i < left.size(); ++i)
+      loudest = std::max(loudest, std::abs(mono(i)));
+    highDb_ = std::max(decibels(loudest), quietestDb + 24);
+    lowDb_ = std::max({decibels(result.noiseFloor) - 6, quietestDb, highDb_ - 72});
   }
 
-  std::string document() {
-    const double width = plotWidth_ + 2 * margin;
-    add("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 %.0f %.0f\" width=\"%.0f\" "
-        "height=\"%.0f\" font-family=\"sans-serif\" font-size=\"13\" fill=\"#1b1b20\">\n"
-        "<rect width=\"100%%\" height=\"100%%\" fill=\"#ffffff\"/>\n",
-        width, documentHeight, width, documentHeight);
+  std::string document() && {
     legend();
-    waveform();
-    timeAxis();
-    hits();
-    noiseFloor();
-    ranking();
-    svg_ += "</svg>\n";
-    return std::move(svg_);
+    const double half = plotWidth / 2 - 40;
+    ranking(Fate::press, KeyGroup::alpha, "ordinary keys, by energy", margin,
+            options_.alphaVariants);
+    ranking(Fate::bigPress, KeyGroup::space, "wide keys, by energy", margin + plotWidth - half,
+            options_.bigVariants);
+    svg_.label(margin, waveTop - 22,
+               SvgDocument::formatted("Level of the recording, %.0f to %.0f dB: presses point up, "
+                                      "releases down, what is dropped both ways",
+                                      lowDb_, highDb_));
+    svg_.label(margin + plotWidth, waveTop - 22,
+               SvgDocument::formatted("- - noise floor %.1f dB", decibels(result_.noiseFloor)),
+               noiseColor, Anchor::end);
+    for (std::size_t row = 0; row < rows_; ++row)
+      waveform(row);
+    for (std::size_t i = 0; i < result_.hits.size(); ++i)
+      hit(result_.hits[i], result_.fates[i]);
+    return std::move(svg_).finished();
   }
 
  private:
-  __attribute__((format(printf, 2, 3))) void add(const char* format, ...) {
-    char text[512];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(text, sizeof text, format, arguments);
-    va_end(arguments);
-    svg_ += text;
+  float mono(std::size_t i) const { return (left_[i] + right_[i]) * 0.5f; }
+  static double middleOf(std::size_t row) {
+    return waveTop + static_cast<double>(row) * (rowHeight + rowGap) + rowHeight / 2;
   }
-
-  double xOf(std::size_t frame) const {
-    return margin + static_cast<double>(frame) / framesPerPixel_;
-  }
-  static double yOf(double amplitude) {
-    return waveTop + waveHeight / 2 * (1 - std::clamp(amplitude, -1.0, 1.0));
+  /// How far from the middle of its row a level is drawn.
+  double reach(float amplitude) const {
+    const double part = (decibels(amplitude) - lowDb_) / (highDb_ - lowDb_);
+    return std::clamp(part, 0.0, 1.0) * rowHeight / 2;
   }
 
   void legend() {
     double x = margin;
     for (const FateStyle& style : styles) {
       const auto count = std::count(result_.fates.begin(), result_.fates.end(), style.fate);
-      add("<circle cx=\"%.1f\" cy=\"24\" r=\"5\" fill=\"%s\"/>"
-          "<text x=\"%.1f\" y=\"28\">%s %td</text>\n",
-          x, style.color, x + 10, style.label, count);
-      x += 150;
+      svg_.circle(x, 24, 6, style.color);
+      svg_.label(x + 12, 29, SvgDocument::formatted("%s %td", style.label, count),
+                 count > 0 ? "#1b1b20" : "#a0a0aa");
+      x += plotWidth / static_cast<double>(styles.size());
     }
   }
 
-  /// One vertical stroke a pixel, from the smallest to the largest sample.
-  void waveform() {
-    add("<rect x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\" fill=\"#f6f6f9\"/>\n", margin,
-        waveTop, plotWidth_, waveHeight);
-    svg_ += "<path stroke=\"#9a9aa6\" fill=\"none\" d=\"";
-    for (std::size_t pixel = 0; pixel < static_cast<std::size_t>(plotWidth_); ++pixel) {
-      const auto begin = static_cast<std::size_t>(static_cast<double>(pixel) * framesPerPixel_);
-      const auto end = std::min(
-          static_cast<std::size_t>(static_cast<double>(pixel + 1) * framesPerPixel_), left_.size());
-      float low = 0;
-      float high = 0;
-      for (std::size_t i = begin; i < end; ++i) {
-        const float mono = (left_[i] + right_[i]) * 0.5f;
-        low = std::min(low, mono);
-        high = std::max(high, mono);
-      }
-      if (begin < end) {
-        add("M%.1f %.1fV%.1f", margin + static_cast<double>(pixel), yOf(static_cast<double>(high)),
-            yOf(static_cast<double>(low)) + 0.5);
-      }
+  /// The levels of one row, a stroke a pixel, with its seconds below.
+  void waveform(std::size_t row) {
+    const double middle = middleOf(row);
+    svg_.rectangle({margin, middle - rowHeight / 2, plotWidth, rowHeight}, "#f4f4f8");
+    const double begin = static_cast<double>(row) * secondsARow_;
+    const double framesAPixel = secondsARow_ * rate_ / plotWidth;
+    std::string path;
+    for (std::size_t pixel = 0; pixel < static_cast<std::size_t>(plotWidth); ++pixel) {
+      const double from = begin * rate_ + static_cast<double>(pixel) * framesAPixel;
+      const auto end = std::min(static_cast<std::size_t>(from + framesAPixel), left_.size());
+      float loudest = 0;
+      for (auto i = static_cast<std::size_t>(from); i < end; ++i)
+        loudest = std::max(loudest, std::abs(mono(i)));
+      const double half = reach(loudest);
+      if (half < 0.5) continue;
+      path += SvgDocument::formatted("M%.1f %.1fV%.1f", margin + static_cast<double>(pixel) + 0.5,
+                                     middle - half, middle + half);
     }
-    svg_ += "\"/>\n";
-  }
-
-  void timeAxis() {
-    const double seconds = static_cast<double>(left_.size()) / rate_;
-    const double step = seconds > 300 ? 30 : seconds > 60 ? 10 : seconds > 10 ? 5 : 1;
-    for (double at = 0; at <= seconds; at += step) {
-      add("<text x=\"%.1f\" y=\"%.1f\" text-anchor=\"middle\" fill=\"#5f5f6b\">%.0f s</text>\n",
-          margin + at * rate_ / framesPerPixel_, waveTop + waveHeight + 20, at);
+    if (!path.empty()) svg_.stroke(path, "#c3c3ce", 1);
+    const double noise = reach(result_.noiseFloor);
+    svg_.stroke(SvgDocument::formatted("M%.1f %.1fh%.1fM%.1f %.1fh%.1f", margin, middle - noise,
+                                       plotWidth, margin, middle + noise, plotWidth),
+                noiseColor, 1, "5 5");
+    for (double second = 0; second <= secondsARow_; ++second) {
+      svg_.label(margin + second / secondsARow_ * plotWidth, middle + rowHeight / 2 + 16,
+                 SvgDocument::formatted("%.0f s", begin + second), quietText, Anchor::middle);
     }
   }
 
-  void hits() {
-    for (std::size_t i = 0; i < result_.hits.size(); ++i) {
-      const auto& hit = result_.hits[i];
-      const double x = xOf(hit.onset);
-      const double reach = std::max(static_cast<double>(hit.peak), 0.04);
-      const char* color = styleOf(result_.fates[i]).color;
-      add("<path stroke=\"%s\" stroke-width=\"1.5\" d=\"M%.2f %.1fV%.1f\"/>"
-          "<circle cx=\"%.2f\" cy=\"%.1f\" r=\"2.5\" fill=\"%s\"/>\n",
-          color, x, yOf(reach), yOf(-reach), x, yOf(reach), color);
-    }
+  void hit(const RecordingSlicer::Hit& hit, Fate fate) {
+    const double seconds = static_cast<double>(hit.onset) / rate_;
+    const auto row = std::min(static_cast<std::size_t>(seconds / secondsARow_), rows_ - 1);
+    const double x =
+        margin + (seconds - static_cast<double>(row) * secondsARow_) / secondsARow_ * plotWidth;
+    const double half = std::max(reach(hit.peak), 8.0);
+    const bool isPress = fate == Fate::press || fate == Fate::bigPress;
+    const double top = middleOf(row) - (fate == Fate::release ? 0 : half);
+    const double bottom = middleOf(row) + (isPress ? 0 : half);
+    const char* color = styleOf(fate).color;
+    svg_.stroke(SvgDocument::formatted("M%.1f %.1fV%.1f", x, top, bottom), color, 2);
+    if (fate != Fate::release) svg_.circle(x, top, 3.5, color);
+    if (!isPress) svg_.circle(x, bottom, 3.5, color);
   }
 
-  void noiseFloor() {
-    const double floor = static_cast<double>(result_.noiseFloor);
-    add("<path stroke=\"#d8343b\" stroke-dasharray=\"4 4\" d=\"M%.1f %.2fH%.1fM%.1f "
-        "%.2fH%.1f\"/>\n",
-        margin, yOf(floor), margin + plotWidth_, margin, yOf(-floor), margin + plotWidth_);
-    add("<text x=\"%.1f\" y=\"%.1f\" fill=\"#d8343b\">noise floor %.1f dB (above 700 Hz)</text>\n",
-        margin, waveTop - 10, decibels(result_.noiseFloor));
-  }
-
-  void ranking() {
-    rankingOf(Fate::press, "ordinary keys by energy", margin, options_.alphaVariants);
-    rankingOf(Fate::bigPress, "wide keys by energy", margin + plotWidth_ / 2 + 20,
-              options_.bigVariants);
-  }
-
-  void rankingOf(Fate fate, const char* title, double x, int64_t variants) {
+  void ranking(Fate fate, KeyGroup group, const char* title, double x, int64_t variants) {
     std::vector<float> energies;
     for (std::size_t i = 0; i < result_.hits.size(); ++i) {
       if (result_.fates[i] == fate) energies.push_back(result_.hits[i].energy);
     }
     std::sort(energies.begin(), energies.end());
-    const double width = plotWidth_ / 2 - 20;
-    add("<text x=\"%.1f\" y=\"%.1f\" font-weight=\"bold\">%zu %s</text>\n", x, rankTop - 12,
-        energies.size(), title);
+    svg_.label(x, rankTop - 14, SvgDocument::formatted("%zu %s", energies.size(), title),
+               styleOf(fate).color);
+    const double width = plotWidth / 2 - 40;
+    svg_.rectangle({x, rankTop, width, rankHeight}, "#f4f4f8");
     if (energies.empty()) return;
-    for (const auto& band : TierAssignment::bands(energies.size(), variants)) {
-      const std::string tierName(name(band.tier));
-      add("<rect x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\" fill=\"%s\"/>"
-          "<text x=\"%.1f\" y=\"%.1f\" text-anchor=\"middle\">%s</text>\n",
-          x + band.low * width, rankTop, (band.high - band.low) * width, rankHeight,
-          tierColors[index(band.tier)], x + (band.low + band.high) / 2 * width,
-          rankTop + rankHeight + 18, tierName.c_str());
+    const auto bands = TierAssignment::bands(energies.size(), variants);
+    for (const auto& band : bands) {
+      svg_.rectangle({x + band.low * width, rankTop, (band.high - band.low) * width, rankHeight},
+                     tierStyles[index(band.tier)].band);
+      svg_.label(x + (band.low + band.high) / 2 * width, rankTop + rankHeight + 18,
+                 std::string(name(band.tier)), tierStyles[index(band.tier)].bar, Anchor::middle);
+      svg_.label(x + (band.low + band.high) / 2 * width, rankTop + rankHeight + 34,
+                 SvgDocument::formatted("%zu takes", takesIn(group, band.tier)), quietText,
+                 Anchor::middle);
     }
-    energyBars(energies, x, width, styleOf(fate).color);
+    energyBars(energies, bands, x, width);
   }
 
-  void energyBars(const std::vector<float>& energies, double x, double width, const char* color) {
+  std::size_t takesIn(KeyGroup group, Tier tier) const {
+    const auto tiers = result_.down.find(group);
+    if (tiers == result_.down.end()) return 0;
+    const auto takes = tiers->second.find(tier);
+    return takes == tiers->second.end() ? 0 : takes->second.size();
+  }
+
+  /// The quietest bar still shows, so the scale starts a little below it.
+  void energyBars(const std::vector<float>& energies,
+                  const std::vector<TierAssignment::Band>& bands, double x, double width) {
     const double high = decibels(energies.back());
     const double low = std::min(decibels(energies.front()), high - 6) - 3;
-    const double step = width / static_cast<double>(energies.size());
+    const auto count = static_cast<double>(energies.size());
     for (std::size_t i = 0; i < energies.size(); ++i) {
+      const char* color = unusedBar;
+      for (const auto& band : bands) {
+        const auto place = static_cast<double>(i);
+        if (place >= std::floor(band.low * count) && place < band.high * count) {
+          color = tierStyles[index(band.tier)].bar;
+        }
+      }
       const double height = (decibels(energies[i]) - low) / (high - low) * rankHeight;
-      add("<rect x=\"%.2f\" y=\"%.1f\" width=\"%.2f\" height=\"%.1f\" fill=\"%s\"/>\n",
-          x + static_cast<double>(i) * step, rankTop + rankHeight - height,
-          std::max(step * 0.8, 0.3), height, color);
+      const double step = width / count;
+      svg_.rectangle({x + static_cast<double>(i) * step, rankTop + rankHeight - height,
+                      std::max(step * 0.8, 0.3), height},
+                     color);
     }
-    add("<text x=\"%.1f\" y=\"%.1f\" text-anchor=\"end\" fill=\"#5f5f6b\">%.0f dB</text>"
-        "<text x=\"%.1f\" y=\"%.1f\" text-anchor=\"end\" fill=\"#5f5f6b\">%.0f dB</text>\n",
-        x - 6, rankTop + 12, high, x - 6, rankTop + rankHeight, low);
+    for (const double db : {high, (high + low) / 2, low}) {
+      const double y = rankTop + rankHeight * (high - db) / (high - low);
+      svg_.stroke(SvgDocument::formatted("M%.1f %.1fh%.1f", x, y, width), "#ffffff", 0.6);
+      svg_.label(x - 8, y + 5, SvgDocument::formatted("%.0f dB", db), quietText, Anchor::end);
+    }
   }
 
   const Result& result_;
   std::span<const float> left_;
   std::span<const float> right_;
+  double rate_;
   const RecordingSlicer::Options& options_;
-  double rate_ = 48000;
-  double plotWidth_ = 0;
-  double framesPerPixel_ = 1;
-  std::string svg_;
+  double secondsARow_;
+  std::size_t rows_;
+  double highDb_ = 0;  // of the waveform's scale
+  double lowDb_ = 0;
+  SvgDocument svg_;
 };
 
 }  // namespace

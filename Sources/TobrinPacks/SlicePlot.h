@@ -8,8 +8,9 @@
 
 namespace tobrin {
 
-/// An SVG document: the waveform with every hit coloured by what became of it and the noise floor,
-/// and below it all presses in order of energy with the bands that the tiers are taken from.
+/// An SVG document: all presses in order of energy with the bands that the tiers are taken from, and
+/// below them the recording's level in rows, with every hit coloured by what became of it and the
+/// noise floor.
 std::string slicePlot(const RecordingSlicer::Result& result, std::span<const float> left,
                       std::span<const float> right, double rate,
                       const RecordingSlicer::Options& options);
