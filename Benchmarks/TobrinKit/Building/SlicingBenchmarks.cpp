@@ -1,4 +1,6 @@
-// Slicing of a long recording, as multiples of real time on one thread.
+// Slicing of a long recording: multiples of real time on one thread, and memory.
+#include <sys/resource.h>
+
 #include <cmath>
 #include <cstdio>
 #include <numbers>
@@ -13,7 +15,6 @@ namespace tobrin {
 namespace {
 
 constexpr double rate = 48'000;
-constexpr double seconds = 120;
 
 void addStroke(std::vector<float>& samples, double at, double amplitude) {
   const auto start = static_cast<std::size_t>(at * rate);
@@ -24,8 +25,8 @@ void addStroke(std::vector<float>& samples, double at, double amplitude) {
   }
 }
 
-/// Two minutes of typing over noise, each press followed by a softer release.
-std::vector<float> typing() {
+/// Typing over noise, each press followed by a softer release.
+std::vector<float> typing(double seconds) {
   SplitMix64 rng(7);
   std::vector<float> samples(static_cast<std::size_t>(seconds * rate));
   for (float& x : samples)
@@ -38,9 +39,24 @@ std::vector<float> typing() {
   return samples;
 }
 
+/// The most memory the process ever held, recording and program included: to be called before
+/// anything larger was held.
+void memoryOfTenMinutes(Report& report) {
+  const std::vector<float> left = typing(600);
+  const std::vector<float> right = left;
+  RecordingSlicer::slice(left, right, rate, {});
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  constexpr double bytesAUnit = 1024;
+  const double perFrame =
+      static_cast<double>(usage.ru_maxrss) * bytesAUnit / static_cast<double>(left.size());
+  report.add(Figure::under("memory of slicing 10 minutes", perFrame, "bytes a frame", 60, 0));
+}
+
 /// Returns whether the recording was sliced at all.
 bool twoMinutes(Report& report) {
-  const std::vector<float> recording = typing();
+  constexpr double seconds = 120;
+  const std::vector<float> recording = typing(seconds);
   std::size_t hits = 0;
   const auto timings = timeInterleaved(
       {contestant(
@@ -58,6 +74,7 @@ bool twoMinutes(Report& report) {
 
 int main(int argc, char** argv) {
   tobrin::Report report(argc, argv);
+  tobrin::memoryOfTenMinutes(report);
   if (tobrin::twoMinutes(report)) return 0;
   std::fputs("slicing: keystrokes were missed\n", stderr);
   return 1;
