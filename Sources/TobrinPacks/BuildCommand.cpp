@@ -10,6 +10,7 @@
 #include "InputFile.h"
 #include "JsonOutput.h"
 #include "Packs/LoadedPack.h"
+#include "Process/SpawningProcessRunner.h"
 
 namespace tobrin {
 namespace {
@@ -56,8 +57,9 @@ void run(const Options& options, const CommandStreams& streams) {
   const fs::path cache = options.cache.empty() ? defaultCache() : fs::path(options.cache);
   std::ostream& progress = options.json ? streams.err : streams.out;
   progress << "building " << recipe.name << std::endl;
-  RecordedPackBuilder::build(recipe, cache, options.into,
-                             [&](const std::string& line) { progress << line << std::endl; });
+  RecordedPackBuilder::build(
+      recipe, cache, options.into, [&](const std::string& line) { progress << line << std::endl; },
+      SpawningProcessRunner());
   if (options.json) printResult(options.into, streams.out);
 }
 

@@ -12,6 +12,7 @@
 #include "Building/WAVWriter.h"
 #include "Engine/OfflineRenderer.h"
 #include "InputFile.h"
+#include "Memory/LargePages.h"
 #include "NumberRange.h"
 #include "PrintableText.h"
 #include "Progress.h"
@@ -104,8 +105,9 @@ void run(const Options& options, const CommandStreams& streams) {
   OfflineRenderer::Sound sound;
   {
     Progress progress(streams.err, "rendering");
-    sound = OfflineRenderer::render(*pack, script, settings, options.tail, engineRate,
-                                    [&](double fraction) { progress.show(fraction); });
+    sound = OfflineRenderer::render(
+        *pack, script, settings, options.tail, engineRate,
+        [&](double fraction) { progress.show(fraction); }, preferLargePages);
   }
   write(sound, options);
   report(sound, options, streams.out);

@@ -147,6 +147,7 @@ TEST_F(BuildCommand, LeavesFoldersAloneThatItCannotFill) {
   refused(pack, Json::array(), "sources");
   const auto text = folder.write("text.ogg", "this is no sound");
   refused(pack, Json::array({source(3, "file://" + text.string())}), "ffmpeg failed");
+  EXPECT_FALSE(fs::exists(cache / "3.ogg")) << "what is no sound is fetched again next time";
   Json quiet = source(1, fileURL());
   quiet["end"] = 0.01;
   refused(pack, Json::array({quiet}), "mine");

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Engine/OfflineRenderer.h"
+#include "Memory/LargePages.h"
 #include "Packs/LoadedPack.h"
 #include "Support/Interleaved.h"
 #include "Support/Report.h"
@@ -124,7 +125,8 @@ void measureTyping(Report& report, const fs::path& folder) {
   const auto script = typingScript(text, 85, 3, [](std::size_t, std::size_t) { return 1.0f; });
   const double seconds = script.back().time;
   const auto timings = timeInterleaved({contestant("render", [&] {
-    (void)OfflineRenderer::render(*loaded, script, EngineSettings(), 0, engineRate);
+    (void)OfflineRenderer::render(*loaded, script, EngineSettings(), 0, engineRate, {},
+                                  preferLargePages);
   })});
   report.add(Figure::over("a minute of typing, offline", seconds / timings[0].median, "x real time",
                           4000, timings[0].spread));

@@ -1,12 +1,10 @@
 #include "Building/AtomicFile.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <atomic>
 #include <cerrno>
+#include <cstdio>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace tobrin {
@@ -14,83 +12,72 @@ namespace {
 
 namespace fs = std::filesystem;
 
-template <typename Call>
-auto retried(Call call) {
-  for (;;) {
-    const auto result = call();
-    if (result >= 0 || errno != EINTR) return result;
-  }
-}
-
 /// The file beside the target; removed again unless it was renamed into place.
 class AsideFile final {
  public:
   explicit AsideFile(const fs::path& target) : target_(target) { create(); }
   ~AsideFile() {
-    if (descriptor_ >= 0) ::close(descriptor_);
-    if (!path_.empty()) ::unlink(path_.c_str());
+    if (file_ != nullptr) (void)std::fclose(file_);
+    std::error_code ignored;
+    if (!path_.empty()) fs::remove(path_, ignored);
   }
   AsideFile(const AsideFile&) = delete;
   AsideFile& operator=(const AsideFile&) = delete;
 
   /// What is no regular file stays: a device would be gone for every program.
   void keepPermissionsOfTarget() {
-    struct stat status {};
-    if (::stat(target_.c_str(), &status) != 0) return;
-    if (!S_ISREG(status.st_mode))
+    std::error_code error;
+    const fs::file_status status = fs::status(target_, error);
+    if (!fs::exists(status)) return;
+    if (!fs::is_regular_file(status))
       throw fs::filesystem_error("not a regular file", target_,
                                  std::make_error_code(std::errc::invalid_argument));
-    check(::fchmod(descriptor_, status.st_mode & 07777));
+    fs::permissions(path_, status.permissions(), error);
+    if (error) fail(error);
   }
 
   void write(std::string_view content) {
-    while (!content.empty()) {
-      const ssize_t count =
-          retried([&] { return ::write(descriptor_, content.data(), content.size()); });
-      check(count);
-      content.remove_prefix(static_cast<std::size_t>(count));
-    }
-  }
-
-  void flushToDisk() {
-    check(retried([&] { return ::fsync(descriptor_); }));
+    if (std::fwrite(content.data(), 1, content.size(), file_) != content.size()) failNow();
+    // Some file systems report a failed write only here.
+    if (std::fclose(std::exchange(file_, nullptr)) != 0) failNow();
   }
 
   void moveIntoPlace() {
-    // Some file systems report a failed write only here.
-    check(::close(std::exchange(descriptor_, -1)));
-    check(::rename(path_.c_str(), target_.c_str()));
+    std::error_code error;
+    fs::rename(path_, target_, error);
+    if (error) fail(error);
     path_.clear();
   }
+
+  [[nodiscard]] const fs::path& path() const { return path_; }
 
  private:
   void create() {
     static std::atomic<unsigned> counter{0};
     std::string prefix(1, '.');
-    prefix.append(target_.filename().native(), 0, maxNameBytes);
-    prefix.append(".").append(std::to_string(::getpid())).append(".");
+    prefix.append(target_.filename().string(), 0, maxNameBytes).append(".");
     do {
-      // Relaxed: only the number matters.
+      // Relaxed: only the number matters. Another process may have taken it: "x" asks for a new
+      // file.
       path_ = target_.parent_path() /
               (prefix + std::to_string(counter.fetch_add(1, std::memory_order_relaxed)) + ".tmp");
-      descriptor_ = retried(
-          [&] { return ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666); });
-    } while (descriptor_ < 0 && errno == EEXIST);
-    if (descriptor_ < 0) path_.clear();
-    check(descriptor_);
+      file_ = std::fopen(path_.string().c_str(), "wbx");
+    } while (file_ == nullptr && (errno == EEXIST || errno == EINTR));
+    if (file_ != nullptr) return;
+    path_.clear();
+    failNow();
   }
 
-  void check(ssize_t result) const {
-    if (result >= 0) return;
-    throw fs::filesystem_error("can't write file", target_,
-                               std::error_code(errno, std::generic_category()));
+  [[noreturn]] void failNow() const { fail(std::error_code(errno, std::generic_category())); }
+  [[noreturn]] void fail(std::error_code reason) const {
+    throw fs::filesystem_error("can't write file", target_, reason);
   }
 
   static constexpr std::size_t maxNameBytes = 200;  // of the 255 that a file name may have
 
   fs::path target_;
   fs::path path_;
-  int descriptor_ = -1;
+  std::FILE* file_ = nullptr;
 };
 
 /// Where a link points, so that the link stays; the path itself where it is none.
@@ -101,26 +88,16 @@ fs::path followed(const fs::path& path) {
   return error ? path : pointee;
 }
 
-/// A rename lives in the folder; where a file system cannot flush folders, the file alone is safe.
-void flushFolder(const fs::path& folder) {
-  const int descriptor = retried([&] {
-    return ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  });
-  if (descriptor < 0) return;
-  ::fsync(descriptor);
-  ::close(descriptor);
-}
-
 }  // namespace
 
-void writeFileAtomically(const fs::path& target, std::string_view content, Durability durability) {
+void writeFileAtomically(const fs::path& target, std::string_view content, const DiskFlush& flush) {
   const fs::path file = followed(target);
   AsideFile aside(file);
   aside.keepPermissionsOfTarget();
   aside.write(content);
-  if (durability == Durability::onDisk) aside.flushToDisk();
+  if (flush) flush(aside.path());
   aside.moveIntoPlace();
-  if (durability == Durability::onDisk) flushFolder(file.parent_path());
+  if (flush) flush(file.parent_path());
 }
 
 }  // namespace tobrin

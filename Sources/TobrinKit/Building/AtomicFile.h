@@ -3,20 +3,19 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string_view>
 
 namespace tobrin {
 
-/// What a successful return promises beyond the replacement itself.
-enum class Durability {
-  replaced,  ///< nothing; for files that can be made again
-  onDisk,    ///< the content survives a power cut; waits for the disk
-};
+/// Waits until a closed file, or a folder's entries, survive a power cut. May throw.
+using DiskFlush = std::function<void(const std::filesystem::path& fileOrFolder)>;
 
 /// Writes `content` aside in the target's folder, then renames it into place. An existing file
 /// keeps its permissions; a symbolic link is followed; what is no regular file, such as a device,
-/// is not replaced. Throws `std::filesystem::filesystem_error` that names the target.
+/// is not replaced. `flush` makes the content survive a power cut; files that can be made again go
+/// without. Throws `std::filesystem::filesystem_error` that names the target.
 void writeFileAtomically(const std::filesystem::path& target, std::string_view content,
-                         Durability durability = Durability::onDisk);
+                         const DiskFlush& flush = {});
 
 }  // namespace tobrin

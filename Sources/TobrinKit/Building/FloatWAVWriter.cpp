@@ -81,7 +81,7 @@ void FloatWAVWriter::write(std::span<const float> left, std::span<const float> r
   // Closing completes the header.
   if (const int error = sf_close(sound.release()); error != SF_ERR_NO_ERROR)
     throw std::runtime_error(sf_error_number(error));
-  writeFileAtomically(file, memory.bytes, Durability::replaced);
+  writeFileAtomically(file, memory.bytes);
 }
 
 }  // namespace tobrin

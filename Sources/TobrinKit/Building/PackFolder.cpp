@@ -1,9 +1,7 @@
 #include "Building/PackFolder.h"
 
-#include <stdlib.h>
-
-#include <cerrno>
 #include <stdexcept>
+#include <string>
 #include <system_error>
 
 #include "Packs/PackManifest.h"
@@ -25,16 +23,13 @@ void refuseForeignFolder(const fs::path& target) {
 fs::path folderBeside(const fs::path& target) {
   refuseForeignFolder(target);
   fs::create_directories(target.parent_path());
-  std::string hidden = target.filename().string();
-  hidden.insert(0, 1, '.');
-  std::string pattern = (target.parent_path() / (hidden += ".building-XXXXXX")).string();
-  if (mkdtemp(pattern.data()) == nullptr) {
-    throw fs::filesystem_error("can't make a folder", pattern,
-                               std::error_code(errno, std::generic_category()));
+  std::string prefix(1, '.');
+  prefix.append(target.filename().string()).append(".building-");
+  for (unsigned number = 1;; ++number) {
+    const fs::path folder = target.parent_path() / (prefix + std::to_string(number));
+    // False where it is there already: another build is at work, or was interrupted.
+    if (fs::create_directory(folder)) return folder;
   }
-  fs::permissions(pattern, fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec |
-                               fs::perms::others_read | fs::perms::others_exec);
-  return pattern;
 }
 
 }  // namespace

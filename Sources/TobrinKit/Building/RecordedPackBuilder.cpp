@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <set>
 
+#include "Building/AtomicFile.h"
 #include "Building/DemoLoudness.h"
 #include "Building/HitFeatures.h"
 #include "Building/PackFolder.h"
@@ -32,9 +33,15 @@ struct Excerpt {
   std::span<const float> right;
 };
 
-Excerpt excerpt(const PackRecipe::Source& source, const fs::path& cache) {
+/// Where recordings are kept, and what converts them.
+struct Workplace {
+  const fs::path& cache;
+  const ProcessRunner& programs;
+};
+
+Excerpt excerpt(const PackRecipe::Source& source, const Workplace& workplace) {
   Excerpt result;
-  result.buffer = RecordedPackBuilder::load(source, cache);
+  result.buffer = RecordedPackBuilder::load(source, workplace.cache, workplace.programs);
   const std::size_t frames = result.buffer->frames();
   const auto place = [&](double seconds) {
     return std::min(static_cast<std::size_t>(seconds * RecordedPackBuilder::rate), frames);
@@ -46,16 +53,16 @@ Excerpt excerpt(const PackRecipe::Source& source, const fs::path& cache) {
   return result;
 }
 
-RecordingSlicer::Result sliced(const PackRecipe::Source& source, const fs::path& cache,
+RecordingSlicer::Result sliced(const PackRecipe::Source& source, const Workplace& workplace,
                                const Options& options) {
-  const Excerpt part = excerpt(source, cache);
+  const Excerpt part = excerpt(source, workplace);
   return RecordingSlicer::slice(part.left, part.right, RecordedPackBuilder::rate, options);
 }
 
 /// Every press of a recording of the return key alone, as many as wide keys have variants.
-std::vector<Take> enterTakes(const PackRecipe::Source& source, const fs::path& cache,
+std::vector<Take> enterTakes(const PackRecipe::Source& source, const Workplace& workplace,
                              const Options& options) {
-  const Excerpt part = excerpt(source, cache);
+  const Excerpt part = excerpt(source, workplace);
   const double rate = RecordedPackBuilder::rate;
   const auto found = RecordingSlicer::detect(part.left, part.right, rate, options);
   const TakeCutter cutter({part.left, part.right, {}, rate}, options);
@@ -80,23 +87,24 @@ std::vector<Result> forEachSource(const std::vector<PackRecipe::Source>& sources
   return results;
 }
 
-TakeCollection collected(const PackRecipe& recipe, const fs::path& cache,
+TakeCollection collected(const PackRecipe& recipe, const Workplace& workplace,
                          const RecordedPackBuilder::Log& log) {
   const Options options = recipe.options.value_or(Options());
   TakeCollection takes(options);
   // Once for each recording, also when several sources are parts of the same one.
   forEachSource<fs::path>(recipe.credits(), [&](const auto& source) {
-    return RecordedPackBuilder::fetch(source, cache);
+    return RecordedPackBuilder::fetch(source, workplace.cache, workplace.programs);
   });
   auto results = forEachSource<RecordingSlicer::Result>(
-      recipe.sources, [&](const auto& source) { return sliced(source, cache, options); });
+      recipe.sources, [&](const auto& source) { return sliced(source, workplace, options); });
   for (std::size_t i = 0; i < results.size(); ++i) {
     log("  " + recipe.sources[i].title + ": " + results[i].report);
     takes.add(std::move(results[i]));
   }
   if (!recipe.enterSources) return takes;
-  auto enter = forEachSource<std::vector<Take>>(
-      *recipe.enterSources, [&](const auto& source) { return enterTakes(source, cache, options); });
+  auto enter = forEachSource<std::vector<Take>>(*recipe.enterSources, [&](const auto& source) {
+    return enterTakes(source, workplace, options);
+  });
   for (std::size_t i = 0; i < enter.size(); ++i) {
     log("  " + (*recipe.enterSources)[i].title + ": " + std::to_string(enter[i].size()) +
         " takes for Enter");
@@ -183,7 +191,7 @@ std::size_t writePack(const PackRecipe& recipe, const TakeCollection& takes, con
     if (!up.empty()) entry.up = up;
     manifest.groups.emplace(rawValue(group), std::move(entry));
   }
-  writeFileAtomically(folder / PackManifest::fileName, manifest.toJson(), Durability::replaced);
+  writeFileAtomically(folder / PackManifest::fileName, manifest.toJson());
   return writer.count();
 }
 
@@ -196,9 +204,10 @@ std::string summary(std::size_t takes, const fs::path& into, double loudness) {
 }  // namespace
 
 void RecordedPackBuilder::build(const PackRecipe& recipe, const fs::path& cache,
-                                const fs::path& into, const Log& log) {
+                                const fs::path& into, const Log& log,
+                                const ProcessRunner& programs) {
   if (recipe.sources.empty()) throw RecipeError("\"sources\" must name at least one recording");
-  const TakeCollection takes = collected(recipe, cache, log);
+  const TakeCollection takes = collected(recipe, {cache, programs}, log);
   PackFolder folder(into);
   std::size_t count = writePack(recipe, takes, folder.aside(), 1.0f);
   double loudness = demoLoudness(folder.aside());

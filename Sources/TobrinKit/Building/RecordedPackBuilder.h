@@ -9,6 +9,7 @@
 #include <string>
 
 #include "Building/PackRecipe.h"
+#include "Building/ProcessRunner.h"
 #include "Packs/SampleBuffer.h"
 
 namespace tobrin {
@@ -24,15 +25,19 @@ struct RecordedPackBuilder {
   /// a failure or an interruption leaves it as it was. Converted recordings stay in `cache`.
   /// Throws `RecipeError`, `DownloadError`, `PackError`, or the file system's own error.
   static void build(const PackRecipe& recipe, const std::filesystem::path& cache,
-                    const std::filesystem::path& into, const Log& log);
+                    const std::filesystem::path& into, const Log& log,
+                    const ProcessRunner& programs);
 
-  /// The converted recording in the cache, fetched and converted if it is not there yet.
+  /// The converted recording in the cache, fetched and converted if it is not there yet. What
+  /// cannot be converted does not stay there.
   static std::filesystem::path fetch(const PackRecipe::Source& source,
-                                     const std::filesystem::path& cache);
+                                     const std::filesystem::path& cache,
+                                     const ProcessRunner& programs);
 
   /// One whole recording, decoded at `rate`.
   static std::unique_ptr<SampleBuffer> load(const PackRecipe::Source& source,
-                                            const std::filesystem::path& cache);
+                                            const std::filesystem::path& cache,
+                                            const ProcessRunner& programs);
 };
 
 }  // namespace tobrin

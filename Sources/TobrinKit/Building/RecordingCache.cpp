@@ -1,7 +1,6 @@
 #include <fstream>
 #include <string>
 
-#include "Building/ChildProcess.h"
 #include "Building/Download.h"
 #include "Building/RecordedPackBuilder.h"
 #include "Packs/PackError.h"
@@ -10,6 +9,8 @@ namespace tobrin {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr int programNotFound = 127;  // of env
 
 /// Exists while a conversion runs: a file beside it that was left by an interrupted one is partial.
 class ConversionMark {
@@ -28,20 +29,24 @@ class ConversionMark {
   fs::path file_;
 };
 
-void convert(const fs::path& preview, const fs::path& wav, const fs::path& markFile) {
+void convert(const fs::path& preview, const fs::path& wav, const fs::path& markFile,
+             const ProcessRunner& programs) {
   const ConversionMark mark(markFile);
-  const int status = runProgram(
+  const int status = programs.run(
       "/usr/bin/env", {"ffmpeg", "-nostdin", "-loglevel", "error", "-y", "-i", preview.string(),
                        "-ar", "48000", "-c:a", "pcm_f32le", wav.string()});
   if (status == 0) return;
   std::error_code ignored;
   fs::remove(wav, ignored);
+  // Fetched again next time, unless it is the converter that is missing.
+  if (status != programNotFound) fs::remove(preview, ignored);
   throw PackError::decode(preview, "ffmpeg failed (is ffmpeg installed?)");
 }
 
 }  // namespace
 
-fs::path RecordedPackBuilder::fetch(const PackRecipe::Source& source, const fs::path& cache) {
+fs::path RecordedPackBuilder::fetch(const PackRecipe::Source& source, const fs::path& cache,
+                                    const ProcessRunner& programs) {
   const std::string number = std::to_string(source.freesoundID);
   const fs::path wav = cache / (number + ".wav");
   const fs::path mark = cache / (number + ".converting");
@@ -49,13 +54,14 @@ fs::path RecordedPackBuilder::fetch(const PackRecipe::Source& source, const fs::
   fs::create_directories(cache);
   const fs::path preview = cache / (number + ".ogg");
   if (!fs::exists(preview)) Download::fetch(source.previewURL, preview);
-  convert(preview, wav, mark);
+  convert(preview, wav, mark, programs);
   return wav;
 }
 
 std::unique_ptr<SampleBuffer> RecordedPackBuilder::load(const PackRecipe::Source& source,
-                                                        const fs::path& cache) {
-  return SampleBuffer::load(fetch(source, cache), rate);
+                                                        const fs::path& cache,
+                                                        const ProcessRunner& programs) {
+  return SampleBuffer::load(fetch(source, cache, programs), rate);
 }
 
 }  // namespace tobrin

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "Building/AtomicFile.h"
 #include "Engine/SplitMix64.h"
 
 namespace tobrin {
@@ -94,8 +95,8 @@ std::string WAVWriter::encode(Channel left, std::optional<Channel> right, int64_
 }
 
 void WAVWriter::write(Channel left, std::optional<Channel> right, int64_t sampleRate,
-                      const std::filesystem::path& file, Durability durability) {
-  writeFileAtomically(file, encode(left, right, sampleRate), durability);
+                      const std::filesystem::path& file) {
+  writeFileAtomically(file, encode(left, right, sampleRate));
 }
 
 }  // namespace tobrin

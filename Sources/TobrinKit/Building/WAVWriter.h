@@ -8,8 +8,6 @@
 #include <span>
 #include <string>
 
-#include "Building/AtomicFile.h"
-
 namespace tobrin {
 
 struct WAVWriter {
@@ -23,8 +21,7 @@ struct WAVWriter {
 
   /// Encodes into a file, which is replaced atomically. Throws `std::filesystem::filesystem_error`.
   static void write(Channel left, std::optional<Channel> right, int64_t sampleRate,
-                    const std::filesystem::path& file,
-                    Durability durability = Durability::replaced);
+                    const std::filesystem::path& file);
 };
 
 }  // namespace tobrin

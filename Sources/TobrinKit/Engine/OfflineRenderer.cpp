@@ -7,7 +7,6 @@
 #include <optional>
 #include <stdexcept>
 
-#include "Engine/LargePages.h"
 #include "Engine/SplitMix64.h"
 #include "Engine/Voicing.h"
 #include "Force/ForceClassifier.h"
@@ -95,10 +94,10 @@ std::size_t lengthInFrames(double seconds, double sampleRate) {
   return static_cast<std::size_t>(frames);
 }
 
-std::vector<float> silence(std::size_t frames) {
+std::vector<float> silence(std::size_t frames, OfflineRenderer::MemoryHint hint) {
   std::vector<float> channel;
   channel.reserve(frames);
-  preferLargePages(channel.data(), frames * sizeof(float));
+  if (hint != nullptr) hint(channel.data(), frames * sizeof(float));
   channel.resize(frames);
   return channel;
 }
@@ -108,7 +107,8 @@ std::vector<float> silence(std::size_t frames) {
 OfflineRenderer::Sound OfflineRenderer::render(const LoadedPack& pack,
                                                std::vector<ScriptedKey> script,
                                                const EngineSettings& settings, double tail,
-                                               double sampleRate, const Progress& progress) {
+                                               double sampleRate, const Progress& progress,
+                                               MemoryHint hint) {
   assert(std::all_of(script.begin(), script.end(),
                      [](const ScriptedKey& key) { return std::isfinite(key.time); }));
   const Mixer mixer(tb_mixer_create(static_cast<float>(sampleRate), crossfadeMs));
@@ -118,7 +118,7 @@ OfflineRenderer::Sound OfflineRenderer::render(const LoadedPack& pack,
                    [](const ScriptedKey& a, const ScriptedKey& b) { return a.time < b.time; });
   const double lastTime = script.empty() ? 0 : script.back().time;
   const std::size_t frames = lengthInFrames(tail + lastTime, sampleRate);
-  Sound sound{silence(frames), silence(frames)};
+  Sound sound{silence(frames, hint), silence(frames, hint)};
 
   Voicer voicer(pack, settings);
   auto next = script.cbegin();

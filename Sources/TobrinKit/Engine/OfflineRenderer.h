@@ -24,13 +24,16 @@ struct OfflineRenderer {
   /// Told from time to time which part is done, 0 to 1.
   using Progress = std::function<void(double)>;
 
+  /// Told of memory that is about to be filled whole, before anything touches it.
+  using MemoryHint = void (*)(void* memory, std::size_t bytes);
+
   /// Renders a script in any order up to `tail` seconds after its last key, at `sampleRate` frames
   /// a second. Keys start with the 64-frame block that their time falls in. Of the settings volume,
   /// blending, releases and stereo width count. Throws `std::bad_alloc` or `std::length_error`
   /// where the result has no room.
   static Sound render(const LoadedPack& pack, std::vector<ScriptedKey> script,
                       const EngineSettings& settings, double tail, double sampleRate,
-                      const Progress& progress = {});
+                      const Progress& progress = {}, MemoryHint hint = nullptr);
 };
 
 }  // namespace tobrin

@@ -120,10 +120,9 @@ fs::path PackGenerator::generate(const SynthProfile& profile, const fs::path& pa
   const float gain = levellingGain(takes);
   parallelFor(takes.size(), threads, [&](std::size_t i) { encode(takes[i], gain); });
   for (const Take& take : takes)
-    writeFileAtomically(folder / take.name(), take.file, Durability::replaced);
+    writeFileAtomically(folder / take.name(), take.file);
   // Written last: a pack that has its manifest has all its takes.
-  writeFileAtomically(folder / PackManifest::fileName, manifestOf(profile, takes).toJson(),
-                      Durability::replaced);
+  writeFileAtomically(folder / PackManifest::fileName, manifestOf(profile, takes).toJson());
   return folder;
 }
 

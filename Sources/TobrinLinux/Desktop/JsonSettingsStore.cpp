@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Building/AtomicFile.h"
+#include "Files/FlushToDisk.h"
 #include "Engine/Log.h"
 
 namespace tobrin {
@@ -73,7 +74,7 @@ void JsonSettingsStore::save() const {
   for (const auto& [key, json] : values_)
     document[key] = Json::parse(json);
   std::filesystem::create_directories(file_.parent_path());
-  writeFileAtomically(file_, document.dump(2) + "\n");
+  writeFileAtomically(file_, document.dump(2) + "\n", flushToDisk);
 }
 
 }  // namespace tobrin

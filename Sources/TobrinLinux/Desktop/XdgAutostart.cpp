@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "Building/AtomicFile.h"
+#include "Files/FlushToDisk.h"
 
 namespace tobrin {
 namespace {
@@ -53,7 +54,8 @@ std::string XdgAutostart::setEnabled(bool on) {
                         "Exec=" +
                             quoted(program_.string()) +
                             "\n"
-                            "Terminal=false\n");
+                            "Terminal=false\n",
+                        flushToDisk);
     return "";
   } catch (const std::exception& problem) {
     return problem.what();

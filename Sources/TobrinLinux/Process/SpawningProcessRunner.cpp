@@ -1,4 +1,4 @@
-#include "Building/ChildProcess.h"
+#include "Process/SpawningProcessRunner.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -30,7 +30,8 @@ class FileActions {
 
 }  // namespace
 
-int runProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments) {
+int SpawningProcessRunner::run(const std::filesystem::path& program,
+                               const std::vector<std::string>& arguments) const {
   std::vector<std::string> words = {program.string()};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;

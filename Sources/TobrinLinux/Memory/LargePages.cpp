@@ -1,4 +1,4 @@
-#include "Engine/LargePages.h"
+#include "Memory/LargePages.h"
 
 #include <sys/mman.h>
 

@@ -1,0 +1,22 @@
+/// Runs another program and waits for it: the seam between pack building and the system.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tobrin {
+
+class ProcessRunner {
+ public:
+  virtual ~ProcessRunner() = default;
+
+  /// Runs `program` with `arguments` as they are, never through a shell, with this process's
+  /// environment and no standard input. Returns its exit status, 128 and the signal's number where
+  /// a signal ended it. Throws `std::system_error` where it cannot be started. Thread: any, several
+  /// at once.
+  [[nodiscard]] virtual int run(const std::filesystem::path& program,
+                                const std::vector<std::string>& arguments) const = 0;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,13 @@
+/// Waits until what was written is on the disk.
+#pragma once
+
+#include <filesystem>
+
+namespace tobrin {
+
+/// Returns once the content of a file, or the entries of a folder, survive a power cut. A file
+/// system that cannot flush folders is no error. Throws `std::filesystem::filesystem_error` that
+/// names the file. Thread: any; waits for the disk.
+void flushToDisk(const std::filesystem::path& fileOrFolder);
+
+}  // namespace tobrin
