@@ -32,7 +32,7 @@ check_parts() {
   say "desktop entry, description, manual pages, completions"
   desktop-file-validate Resources/desktop/*.desktop
   appstreamcli validate --no-net "$made/app.tobrin.Tobrin.metainfo.xml"
-  for page in "$made"/man/*.1; do
+  for page in "$made"/man/*.[18]; do
     warnings=$(LC_ALL=C.UTF-8 MANROFFSEQ='' MANWIDTH=80 man --warnings -E UTF-8 -l -Tutf8 -Z "$page" 2>&1 >/dev/null)
     [ -z "$warnings" ] || die "$page: $warnings"
   done
