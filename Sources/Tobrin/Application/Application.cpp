@@ -15,6 +15,8 @@
 #include "Application/SignalWatcher.h"
 #include "Application/TerminalReport.h"
 #include "Application/UserInterface.h"
+#include "Confinement/Confinement.h"
+#include "Confinement/Launcher.h"
 #include "Desktop/SingleInstance.h"
 #include "Desktop/XdgFolders.h"
 
@@ -60,6 +62,8 @@ int Application::run(int argc, char** argv) {
   const auto instance = takePlace(argc, argv);
   if (!instance->isFirst()) return bringUpTheOther(*instance);
 
+  const Launcher launcher;
+  Confinement::takeNoPrivileges();
   SignalWatcher::holdSignals();
   mallopt(M_ARENA_MAX, 1);  // few allocations at a time: a heap a thread would be mostly empty
   // Fixed, lest one large block that is given back keeps later ones in the heap for good.
@@ -68,9 +72,10 @@ int Application::run(int argc, char** argv) {
   const auto application = interface != nullptr ? interface->makeApplication(argc, argv)
                                                 : std::make_unique<QCoreApplication>(argc, argv);
   const SignalWatcher endOnSignal([] { QCoreApplication::quit(); });
-  Assembly assembly;
+  Assembly assembly(launcher);
   const TerminalReport report(assembly.model());
   if (interface != nullptr) interface->start(assembly.model());
+  Confinement::refuseNetwork();
 
   QSocketNotifier calls(instance->listeningSocket(), QSocketNotifier::Read);
   calls.setEnabled(instance->listeningSocket() >= 0);

@@ -28,10 +28,10 @@ constexpr std::chrono::seconds settleTime{3};
 
 }  // namespace
 
-Assembly::Assembly(std::optional<AppModel::Preview> preview)
+Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> preview)
     : settings_(XdgFolders::config() / "Tobrin" / "settings.json"),
       loginItem_(XdgFolders::config(), thisProgram()),
-      workspace_(thisProgram()),
+      workspace_(thisProgram(), launcher),
       main_("main"),
       loader_("app.tobrin.load"),
       conductorQueue_(Conductor::queueName, requestRealtimeScheduling),

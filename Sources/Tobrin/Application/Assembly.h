@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "Application/DesktopWorkspace.h"
+#include "Confinement/Launcher.h"
 #include "Desktop/JsonSettingsStore.h"
 #include "Desktop/XdgAutostart.h"
 #include "Model/AppModel.h"
@@ -16,8 +17,10 @@ namespace tobrin {
 
 class Assembly final {
  public:
-  /// With `preview`, the model is one, and whatever it holds stays unused.
-  explicit Assembly(std::optional<AppModel::Preview> preview = std::nullopt);
+  /// With `preview`, the model is one, and whatever it holds stays unused. `launcher` must outlive
+  /// this.
+  explicit Assembly(const Launcher& launcher,
+                    std::optional<AppModel::Preview> preview = std::nullopt);
 
   [[nodiscard]] AppModel& model() { return *model_; }
 

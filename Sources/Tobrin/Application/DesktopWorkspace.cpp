@@ -1,24 +1,32 @@
 #include "Application/DesktopWorkspace.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <QCoreApplication>
-#include <QProcess>
+#include <array>
+#include <cerrno>
 
 #include "Application/Application.h"
 
 namespace tobrin {
 namespace {
 
-/// Starts a helper program of the desktop; returns why it could not be started.
-std::string start(const QString& program, const QStringList& arguments) {
-  return QProcess::startDetached(program, arguments)
-             ? ""
-             : (program + " can't be started").toStdString();
+/// What the end of the helper that grants access means: the reason it gave, empty for success or
+/// where the user changed their mind. `report` is the launcher's.
+std::string grantProblem(const std::string& report) {
+  constexpr int dismissed = 126;  // by the user
+  auto lines = QString::fromStdString(report).split('\n', Qt::SkipEmptyParts);
+  const int status = lines.isEmpty() ? -1 : lines.takeLast().toInt();
+  if (status == 0 || status == dismissed) return {};
+  const QString reason = lines.isEmpty() ? QString() : lines.last().trimmed();
+  return reason.isEmpty() ? "it was not allowed" : reason.toStdString();
 }
 
 }  // namespace
 
-DesktopWorkspace::DesktopWorkspace(std::filesystem::path program)
-    : program_(std::move(program)), sleep_([this] {
+DesktopWorkspace::DesktopWorkspace(std::filesystem::path program, const Launcher& launcher)
+    : program_(std::move(program)), launcher_(launcher), sleep_([this] {
         if (onWake_) onWake_();
       }) {
   QObject::connect(qApp, &QCoreApplication::aboutToQuit, qApp, [this] {
@@ -43,38 +51,45 @@ std::string DesktopWorkspace::openFolder(const std::filesystem::path& folder) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) return folder.string() + ": " + error.message();
-  return start("xdg-open", {QString::fromStdString(folder.string())});
+  return launcher_.start({"xdg-open", folder.string()});
 }
 
 void DesktopWorkspace::openKeyAccessSettings(std::function<void(const std::string&)> onEnd) {
-  if (grant_ && grant_->state() != QProcess::NotRunning) return;  // the user is being asked
+  if (grantNotifier_) return;  // the user is being asked
   // A program that runs where it was built has its helper beside it.
   const auto built = program_.parent_path() / "tobrin-key-access";
   std::error_code error;
-  const QString helper = std::filesystem::exists(built, error)
-                             ? QString::fromStdString(built.string())
-                             : QString(TOBRIN_KEY_ACCESS_HELPER);
-  grant_ = std::make_unique<QProcess>();
-  grant_->setProcessChannelMode(QProcess::ForwardedOutputChannel);
-  QObject::connect(grant_.get(), &QProcess::errorOccurred, grant_.get(),
-                   [onEnd](QProcess::ProcessError problem) {
-                     if (problem == QProcess::FailedToStart) onEnd("pkexec is not installed");
-                   });
-  QObject::connect(grant_.get(), &QProcess::finished, grant_.get(),
-                   [this, onEnd](int status) { onEnd(grantProblem(status)); });
-  grant_->start("pkexec", {helper, "grant"});
+  const std::string helper =
+      std::filesystem::exists(built, error) ? built.string() : TOBRIN_KEY_ACCESS_HELPER;
+  std::array<int, 2> ends{};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) return onEnd("no file descriptors left");
+  grantReport_.reset(ends[0]);
+  fcntl(grantReport_.get(), F_SETFL, O_NONBLOCK);
+  const FileDescriptor written(ends[1]);
+  if (!launcher_.start({"pkexec", helper, "grant"}, written.get()).empty())
+    return onEnd("pkexec is not installed");
+  onGrantEnd_ = std::move(onEnd);
+  grantText_.clear();
+  grantNotifier_ = std::make_unique<QSocketNotifier>(grantReport_.get(), QSocketNotifier::Read);
+  QObject::connect(grantNotifier_.get(), &QSocketNotifier::activated, qApp,
+                   [this] { takeGrantReport(); });
 }
 
-std::string DesktopWorkspace::grantProblem(int status) {
-  constexpr int dismissed = 126;  // by the user
-  if (status == 0 || status == dismissed) return {};
-  const auto lines = QString::fromUtf8(grant_->readAllStandardError()).trimmed().split('\n');
-  return lines.last().isEmpty() ? "it was not allowed" : lines.last().toStdString();
+void DesktopWorkspace::takeGrantReport() {
+  std::array<char, 1024> piece;
+  ssize_t length = 0;
+  while ((length = read(grantReport_.get(), piece.data(), piece.size())) > 0)
+    grantText_.append(piece.data(), static_cast<std::size_t>(length));
+  if (length < 0 && (errno == EAGAIN || errno == EINTR)) return;
+  grantNotifier_->setEnabled(false);
+  grantNotifier_.release()->deleteLater();  // it is calling us
+  grantReport_.reset();
+  onGrantEnd_(grantProblem(grantText_));
 }
 
 std::string DesktopWorkspace::relaunch() {
   // The new instance waits until this one has given up its place.
-  return start(QString::fromStdString(program_.string()), {Application::relaunchedArgument});
+  return launcher_.start({program_.string(), Application::relaunchedArgument});
 }
 
 void DesktopWorkspace::terminate() {

@@ -1,11 +1,11 @@
 /// The session's notices and actions on a Linux desktop. Thread: main.
 #pragma once
 
-#include <QProcess>
 #include <QSocketNotifier>
 #include <filesystem>
 #include <memory>
 
+#include "Confinement/Launcher.h"
 #include "Desktop/SleepWatch.h"
 #include "Engine/DesktopServices.h"
 
@@ -13,8 +13,8 @@ namespace tobrin {
 
 class DesktopWorkspace final : public Workspace {
  public:
-  /// `program` is what a relaunch starts.
-  explicit DesktopWorkspace(std::filesystem::path program);
+  /// `program` is what a relaunch starts. `launcher` must outlive this.
+  DesktopWorkspace(std::filesystem::path program, const Launcher& launcher);
 
   void setOnWake(std::function<void()> onWake) override { onWake_ = std::move(onWake); }
   void setOnTerminate(std::function<void()> onTerminate) override;
@@ -25,14 +25,19 @@ class DesktopWorkspace final : public Workspace {
 
  private:
   void hearSleep();
-  [[nodiscard]] std::string grantProblem(int status);
+  void takeGrantReport();
 
   std::filesystem::path program_;
+  const Launcher& launcher_;
   std::function<void()> onWake_;
   std::function<void()> onTerminate_;
   SleepWatch sleep_;
   std::unique_ptr<QSocketNotifier> sleepNotifier_;
-  std::unique_ptr<QProcess> grant_;  // the newest one
+  // While the user is asked for access: what is said of it, and who waits for the end.
+  FileDescriptor grantReport_;
+  std::string grantText_;
+  std::unique_ptr<QSocketNotifier> grantNotifier_;
+  std::function<void(const std::string&)> onGrantEnd_;
 };
 
 }  // namespace tobrin

@@ -68,10 +68,11 @@ std::string idsOf(const std::vector<PackInfo>& packs) {
 int Snapshot::run(const std::vector<std::string>& words) {
   const auto wish = parse(words);
   if (!wish) return fail("Usage: tobrin --snapshot [path] [dark] [call] [pack=ID]");
+  const Launcher launcher;
   const auto picture = PanelPicture::load();
   if (picture == nullptr) return fail("The panel's library is missing.");
   const auto application = picture->makeApplication();
-  Assembly assembly(wish->preview);
+  Assembly assembly(launcher, wish->preview);
   AppModel& model = assembly.model();
   if (wish->preview.pack && model.selectedPackID() != *wish->preview.pack) {
     return fail("There is no pack \"" + *wish->preview.pack +

@@ -1,0 +1,86 @@
+#!/usr/bin/env python3
+"""What the program asks of the kernel in its life: confinement_test.py PROGRAM PACKS, in a desktop session."""
+
+import os
+import pathlib
+import re
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
+from listening import Tobrin, press_keys  # noqa: E402
+
+os.environ["ASAN_OPTIONS"] = "detect_leaks=0"  # the leak sanitizer wants to trace, too
+PACKS, PROGRAM = sys.argv.pop(), sys.argv.pop()
+CALLS = "socket,io_uring_setup,open,openat,openat2,creat,rename,renameat,renameat2,link,linkat,symlink,symlinkat"
+FOR_WRITING = re.compile(r"O_WRONLY|O_RDWR|O_CREAT|O_TMPFILE|creat\(|rename|link")
+
+
+def xdotool(*words):
+    return subprocess.run(["xdotool", *map(str, words)], stdout=subprocess.PIPE, text=True, check=False).stdout
+
+
+class Traced(Tobrin):
+    """The program as a child of strace, which writes down every call of every thread."""
+
+    def __init__(self, log):
+        super().__init__("strace", PACKS, ["-f", "-qq", "-s", "400", "-o", str(log), "-e", f"trace={CALLS}", PROGRAM])
+
+    def end(self):
+        tracer = self.process.pid
+        children = pathlib.Path(f"/proc/{tracer}/task/{tracer}/children").read_text(encoding="ascii").split()
+        os.kill(int(children[0]), signal.SIGTERM)
+        return self.process.wait(60)
+
+
+class ConfinementTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.log = pathlib.Path(folder.name) / "calls"
+        with Traced(self.log) as program:
+            program.wait_for("status:")
+            press_keys("--text", "my secret", "--interval", 60)
+            self.choose_another_pack(program)
+            press_keys("--text", "my secret", "--interval", 60)
+            self.assertEqual(program.end(), 0, program.lines)
+
+    def choose_another_pack(self, program):
+        """Clicks down the panel until a pack answers."""
+        deadline = time.monotonic() + 60
+        while not (windows := xdotool("search", "--onlyvisible", "--name", "^Tobrin$").split()):
+            self.assertLess(time.monotonic(), deadline, "no panel")
+            time.sleep(0.2)
+        before = program.settings_file.read_bytes()
+        for y in range(60, 700, 16):
+            xdotool("mousemove", "--window", windows[0], 60, y, "click", 1)
+            time.sleep(0.3)
+            if b"selectedPack" in (after := program.settings_file.read_bytes()) and after != before:
+                return program.wait_for("pack:", 10)
+        self.fail(f"no pack was chosen: {before}")
+
+    def calls(self, pattern):
+        lines = self.log.read_text(encoding="utf-8").splitlines()
+        self.assertGreater(len(lines), 100, "the tracer saw the program")
+        return [line for line in lines if re.search(pattern, line)]
+
+    def test_it_opens_local_sockets_only_and_writes_its_settings_only(self):
+        sockets = self.calls(r"socket\(|io_uring_setup\(")
+        self.assertTrue(sockets)
+        self.assertEqual([call for call in sockets if "AF_UNIX" not in call and "KOBJECT_UEVENT" not in call], [])
+
+        settings = re.escape(os.environ["XDG_CONFIG_HOME"]) + r"/Tobrin/\.?settings\.json[.\w]*"
+        expected = "|".join((settings, re.escape(os.environ["XDG_RUNTIME_DIR"]) + r"/tobrin\.lock", "/dev/null",
+                             r"/proc/(self|\d+)/task/\d+/comm"))
+        written = [call for call in self.calls("") if FOR_WRITING.search(call.split('"')[0] + call.split('"')[-1])]
+        paths = {path for call in written for path in re.findall('"([^"]*)"', call)}
+        self.assertTrue(any("settings.json" in path for path in paths))
+        self.assertEqual([path for path in paths if not re.fullmatch(expected, path)], [])
+
+
+if __name__ == "__main__":
+    unittest.main()

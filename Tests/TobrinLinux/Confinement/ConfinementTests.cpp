@@ -1,0 +1,110 @@
+// What is given up cannot be had back, so each test gives it up in a child process.
+#include "Confinement/Confinement.h"
+
+#include <gtest/gtest.h>
+#include <linux/netlink.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <fstream>
+#include <iterator>
+#include <latch>
+#include <thread>
+
+#include "Confinement/Launcher.h"
+#include "Support/TempFolder.h"
+
+namespace tobrin {
+namespace {
+
+using namespace std::chrono_literals;
+
+// Runs `work` in a child; what it returns, or -1 where it did not come to that.
+template <typename Work>
+int inChild(Work work) {
+  const pid_t child = fork();
+  if (child == 0) _exit(work());
+  int status = 0;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool refused(long domain, int protocol = 0) {
+  return syscall(SYS_socket, domain, SOCK_DGRAM, protocol) < 0 && errno == EACCES;
+}
+
+// The number of the first promise broken, zero for none.
+int brokenPromise() {
+  int number = 0;
+  for (const long domain : {AF_INET, AF_INET6, AF_PACKET, AF_BLUETOOTH, AF_VSOCK}) {
+    ++number;
+    if (!refused(domain) || !refused(domain | 1L << 32)) return number;
+  }
+  if (!refused(AF_NETLINK, NETLINK_ROUTE)) return 10;
+  if (syscall(SYS_io_uring_setup, 1, nullptr) >= 0 || errno != EACCES) return 11;
+  if (refused(AF_UNIX) || refused(AF_NETLINK, NETLINK_KOBJECT_UEVENT)) return 12;
+  rlimit core{};
+  getrlimit(RLIMIT_CORE, &core);
+  return core.rlim_max <= 1 ? 0 : 13;
+}
+
+TEST(Confinement, RefusesTheNetworkToEveryThread) {
+  EXPECT_FALSE(refused(AF_INET));
+  EXPECT_EQ(inChild([] {
+              Confinement::keepNoCore();
+              Confinement::takeNoPrivileges();
+              std::latch confined(1);
+              int broken = -1;
+              std::thread before([&] {
+                confined.wait();
+                broken = brokenPromise();
+              });
+              Confinement::refuseNetwork();
+              confined.count_down();
+              before.join();
+              return broken != 0 ? broken : brokenPromise();
+            }),
+            0);
+}
+
+TEST(Confinement, WhatTheLauncherStartsIsFree) {
+  const testing::TempFolder folder;
+  const auto report = folder.path() / "report";
+  const auto shell = [&](const std::string& words) {
+    return std::vector<std::string>{"sh", "-c", words, "sh", report.string()};
+  };
+  EXPECT_EQ(inChild([&] {
+              const Launcher launcher;
+              Confinement::takeNoPrivileges();
+              Confinement::refuseNetwork();
+              if (launcher.start({"/nonexistent/program"}).empty()) return 1;
+              if (!launcher
+                       .start(shell("grep -E 'NoNewPrivs|Seccomp:' /proc/self/status >$1.new;"
+                                    "mv $1.new $1"))
+                       .empty())
+                return 2;
+              std::array<int, 2> ends{};
+              if (pipe(ends.data()) != 0) return 3;
+              if (!launcher.start({"sh", "-c", "echo denied >&2; exit 7"}, ends[1]).empty())
+                return 4;
+              close(ends[1]);
+              std::string told;
+              for (char piece = 0; read(ends[0], &piece, 1) == 1;)
+                told += piece;
+              if (told != "denied\n\n7\n") return 5;
+              for (int i = 0; i < 500 && !std::filesystem::exists(report); ++i)
+                std::this_thread::sleep_for(20ms);
+              return 0;
+            }),
+            0);
+  std::ifstream file(report);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "NoNewPrivs:\t0\nSeccomp:\t0\n");
+}
+
+}  // namespace
+}  // namespace tobrin
