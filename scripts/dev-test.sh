@@ -1,10 +1,16 @@
-# test [--preset P] [--vm] [FILTER]: everything, or the tests whose names match FILTER.
+# test [--preset P] [--vm] [--faults] [--all] [FILTER]: everything, or the tests whose names match FILTER.
+# --all is what a change must pass: every preset that checks, kernel devices included.
 main() {
-  local preset=release vm='' options=()
+  local presets=(release) vm='' preset options=()
   while [ $# -gt 0 ]; do
     case $1 in
-      --preset) preset=${2:?--preset needs a name}; shift ;;
+      --preset) presets=("${2:?--preset needs a name}"); shift ;;
       --vm) vm=yes ;;
+      --all) presets=(release asan tsan) vm=yes ;;
+      --faults)
+        export TOBRIN_FAULT_ROUNDS=50
+        options+=(--verbose -R EndToEndFaults)
+        ;;
       -*) die "test: unknown option $1" ;;
       *) options+=(-R "$1") ;;
     esac
@@ -12,8 +18,12 @@ main() {
   done
   ensure_packages scripts/packages.txt
   [ -z "$vm" ] || ensure_packages scripts/packages-vm.txt
-  build_preset "$preset"
-  run_tests "$preset" "$vm" "${options[@]}"
+  for preset in "${presets[@]}"; do
+    [ ${#presets[@]} -eq 1 ] || say "preset $preset"
+    build_preset "$preset"
+    run_tests "$preset" "$vm" "${options[@]}"
+    vm=''  # the machine measures; sanitizers would only slow it down
+  done
 }
 
 # run_tests PRESET VM [CTEST_OPTION...]: the preset itself leaves the virtual machine's tests out.

@@ -1,0 +1,194 @@
+#!/usr/bin/env python3
+"""Everything around the program breaks while somebody types: faults_test.py PROGRAM, in a desktop session.
+
+Each fault is caused and mended TOBRIN_FAULT_ROUNDS times (2). After each the program still runs, is heard within a
+second, falls silent when the typing ends, and its settings are whole. Prints a line a fault.
+"""
+
+import ctypes
+import json
+import os
+import pathlib
+import shutil
+import signal
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
+from listening import Background, Tobrin, control, press_keys, record, tool, write_click_pack  # noqa: E402
+
+PROGRAM = sys.argv[1]
+ROUNDS = int(os.environ.get("TOBRIN_FAULT_ROUNDS", "2"))
+CHORD = "".join(f"{at * 20} {verb} {key}\n" for at, (verb, key) in enumerate(
+    [("press", key) for key in (0xffe3, 0xffe9, 0xffeb, 0x6b)] +
+    [("release", key) for key in (0x6b, 0xffeb, 0xffe9, 0xffe3)]))
+
+
+def run(*words):
+    return subprocess.run(list(map(str, words)), check=True, stdout=subprocess.PIPE, text=True).stdout.strip()
+
+
+class LoginManager:
+    """Says on the private system bus that the machine goes to sleep and wakes."""
+
+    def __init__(self):
+        self._library, self._bus = ctypes.CDLL("libsystemd.so.0"), ctypes.c_void_p()
+        self._call("sd_bus_open_system", ctypes.byref(self._bus))
+        self._call("sd_bus_request_name", self._bus, b"org.freedesktop.login1", ctypes.c_uint64(0))
+
+    def _call(self, name, *arguments):
+        if (status := getattr(self._library, name)(*arguments)) < 0:
+            raise OSError(-status, f"{name}: {os.strerror(-status)}")
+
+    def sleeping(self, sleeps):
+        self._call("sd_bus_emit_signal", self._bus, b"/org/freedesktop/login1", b"org.freedesktop.login1.Manager",
+                   b"PrepareForSleep", b"b", ctypes.c_int(sleeps))
+        self._call("sd_bus_flush", self._bus)
+
+
+class FaultsTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        self.packs = write_click_pack(self.folder / "packs")
+
+    def while_typing(self, cause, mend=lambda: None, rounds=ROUNDS):
+        """Causes and mends while keys are pressed; how long it took after each mend to be heard, in seconds."""
+        took = []
+        with record(self.folder / "heard.wav") as recorder, self.started(recorder) as program:
+            saved = json.loads(program.settings_file.read_text(encoding="utf-8"))
+            with Background([tool("press-keys"), "--random", "3000", "--gap", "150:200"]) as typist:
+                for _ in range(rounds):
+                    cause()
+                    time.sleep(0.3)
+                    mend()
+                    recorder.forget()
+                    began = time.monotonic()
+                    recorder.wait_for("sound", 20)
+                    took.append(time.monotonic() - began)
+                    self.assertIsNone(program.process.poll(), program.lines)
+                typist.stop(signal.SIGKILL)
+            press_keys("--text", "end")  # what the killed typist held is released by its X server
+            self.assertTrue(recorder.quiet_for(1.0), "a voice is stuck")
+            press_keys("--text", "a")
+            recorder.wait_for("sound", 5)
+            self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
+            self.assertEqual(json.loads(program.settings_file.read_text(encoding="utf-8")), saved)
+        self.told(rounds, took)
+
+    def started(self, recorder):
+        program = Tobrin(PROGRAM, self.packs, pack="click", quietDuringCalls=False, releaseSounds=False)
+        self.addCleanup(program.__exit__)
+        self.assertTrue(program.wait_until_heard(recorder), program.lines)
+        return program
+
+    def told(self, rounds, took):
+        print(f"fault: {self.id().split('test_')[-1]}: {rounds} times, heard again after "
+              f"{statistics.median(took):.2f} s, at worst {max(took):.2f} s", flush=True)
+        self.assertLess(statistics.median(took), 1.0)
+
+    def test_sound_server_crashes(self):
+        self.while_typing(lambda: control("kill-sound"), lambda: control("start-sound"))
+
+    def test_default_sink_switched(self):
+        """To one of another rate, to one of another shape, and back."""
+        for name, shape in (("other_rate", "rate=44100 channels=2"), ("mono", "rate=48000 channels=1")):
+            run("pactl", "load-module", "module-null-sink", f"sink_name={name}", *shape.split())
+        order = ["other_rate", "mono", "test_sink"] * ROUNDS
+        self.addCleanup(run, "pactl", "set-default-sink", "test_sink")
+        self.while_typing(lambda: run("pactl", "set-default-sink", order.pop()), rounds=len(order))
+
+    def test_sink_in_use_vanishes(self):
+        def plug():
+            module = run("pactl", "load-module", "module-null-sink", "sink_name=headset", "rate=44100")
+            run("pactl", "set-default-sink", "headset")
+            time.sleep(0.3)
+            run("pactl", "unload-module", module)
+
+        self.while_typing(plug)
+
+    def test_session_bus_dies(self):
+        self.addCleanup(control, "restart-sound")
+        # The sound server's policy dies with the bus.
+        self.while_typing(lambda: control("kill-bus"), lambda: (control("start-bus"), control("restart-sound")))
+
+    def test_machine_sleeps(self):
+        manager = LoginManager()
+        self.while_typing(lambda: manager.sleeping(True), lambda: manager.sleeping(False))
+
+    def test_pack_folder_vanishes(self):
+        kept = self.folder / "kept"
+        shutil.copytree(self.packs, kept)
+        self.while_typing(lambda: shutil.rmtree(self.packs), lambda: shutil.copytree(kept, self.packs))
+
+    def test_settings_cannot_be_written(self):
+        """A full disk, then one that is read-only: the old file stays whole, the next change is kept."""
+        chord = self.folder / "chord"
+        chord.write_text(CHORD, encoding="utf-8")
+        place = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "Tobrin"
+        place.mkdir(exist_ok=True)
+        mounted = subprocess.run(["mount", "-t", "tmpfs", "-o", "size=16k", "tmpfs", str(place)], check=False,
+                                 capture_output=True)
+        if mounted.returncode != 0:
+            self.skipTest(f"mounting is not permitted here: {mounted.stderr.decode().strip()}")
+        self.addCleanup(run, "umount", "-l", place)
+        filler = place / "filler"
+
+        def fill():
+            with filler.open("wb") as file:
+                try:
+                    file.write(bytes(65536))
+                except OSError:
+                    pass  # full
+
+        with record(self.folder / "heard.wav") as recorder, self.started(recorder) as program:
+            for cause, mend in ((fill, filler.unlink), (lambda: run("mount", "-o", "remount,ro", place),
+                                                        lambda: run("mount", "-o", "remount,rw", place))):
+                before = program.settings_file.read_bytes()
+                cause()
+                press_keys("--script", chord)
+                recorder.quiet_for(0.5)
+                press_keys("--text", "a")
+                with self.assertRaises(TimeoutError, msg="switched off, though it could not be saved"):
+                    recorder.forget()
+                    recorder.wait_for("sound", 0.5)
+                self.assertEqual(program.settings_file.read_bytes(), before)
+                mend()
+                self.assertEqual(os.listdir(place), ["settings.json"], "nothing is left lying about")
+                press_keys("--script", chord)
+                recorder.quiet_for(0.5)
+                press_keys("--text", "a")
+                recorder.wait_for("sound", 5)
+                self.assertTrue(json.loads(program.settings_file.read_text(encoding="utf-8")))
+            self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
+        print("fault: settings_cannot_be_written: disk full and read-only, nothing lost")
+
+    def test_settings_were_half_written(self):
+        place = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "Tobrin" / "settings.json"
+        with record(self.folder / "heard.wav") as recorder:
+            program = Tobrin(PROGRAM, self.packs, pack="click")
+            program.stop(signal.SIGKILL)
+            half = b'{"engineSettings": {"volume": 0.5, "ena'
+            place.write_bytes(half)
+            program.__exit__()
+            with Background([PROGRAM], env=os.environ | {"TOBRIN_PACKS": str(self.packs)}) as program:
+                self.assertTrue(Tobrin.wait_until_heard(program, recorder), program.lines)
+                self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
+            self.assertEqual(place.with_name("settings.json.broken").read_bytes(), half)
+
+    def test_the_display_vanishes(self):
+        """That session has ended (and this one: this is the last test), so does the program, in order."""
+        program = Tobrin(PROGRAM, self.packs, pack="click")
+        program.wait_for("status:")
+        control("kill-display")
+        self.assertEqual(program.process.wait(20), 1)
+        program.__exit__()
+        self.assertTrue(json.loads(program.settings_file.read_text(encoding="utf-8")))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1] + sys.argv[2:])
