@@ -21,6 +21,14 @@ std::string quoted(const std::string& argument) {
   return result + "\"";
 }
 
+/// A string value: unescaped once.
+std::string escaped(const std::string& text) {
+  std::string result;
+  for (const char c : text)
+    result += c == '\\' ? std::string("\\\\") : std::string(1, c);
+  return result;
+}
+
 }  // namespace
 
 XdgAutostart::XdgAutostart(const std::filesystem::path& configFolder, std::filesystem::path program)
@@ -53,6 +61,10 @@ std::string XdgAutostart::setEnabled(bool on) {
                         "Icon=app.tobrin.Tobrin\n"
                         "Exec=" +
                             quoted(program_.string()) +
+                            "\n"
+                            // Desktops leave the entry alone once the program was removed.
+                            "TryExec=" +
+                            escaped(program_.string()) +
                             "\n"
                             "Terminal=false\n",
                         flushToDisk);

@@ -22,6 +22,7 @@ TEST(XdgAutostart, SwitchesAnEntryOnAndOff) {
   // The backslashes count double: the entry's text is unescaped first, its command line then.
   EXPECT_NE(text.find("\nExec=\"/opt/a b/\\\\$x\\\\\"\\\\\\\\50%%/tobrin\"\n"), std::string::npos)
       << text;
+  EXPECT_NE(text.find("\nTryExec=/opt/a b/$x\"\\\\50%/tobrin\n"), std::string::npos) << text;
   EXPECT_EQ(login.setEnabled(false), "");
   EXPECT_FALSE(std::filesystem::exists(folder.path() / entry));
 }
