@@ -62,9 +62,13 @@ TEST_F(KeyMonitorTest, ABacklogIsDroppedButModifiersStayRight) {
   send(Type::keyDown, 1, 0x2, 250);
   send(Type::flagsChanged, 56, 0x2, 0);
   send(Type::flagsChanged, 56, 0, 0);
+  send(Type::flagsChanged, 57, 0, 0);  // Caps Lock off again is a press as well
   script.send({Type::keyUp, 1, false, 0, clock + 5 * oneMs});  // a stamp ahead of the clock
   monitor().stop();
-  expectHeard({{1, KeyAction::down, clock}, {56, KeyAction::up, clock}, {1, KeyAction::up, clock}});
+  expectHeard({{1, KeyAction::down, clock},
+               {56, KeyAction::up, clock},
+               {57, KeyAction::down, clock},
+               {1, KeyAction::up, clock}});
 }
 
 TEST_F(KeyMonitorTest, StartsOnceStopsAndStartsAgain) {

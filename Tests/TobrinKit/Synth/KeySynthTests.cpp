@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <cmath>
+
+#include "Synth/Biquad.h"
 
 namespace tobrin {
 namespace {
@@ -50,6 +52,14 @@ TEST(KeySynth, MakesTheSoundsItIsMeantToMake) {
     EXPECT_NEAR(energy(sound.right), row.rightEnergy, 1e-7 * row.rightEnergy);
     EXPECT_EQ(sound.left.back(), 0);
   }
+}
+
+TEST(Biquad, ACornerBeyondHalfTheRateLeavesItStable) {
+  Biquad filter = Biquad::lowpass(30'000, 0.7, 48'000);
+  double last = filter.process(1);
+  for (int i = 0; i < 1000; ++i)
+    last = filter.process(0);
+  EXPECT_LT(std::abs(last), 1e-6);
 }
 
 TEST(KeySynth, LeavesOutWhatLiesTooHighToRing) {
