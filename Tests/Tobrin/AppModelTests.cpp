@@ -272,6 +272,7 @@ TEST_F(AppModelTest, FollowsTheSession) {
   EXPECT_FALSE(device_->running);
   model_.reset();
   EXPECT_FALSE(desktop_.onWake);
+  EXPECT_FALSE(shortcuts_.pressed);
 }
 
 }  // namespace

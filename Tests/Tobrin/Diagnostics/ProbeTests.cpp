@@ -19,12 +19,6 @@ using testing::TempFolder;
 
 constexpr uint64_t millisecond = 1'000'000;
 
-TEST(ProbeReport, PercentilesAreElementsOfTheList) {
-  const std::vector<double> eleven = {10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
-  for (const auto& [p, expected] : {std::pair{0.1, 1.0}, {0.59, 5.0}, {7.0, 10.0}, {-1.0, 0.0}})
-    EXPECT_EQ(percentile(eleven, p), expected) << p;
-}
-
 TEST(ProbeReport, AHitIsTheEarliestOfTheStrongestSamples) {
   const uint64_t key = 1000 * millisecond;
   EXPECT_FALSE(hitOf(0, key, {}));

@@ -53,7 +53,8 @@ TEST(SampleClock, StampsThatJumpAreNotBelievedAnyMore) {
   for (uint64_t i = 0; i < 200; ++i)
     clock.place(static_cast<int64_t>(start + i * millisecond), readTimeOf(i), 0);
   ASSERT_EQ(clock.origin(), SampleClock::Origin::clock);
-  for (const int64_t wild : {int64_t{0}, INT64_MIN, INT64_MAX, int64_t{-1}})
+  const int64_t ahead = static_cast<int64_t>(readTimeOf(200)) + 1000;
+  for (const int64_t wild : {ahead, int64_t{0}, INT64_MIN, INT64_MAX, int64_t{-1}})
     EXPECT_EQ(clock.place(wild, readTimeOf(200), 0), readTimeOf(200)) << wild;
   for (uint64_t i = 201; i < 600; ++i)
     clock.place(static_cast<int64_t>(start + i * millisecond), readTimeOf(i), 0);

@@ -107,6 +107,14 @@ TEST(IioBufferReader, PutsBackWhatItChanged) {
   tree.add(0, {{"in_accel_sampling_frequency_available", "12 100 200"},
                {"current_timestamp_clock", "realtime"}});
   tree.addBuffer(0);
+  const auto state = [&] {
+    std::string all;
+    for (const char* name :
+         {"in_accel_sampling_frequency", "current_timestamp_clock", "scan_elements/in_accel_y_en",
+          "scan_elements/in_temp_en", "buffer/enable"})
+      all += tree.attribute(0, name) + " ";
+    return all;
+  };
   const IioDevice device = IioDevice::findAll(tree.paths())[0];
   std::string reason;
   IioBufferReader::Refusal refusal;
@@ -114,22 +122,14 @@ TEST(IioBufferReader, PutsBackWhatItChanged) {
     auto reader = IioBufferReader::prepare(device, *device.calibration(reason),
                                            IioBufferReader::Rate::highest, refusal);
     ASSERT_TRUE(reader) << refusal.words;
-    EXPECT_EQ(tree.attribute(0, "in_accel_sampling_frequency"), "12") << "not before start";
+    EXPECT_EQ(state(), "12 realtime 0 1 0 ") << "not before start";
     ASSERT_TRUE(reader->start(reason)) << reason;
-    EXPECT_EQ(tree.attribute(0, "in_accel_sampling_frequency"), "200");
-    EXPECT_EQ(tree.attribute(0, "current_timestamp_clock"), "monotonic");
-    EXPECT_EQ(tree.attribute(0, "scan_elements/in_accel_y_en"), "1");
-    EXPECT_EQ(tree.attribute(0, "scan_elements/in_temp_en"), "0");
-    EXPECT_EQ(tree.attribute(0, "buffer/enable"), "1");
+    EXPECT_EQ(state(), "200 monotonic 1 0 1 ");
     IioSource second(tree.paths());
     EXPECT_FALSE(second.open()) << "single readings would disturb the first reader";
     EXPECT_EQ(second.problem(), "accel_0 (iio:device0) is in use by another program");
   }
-  EXPECT_EQ(tree.attribute(0, "in_accel_sampling_frequency"), "12");
-  EXPECT_EQ(tree.attribute(0, "current_timestamp_clock"), "realtime");
-  EXPECT_EQ(tree.attribute(0, "scan_elements/in_accel_y_en"), "0");
-  EXPECT_EQ(tree.attribute(0, "scan_elements/in_temp_en"), "1");
-  EXPECT_EQ(tree.attribute(0, "buffer/enable"), "0");
+  EXPECT_EQ(state(), "12 realtime 0 1 0 ");
 }
 
 TEST(IioSource, ReadsSinglyWhereThereIsNoBuffer) {

@@ -80,7 +80,7 @@ TEST(CaptureGraph, LooksThroughFilters) {
   graph.links[1] = {2, 30};  // now it passes on what is played
   EXPECT_FALSE(graph.activity(ownProcess).micInUse());
 
-  graph.links[1] = {10, 30};  // a circle ends
+  graph.links[1] = {31, 30};  // a circle ends
   EXPECT_FALSE(graph.activity(ownProcess).micInUse());
 
   graph.nodes[40] = {.category = "Filter", .isRunning = true};
