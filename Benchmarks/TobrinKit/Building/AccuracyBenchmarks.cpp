@@ -137,6 +137,15 @@ std::vector<TypingCondition> conditions() {
   add("every 170 ms", [](auto& c) { c.interval = 0.17; });
   add("every 280 ms", [](auto& c) { c.interval = 0.28; });
   add("every 400 ms", [](auto& c) { c.interval = 0.4; });
+  add("one by one", [](auto& c) { c.interval = 0.7, c.hold = 0.16; });
+  add("demonstrated", [](auto& c) { c.interval = 1.3, c.hold = 0.3, c.releaseDb = -6; });
+  add("held long", [](auto& c) { c.interval = 1.5, c.hold = 0.5, c.releaseDb = -6; });
+  add("ticks", [](auto& c) { c.ticks = 2; });
+  add("ticks after a gate", [](auto& c) {
+    c.ticks = 3;
+    c.interval = 0.35;
+    c.damage = Damage::gated;
+  });
   add("release -3 dB", [](auto& c) { c.releaseDb = -3; });
   add("release -6 dB", [](auto& c) { c.releaseDb = -6; });
   add("release -9 dB", [](auto& c) { c.releaseDb = -9; });

@@ -49,6 +49,10 @@ class Typist {
       const bool isWide = random_.unit() < condition_.wideShare;
       press(at, strength, isWide);
     }
+    for (double at = 0.3; at < end && condition_.ticks > 0;
+         at += 2 * random_.unit() / condition_.ticks)
+      add(at, -46 - 24 * random_.unit(), {KeyGroup::alpha, std::nullopt, random_.next() % 12},
+          Sound::knock, false);
     std::sort(result_.strokes.begin(), result_.strokes.end(),
               [](const auto& a, const auto& b) { return a.onset < b.onset; });
     return std::move(result_);
@@ -77,7 +81,7 @@ class Typist {
       add(at + 0.028 + 0.022 * random_.unit(), strength - 7 + 2 * normal(),
           {group, std::nullopt, random_.next() % 12}, Sound::knock, isWide);
     }
-    const double hold = std::clamp(condition_.hold * std::exp(0.22 * normal()), 0.03, 0.35);
+    const double hold = std::clamp(condition_.hold * std::exp(0.22 * normal()), 0.03, 1.0);
     if (random_.unit() >= condition_.heard) return;
     // What a key gives on its way up depends on the finger less than the way down does.
     const double shared = 0.6 * (strength + 22 + condition_.strengthSpread);

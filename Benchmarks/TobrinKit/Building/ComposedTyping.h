@@ -22,6 +22,7 @@ struct TypingCondition {
   double strengthSpread = 9;  ///< strengths lie this many dB around their mean, evenly
   double heard = 0.9;         ///< share of presses whose release sounds at all
   double bounces = 0;         ///< share of presses with a second knock 28 to 50 ms later
+  double ticks = 0;           ///< faint sounds of no key a second, 24 to 48 dB below the presses
   double wideShare = 0.15;    ///< share of presses on the space bar
   double rate = 48000;        ///< Hz
   Damage damage = Damage::none;

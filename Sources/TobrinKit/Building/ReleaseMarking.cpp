@@ -14,11 +14,18 @@ namespace {
 constexpr double neighbourhoodSeconds = 2.0;  // that the level of a hit is judged against
 constexpr double pressPercentile = 0.75;      // among hits of which up to a half are releases
 /// Share of all presses. One that is lost costs a pack more than a release that passes for one.
-constexpr double bearableLoss = 0.006;
+constexpr double bearableLoss = 0.003;
 constexpr double evenOdds = 0.5;
 constexpr int firstRounds = 3;
 constexpr int lastRounds = 8;
 constexpr double quietest = 1e-9;
+
+/// How fast somebody may type, and how long they hold keys then. In seconds.
+struct Pace {
+  double interval;
+  double hold;
+};
+constexpr Pace paces[] = {{0.1, 0.08}, {0.18, 0.09}, {0.32, 0.1}, {0.7, 0.15}, {1.4, 0.35}};
 
 /// The level that presses around hit `index` have, in dB.
 double pressLevelAround(const std::vector<TypedHit>& hits, const std::vector<double>& levels,
@@ -72,10 +79,11 @@ Fit bestFit(const std::vector<TypedHit>& hits) {
   Fit best;
   TypingModel expected;
   best.reading.logLikelihood = -std::numeric_limits<double>::infinity();
-  for (const double interval : {0.1, 0.18, 0.32}) {
+  for (const Pace& pace : paces) {
     for (const double releaseDb : {-6.0, -13.0}) {
       TypingModel guess;
-      guess.logInterval.mean = std::log(interval);
+      guess.logInterval.mean = std::log(pace.interval);
+      guess.logHold.mean = std::log(pace.hold);
       guess.releaseDb.mean = releaseDb;
       Fit fit{guess, TypingLattice::read(guess, hits)};
       improve(fit, guess, hits, firstRounds);

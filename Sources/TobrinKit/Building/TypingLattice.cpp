@@ -11,7 +11,7 @@ namespace tobrin {
 namespace {
 
 constexpr double shortestHold = 0.025;  // s
-constexpr double longestHold = 0.40;
+constexpr double longestHold = 1.0;
 constexpr std::size_t beamWidth = 24;
 constexpr double farBehind = 12;  // of the best state, in log likelihood; not followed
 constexpr std::size_t mostHeld = 4;

@@ -7,6 +7,10 @@ namespace tobrin {
 namespace {
 
 constexpr double expectedWeight = 8;  // in hits
+// Strays come at any time: left alone, they would explain slow typing as well as keys do.
+constexpr double mostStrays = 0.15;     // of all hits
+constexpr double loudestStrayDb = -10;  // on average
+constexpr double leastStrayDb = 5;      // deviation
 
 double median(std::vector<double>& values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
@@ -68,12 +72,15 @@ TypingModel TypingModel::fitted(const std::vector<TypedHit>& hits,
   constexpr double leastLog = 0.15;
   TypingModel model;
   const double length = hits.empty() ? 1 : std::max(1.0, hits.back().time - hits.front().time);
-  model.straysASecond = std::clamp(static_cast<double>(strayLevels.size()) / length, 0.05, 4.0);
+  const auto count = static_cast<double>(hits.size());
+  model.straysASecond = std::clamp(static_cast<double>(strayLevels.size()) / length, 0.05,
+                                   std::max(mostStrays * count / length, 0.05));
   model.heardReleases =
       std::clamp(share(releaseLevels.size(), pressLevels.size(), heardReleases), 0.02, 0.98);
   model.pressDb = Bell::fit(std::move(pressLevels), pressDb, expectedWeight, leastDb);
   model.releaseDb = Bell::fit(std::move(releaseLevels), releaseDb, expectedWeight, leastDb);
-  model.strayDb = Bell::fit(std::move(strayLevels), strayDb, expectedWeight, 5);
+  model.strayDb = Bell::fit(std::move(strayLevels), strayDb, expectedWeight, leastStrayDb);
+  model.strayDb.mean = std::min(model.strayDb.mean, loudestStrayDb);
   model.logHold = Bell::fit(std::move(holds), logHold, expectedWeight, leastLog);
   model.logInterval = Bell::fit(std::move(intervals), logInterval, expectedWeight, leastLog);
   return model;

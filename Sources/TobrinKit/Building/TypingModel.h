@@ -35,7 +35,7 @@ struct TypingModel {
   double heardReleases = 0.7;   ///< share of presses whose release is heard
   double straysASecond = 0.2;
 
-  static constexpr double longestInterval = 1.0;  ///< s; a longer one is a pause
+  static constexpr double longestInterval = 2.0;  ///< s; a longer one is a pause
 
   /// What one hit is: the index of the press it releases, or one of these.
   static constexpr int isPress = -1;
