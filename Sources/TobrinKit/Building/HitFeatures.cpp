@@ -11,6 +11,7 @@ namespace {
 constexpr double peakSeconds = 0.015;
 constexpr double energySeconds = 0.030;
 constexpr double brightnessSeconds = 0.020;
+constexpr double settlingSeconds = 0.005;  // of the filter, before the hit
 constexpr double clippedSeconds = 0.030;
 constexpr double beforeSeconds = 0.012;
 constexpr double decayWindowSeconds = 0.005;
@@ -34,22 +35,11 @@ double power(std::span<const float> samples) {
   return sum;
 }
 
-std::vector<float> aboveBrightCorner(std::span<const float> mono, double rate) {
-  Biquad filter = Biquad::highpass(brightHz, butterworthQ, rate);
-  std::vector<float> result(mono.size());
-  for (std::size_t i = 0; i < mono.size(); ++i) {
-    result[i] = static_cast<float>(filter.process(static_cast<double>(mono[i])));
-  }
-  return result;
-}
-
 /// Measures hits of one recording; holds what all of them share.
 class Meter {
  public:
   Meter(const RecordingView& recording, const HitDetector::Onsets& onsets)
-      : recording_(recording),
-        onsets_(onsets),
-        bright_(aboveBrightCorner(recording.mono, recording.rate)) {}
+      : recording_(recording), onsets_(onsets) {}
 
   RecordingSlicer::Hit hit(std::size_t index) const {
     RecordingSlicer::Hit hit;
@@ -90,8 +80,17 @@ class Meter {
   }
 
   float brightness(const RecordingSlicer::Hit& hit) const {
-    const double all = power(from(recording_.mono, hit.onset, brightnessSeconds));
-    const double bright = power(from(bright_, hit.onset, brightnessSeconds));
+    Biquad filter = Biquad::highpass(brightHz, butterworthQ, recording_.rate);
+    const std::size_t settling = std::min(samples(settlingSeconds), hit.onset);
+    for (const float x : recording_.mono.subspan(hit.onset - settling, settling))
+      filter.process(static_cast<double>(x));
+    double all = 0;
+    double bright = 0;
+    for (const float x : from(recording_.mono, hit.onset, brightnessSeconds)) {
+      const double above = filter.process(static_cast<double>(x));
+      all += static_cast<double>(x) * static_cast<double>(x);
+      bright += above * above;
+    }
     return all > 0 ? static_cast<float>(std::clamp(bright / all, 0.0, 1.0)) : 0.0f;
   }
 
@@ -125,7 +124,6 @@ class Meter {
 
   const RecordingView& recording_;
   const HitDetector::Onsets& onsets_;
-  std::vector<float> bright_;
 };
 
 }  // namespace

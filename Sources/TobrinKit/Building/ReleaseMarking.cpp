@@ -16,8 +16,9 @@ constexpr double pressPercentile = 0.75;      // among hits of which up to a hal
 /// Share of all presses. One that is lost costs a pack more than a release that passes for one.
 constexpr double bearableLoss = 0.003;
 constexpr double evenOdds = 0.5;
+constexpr std::size_t hitsToChooseBy = 400;
 constexpr int firstRounds = 3;
-constexpr int lastRounds = 8;
+constexpr int lastRounds = 6;
 constexpr double quietest = 1e-9;
 
 /// How fast somebody may type, and how long they hold keys then. In seconds.
@@ -74,8 +75,11 @@ void improve(Fit& fit, const TypingModel& expected, const std::vector<TypedHit>&
 }
 
 /// The best of the fits from several first guesses: fast typing with few releases in it looks much
-/// like slow typing to the wrong one.
+/// like slow typing to the wrong one. A minute or two from the middle tell which is right.
 Fit bestFit(const std::vector<TypedHit>& hits) {
+  const std::size_t count = std::min(hits.size(), hitsToChooseBy);
+  const auto begin = hits.begin() + static_cast<std::ptrdiff_t>((hits.size() - count) / 2);
+  const std::vector<TypedHit> some(begin, begin + static_cast<std::ptrdiff_t>(count));
   Fit best;
   TypingModel expected;
   best.reading.logLikelihood = -std::numeric_limits<double>::infinity();
@@ -85,13 +89,14 @@ Fit bestFit(const std::vector<TypedHit>& hits) {
       guess.logInterval.mean = std::log(pace.interval);
       guess.logHold.mean = std::log(pace.hold);
       guess.releaseDb.mean = releaseDb;
-      Fit fit{guess, TypingLattice::read(guess, hits)};
-      improve(fit, guess, hits, firstRounds);
+      Fit fit{guess, TypingLattice::read(guess, some)};
+      improve(fit, guess, some, firstRounds);
       if (fit.reading.logLikelihood <= best.reading.logLikelihood) continue;
       best = std::move(fit);
       expected = guess;
     }
   }
+  best.reading = TypingLattice::read(best.model, hits);
   improve(best, expected, hits, lastRounds);
   return best;
 }

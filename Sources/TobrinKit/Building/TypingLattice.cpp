@@ -34,7 +34,11 @@ struct State {
   std::array<int, mostHeld> held{none, none, none, none};
   int lastPress = none;
 
-  bool operator==(const State&) const = default;
+  /// Written out: the library's comparison of memory takes longer than all else here.
+  bool operator==(const State& other) const {
+    return lastPress == other.lastPress && held[0] == other.held[0] && held[1] == other.held[1] &&
+           held[2] == other.held[2] && held[3] == other.held[3];
+  }
 
   [[nodiscard]] std::size_t heldCount() const {
     return static_cast<std::size_t>(std::find(held.begin(), held.end(), none) - held.begin());
