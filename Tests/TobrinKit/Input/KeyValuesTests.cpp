@@ -1,25 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <tuple>
-
 #include "Input/Hotkey.h"
-#include "Input/KeyLayout.h"
 
 namespace tobrin {
 namespace {
-
-TEST(KeyLayout, GroupsAndColumns) {
-  const std::tuple<uint16_t, KeyGroup, double> rows[] = {
-      {76, KeyGroup::enter, -1},      {117, KeyGroup::backspace, 14.6},
-      {48, KeyGroup::modifier, 0.75}, {63, KeyGroup::modifier, 0.5},
-      {64, KeyGroup::alpha, -1},      {111, KeyGroup::alpha, 1.6 + 11 * 1.08},
-      {65535, KeyGroup::alpha, -1},
-  };
-  for (const auto& [code, group, column] : rows) {
-    EXPECT_EQ(KeyLayout::group(code), group) << code;
-    EXPECT_DOUBLE_EQ(KeyLayout::column(code).value_or(-1), column) << code;
-  }
-}
 
 TEST(Hotkey, ShowsModifiersInOrderThenTheKey) {
   const auto naming = [](const char* text) {
