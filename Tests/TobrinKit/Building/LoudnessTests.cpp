@@ -67,15 +67,6 @@ TEST(Loudness, NeedsOneLoudBlock) {
   EXPECT_EQ(Loudness::integrated({}, {}, rate), silent);
 }
 
-TEST(Loudness, ChannelsAddUp) {
-  const auto sound = noise(96'000, 0.1);
-  const std::vector<float> nothing(sound.size());
-  const double mono = Loudness::integrated(sound, {}, rate);
-  EXPECT_NEAR(Loudness::integrated(sound, sound, rate) - mono, 10 * std::log10(2), 1e-9);
-  EXPECT_EQ(Loudness::integrated(sound, nothing, rate), mono);
-  EXPECT_EQ(Loudness::integrated(nothing, sound, rate), mono);
-}
-
 TEST(Loudness, DropsThePartialBlockAtTheEnd) {
   auto sound = noise(43'200, 0.1);
   const double whole = Loudness::integrated(sound, {}, rate);
