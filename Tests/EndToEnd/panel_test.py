@@ -1,27 +1,41 @@
-#!/usr/bin/env python3
-"""The panel as a window on a desktop without a tray: panel_test.py PROGRAM PACKS, in a desktop session."""
+#!/usr/bin/python3
+"""The panel in a real window: panel_test.py [TEST] PROGRAM PACKS, in a desktop session.
+
+Controls are found by their accessible names and worked by mouse and keyboard. The system's own Python has the
+bindings for that.
+"""
 
 import json
 import os
 import pathlib
+import shutil
 import signal
 import subprocess
 import sys
+import tempfile
 import time
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
-from listening import Tobrin  # noqa: E402
+import screenreader  # noqa: E402
+from listening import Tobrin, record, types_audibly  # noqa: E402
+from traywatcher import TrayWatcher  # noqa: E402
+from xclient import KeyGrab  # noqa: E402
 
-PACKS, PROGRAM = sys.argv.pop(), sys.argv.pop()
-PATIENCE = 60.0  # the machine may be busy
+PACKS, PROGRAM = pathlib.Path(sys.argv.pop()), sys.argv.pop()
+PATIENCE = 30.0  # the machine may be busy
+CHORD = "ctrl+alt+super+"
+# In the order of the Tab key; of a group, the chosen one.
+STOPS = ["Sounds", "Preview", "Blue Click, Clicky", "Cream, Linear", "Dome, Silent tactile", "Panda, Tactile",
+         "Typewriter, Novelty", "Volume", "Strength: Medium", "Key release sounds", "Stereo by key position",
+         "Quiet during calls", "Open at login", "Turn sounds on/off with", "Shortcut: ⌃⌥⌘K", "Packs Folder…", "Quit"]
 
 
 def eventually(condition, seconds=PATIENCE):
     """What `condition` answers once that is true; its last answer where it never is."""
     deadline = time.monotonic() + seconds
     while not (answer := condition()) and time.monotonic() < deadline:
-        time.sleep(0.1)
+        time.sleep(0.05)
     return answer
 
 
@@ -34,57 +48,209 @@ def panels():
     return xdotool("search", "--onlyvisible", "--name", "^Tobrin$").split()
 
 
-def width_of(window):
-    shell = xdotool("getwindowgeometry", "--shell", window)
-    return int(dict(line.split("=") for line in shell.split())["WIDTH"])
+def named(name):
+    return next((control for control in screenreader.showing() if control.name == name), None)
 
 
-def ask_again():
-    """A second instance's exit status and output."""
-    second = subprocess.run([PROGRAM], stdout=subprocess.PIPE, text=True, check=False, timeout=PATIENCE)
-    return second.returncode, second.stdout
+def focused():
+    """The innermost control that has the focus."""
+    return next((each.name for each in reversed(screenreader.showing()) if "focused" in each.states), None)
 
 
 class PanelTest(unittest.TestCase):
-    def start(self):
-        program = Tobrin(PROGRAM, PACKS, volume=0.5)
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def start(self, packs=PACKS, pack="", **settings):
+        screenreader.start()
+        os.environ.update(screenreader.ENVIRONMENT)
+        program = Tobrin(PROGRAM, packs, pack=pack, **settings)
         self.addCleanup(program.__exit__)
         self.settings_file = program.settings_file
+        program.wait_for("status:")
         return program
 
-    def sounds_saved(self, expected):
-        saved = json.loads(self.settings_file.read_text(encoding="utf-8"))
-        return saved["engineSettings"].get("enabled", True) == expected
-
-    def test_it_opens_by_itself_where_there_is_no_tray(self):
-        program = self.start()
-        self.assertTrue(eventually(panels), program.forget() or program.lines)
-        self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
-        self.assertEqual(panels(), [])
-
-    def test_a_second_start_brings_it_up_and_the_switch_works(self):
-        program = self.start()
+    def start_with_panel(self, *arguments, **settings):
+        program = self.start(*arguments, **settings)
         lock = pathlib.Path(os.environ["XDG_RUNTIME_DIR"]) / "tobrin.socket"
         self.assertTrue(eventually(lock.exists))
-        program.wait_for("Fixed strength")
-        self.assertEqual(ask_again(), (0, "Tobrin is already running.\n"))
-        windows = eventually(panels)
-        self.assertEqual(len(windows), 1)
-        self.assertEqual(ask_again()[0], 0)
-        self.assertEqual(panels(), windows, "the same window comes up again")
+        self.bring_up()
+        return program
 
-        # The sound switch is at the right of the first line.
-        place = (width_of(windows[0]) - 32, 34)
-        for sounds in (False, True):
-            xdotool("mousemove", "--window", windows[0], *place, "click", 1)
-            self.assertTrue(eventually(lambda: self.sounds_saved(sounds)), self.settings_file.read_text())
-        saved = json.loads(self.settings_file.read_text(encoding="utf-8"))
-        self.assertEqual(saved["engineSettings"]["volume"], 0.5, "nothing else was touched")
+    def bring_up(self):
+        second = subprocess.run([PROGRAM], stdout=subprocess.PIPE, text=True, check=False, timeout=PATIENCE)
+        self.assertEqual((second.returncode, second.stdout), (0, "Tobrin is already running.\n"))
+        self.assertTrue(eventually(lambda: panels() and named("Quit")), f"{panels()} {screenreader.showing()}")
 
-        xdotool("key", "--window", windows[0], "Escape")
+    def close_by_keyboard(self):
+        # With a window named, xdotool would leave the key pressed once that window has gone.
+        xdotool("windowfocus", "--sync", panels()[0], "key", "Escape")
+        self.assertTrue(eventually(lambda: not panels()), "Escape closes")
+
+    def saved(self):
+        return json.loads(self.settings_file.read_text(encoding="utf-8"))
+
+    def saves(self, key, value):
+        self.assertTrue(eventually(lambda: self.saved()["engineSettings"].get(key) == value), (key, value, self.saved()))
+
+    def click(self, name, share=0.5):
+        control = eventually(lambda: named(name))
+        self.assertTrue(control, f"no '{name}' in {panels()} among {screenreader.showing()}")
+        xdotool("mousemove", *control.at(share), "click", 1)
+
+    def shows(self, *names):
+        for name in names:
+            self.assertTrue(eventually(lambda: named(name)), f"no '{name}' in {panels()} among {screenreader.showing()}")
+
+    def test_every_switch_is_saved_and_shown(self):
+        self.start_with_panel(volume=0.5)
+        for name, key, off, on in (("Sounds", "enabled", False, True), ("Key release sounds", "releaseSounds", False, True),
+                                   ("Stereo by key position", "spatial", 0.0, 0.5),
+                                   ("Quiet during calls", "quietDuringCalls", False, True),
+                                   ("Turn sounds on/off with", "shortcutEnabled", False, True)):
+            for value in (off, on):
+                self.click(name)
+                self.saves(key, value)
+                self.assertTrue(eventually(lambda: named(name).checked == (value == on)), name)
+        self.assertEqual(self.saved()["engineSettings"]["volume"], 0.5, "nothing else was touched")
+        entry = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "autostart/app.tobrin.Tobrin.desktop"
+        self.click("Open at login")
+        self.assertTrue(eventually(entry.exists))
+        self.click("Packs Folder…")
+        self.assertTrue(eventually((pathlib.Path(os.environ["XDG_DATA_HOME"]) / "Tobrin/Packs").is_dir))
+
+    def test_packs_and_volume_are_heard(self):
+        program = self.start_with_panel(quietDuringCalls=False)
+        with record(self.folder / "heard.wav") as recorder:
+            self.assertTrue(program.wait_until_heard(recorder))
+            for share, volume, audible in ((0.0, 0.0, False), (1.0, 1.0, True)):
+                self.click("Volume", share)
+                self.saves("volume", volume)
+                self.assertEqual(types_audibly(recorder), audible)
+                recorder.quiet_for(0.5)
+            for name in ("Panda, Tactile", "Preview"):
+                recorder.forget()
+                self.click(name)
+                recorder.wait_for("sound")
+                recorder.quiet_for(0.5)
+        self.shows("Panda · Tactile", "Panda · Fixed strength")
+        self.assertEqual(self.saved()["selectedPack"], "panda")
+        self.click("Strength: Slam")
+        self.saves("fixedTier", 3)
+        self.click("Quit")
+        self.assertEqual(program.process.wait(PATIENCE), 0)
+
+    def test_the_shortcut_works_from_elsewhere_and_says_when_it_cannot(self):
+        self.start_with_panel()
+        for on in (False, True):
+            xdotool("key", CHORD + "k")
+            self.saves("enabled", on)
+            self.assertTrue(eventually(lambda: named("Sounds").checked == on))
+        other = KeyGrab("s")
+        self.click("Shortcut: ⌃⌥⌘S")
+        self.shows("⌃⌥⌘S is already used by another app. Pick another.")
+        self.click("Shortcut: ⌃⌥⌘T")
+        self.shows("⌃⌥⌘T in any app to turn sounds on or off")
+        other.close()
+        self.click("Shortcut: ⌃⌥⌘S")
+        self.shows("⌃⌥⌘S in any app to turn sounds on or off")
+        xdotool("key", CHORD + "s")
+        self.saves("enabled", False)
+
+    def test_the_keyboard_alone_reaches_and_works_everything(self):
+        self.start_with_panel()
+        xdotool("windowfocus", "--sync", panels()[0])
+        reached = []
+        for _ in STOPS:
+            xdotool("key", "Tab")
+            eventually(lambda: focused() not in [None, *reached[-1:]], 5)
+            reached.append(focused())
+        self.assertEqual(reached, STOPS)
+        xdotool("key", "shift+Tab", "shift+Tab", "Right")
+        self.assertTrue(eventually(lambda: focused() == "Shortcut: ⌃⌥⌘S"))
+        self.assertTrue(eventually(lambda: self.saved()["engineSettings"]["shortcut"]["keyCode"] == 1))
+        xdotool("key", "shift+Tab", "space")
+        self.saves("shortcutEnabled", False)
+        xdotool("key", *["shift+Tab"] * 5, "Left")
+        self.saves("fixedTier", 0)
+        xdotool("key", "shift+Tab", "Right", "Right", "shift+Tab", "Return")
+        self.assertTrue(eventually(lambda: self.saved().get("selectedPack") == "typewriter"))
+        self.assertAlmostEqual(self.saved()["engineSettings"]["volume"], 0.8, places=5)
+        self.close_by_keyboard()
+
+    def test_missing_late_and_broken_packs(self):
+        packs = self.folder / "packs"
+        packs.mkdir()
+        self.start_with_panel(packs)
+        self.shows("No sound packs found.", "No pack · Fixed strength")
+        self.close_by_keyboard()
+        shutil.copytree(PACKS / "cream", packs / "cream")
+        shutil.copytree(PACKS / "dome", packs / "dome")
+        for sound in (packs / "dome").rglob("*.wav"):
+            sound.write_bytes(b"no sound")
+        self.bring_up()
+        self.shows("Cream · Fixed strength")
+        self.click("Dome, Silent tactile")
+        broken = eventually(lambda: next((each for each in screenreader.showing() if "couldn't load" in each.name), None))
+        self.assertTrue(broken and broken.role == "alert" and broken.name.startswith("Dome couldn't load: "), broken)
+
+    def test_nothing_is_cut_in_large_type(self):
+        os.environ.update(QT_FONT_DPI="192", QT_SCALE_FACTOR="1.5")
+        self.start_with_panel()
+        window, *controls = [each for each in screenreader.showing() if each.role not in ("application", "panel", "frame")]
+        left, right = 0, max(each.place[0] + each.place[2] for each in (window, *controls))
+        lowest = {}
+        for control in controls:
+            x, y, width, height = control.place
+            self.assertTrue(x >= left and width > 0 and height > 0, control)
+            # What stands in one column stands one below the other.
+            self.assertGreaterEqual(y, lowest.get(x, 0), control)
+            lowest[x] = y + height
+        self.assertTrue(named("Quit"), "all of it is there")
+        frame = next(each for each in screenreader.showing() if each.role == "frame")
+        self.assertLessEqual(right, frame.place[0] + frame.place[2])
+
+    def test_the_tray_item_comes_late_and_works(self):
+        program = self.start()
+        time.sleep(1)
+        tray = TrayWatcher()
+        self.addCleanup(lambda: tray.close())
+        self.assertTrue(eventually(lambda: tray.items, 20))
+        playing = tray.look("IconPixmap")
+        tray.choose("Sounds")
+        self.saves("enabled", False)
+        self.assertTrue(eventually(lambda: tray.look("IconPixmap") != playing))
+        tray.choose("Panda")
+        program.wait_for("pack: Panda")
+        self.assertEqual([name for name, entry in tray.menu().items() if entry[1].get("toggle-state") == 1], ["Panda"])
+
+        tray.click()
+        self.assertTrue(eventually(panels))
+        # A key that somebody grabs takes the focus only for a while.
+        eventually(lambda: xdotool("getwindowfocus").split() == panels())
+        chord = [word for key in ("ctrl", "alt", "super", "k") for word in ("keydown", key)]
+        xdotool(*chord, "sleep", 1, *[word.replace("down", "up") for word in chord], "sleep", 0.5)
+        self.saves("enabled", True)
+        self.assertEqual(len(panels()), 1)
+        tray.click()
         self.assertTrue(eventually(lambda: not panels()))
-        self.assertIsNone(program.process.poll(), "closing the window does not end the program")
+
+        tray.close()
+        tray = TrayWatcher()
+        self.assertTrue(eventually(lambda: tray.items, 20), "a tray that starts again gets the item again")
+        tray.choose("Quit")
+        self.assertEqual(program.process.wait(PATIENCE), 0)
+
+    def test_without_a_tray_it_opens_by_itself_and_closing_it_ends_nothing(self):
+        program = self.start()
+        self.assertTrue(eventually(panels), program.forget() or program.lines)
+        self.close_by_keyboard()
+        self.assertIsNone(program.process.poll())
+        self.bring_up()
         self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
+        self.assertEqual(panels(), [])
 
 
 if __name__ == "__main__":

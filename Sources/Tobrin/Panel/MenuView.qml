@@ -37,7 +37,7 @@ Rectangle {
 
         // Whoever moves by keyboard sees where to.
         function show(control) {
-            if (!control || !interactive)
+            if (!control || !interactive || control.height > height / 2)
                 return;
             const top = control.mapToItem(contentItem, 0, 0).y - Theme.margin;
             const bottom = top + control.height + 2 * Theme.margin;

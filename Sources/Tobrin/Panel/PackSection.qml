@@ -1,7 +1,6 @@
 // The packs: a grid to choose from, and what is known of the chosen one.
 import QtQuick
 import QtQuick.Layouts
-import QtQuick.Templates as T
 import Tobrin
 
 ColumnLayout {
@@ -43,9 +42,7 @@ ColumnLayout {
                 Layout.preferredWidth: 1
                 pack: modelData
                 selected: modelData.id === section.model.selectedPackID
-                action: T.Action {
-                    onTriggered: section.model.select(modelData.id)
-                }
+                onChosen: section.model.select(modelData.id)
             }
         }
     }

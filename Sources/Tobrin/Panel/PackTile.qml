@@ -1,21 +1,21 @@
-// One pack of the grid; its `action` is what choosing it does.
+// One pack of the grid; `chosen` is the action of choosing it.
 import QtQuick
 import QtQuick.Templates as T
 import Tobrin
 
-T.AbstractButton {
+T.RadioButton {
     id: tile
 
     required property var pack
     property bool selected: false
+    signal chosen
 
+    checked: selected
     implicitHeight: names.implicitHeight + 2 * Theme.unit * 1.75
-    Accessible.role: Accessible.RadioButton
     Accessible.name: pack.name + ", " + pack.kind
-    Accessible.checkable: true
-    Accessible.checked: selected
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    onClicked: chosen()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     background: Rectangle {
         radius: Theme.radius

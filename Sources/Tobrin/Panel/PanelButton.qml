@@ -15,8 +15,8 @@ T.Button {
     horizontalPadding: Theme.unit * 2.5
     verticalPadding: Theme.unit * 1.25
     Accessible.name: text
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     background: Rectangle {
         radius: Theme.radius * 0.75

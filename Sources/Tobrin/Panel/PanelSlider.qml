@@ -33,7 +33,7 @@ T.Slider {
     handle: Rectangle {
         x: control.visualPosition * (control.width - width)
         y: (control.height - height) / 2
-        width: Math.round(Theme.textSize * 1.25)
+        width: 2 * Math.round(Theme.textSize * 0.62)  // an even size is drawn round
         height: width
         radius: width / 2
         color: "#ffffff"

@@ -14,7 +14,7 @@ T.Switch {
 
     indicator: Rectangle {
         implicitWidth: Math.round(Theme.textSize * 2.5)
-        implicitHeight: Math.round(Theme.textSize * 1.45)
+        implicitHeight: 2 * Math.round(Theme.textSize * 0.72)
         x: control.width - width
         y: (control.height - height) / 2
         radius: height / 2

@@ -5,11 +5,16 @@
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QScreen>
+#include <QTimer>
 
 #include "Engine/Log.h"
+#include "Panel/InputFocus.h"
 #include "Panel/SymbolProvider.h"
 
 namespace tobrin {
+
+using namespace std::chrono_literals;
+
 PanelWindow::PanelWindow(AppModel& model, std::function<void()> onClosed)
     : model_(std::make_unique<PanelModel>(model)), onClosed_(std::move(onClosed)) {
   // One small panel: drawing it in software takes a third of the memory of a GL context.
@@ -23,6 +28,10 @@ PanelWindow::PanelWindow(AppModel& model, std::function<void()> onClosed)
   for (const QQmlError& error : view_->errors())
     Log::line(error.toString().toStdString());
   view_->installEventFilter(this);
+  if (QQuickItem* root = view_->rootObject()) {
+    // Texts wrap only once they know their width, and cards come and go.
+    connect(root, &QQuickItem::implicitHeightChanged, this, &PanelWindow::followContent);
+  }
 }
 
 PanelWindow::~PanelWindow() {
@@ -36,9 +45,11 @@ bool PanelWindow::isOpen() const {
 void PanelWindow::open(const QPoint* anchor) {
   model_->menuOpened();
   closesWithFocus_ = anchor != nullptr;
+  anchor_ = anchor != nullptr ? *anchor : QPoint();
   view_->setFlags(anchor != nullptr ? Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint
                                     : Qt::Window);
-  fitToScreen(anchor);
+  if (view_->rootObject() != nullptr) view_->rootObject()->setProperty("framed", closesWithFocus_);
+  fitToScreen();
   view_->show();
   view_->raise();
   view_->requestActivate();
@@ -52,30 +63,49 @@ void PanelWindow::setDark(bool dark) {
   if (QQuickItem* root = view_->rootObject()) root->setProperty("dark", dark);
 }
 
-void PanelWindow::fitToScreen(const QPoint* anchor) {
-  QScreen* screen = anchor != nullptr ? QGuiApplication::screenAt(*anchor) : nullptr;
+void PanelWindow::followContent() {
+  // A window that the user has sized stays as it is.
+  if (view_->isVisible() && view_->size() == fitted_) fitToScreen();
+}
+
+void PanelWindow::fitToScreen() {
+  QScreen* screen = closesWithFocus_ ? QGuiApplication::screenAt(anchor_) : view_->screen();
   if (screen == nullptr) screen = QGuiApplication::primaryScreen();
   if (screen == nullptr || view_->rootObject() == nullptr) return;
   constexpr int edge = 8;  // kept free at the screen's edges
   const QRect room = screen->availableGeometry().adjusted(edge, edge, -edge, -edge);
   const QQuickItem* root = view_->rootObject();
   const QSize wanted(qRound(root->implicitWidth()), qRound(root->implicitHeight()));
-  view_->resize(wanted.boundedTo(room.size()));
-  if (anchor == nullptr) return;
-  const int left =
-      qBound(room.left(), anchor->x() - view_->width() / 2, room.right() - view_->width() + 1);
-  const bool below = anchor->y() < room.center().y();
-  view_->setPosition(left, below ? qMax(room.top(), anchor->y() + edge)
-                                 : qMin(room.bottom(), anchor->y() - edge) - view_->height());
+  fitted_ = wanted.boundedTo(room.size());
+  view_->resize(fitted_);
+  if (!closesWithFocus_) return;
+  const bool below = anchor_.y() < room.center().y();
+  const int left = anchor_.x() - view_->width() / 2;
+  const int top = below ? anchor_.y() + edge : anchor_.y() - edge - view_->height();
+  view_->setPosition(qBound(room.left(), left, room.right() - view_->width() + 1),
+                     qBound(room.top(), top, room.bottom() - view_->height() + 1));
+}
+
+void PanelWindow::closeOnEscape(const QKeyEvent& key) {
+  // The server goes on repeating a key that closed the panel, and would close the next one by it.
+  if (key.key() == Qt::Key_Escape && !key.isAutoRepeat()) view_->hide();
+}
+
+void PanelWindow::leaveWithFocus() {
+  if (!view_->isVisible() || view_->isActive()) return;
+  if (!keepsInputFocus(*view_)) return view_->hide();
+  // A grab hides from us where the focus goes meanwhile, so it is asked for until the grab ends.
+  constexpr auto lookAgainAfter = 200ms;
+  QTimer::singleShot(lookAgainAfter, this, &PanelWindow::leaveWithFocus);
 }
 
 bool PanelWindow::eventFilter(QObject* watched, QEvent* event) {
   switch (event->type()) {
     case QEvent::FocusOut:
-      if (closesWithFocus_) view_->hide();
+      if (closesWithFocus_) leaveWithFocus();
       break;
     case QEvent::KeyPress:
-      if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) view_->hide();
+      closeOnEscape(*static_cast<QKeyEvent*>(event));
       break;
     case QEvent::Hide:
       onClosed_();

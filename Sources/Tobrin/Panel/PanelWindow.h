@@ -27,12 +27,17 @@ class PanelWindow final : public QObject, public Panel {
 
  private:
   bool eventFilter(QObject* watched, QEvent* event) override;
-  void fitToScreen(const QPoint* anchor);
+  void fitToScreen();
+  void followContent();
+  void closeOnEscape(const QKeyEvent& key);
+  void leaveWithFocus();
 
   std::unique_ptr<PanelModel> model_;  // before the view, which binds to it
   std::unique_ptr<QQuickView> view_;
   std::function<void()> onClosed_;
   bool closesWithFocus_ = false;
+  QPoint anchor_;  // where it opened, if it closes with the focus
+  QSize fitted_;   // the size last chosen for it
 };
 
 }  // namespace tobrin

@@ -15,8 +15,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto trayLookInterval = 500ms;
-constexpr int quickLooks = 20;  // for ten seconds after the start; then the window opens
+constexpr auto trayPatience = 5s;  // a tray that is no sooner there is not waited for
+constexpr auto embeddingTrayAfter = 1s;
+constexpr auto sameClick = 200ms;
 constexpr auto unloadAfter = 60s;
 
 QIcon symbolIcon(const QString& name, const QColor& color) {
@@ -44,27 +45,35 @@ void TrayInterface::start(AppModel& model) {
   connect(&unload_, &QTimer::timeout, this, &TrayInterface::panelMayBeUnloaded);
   connect(&model, &AppModel::statusChanged, this, &TrayInterface::updateItem);
   connect(colors_.get(), &ColorScheme::changed, this, &TrayInterface::applyColors);
-  lookForTray();
+  hosts_ = std::make_unique<TrayHosts>();
+  connect(hosts_.get(), &TrayHosts::appeared, this, &TrayInterface::makeTrayItem);
+  if (TrayHosts::hasEmbeddingTray()) {
+    // One that takes both kinds of item has both answers; the newer kind is asked for first.
+    QTimer::singleShot(embeddingTrayAfter, this, &TrayInterface::makeTrayItem);
+  } else {
+    QTimer::singleShot(trayPatience, this, &TrayInterface::doWithoutTray);
+  }
 }
 
 void TrayInterface::stop() {
+  hosts_.reset();
   unload_.stop();
   panel_.reset();
   item_.reset();
   menu_.reset();
 }
 
-void TrayInterface::lookForTray() {
-  if (QSystemTrayIcon::isSystemTrayAvailable()) {
+void TrayInterface::doWithoutTray() {
+  if (item_) return;
+  if (TrayHosts::hasEmbeddingTray()) {
     makeTrayItem();
-  } else if (++looksForTray_ < quickLooks) {
-    QTimer::singleShot(trayLookInterval, this, &TrayInterface::lookForTray);
-  } else {
+  } else if (!panel_) {
     showPanel();
   }
 }
 
 void TrayInterface::makeTrayItem() {
+  if (item_) return;
   menu_ = std::make_unique<QMenu>();
   connect(menu_.get(), &QMenu::aboutToShow, this, &TrayInterface::fillMenu);
   fillMenu();
@@ -111,11 +120,10 @@ void TrayInterface::fillMenu() {
 }
 
 void TrayInterface::togglePanel() {
-  if (panel_ && panel_->isOpen()) {
-    panel_->close();
-  } else {
-    showPanel();
-  }
+  if (panel_ && panel_->isOpen()) return panel_->close();
+  // The click that takes the focus from the panel may arrive here after the panel has gone for it.
+  const bool hasJustClosed = sinceClosed_.isValid() && sinceClosed_.elapsed() < sameClick.count();
+  if (!hasJustClosed) showPanel();
 }
 
 void TrayInterface::showPanel() {
@@ -134,9 +142,14 @@ Panel* TrayInterface::panel() {
   using Make = Panel* (*)(AppModel&, std::function<void()> onClosed);
   const auto make = reinterpret_cast<Make>(Modules::symbol("panel", "tobrinMakePanel"));
   if (make == nullptr) return nullptr;
-  panel_.reset(make(*model_, [this] { unload_.start(unloadAfter); }));
+  panel_.reset(make(*model_, [this] { panelClosed(); }));
   panel_->setDark(colors_->isDark());
   return panel_.get();
+}
+
+void TrayInterface::panelClosed() {
+  sinceClosed_.start();
+  unload_.start(unloadAfter);
 }
 
 void TrayInterface::panelMayBeUnloaded() {

@@ -4,6 +4,7 @@
 /// Thread: main.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QMenu>
 #include <QObject>
 #include <QSystemTrayIcon>
@@ -12,6 +13,7 @@
 
 #include "Application/UserInterface.h"
 #include "Tray/ColorScheme.h"
+#include "Tray/TrayHosts.h"
 
 namespace tobrin {
 
@@ -23,22 +25,24 @@ class TrayInterface final : public QObject, public UserInterface {
   void stop() override;
 
  private:
-  void lookForTray();
+  void doWithoutTray();
   void makeTrayItem();
   void updateItem();
   void applyColors();
   void fillMenu();
   void togglePanel();
   Panel* panel();
+  void panelClosed();
   void panelMayBeUnloaded();
 
   AppModel* model_ = nullptr;  // set by start
   std::unique_ptr<ColorScheme> colors_;
+  std::unique_ptr<TrayHosts> hosts_;
   std::unique_ptr<QMenu> menu_;
   std::unique_ptr<QSystemTrayIcon> item_;
   std::unique_ptr<Panel> panel_;  // from its first opening until it has been closed for a while
   QTimer unload_;
-  int looksForTray_ = 0;
+  QElapsedTimer sinceClosed_;  // invalid until it first closed
 };
 
 }  // namespace tobrin
