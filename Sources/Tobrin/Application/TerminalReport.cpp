@@ -22,6 +22,13 @@ TerminalReport::TerminalReport(const AppModel& model) : model_(model) {
   printChanges();
 }
 
+TerminalReport::~TerminalReport() {
+  const AudioOutput& audio = model_.conductor().audio();
+  std::printf("played: %llu sounds, %llu lost\n",
+              static_cast<unsigned long long>(audio.startedVoices()),
+              static_cast<unsigned long long>(audio.droppedCommands()));
+}
+
 void TerminalReport::printChanges() {
   if (const PackInfo* pack = model_.selectedPack()) {
     print("pack", pack->name + " (" + pack->kind + ")");

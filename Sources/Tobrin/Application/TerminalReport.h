@@ -12,7 +12,10 @@ namespace tobrin {
 
 class TerminalReport final : public QObject {
  public:
+  /// `model` must outlive this.
   explicit TerminalReport(const AppModel& model);
+  /// Tells how many sounds were played, and how many the mixer had no room for.
+  ~TerminalReport() override;
 
  private:
   void printChanges();
