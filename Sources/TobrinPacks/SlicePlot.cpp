@@ -78,7 +78,7 @@ class Drawing {
     for (std::size_t i = 0; i < left.size(); ++i)
       loudest = std::max(loudest, std::abs(mono(i)));
     highDb_ = std::max(decibels(loudest), quietestDb + 24);
-    lowDb_ = std::max({decibels(result.noiseFloor) - 6, quietestDb, highDb_ - 72});
+    lowDb_ = std::max({decibels(result.noiseFloor) - 6, quietestDb, highDb_ - 80});
   }
 
   std::string document() && {
@@ -91,7 +91,7 @@ class Drawing {
     svg_.label(margin, waveTop - 22,
                SvgDocument::formatted("Level of the recording, %.0f to %.0f dB: presses point up, "
                                       "releases down, what is dropped both ways",
-                                      lowDb_, highDb_));
+                                      lowDb_, std::round(highDb_) + 0.0));  // no "-0"
     svg_.label(margin + plotWidth, waveTop - 22,
                SvgDocument::formatted("- - noise floor %.1f dB", decibels(result_.noiseFloor)),
                noiseColor, Anchor::end);
@@ -147,7 +147,8 @@ class Drawing {
     svg_.stroke(SvgDocument::formatted("M%.1f %.1fh%.1fM%.1f %.1fh%.1f", margin, middle - noise,
                                        plotWidth, margin, middle + noise, plotWidth),
                 noiseColor, 1, "5 5");
-    for (double second = 0; second <= secondsARow_; ++second) {
+    for (int i = 0; i <= static_cast<int>(secondsARow_); ++i) {
+      const auto second = static_cast<double>(i);
       svg_.label(margin + second / secondsARow_ * plotWidth, middle + rowHeight / 2 + 16,
                  SvgDocument::formatted("%.0f s", begin + second), quietText, Anchor::middle);
     }

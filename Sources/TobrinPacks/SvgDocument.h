@@ -1,10 +1,10 @@
 /// Writes the few shapes of a drawing as SVG text. Positions and sizes in pixels.
 #pragma once
 
-#include <cstdarg>
 #include <cstdio>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace tobrin {
 
@@ -59,26 +59,17 @@ class SvgDocument {
   }
 
   /// As `printf`, for short pieces of text.
-  __attribute__((format(printf, 1, 2))) static std::string formatted(const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    std::string result = formattedList(format, arguments);
-    va_end(arguments);
-    return result;
-  }
-
- private:
-  static std::string formattedList(const char* format, va_list arguments) {
+  template <typename... Values>
+  static std::string formatted(const char* format, Values... values) {
     char piece[512];
-    std::vsnprintf(piece, sizeof piece, format, arguments);
+    (void)std::snprintf(piece, sizeof piece, format, values...);
     return piece;
   }
 
-  __attribute__((format(printf, 2, 3))) void add(const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    text_ += formattedList(format, arguments);
-    va_end(arguments);
+ private:
+  template <typename... Values>
+  void add(const char* format, Values... values) {
+    text_ += formatted(format, values...);
   }
 
   std::string text_;

@@ -26,7 +26,7 @@ fs::path folderBeside(const fs::path& target) {
   std::string prefix(1, '.');
   prefix.append(target.filename().string()).append(".building-");
   for (unsigned number = 1;; ++number) {
-    const fs::path folder = target.parent_path() / (prefix + std::to_string(number));
+    fs::path folder = target.parent_path() / (prefix + std::to_string(number));
     // False where it is there already: another build is at work, or was interrupted.
     if (fs::create_directory(folder)) return folder;
   }
@@ -34,7 +34,7 @@ fs::path folderBeside(const fs::path& target) {
 
 }  // namespace
 
-PackFolder::PackFolder(fs::path target)
+PackFolder::PackFolder(const fs::path& target)
     : target_(fs::absolute(target.has_filename() ? target : target.parent_path())),
       aside_(folderBeside(target_)) {}
 

@@ -8,7 +8,7 @@ namespace tobrin {
 class PackFolder final {
  public:
   /// Makes an empty folder beside `target`. Throws `std::filesystem::filesystem_error`.
-  explicit PackFolder(std::filesystem::path target);
+  explicit PackFolder(const std::filesystem::path& target);
 
   /// Removes what was not moved into place.
   ~PackFolder();

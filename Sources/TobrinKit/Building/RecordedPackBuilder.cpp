@@ -135,7 +135,8 @@ class TakeWriter {
     std::map<std::string, std::vector<std::string>> names;
     for (const auto& [tier, takes] : tiers) {
       const std::string tierName(name(tier));
-      names[tierName] = write(prefix + "-" + tierName, takes);
+      std::string tierPrefix = prefix;
+      names[tierName] = write(tierPrefix.append("-").append(tierName), takes);
     }
     return names;
   }
@@ -197,7 +198,7 @@ std::size_t writePack(const PackRecipe& recipe, const TakeCollection& takes, con
 
 std::string summary(std::size_t takes, const fs::path& into, double loudness) {
   char numbers[64];
-  std::snprintf(numbers, sizeof numbers, "/  (%.1f LUFS)", loudness);
+  (void)std::snprintf(numbers, sizeof numbers, "/  (%.1f LUFS)", loudness);
   return "    wrote " + std::to_string(takes) + " takes to " + into.filename().string() + numbers;
 }
 

@@ -48,7 +48,7 @@ void convert(const fs::path& preview, const fs::path& wav, const fs::path& markF
 fs::path RecordedPackBuilder::fetch(const PackRecipe::Source& source, const fs::path& cache,
                                     const ProcessRunner& programs) {
   const std::string number = std::to_string(source.freesoundID);
-  const fs::path wav = cache / (number + ".wav");
+  fs::path wav = cache / (number + ".wav");
   const fs::path mark = cache / (number + ".converting");
   if (fs::exists(wav) && !fs::exists(mark)) return wav;
   fs::create_directories(cache);

@@ -41,6 +41,7 @@ std::vector<float> monoOf(std::span<const float> left, std::span<const float> ri
 
 float faintestEnergy(const std::vector<Hit>& hits) {
   std::vector<float> energies;
+  energies.reserve(hits.size());
   for (const Hit& hit : hits)
     energies.push_back(hit.energy);
   return faintestShare * RecordingSlicer::percentile(std::move(energies), loudPercentile);
@@ -117,12 +118,13 @@ std::string reportOf(const RecordingSlicer::Result& result) {
     return std::count(result.fates.begin(), result.fates.end(), fate);
   };
   char text[256];
-  std::snprintf(text, sizeof text,
-                "%zu hits: %td presses, %td big presses, %td releases, %td clipped, "
-                "%td overlapping, %td too faint; noise floor %.1f dB",
-                result.hits.size(), count(Fate::press), count(Fate::bigPress), count(Fate::release),
-                count(Fate::clipped), count(Fate::overlapping) + count(Fate::repeated),
-                count(Fate::faint), 20 * std::log10(static_cast<double>(result.noiseFloor)));
+  (void)std::snprintf(text, sizeof text,
+                      "%zu hits: %td presses, %td big presses, %td releases, %td clipped, "
+                      "%td overlapping, %td too faint; noise floor %.1f dB",
+                      result.hits.size(), count(Fate::press), count(Fate::bigPress),
+                      count(Fate::release), count(Fate::clipped),
+                      count(Fate::overlapping) + count(Fate::repeated), count(Fate::faint),
+                      20 * std::log10(static_cast<double>(result.noiseFloor)));
   return text;
 }
 

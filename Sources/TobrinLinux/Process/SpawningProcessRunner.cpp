@@ -35,6 +35,7 @@ int SpawningProcessRunner::run(const std::filesystem::path& program,
   std::vector<std::string> words = {program.string()};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (std::string& word : words)
     pointers.push_back(word.data());
   pointers.push_back(nullptr);
