@@ -10,6 +10,7 @@
 #include "InputFile.h"
 #include "JsonOutput.h"
 #include "Packs/LoadedPack.h"
+#include "Files/ExchangeFolders.h"
 #include "Process/SpawningProcessRunner.h"
 
 namespace tobrin {
@@ -59,7 +60,7 @@ void run(const Options& options, const CommandStreams& streams) {
   progress << "building " << recipe.name << std::endl;
   RecordedPackBuilder::build(
       recipe, cache, options.into, [&](const std::string& line) { progress << line << std::endl; },
-      SpawningProcessRunner());
+      SpawningProcessRunner(), exchangeFolders);
   if (options.json) printResult(options.into, streams.out);
 }
 

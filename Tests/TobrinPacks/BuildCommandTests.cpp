@@ -110,7 +110,9 @@ TEST_F(BuildCommand, UsesTwoPartsOfOneRecordingAndSeparateRecordingsOfEnter) {
 TEST_F(BuildCommand, FetchesOverHttpAndSaysWhatWentWrongThere) {
   const std::string bytes = contentOf(recording);
   const RawServer good(RawServer::answer("200 OK", bytes, bytes.size()));
+  folder.write("mine/pack.json", "the pack before");
   ASSERT_EQ(build(Json::array({source(1, good.url("/typing.wav"))}), pack).status, 0);
+  EXPECT_NE(contentOf(pack / "pack.json"), "the pack before");
   const auto before = filesIn(pack);
   fs::remove_all(cache);
 

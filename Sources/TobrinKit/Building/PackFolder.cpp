@@ -43,7 +43,9 @@ PackFolder::~PackFolder() {
   fs::remove_all(aside_, ignored);
 }
 
-void PackFolder::moveIntoPlace() {
+void PackFolder::moveIntoPlace(const FolderExchange& exchange) {
+  // The old pack lies aside then, and goes with this object.
+  if (exchange && fs::exists(target_) && exchange(aside_, target_)) return;
   fs::path old = aside_;
   old += ".old";
   const bool replaces = fs::exists(target_);

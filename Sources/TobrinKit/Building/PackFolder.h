@@ -2,8 +2,14 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 
 namespace tobrin {
+
+/// Exchanges the names of two folders in one step; false, with nothing changed, where the file
+/// system cannot.
+using FolderExchange =
+    std::function<bool(const std::filesystem::path& one, const std::filesystem::path& other)>;
 
 class PackFolder final {
  public:
@@ -17,8 +23,9 @@ class PackFolder final {
 
   [[nodiscard]] const std::filesystem::path& aside() const { return aside_; }
 
-  /// Replaces the target by the new folder; the old one goes only once the new one is there.
-  void moveIntoPlace();
+  /// Replaces the target by the new folder; the old one goes only once the new one is there. With
+  /// `exchange` there is a whole pack at every moment. Throws `std::filesystem::filesystem_error`.
+  void moveIntoPlace(const FolderExchange& exchange = {});
 
  private:
   std::filesystem::path target_;

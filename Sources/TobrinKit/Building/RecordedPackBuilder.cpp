@@ -205,8 +205,8 @@ std::string summary(std::size_t takes, const fs::path& into, double loudness) {
 }  // namespace
 
 void RecordedPackBuilder::build(const PackRecipe& recipe, const fs::path& cache,
-                                const fs::path& into, const Log& log,
-                                const ProcessRunner& programs) {
+                                const fs::path& into, const Log& log, const ProcessRunner& programs,
+                                const FolderExchange& exchange) {
   if (recipe.sources.empty()) throw RecipeError("\"sources\" must name at least one recording");
   const TakeCollection takes = collected(recipe, {cache, programs}, log);
   PackFolder folder(into);
@@ -217,7 +217,7 @@ void RecordedPackBuilder::build(const PackRecipe& recipe, const fs::path& cache,
     count = writePack(recipe, takes, folder.aside(), correction);
     loudness = demoLoudness(folder.aside());
   }
-  folder.moveIntoPlace();
+  folder.moveIntoPlace(exchange);
   log(summary(count, into, loudness));
 }
 

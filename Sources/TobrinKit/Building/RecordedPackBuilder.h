@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "Building/PackFolder.h"
 #include "Building/PackRecipe.h"
 #include "Building/ProcessRunner.h"
 #include "Packs/SampleBuffer.h"
@@ -26,7 +27,7 @@ struct RecordedPackBuilder {
   /// Throws `RecipeError`, `DownloadError`, `PackError`, or the file system's own error.
   static void build(const PackRecipe& recipe, const std::filesystem::path& cache,
                     const std::filesystem::path& into, const Log& log,
-                    const ProcessRunner& programs);
+                    const ProcessRunner& programs, const FolderExchange& exchange = {});
 
   /// The converted recording in the cache, fetched and converted if it is not there yet. What
   /// cannot be converted does not stay there.

@@ -17,12 +17,13 @@ TEST(PackFolder, TheOldPackStaysUntilTheNewOneIsWhole) {
   folder.write("mine/key.wav", "old");
   folder.write(".mine.building-1/pack.json", "left by an interrupted build");
   const fs::path target = folder.path() / "mine";
+  const auto refused = [](const fs::path&, const fs::path&) { return false; };
   for (const bool isFinished : {false, true}) {
     PackFolder pack(target / "");
     EXPECT_TRUE(fs::is_empty(pack.aside()));
     std::ofstream(pack.aside() / "pack.json") << "newer";
     EXPECT_EQ(fs::file_size(target / "pack.json"), 3u);
-    if (isFinished) pack.moveIntoPlace();
+    if (isFinished) pack.moveIntoPlace(refused);
   }
   EXPECT_EQ(fs::file_size(target / "pack.json"), 5u);
   EXPECT_FALSE(fs::exists(target / "key.wav"));
