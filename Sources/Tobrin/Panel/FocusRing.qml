@@ -6,10 +6,10 @@ Rectangle {
     required property Item control
 
     anchors.fill: parent
-    anchors.margins: -3
+    anchors.margins: -4
     visible: control.visualFocus
     color: "transparent"
-    radius: Theme.radius + 3
+    radius: Theme.radius + 4
     border.width: 2
     border.color: Theme.accent
 }

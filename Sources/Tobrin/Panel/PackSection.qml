@@ -20,10 +20,12 @@ ColumnLayout {
         PanelButton {
             text: "Preview"
             symbol: "play"
+            enabled: section.model.packError === ""
             onClicked: section.model.preview()
         }
     }
     GridLayout {
+        id: grid
         Layout.fillWidth: true
         visible: tiles.count > 0
         columns: 3
@@ -37,9 +39,8 @@ ColumnLayout {
             PackTile {
                 required property var modelData
 
-                Layout.fillWidth: true
                 Layout.fillHeight: true
-                Layout.preferredWidth: 1
+                Layout.preferredWidth: (section.width + grid.columnSpacing) / grid.columns - grid.columnSpacing
                 pack: modelData
                 selected: modelData.id === section.model.selectedPackID
                 onChosen: section.model.select(modelData.id)

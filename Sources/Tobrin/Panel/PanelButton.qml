@@ -14,6 +14,7 @@ T.Button {
     implicitHeight: row.implicitHeight + topPadding + bottomPadding
     horizontalPadding: Theme.unit * 2.5
     verticalPadding: Theme.unit * 1.25
+    opacity: enabled ? 1 : 0.5
     Accessible.name: text
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()

@@ -38,6 +38,6 @@ T.Slider {
         radius: width / 2
         color: "#ffffff"
         border.color: Theme.dark ? "#00000000" : Theme.control
-        FocusRing { control: control; radius: parent.radius + 3 }
+        FocusRing { control: control; radius: parent.radius + 4 }
     }
 }

@@ -31,7 +31,7 @@ T.Switch {
             color: "#ffffff"
             Behavior on x { NumberAnimation { duration: 120; easing.type: Easing.OutCubic } }
         }
-        FocusRing { control: control; radius: parent.radius + 3 }
+        FocusRing { control: control; radius: parent.radius + 4 }
     }
     contentItem: PanelText {
         id: label
