@@ -25,7 +25,7 @@ set(CPACK_DEBIAN_PACKAGE_SECTION non-free/sound)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The panel imports these while it runs.
-set(modules qtqml qtqml-workerscript qtquick qtquick-controls qtquick-layouts qtquick-templates qtquick-window)
+set(modules qtqml qtqml-workerscript qtquick qtquick-layouts qtquick-templates qtquick-window)
 list(TRANSFORM modules PREPEND qml6-module-)
 list(JOIN modules ", " CPACK_DEBIAN_PACKAGE_DEPENDS)
 # ffmpeg opens recordings for the workshop; without PipeWire sounds go to ALSA; pkexec asks for the

@@ -13,7 +13,7 @@ sys.path.insert(0, str(ROOT / "Tools" / "Desktop"))
 
 from footprint import (report_first_key_after_suspension, report_memory, report_start,  # noqa: E402
                        report_wakeups)
-from latency import every_core_busy, measure, report_latency  # noqa: E402
+from latency import every_core_busy, measure, report_latency, report_panel  # noqa: E402
 from listening import write_click_pack  # noqa: E402
 from report import Report  # noqa: E402
 
@@ -37,6 +37,7 @@ def main():
             with load:
                 ours, limit = measure(options.program, clicks, block, BLOCKS, folder)
             report_latency(report, state, ours, limit)
+        report_panel(report, options.program, clicks, block, BLOCKS, folder)
         report_start(report, options.program, options.packs, folder)
         report_memory(report, options.program, options.packs)
         report_wakeups(report, options.program, options.packs)

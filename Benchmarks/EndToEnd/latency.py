@@ -7,6 +7,7 @@ server: where a cycle is lost it is late, not missing.
 """
 
 import contextlib
+import math
 import os
 import pathlib
 import signal
@@ -36,8 +37,8 @@ def every_core_busy():
             loop.wait()
 
 
-def settled_tobrin(program, packs, recorder):
-    tobrin = Tobrin(program, packs, pack="click", volume=1.0, forceSensing=False, releaseSounds=False, spatial=0.0,
+def settled_tobrin(program, packs, recorder, force=False):
+    tobrin = Tobrin(program, packs, pack="click", volume=1.0, forceSensing=force, releaseSounds=False, spatial=0.0,
                     quietDuringCalls=False, shortcutEnabled=False)
     if not tobrin.wait_until_heard(recorder):
         raise RuntimeError(f"the program is silent: {tobrin.lines}")
@@ -69,6 +70,36 @@ def measure(program, packs, presses, blocks, folder):
         ours.append(answered(lambda recorder: settled_tobrin(program, packs, recorder), presses, block + 1, folder))
         limit.append(answered(ready_instrument, presses, block + 1, folder))
     return ours, limit
+
+
+def write_shaking(folder):
+    """A second of a case that shakes now more, now less, so that the meter shows another force for every key."""
+    trace = pathlib.Path(folder) / "shaking.csv"
+    rows = (f"{i * 1_000_000},0,0,{1 + (0.08 + 0.06 * math.sin(i / 17)) * (-1) ** i:.6f}" for i in range(1000))
+    trace.write_text("time_ns,x,y,z\n" + "\n".join(rows) + "\n", encoding="utf-8")
+    return trace
+
+
+def with_panel(program, packs, recorder):
+    tobrin = settled_tobrin(program, packs, recorder, force=True)
+    subprocess.run([program], check=True, stdout=subprocess.DEVNULL)
+    subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--name", "^Tobrin$"], check=True,
+                   stdout=subprocess.DEVNULL)
+    return tobrin
+
+
+def report_panel(report, program, packs, presses, blocks, folder):
+    """What the open panel adds, its meter moving with every key, to the same typing without it."""
+    os.environ["TOBRIN_MOTION_TRACE"] = str(write_shaking(folder))
+    closed, shown = [], []
+    for block in range(blocks):
+        closed += answered(lambda recorder: settled_tobrin(program, packs, recorder, force=True), presses, block + 1,
+                           folder)
+        shown += answered(lambda recorder: with_panel(program, packs, recorder), presses, block + 1, folder)
+    del os.environ["TOBRIN_MOTION_TRACE"]
+    without, beside = figures(closed), figures(shown)
+    report.under("added by the panel's moving meter, p99", max(0.0, beside.p99 - without.p99), "ms", 1)
+    report.under(f"misses in {beside.presses:,} beside it", max(0, beside.missed - without.missed), "keys", 0)
 
 
 def spread_of_blocks(blocks):

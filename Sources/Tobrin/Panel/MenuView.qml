@@ -1,7 +1,7 @@
 // The whole panel, top to bottom. Scrolls where the screen is too low for it.
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import QtQuick.Templates as T
 import Tobrin
 
 Rectangle {
@@ -31,8 +31,15 @@ Rectangle {
         contentHeight: panel.fullHeight
         boundsBehavior: Flickable.StopAtBounds
         interactive: contentHeight > height
-        ScrollBar.vertical: ScrollBar {
-            policy: scroller.interactive ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff
+        T.ScrollBar.vertical: T.ScrollBar {
+            policy: scroller.interactive ? T.ScrollBar.AlwaysOn : T.ScrollBar.AlwaysOff
+            implicitWidth: implicitContentWidth + 2 * padding
+            padding: Theme.unit / 2
+            contentItem: Rectangle {
+                implicitWidth: Theme.unit
+                radius: width / 2
+                color: Theme.control
+            }
         }
 
         // Whoever moves by keyboard sees where to.
