@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 #include "KeyboardDevices.h"
@@ -17,14 +18,18 @@ namespace {
 
 constexpr int done = 0, failed = 1, wrongUsage = 2;
 
+int complain(const char* words, int status) {
+  static_cast<void>(std::fputs(words, stderr));  // nobody is left to be told of a failure
+  return status;
+}
+
 int usage() {
-  std::fputs(
+  return complain(
       "tobrin-key-access grant     let the user who sits at this computer read its keyboards\n"
       "tobrin-key-access --remove  take that back\n"
       "tobrin-key-access explain   say exactly what \"grant\" does, and do nothing\n"
       "With --root DIR after it, only the rule's file is written, below DIR; not as root.\n",
-      stderr);
-  return wrongUsage;
+      wrongUsage);
 }
 
 int explain(const RuleFile& file) {
@@ -76,8 +81,7 @@ int run(int count, char** words) {
   const bool hasRoot = count == 4 && std::string_view(words[2]) == "--root";
   if (count != 2 && !hasRoot) return usage();
   if (hasRoot && !mayChooseRoot()) {
-    std::fputs("tobrin-key-access: --root is not for root\n", stderr);
-    return wrongUsage;
+    return complain("tobrin-key-access: --root is not for root\n", wrongUsage);
   }
   const RuleFile file(hasRoot ? words[3] : "");
   const std::string_view action = words[1];
@@ -94,7 +98,7 @@ int main(int argc, char** argv) {
   try {
     return tobrin::run(argc, argv);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "tobrin-key-access: %s\n", error.what());
-    return tobrin::failed;
+    const std::string words = std::string("tobrin-key-access: ") + error.what() + "\n";
+    return tobrin::complain(words.c_str(), tobrin::failed);
   }
 }

@@ -6,6 +6,7 @@
 #include <QQuickItem>
 #include <QScreen>
 #include <QTimer>
+#include <mutex>
 
 #include "Engine/Log.h"
 #include "Panel/InputFocus.h"
@@ -15,10 +16,20 @@ namespace tobrin {
 
 using namespace std::chrono_literals;
 
+namespace {
+
+/// One small panel: drawing it in software takes a third of the memory of a GL context. It can be
+/// chosen once a process; this library stays loaded when the panel is let go.
+void drawInSoftware() {
+  static std::once_flag chosen;
+  std::call_once(chosen, [] { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); });
+}
+
+}  // namespace
+
 PanelWindow::PanelWindow(AppModel& model, std::function<void()> onClosed)
     : model_(std::make_unique<PanelModel>(model)), onClosed_(std::move(onClosed)) {
-  // One small panel: drawing it in software takes a third of the memory of a GL context.
-  QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+  drawInSoftware();
   view_ = std::make_unique<QQuickView>();
   view_->engine()->addImageProvider("symbol", new SymbolProvider);  // the engine owns it
   view_->setTitle("Tobrin");

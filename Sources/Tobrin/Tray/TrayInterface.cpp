@@ -1,6 +1,5 @@
 #include "Tray/TrayInterface.h"
 
-#include <QActionGroup>
 #include <QApplication>
 #include <QCursor>
 #include <QIcon>
@@ -15,8 +14,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto trayPatience = 5s;  // a tray that is no sooner there is not waited for
-constexpr auto embeddingTrayAfter = 1s;
+constexpr std::chrono::milliseconds trayPatience =
+    5s;  // a tray that is no sooner there is not waited for
+constexpr std::chrono::milliseconds embeddingTrayAfter = 1s;
 constexpr auto sameClick = 200ms;
 constexpr auto unloadAfter = 60s;
 
@@ -47,23 +47,23 @@ void TrayInterface::start(AppModel& model) {
   connect(colors_.get(), &ColorScheme::changed, this, &TrayInterface::applyColors);
   hosts_ = std::make_unique<TrayHosts>();
   connect(hosts_.get(), &TrayHosts::appeared, this, &TrayInterface::makeTrayItem);
-  if (TrayHosts::hasEmbeddingTray()) {
-    // One that takes both kinds of item has both answers; the newer kind is asked for first.
-    QTimer::singleShot(embeddingTrayAfter, this, &TrayInterface::makeTrayItem);
-  } else {
-    QTimer::singleShot(trayPatience, this, &TrayInterface::doWithoutTray);
-  }
+  // A tray that takes both kinds of item is given the time to say so.
+  patience_.setSingleShot(true);
+  connect(&patience_, &QTimer::timeout, this, &TrayInterface::doWithoutHost);
+  patience_.start(TrayHosts::hasEmbeddingTray() ? embeddingTrayAfter : trayPatience);
 }
 
 void TrayInterface::stop() {
   hosts_.reset();
+  patience_.stop();
   unload_.stop();
   panel_.reset();
   item_.reset();
+  packChoice_.reset();
   menu_.reset();
 }
 
-void TrayInterface::doWithoutTray() {
+void TrayInterface::doWithoutHost() {
   if (item_) return;
   if (TrayHosts::hasEmbeddingTray()) {
     makeTrayItem();
@@ -75,7 +75,10 @@ void TrayInterface::doWithoutTray() {
 void TrayInterface::makeTrayItem() {
   if (item_) return;
   menu_ = std::make_unique<QMenu>();
-  connect(menu_.get(), &QMenu::aboutToShow, this, &TrayInterface::fillMenu);
+  connect(menu_.get(), &QMenu::aboutToShow, this, [this] {
+    model_->refreshPacks();
+    fillMenu();
+  });
   fillMenu();
   item_ = std::make_unique<QSystemTrayIcon>();
   item_->setContextMenu(menu_.get());
@@ -107,9 +110,9 @@ void TrayInterface::fillMenu() {
   sounds->setChecked(model_->settings().enabled);
   connect(sounds, &QAction::triggered, model_, &AppModel::toggleEnabled);
   menu_->addSeparator();
-  auto* packs = new QActionGroup(menu_.get());
+  packChoice_ = std::make_unique<QActionGroup>(nullptr);
   for (const PackInfo& pack : model_->packs()) {
-    QAction* choice = packs->addAction(menu_->addAction(QString::fromStdString(pack.name)));
+    QAction* choice = packChoice_->addAction(menu_->addAction(QString::fromStdString(pack.name)));
     choice->setCheckable(true);
     choice->setChecked(pack.id == model_->selectedPackID());
     connect(choice, &QAction::triggered, model_, [this, pack] { model_->select(pack); });

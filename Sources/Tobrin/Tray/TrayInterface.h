@@ -4,6 +4,7 @@
 /// Thread: main.
 #pragma once
 
+#include <QActionGroup>
 #include <QElapsedTimer>
 #include <QMenu>
 #include <QObject>
@@ -25,7 +26,7 @@ class TrayInterface final : public QObject, public UserInterface {
   void stop() override;
 
  private:
-  void doWithoutTray();
+  void doWithoutHost();
   void makeTrayItem();
   void updateItem();
   void applyColors();
@@ -39,8 +40,10 @@ class TrayInterface final : public QObject, public UserInterface {
   std::unique_ptr<ColorScheme> colors_;
   std::unique_ptr<TrayHosts> hosts_;
   std::unique_ptr<QMenu> menu_;
+  std::unique_ptr<QActionGroup> packChoice_;  // one of its entries is checked
   std::unique_ptr<QSystemTrayIcon> item_;
   std::unique_ptr<Panel> panel_;  // from its first opening until it has been closed for a while
+  QTimer patience_;               // with the tray's host
   QTimer unload_;
   QElapsedTimer sinceClosed_;  // invalid until it first closed
 };
