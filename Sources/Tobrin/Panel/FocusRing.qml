@@ -1,9 +1,10 @@
 // The ring around the control that has the keyboard.
 import QtQuick
+import QtQuick.Templates as T
 import Tobrin
 
 Rectangle {
-    required property Item control
+    required property T.Control control
 
     anchors.fill: parent
     anchors.margins: -4

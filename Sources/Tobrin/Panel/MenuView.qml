@@ -32,7 +32,7 @@ Rectangle {
         boundsBehavior: Flickable.StopAtBounds
         interactive: contentHeight > height
         T.ScrollBar.vertical: T.ScrollBar {
-            policy: scroller.interactive ? T.ScrollBar.AlwaysOn : T.ScrollBar.AlwaysOff
+            visible: scroller.interactive
             implicitWidth: implicitContentWidth + 2 * padding
             padding: Theme.unit / 2
             contentItem: Rectangle {

@@ -40,10 +40,11 @@ ColumnLayout {
                 required property var modelData
 
                 Layout.fillHeight: true
-                Layout.preferredWidth: (section.width + grid.columnSpacing) / grid.columns - grid.columnSpacing
+                Layout.preferredWidth: (section.width + grid.columnSpacing) / grid.columns - grid.columnSpacing // qmllint disable unqualified
+                // The document's own ids are in reach of a delegate, though the linter doubts it.
                 pack: modelData
-                selected: modelData.id === section.model.selectedPackID
-                onChosen: section.model.select(modelData.id)
+                selected: modelData.id === section.model.selectedPackID // qmllint disable unqualified
+                onChosen: section.model.select(modelData.id) // qmllint disable unqualified
             }
         }
     }

@@ -11,7 +11,9 @@ T.RadioButton {
     signal chosen
 
     checked: selected
-    implicitHeight: names.implicitHeight + 2 * Theme.unit * 1.75
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    horizontalPadding: Theme.gap
+    verticalPadding: Theme.unit * 1.75
     Accessible.name: pack.name + ", " + pack.kind
     onClicked: chosen()
     Keys.onReturnPressed: clicked()
@@ -25,31 +27,22 @@ T.RadioButton {
         opacity: tile.down ? 0.7 : 1
         FocusRing { control: tile }
     }
-    contentItem: Item {
-        Column {
-            id: names
-            anchors.left: parent.left
-            anchors.right: parent.right
-            anchors.leftMargin: Theme.gap
-            anchors.rightMargin: Theme.gap
-            anchors.top: parent.top
-            anchors.topMargin: Theme.unit * 1.75
-            spacing: 1
+    contentItem: Column {
+        spacing: 1
 
-            PanelText {
-                width: parent.width
-                text: tile.pack.name
-                font.weight: Font.DemiBold
-                color: tile.selected ? Theme.accent : Theme.text
-                Accessible.ignored: true
-            }
-            PanelText {
-                width: parent.width
-                text: tile.pack.kind
-                secondary: true
-                small: true
-                Accessible.ignored: true
-            }
+        PanelText {
+            width: parent.width
+            text: tile.pack.name
+            font.weight: Font.DemiBold
+            color: tile.selected ? Theme.accent : Theme.text
+            Accessible.ignored: true
+        }
+        PanelText {
+            width: parent.width
+            text: tile.pack.kind
+            secondary: true
+            small: true
+            Accessible.ignored: true
         }
     }
 }

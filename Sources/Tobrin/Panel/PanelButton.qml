@@ -10,8 +10,8 @@ T.Button {
     property bool prominent: false
     readonly property color ink: prominent ? Theme.accentInk : Theme.text
 
-    implicitWidth: row.implicitWidth + leftPadding + rightPadding
-    implicitHeight: row.implicitHeight + topPadding + bottomPadding
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
     horizontalPadding: Theme.unit * 2.5
     verticalPadding: Theme.unit * 1.25
     opacity: enabled ? 1 : 0.5
@@ -28,7 +28,6 @@ T.Button {
         FocusRing { control: control }
     }
     contentItem: Row {
-        id: row
         spacing: Theme.unit
 
         Symbol {

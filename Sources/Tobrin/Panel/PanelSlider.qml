@@ -1,4 +1,4 @@
-// A slider that moves with the mouse, the wheel and the arrow keys.
+// A slider that moves with the mouse, the arrow keys and, once it is in use, the wheel.
 import QtQuick
 import QtQuick.Templates as T
 import Tobrin
@@ -12,7 +12,7 @@ T.Slider {
     implicitHeight: Math.round(Theme.textSize * 1.8)
     stepSize: (to - from) / 20
     snapMode: T.Slider.NoSnap
-    wheelEnabled: true
+    wheelEnabled: activeFocus // else the wheel scrolls the panel
     Accessible.name: label
 
     background: Rectangle {

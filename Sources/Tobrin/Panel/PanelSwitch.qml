@@ -8,8 +8,8 @@ T.Switch {
 
     property bool labelHidden: false
 
-    implicitWidth: labelHidden ? indicator.implicitWidth : Math.max(label.implicitWidth + indicator.width + Theme.gap, 100)
-    implicitHeight: labelHidden ? indicator.implicitHeight : Math.max(label.implicitHeight + Theme.unit, Theme.rowHeight)
+    implicitWidth: labelHidden ? indicator.implicitWidth : Math.max(implicitContentWidth + indicator.width + Theme.gap, 100)
+    implicitHeight: labelHidden ? indicator.implicitHeight : Math.max(implicitContentHeight + Theme.unit, Theme.rowHeight)
     Accessible.name: text
 
     indicator: Rectangle {
@@ -34,7 +34,6 @@ T.Switch {
         FocusRing { control: control; radius: parent.radius + 4 }
     }
     contentItem: PanelText {
-        id: label
         text: control.labelHidden ? "" : control.text
         rightPadding: control.indicator.width + Theme.gap
         verticalAlignment: Text.AlignVCenter

@@ -8,9 +8,7 @@ QtObject {
     property bool dark: false
     // The desktop's own text size; everything else follows from it, so that nothing is cut off.
     property real textSize: Math.max(11, metrics.font.pixelSize)
-    readonly property TextMetrics metrics: TextMetrics {
-        font: Qt.application.font
-    }
+    readonly property TextMetrics metrics: TextMetrics { }
 
     readonly property color background: dark ? "#18181c" : "#f1f1f5"
     readonly property color surface: dark ? "#232329" : "#ffffff"
