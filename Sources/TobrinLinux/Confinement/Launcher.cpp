@@ -87,7 +87,7 @@ void answer(int error) {
 
 /// In a process of its own: starts the program, waits for its end and tells how it ended.
 [[noreturn]] void watchOver(const std::vector<char*>& arguments, int report) {
-  std::signal(SIGCHLD, SIG_DFL);
+  static_cast<void>(std::signal(SIGCHLD, SIG_DFL));
   pid_t child = -1;
   const int error = spawn(arguments, report, child);
   answer(error);
@@ -117,7 +117,7 @@ void serveOne(const std::vector<char*>& arguments, int report) {
   prctl(PR_SET_NAME, "Tobrin.Launcher");
   // Those it starts are nobody's to wait for, and it ends with the program, not before.
   for (const int each : {SIGCHLD, SIGINT, SIGTERM, SIGHUP})
-    std::signal(each, SIG_IGN);
+    static_cast<void>(std::signal(each, SIG_IGN));
   for (;;) {
     Message request;
     const ssize_t length = recvmsg(toProgram, &request.head, MSG_CMSG_CLOEXEC);
