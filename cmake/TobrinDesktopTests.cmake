@@ -2,6 +2,11 @@
 # its own (Tools/Desktop), so that they neither touch the machine's nor each other.
 
 set(TOBRIN_DESKTOP_SESSION ${PROJECT_SOURCE_DIR}/Tools/Desktop/desktop-session)
+set(TOBRIN_DESKTOP_ENVIRONMENT
+    PYTHONDONTWRITEBYTECODE=1
+    TOBRIN_DESKTOP_TOOLS=${PROJECT_BINARY_DIR}/desktop-tools
+    LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/Tests/leaks.supp:print_suppressions=0
+    "TSAN_OPTIONS=ignore_noninstrumented_modules=1 suppressions=${PROJECT_SOURCE_DIR}/Tests/races.supp")
 
 # tobrin_add_desktop_test(NAME name COMMAND program|target [argument...]
 #                         [SESSION option...] [TIMEOUT seconds] [LABELS label...] [SERIAL])
@@ -20,7 +25,7 @@ function(tobrin_add_desktop_test)
   set_tests_properties(
     ${arg_NAME}
     PROPERTIES TIMEOUT ${arg_TIMEOUT} SKIP_RETURN_CODE 77 LABELS "desktop;${arg_LABELS}" RUN_SERIAL "${arg_SERIAL}"
-               ENVIRONMENT "PYTHONDONTWRITEBYTECODE=1;TOBRIN_DESKTOP_TOOLS=${PROJECT_BINARY_DIR}/desktop-tools")
+               ENVIRONMENT "${TOBRIN_DESKTOP_ENVIRONMENT}")
 endfunction()
 
 # tobrin_add_desktop_tests(name library...): a GoogleTest program that runs whole in one session.

@@ -8,6 +8,13 @@
 
 namespace tobrin::testing {
 
+/// How often a process may wake in a second in which nothing happens.
+#ifdef __SANITIZE_THREAD__
+constexpr uint64_t restingWakeUps = 20;  // the sanitizer has a thread that looks around
+#else
+constexpr uint64_t restingWakeUps = 5;
+#endif
+
 /// How often the threads of this process have slept and been woken.
 inline uint64_t wakeUps() {
   uint64_t sum = 0;
