@@ -5,6 +5,6 @@ main() {
   ensure_packages scripts/packages.txt
   build_preset release --target tobrin TobrinTray TobrinPanel TobrinStarterPacks press-keys
   export TOBRIN_DESKTOP_TOOLS=$PWD/build/release/desktop-tools PYTHONDONTWRITEBYTECODE=1
-  exec Tools/Desktop/desktop-session -- Tests/EndToEnd/soak "$PWD/build/release/tobrin" \
+  exec Tools/Desktop/desktop-session -- Tools/Desktop/soak "$PWD/build/release/tobrin" \
     "$PWD/build/release/Resources/Packs" "$minutes"
 }

@@ -5,23 +5,17 @@ import os
 import pathlib
 import re
 import signal
-import subprocess
 import sys
-import tempfile
 import time
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
-from listening import Tobrin, press_keys  # noqa: E402
+from listening import DesktopTest, Tobrin, panels, press_keys, xdotool  # noqa: E402
 
 os.environ["ASAN_OPTIONS"] = "detect_leaks=0"  # the leak sanitizer wants to trace, too
 PACKS, PROGRAM = sys.argv.pop(), sys.argv.pop()
 CALLS = "socket,io_uring_setup,open,openat,openat2,creat,rename,renameat,renameat2,link,linkat,symlink,symlinkat"
 FOR_WRITING = re.compile(r"O_WRONLY|O_RDWR|O_CREAT|O_TMPFILE|creat\(|rename|link")
-
-
-def xdotool(*words):
-    return subprocess.run(["xdotool", *map(str, words)], stdout=subprocess.PIPE, text=True, check=False).stdout
 
 
 class Traced(Tobrin):
@@ -37,11 +31,10 @@ class Traced(Tobrin):
         return self.process.wait(60)
 
 
-class ConfinementTest(unittest.TestCase):
+class ConfinementTest(DesktopTest):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.log = pathlib.Path(folder.name) / "calls"
+        super().setUp()
+        self.log = self.folder / "calls"
         with Traced(self.log) as program:
             program.wait_for("status:")
             press_keys("--text", "my secret", "--interval", 60)
@@ -52,7 +45,7 @@ class ConfinementTest(unittest.TestCase):
     def choose_another_pack(self, program):
         """Clicks down the panel until a pack answers."""
         deadline = time.monotonic() + 60
-        while not (windows := xdotool("search", "--onlyvisible", "--name", "^Tobrin$").split()):
+        while not (windows := panels()):
             self.assertLess(time.monotonic(), deadline, "no panel")
             time.sleep(0.2)
         before = program.settings_file.read_bytes()

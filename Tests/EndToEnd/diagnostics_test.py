@@ -5,13 +5,12 @@ import os
 import pathlib
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
-from listening import (Background, Tobrin, control, find_sounds, match, press_keys, record,  # noqa: E402
-                       write_click_pack)
+from listening import (Background, DesktopTest, Tobrin, control, find_sounds, match, press_keys,  # noqa: E402
+                       record, write_click_pack)
 
 PACKS, PROGRAM = sys.argv.pop(), sys.argv.pop()
 os.environ["TOBRIN_PACKS"] = PACKS
@@ -21,20 +20,15 @@ PULSE_CLIENT = ("parec", "--raw", "-d", "test_mic", "/dev/null")
 MONITOR_CLIENT = ("parec", "--raw", "-d", "test_sink.monitor", "/dev/null")
 
 
-class MicTest(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-        self.native_client = ("pw-record", "--target", "test_mic", str(self.folder / "call.wav"))
-
+class MicTest(DesktopTest):
     def changes(self, watch):
         return [line.split("  ", 1)[1] for line in watch.lines if line.endswith((IN_USE, FREE))]
 
     def test_the_watch_tells_calls_from_everything_else(self):
         with Background([PROGRAM, "--micwatch", "60"]) as watch:
             watch.wait_for("mic in use: no")
-            for client in (self.native_client, PULSE_CLIENT):
+            native_client = ("pw-record", "--target", "test_mic", str(self.folder / "call.wav"))
+            for client in (native_client, PULSE_CLIENT):
                 with Background(client) as call:
                     watch.wait_for(IN_USE, 5)
                     self.assertIn(f"recording: {client[0]}", watch.wait_for("recording: ", 5))

@@ -5,7 +5,6 @@ Each fault is caused and mended TOBRIN_FAULT_ROUNDS times (2). After each the pr
 second, falls silent when the typing ends, and its settings are whole. Prints a line a fault.
 """
 
-import ctypes
 import json
 import os
 import pathlib
@@ -14,46 +13,25 @@ import signal
 import statistics
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
-from listening import Background, Tobrin, control, press_keys, record, tool, write_click_pack  # noqa: E402
+from desktopclients.loginmanager import LoginManager  # noqa: E402
+from listening import (Background, DesktopTest, Tobrin, control, press_keys, press_toggle, record,  # noqa: E402
+                       tool, write_click_pack)
 
 PROGRAM = sys.argv[1]
 ROUNDS = int(os.environ.get("TOBRIN_FAULT_ROUNDS", "2"))
-CHORD = "".join(f"{at * 20} {verb} {key}\n" for at, (verb, key) in enumerate(
-    [("press", key) for key in (0xffe3, 0xffe9, 0xffeb, 0x6b)] +
-    [("release", key) for key in (0x6b, 0xffeb, 0xffe9, 0xffe3)]))
 
 
 def run(*words):
     return subprocess.run(list(map(str, words)), check=True, stdout=subprocess.PIPE, text=True).stdout.strip()
 
 
-class LoginManager:
-    """Says on the private system bus that the machine goes to sleep and wakes."""
-
-    def __init__(self):
-        self._library, self._bus = ctypes.CDLL("libsystemd.so.0"), ctypes.c_void_p()
-        self._call("sd_bus_open_system", ctypes.byref(self._bus))
-        self._call("sd_bus_request_name", self._bus, b"org.freedesktop.login1", ctypes.c_uint64(0))
-
-    def _call(self, name, *arguments):
-        if (status := getattr(self._library, name)(*arguments)) < 0:
-            raise OSError(-status, f"{name}: {os.strerror(-status)}")
-
-    def sleeping(self, sleeps):
-        self._call("sd_bus_emit_signal", self._bus, b"/org/freedesktop/login1", b"org.freedesktop.login1.Manager",
-                   b"PrepareForSleep", b"b", ctypes.c_int(sleeps))
-        self._call("sd_bus_flush", self._bus)
-
-
-class FaultsTest(unittest.TestCase):
+class FaultsTest(DesktopTest):
     def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp())
-        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        super().setUp()
         self.packs = write_click_pack(self.folder / "packs")
 
     def while_typing(self, cause, mend=lambda: None, rounds=ROUNDS):
@@ -127,8 +105,6 @@ class FaultsTest(unittest.TestCase):
 
     def test_settings_cannot_be_written(self):
         """A full disk, then one that is read-only: the old file stays whole, the next change is kept."""
-        chord = self.folder / "chord"
-        chord.write_text(CHORD, encoding="utf-8")
         place = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "Tobrin"
         place.mkdir(exist_ok=True)
         mounted = subprocess.run(["mount", "-t", "tmpfs", "-o", "size=16k", "tmpfs", str(place)], check=False,
@@ -150,7 +126,7 @@ class FaultsTest(unittest.TestCase):
                                                         lambda: run("mount", "-o", "remount,rw", place))):
                 before = program.settings_file.read_bytes()
                 cause()
-                press_keys("--script", chord)
+                press_toggle()
                 recorder.quiet_for(0.5)
                 press_keys("--text", "a")
                 with self.assertRaises(TimeoutError, msg="switched off, though it could not be saved"):
@@ -159,7 +135,7 @@ class FaultsTest(unittest.TestCase):
                 self.assertEqual(program.settings_file.read_bytes(), before)
                 mend()
                 self.assertEqual(os.listdir(place), ["settings.json"], "nothing is left lying about")
-                press_keys("--script", chord)
+                press_toggle()
                 recorder.quiet_for(0.5)
                 press_keys("--text", "a")
                 recorder.wait_for("sound", 5)

@@ -3,42 +3,22 @@
 
 import csv
 import io
-import json
 import math
 import os
 import pathlib
 import statistics
-import struct
 import subprocess
 import sys
-import tempfile
 import unittest
-import wave
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
-from listening import Tobrin, plateaus_db, press_keys, record  # noqa: E402
+from listening import DesktopTest, Tobrin, plateaus_db, press_keys, record, write_pack  # noqa: E402
 
 FORCE_TOOL, PROGRAM = sys.argv.pop(), sys.argv.pop()
 TIERS = {"soft": 0.03, "medium": 0.08, "hard": 0.2, "slam": 0.5}
 # Fewer than teach the program what a typical keystroke is.
 PRESSES = 6
 SENSITIVITY = 0.6
-
-
-def write_tone_pack(folder):
-    """A tone of its own level a tier; all in phase, so that blended tiers add up."""
-    pack = pathlib.Path(folder) / "tones"
-    pack.mkdir()
-    for tier, level in TIERS.items():
-        with wave.open(str(pack / f"{tier}.wav"), "wb") as sound:
-            sound.setnchannels(1)
-            sound.setsampwidth(2)
-            sound.setframerate(48000)
-            tone = (round(32767 * level * math.sin(math.tau * i * 500 / 48000)) for i in range(9600))
-            sound.writeframes(b"".join(struct.pack("<h", each) for each in tone))
-    groups = {"alpha": {"down": {tier: [f"{tier}.wav"] for tier in TIERS}}}
-    manifest = {"formatVersion": 1, "id": "tones", "name": "Tones", "kind": "test", "groups": groups}
-    (pack / "pack.json").write_text(json.dumps(manifest), encoding="utf-8")
 
 
 def expected_db(relative, position):
@@ -51,13 +31,12 @@ def expected_db(relative, position):
     return 20 * math.log10(blend * edge)
 
 
-class ForceTest(unittest.TestCase):
+class ForceTest(DesktopTest):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-        (self.folder / "packs").mkdir()
-        write_tone_pack(self.folder / "packs")
+        super().setUp()
+        # A tone of its own level a tier; all in phase, so that blended tiers add up.
+        tones = {tier: [level * math.sin(math.tau * i * 500 / 48000) for i in range(9600)] for tier, level in TIERS.items()}
+        write_pack(self.folder / "packs", "tones", tones)
 
     def write_shaking(self, strength_g):
         """One second of a case that shakes evenly, so that every key finds the same impact."""

@@ -12,15 +12,14 @@ import shutil
 import signal
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
-import screenreader  # noqa: E402
-from listening import Tobrin, record, types_audibly  # noqa: E402
-from traywatcher import TrayWatcher  # noqa: E402
-from xclient import KeyGrab  # noqa: E402
+from desktopclients import screenreader  # noqa: E402
+from desktopclients.traywatcher import TrayWatcher  # noqa: E402
+from desktopclients.xclient import KeyGrab  # noqa: E402
+from listening import DesktopTest, Tobrin, panels, record, types_audibly, xdotool  # noqa: E402
 
 PACKS, PROGRAM = pathlib.Path(sys.argv.pop()), sys.argv.pop()
 PATIENCE = 30.0  # the machine may be busy
@@ -39,15 +38,6 @@ def eventually(condition, seconds=PATIENCE):
     return answer
 
 
-def xdotool(*words):
-    return subprocess.run(["xdotool", *map(str, words)], stdout=subprocess.PIPE, text=True, check=False).stdout
-
-
-def panels():
-    """The visible windows of the program."""
-    return xdotool("search", "--onlyvisible", "--name", "^Tobrin$").split()
-
-
 def named(name):
     return next((control for control in screenreader.showing() if control.name == name), None)
 
@@ -57,12 +47,7 @@ def focused():
     return next((each.name for each in reversed(screenreader.showing()) if "focused" in each.states), None)
 
 
-class PanelTest(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-
+class PanelTest(DesktopTest):
     def start(self, packs=PACKS, pack="", **settings):
         screenreader.start()
         os.environ.update(screenreader.ENVIRONMENT)

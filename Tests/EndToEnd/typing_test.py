@@ -4,12 +4,11 @@
 import pathlib
 import signal
 import sys
-import tempfile
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
-from listening import (Tobrin, control, figures, find_sounds, match, press_keys, record,  # noqa: E402
-                       types_audibly)
+from listening import (DesktopTest, Tobrin, control, figures, find_sounds, match, press_keys,  # noqa: E402
+                       press_toggle, record, types_audibly)
 
 PACKS, PROGRAM = sys.argv.pop(), sys.argv.pop()
 SETTLED = ("--delay", 300)
@@ -17,11 +16,10 @@ SETTLED = ("--delay", 300)
 WINDOW_MS = 140
 
 
-class TypingTest(unittest.TestCase):
+class TypingTest(DesktopTest):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.wav = pathlib.Path(folder.name) / "heard.wav"
+        super().setUp()
+        self.wav = self.folder / "heard.wav"
 
     def type_and_match(self, *typing, down=True, before=lambda recorder: None, **settings):
         """Types with the program running; each press (or release) with the sound that answered it."""
@@ -93,20 +91,11 @@ class TypingTest(unittest.TestCase):
         with record(self.wav) as recorder, Tobrin(PROGRAM, PACKS) as program:
             self.assertTrue(program.wait_until_heard(recorder), program.lines)
             for audible in (False, True):
-                press_keys("--script", self.chord())
+                press_toggle()
                 recorder.quiet_for(0.5)
                 self.assertEqual(types_audibly(recorder), audible)
                 recorder.quiet_for(0.5)
             self.assertIn("true", program.settings_file.read_text(encoding="utf-8"))
-
-    def chord(self):
-        """Control, alt, super, K: the shortcut as it comes."""
-        modifiers = (0xffe3, 0xffe9, 0xffeb)
-        lines = [f"{at * 30} press {key}" for at, key in enumerate((*modifiers, 0x6b))]
-        lines += [f"{150 + at * 30} release {key}" for at, key in enumerate((0x6b, *modifiers))]
-        script = self.wav.with_name("chord")
-        script.write_text("\n".join(lines), encoding="utf-8")
-        return script
 
 
 if __name__ == "__main__":

@@ -12,7 +12,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <fstream>
-#include <iterator>
+#include <limits>
 #include <string>
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
@@ -34,6 +34,10 @@ void check() {
 }
 
 using LockFunction = int (*)(pthread_mutex_t*);
+
+LockFunction fromLibrary(const char* name) {
+  return reinterpret_cast<LockFunction>(dlsym(RTLD_NEXT, name));
+}
 
 }  // namespace
 
@@ -65,13 +69,12 @@ void free(void* memory) {
 }
 int pthread_mutex_lock(pthread_mutex_t* mutex) {
   check();
-  static const auto lock = reinterpret_cast<LockFunction>(dlsym(RTLD_NEXT, "pthread_mutex_lock"));
+  static const LockFunction lock = fromLibrary("pthread_mutex_lock");
   return lock(mutex);
 }
 int pthread_mutex_trylock(pthread_mutex_t* mutex) {
   check();
-  static const auto lock =
-      reinterpret_cast<LockFunction>(dlsym(RTLD_NEXT, "pthread_mutex_trylock"));
+  static const LockFunction lock = fromLibrary("pthread_mutex_trylock");
   return lock(mutex);
 }
 }
@@ -96,17 +99,14 @@ void forbidEverything() {
 
 long pageFaults(pid_t thread) {
   std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
-  const std::string text(std::istreambuf_iterator<char>(file), {});
-  // After the name, which may hold anything, come state and then numbers: see proc(5).
+  // After the name come state and numbers: the 10th and the 12th field are the faults, see proc(5).
+  file.ignore(std::numeric_limits<std::streamsize>::max(), ')');
+  std::string skipped;
+  for (int field = 3; field < 10; ++field)
+    file >> skipped;
   long minor = 0;
-  long children = 0;
   long major = 0;
-  const auto* const format = "%*c %*d %*d %*d %*d %*d %*u %ld %ld %ld";
-  const auto name = text.rfind(") ");
-  if (name == std::string::npos ||
-      std::sscanf(text.c_str() + name + 2, format, &minor, &children, &major) != 3)  // NOLINT
-    return -1;
-  return minor + major;
+  return file >> minor >> skipped >> major ? minor + major : -1;
 }
 
 }  // namespace tobrin::testing

@@ -2,7 +2,6 @@
 // or touch memory that is not there. Each test renders in a child, which the guard ends otherwise.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -13,6 +12,7 @@
 #include "Engine/MachTime.h"
 #include "RealTimeGuard.h"
 #include "Support/HandDrivenDevice.h"
+#include "Support/InChild.h"
 #include "Support/TestPack.h"
 #include "Threads/AsioQueue.h"
 #include "TobrinMixer/MixerFixture.h"
@@ -21,16 +21,7 @@ namespace tobrin {
 namespace {
 
 using namespace std::chrono_literals;
-
-/// Runs `work` in a child process; its exit status, or minus the signal that ended it.
-template <typename Work>
-int inChild(Work work) {
-  const pid_t child = fork();
-  if (child == 0) _exit(work());
-  int status = 0;
-  waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-}
+using testing::inChild;
 
 /// Drives every path of the renderer: starts, ramps, releases, taking over, mono, limiting.
 int exercise(TBMixer* mixer, const std::vector<float>& sound, Block& block) {

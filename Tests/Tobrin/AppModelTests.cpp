@@ -42,24 +42,6 @@ TEST_F(AppModelTest, ChoosesAPackAtTheStart) {
   }
 }
 
-TEST_F(AppModelTest, PlaysAPackWhenItIsChosen) {
-  AppModel& model = start();
-  advance(0);
-  model.select(pack("omega"));
-  EXPECT_EQ(settings_.readText(AppModel::selectedPackKey), "omega");
-  EXPECT_TRUE(isHeard());
-  EXPECT_EQ(loadedPack(), "omega");
-
-  for (int i = 0; i < 20 && isHeard(); ++i) {  // until the demonstration has ended
-  }
-  const auto before = loads_;
-  const int writes = settings_.writes;
-  model.select(pack("omega"));
-  EXPECT_FALSE(isHeard());
-  EXPECT_EQ(loads_, before);
-  EXPECT_EQ(settings_.writes, writes);
-}
-
 TEST_F(AppModelTest, ALaterChoiceOvertakesALoad) {
   AppModel& model = start();
   advance(0);
@@ -72,6 +54,9 @@ TEST_F(AppModelTest, ALaterChoiceOvertakesALoad) {
   advance(0);
   EXPECT_EQ(loadedPack(), "omega");
   EXPECT_EQ(model.packError(), std::nullopt);
+  const auto before = loads_;
+  model.select(pack("omega"));
+  EXPECT_EQ(loads_, before) << "the same again";
 }
 
 TEST_F(AppModelTest, ADamagedPackIsNamedAndSilent) {
@@ -89,41 +74,12 @@ TEST_F(AppModelTest, ADamagedPackIsNamedAndSilent) {
   EXPECT_EQ(model.packError(), std::nullopt);
 }
 
-TEST_F(AppModelTest, KeepsSettings) {
-  start();
-  change([](EngineSettings& settings) {
-    settings.volume = 0.25F;
-    settings.quietDuringCalls = false;
-  });
-  EXPECT_EQ(savedSettings().volume, 0.25F);
-  const int writes = settings_.writes;
-  change([](EngineSettings&) {});
-  EXPECT_EQ(settings_.writes, writes) << "nothing changed";
-  EXPECT_EQ(start().settings(), savedSettings());
-
+TEST_F(AppModelTest, BrokenSettingsAreKeptAsideAndUnchangedOnesNotWritten) {
   settings_.values[AppModel::settingsKey] = R"({"volume": "loud"})";
   EXPECT_EQ(start().settings(), EngineSettings());
   EXPECT_EQ(settings_.aside[AppModel::settingsKey], R"({"volume": "loud"})");
-}
-
-TEST_F(AppModelTest, TheShortcutSwitchesSounds) {
-  AppModel& model = start();
-  advance(0);
-  ASSERT_TRUE(shortcuts_.pressed);
-  for (const bool enabled : {false, true}) {
-    shortcuts_.pressed();
-    advance(0);
-    EXPECT_EQ(model.settings().enabled, enabled);
-    EXPECT_EQ(savedSettings().enabled, enabled);
-    EXPECT_EQ(device_->running, enabled);
-    EXPECT_EQ(model.statusLine() == "Off", !enabled);
-  }
-  const auto late = shortcuts_.pressed;
-  change([](EngineSettings& settings) { settings.shortcutEnabled = false; });
-  EXPECT_FALSE(shortcuts_.pressed);
-  late();  // pressed just before the program ends
-  model_.reset();
-  advance(0);
+  change([](EngineSettings&) {});
+  EXPECT_EQ(settings_.writes, 0) << "nothing changed";
 }
 
 TEST_F(AppModelTest, SaysWhyTheShortcutDoesNotWork) {
@@ -145,16 +101,20 @@ TEST_F(AppModelTest, SaysWhyTheShortcutDoesNotWork) {
     EXPECT_EQ(shortcuts_.pressed != nullptr, problem.empty()) << "holds nothing it should not";
     EXPECT_EQ(log_, problem.empty() ? "" : "Tobrin: shortcut ⌃⌥⌘K unavailable: " + problem + "\n");
   }
+  shortcuts_ = {};
+  model.menuOpened();
+  const auto late = shortcuts_.pressed;
   change([](EngineSettings& settings) { settings.shortcutEnabled = false; });
   EXPECT_EQ(model.shortcutProblem(), std::nullopt);
+  EXPECT_FALSE(shortcuts_.pressed);
+  late();  // pressed just before the program ends
+  model_.reset();
+  advance(0);
 }
 
 TEST_F(AppModelTest, PausesDuringCalls) {
   AppModel& model = start();
-  advance(0);
-  EXPECT_TRUE(device_->running);
   takeMicrophone(true);
-  EXPECT_TRUE(model.micInUse());
   EXPECT_EQ(model.statusLine(), "Paused while the mic is in use");
   EXPECT_FALSE(model.effectiveSettings().enabled);
   EXPECT_TRUE(model.settings().enabled) << "the user's own switch stays";
@@ -169,17 +129,6 @@ TEST_F(AppModelTest, PausesDuringCalls) {
   EXPECT_TRUE(device_->running) << "resumes at once";
   EXPECT_FALSE(microphone_->changed) << "nobody watches any more";
 
-  change([](EngineSettings& settings) { settings.quietDuringCalls = true; });
-  EXPECT_FALSE(device_->running);
-  takeMicrophone(false);
-  advance(900);
-  EXPECT_TRUE(model.micInUse());
-  advance(200);
-  EXPECT_FALSE(model.micInUse());
-  EXPECT_TRUE(model.effectiveSettings().enabled);
-
-  takeMicrophone(true);
-  change([](EngineSettings& settings) { settings.quietDuringCalls = false; });
   takeMicrophone(false);
   change([](EngineSettings& settings) { settings.quietDuringCalls = true; });
   EXPECT_FALSE(model.micInUse()) << "a call that ended unwatched is forgotten";
@@ -198,8 +147,6 @@ TEST_F(AppModelTest, WaitsForAccessToKeys) {
   EXPECT_FALSE(model.listening()) << "looks every 1.5 s";
   advance(100);
   EXPECT_TRUE(model.listening());
-  EXPECT_TRUE(model.hasPermission());
-  EXPECT_FALSE(model.needsRelaunch());
   advance(0);
   EXPECT_EQ(main_.nextDue(), std::nullopt) << "and no more once it hears";
 }
@@ -251,12 +198,8 @@ TEST_F(AppModelTest, APreviewLeavesNoTrace) {
   EXPECT_EQ(loadedPack(), "omega");
   change([](EngineSettings& settings) { settings.volume = 1; });
   model.setSelectedPackID("alpha");
-  advance(2000);
-  EXPECT_TRUE(model.settings().enabled);
   EXPECT_EQ(settings_.writes, 0);
-  EXPECT_FALSE(model.listening());
-  EXPECT_FALSE(shortcuts_.pressed);
-  EXPECT_FALSE(microphone_->changed);
+  EXPECT_FALSE(model.listening() || shortcuts_.pressed || microphone_->changed);
 }
 
 TEST_F(AppModelTest, FollowsTheSession) {

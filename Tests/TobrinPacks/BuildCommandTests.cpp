@@ -16,9 +16,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using Json = nlohmann::json;
-using testing::RawServer;
-
 using testing::Outcome;
+using testing::RawServer;
 using testing::run;
 
 std::string contentOf(const fs::path& file) {
@@ -61,9 +60,11 @@ class BuildCommand : public ::testing::Test {
   }
   static std::string fileURL() { return "file://" + recording.string(); }
 
-  Outcome build(const Json& sources, const fs::path& into) const {
-    const Json recipe = {
+  Outcome build(const Json& sources, const fs::path& into,
+                const std::vector<Json>& enter = {}) const {
+    Json recipe = {
         {"id", "mine"}, {"name", "Mine"}, {"kind", "own"}, {"summary", ""}, {"sources", sources}};
+    if (!enter.empty()) recipe["enterSources"] = enter;
     const std::string file = folder.write("recipe.json", recipe.dump());
     return run({"build", file, "--into", into, "--cache", cache, "--json"});
   }
@@ -94,12 +95,9 @@ TEST_F(BuildCommand, UsesTwoPartsOfOneRecordingAndSeparateRecordingsOfEnter) {
   Json parts = {source(1, fileURL()), source(1, fileURL())};
   parts[0]["end"] = 30;
   parts[1]["start"] = 30;
-  Json recipe = {{"id", "mine"},     {"name", "Mine"},
-                 {"kind", "own"},    {"summary", ""},
-                 {"sources", parts}, {"enterSources", Json::array({source(2, fileURL())})}};
-  recipe["enterSources"][0]["end"] = 5;
-  const std::string file = folder.write("recipe.json", recipe.dump());
-  const auto built = run({"build", file, "--into", pack, "--cache", cache});
+  Json enter = source(2, fileURL());
+  enter["end"] = 5;
+  const auto built = build(parts, pack, {enter});
   ASSERT_EQ(built.status, 0) << built.err;
   const Json manifest = Json::parse(contentOf(pack / "pack.json"));
   EXPECT_EQ(manifest["author"], "somebody");

@@ -55,31 +55,23 @@ TEST(SliceCommand, FindsTheSameHitsInEveryLayoutAndRate) {
 TEST(SliceCommand, AnswersWhateverItIsGiven) {
   const testing::TempFolder folder;
   const std::string whole = clicks({}, 0.5);
-  struct Case {
-    const char* label;
-    std::string content;
-    std::size_t hits;
-  };
-  const Case cases[] = {
+  const std::tuple<const char*, std::string, std::size_t> cases[] = {
       {"silence", testing::wav16({}, std::vector<int16_t>(48000)), 0},
       {"1 ms", testing::wav16({}, std::vector<int16_t>(48, 9000)), 0},
-      {"clipped", clicks({}, 4), 10},
       {"truncated", whole.substr(0, whole.size() / 2), 5},
+      {"clipped", clicks({}, 4), 10},
   };
-  for (const Case& each : cases) {
-    const std::string file = folder.write("recording.wav", each.content);
-    const auto sliced = run({"slice", file, "--json"});
-    ASSERT_EQ(sliced.status, 0) << each.label << ": " << sliced.err;
-    const Json result = Json::parse(sliced.out);
-    EXPECT_EQ(result["hits"].size(), each.hits) << each.label;
-    if (each.label == std::string("clipped")) {
-      EXPECT_TRUE(result["down"].empty());
-    }
+  Json result;
+  for (const auto& [label, content, hits] : cases) {
+    const auto sliced = run({"slice", folder.write("recording.wav", content), "--json"});
+    ASSERT_EQ(sliced.status, 0) << label << ": " << sliced.err;
+    result = Json::parse(sliced.out);
+    EXPECT_EQ(result["hits"].size(), hits) << label;
   }
+  EXPECT_TRUE(result["down"].empty()) << "of what is clipped";
   for (const auto& [label, content] :
        {std::pair{"no sound", std::string("hello")}, {"empty", std::string()}}) {
-    const std::string file = folder.write("recording.wav", content);
-    const auto failed = run({"slice", file, "--json"});
+    const auto failed = run({"slice", folder.write("recording.wav", content), "--json"});
     EXPECT_EQ(failed.status, 1) << label;
     EXPECT_TRUE(failed.out.empty()) << label;
     EXPECT_NE(failed.err.find("recording.wav"), std::string::npos) << failed.err;
@@ -90,12 +82,6 @@ TEST(SliceCommand, AnswersWhateverItIsGiven) {
 TEST(SliceCommand, TakesOptionsAndDrawsAPlot) {
   const testing::TempFolder folder;
   const std::string file = folder.write("clicks.wav", clicks({}, 0.5));
-  const std::string wrong = folder.write("options.json", R"({"alphaVariants": "six"})");
-  const auto refused = run({"slice", file, "--options", wrong});
-  EXPECT_EQ(refused.status, 1);
-  EXPECT_NE(refused.err.find("options.json"), std::string::npos) << refused.err;
-  EXPECT_NE(refused.err.find("alphaVariants"), std::string::npos) << refused.err;
-
   const std::string options = folder.write("options.json", R"({"minPressMs": 600})");
   const std::string plot = folder.path() / "clicks.svg";
   const auto sliced = run({"slice", file, "--options", options, "--plot", plot, "--json"});

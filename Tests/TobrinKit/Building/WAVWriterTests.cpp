@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <vector>
 
 namespace tobrin {
@@ -26,30 +25,24 @@ std::vector<int> samplesOf(const std::string& bytes) {
 }
 
 TEST(WAVWriter, HeaderDescribesTheSamples) {
-  struct Row {
-    const char* label;
-    Channel left;
-    bool stereo;
-    uint64_t dataBytes;
+  // Sizes of what follows and of the format, rate, bytes a second, size of the samples; PCM,
+  // channels, bytes a frame, bits.
+  using Fields = std::vector<uint64_t>;
+  const auto fieldsOf = [](const std::string& bytes) {
+    Fields fields;
+    for (const std::size_t at : {4u, 16u, 24u, 28u, 40u})
+      fields.push_back(field(bytes, at, 4));
+    for (const std::size_t at : {20u, 22u, 32u, 34u})
+      fields.push_back(field(bytes, at, 2));
+    return fields;
   };
-  for (const Row& row : {Row{"empty mono", {}, false, 0}, Row{"empty stereo", {}, true, 0},
-                         Row{"mono", {0, 0, 0}, false, 6}, Row{"stereo", {0, 0, 0}, true, 12}}) {
-    SCOPED_TRACE(row.label);
-    const std::string bytes = WAVWriter::encode(
-        row.left, row.stereo ? std::optional<WAVWriter::Channel>(row.left) : std::nullopt, 44'100);
-    const uint64_t frameBytes = row.stereo ? 4 : 2;
-    EXPECT_EQ(bytes.size(), 44 + row.dataBytes);
-    EXPECT_EQ(bytes.substr(0, 4) + bytes.substr(8, 8) + bytes.substr(36, 4), "RIFFWAVEfmt data");
-    EXPECT_EQ(field(bytes, 4, 4), 36 + row.dataBytes);
-    EXPECT_EQ(field(bytes, 16, 4), 16u);
-    EXPECT_EQ(field(bytes, 20, 2), 1u);
-    EXPECT_EQ(field(bytes, 22, 2), frameBytes / 2);
-    EXPECT_EQ(field(bytes, 24, 4), 44'100u);
-    EXPECT_EQ(field(bytes, 28, 4), 44'100 * frameBytes);
-    EXPECT_EQ(field(bytes, 32, 2), frameBytes);
-    EXPECT_EQ(field(bytes, 34, 2), 16u);
-    EXPECT_EQ(field(bytes, 40, 4), row.dataBytes);
-  }
+  const Channel sound(3);
+  const std::string stereo = WAVWriter::encode(sound, sound, 44'100);
+  EXPECT_EQ(stereo.substr(0, 4) + stereo.substr(8, 8) + stereo.substr(36, 4), "RIFFWAVEfmt data");
+  EXPECT_EQ(stereo.size(), 56u);
+  EXPECT_EQ(fieldsOf(stereo), (Fields{48, 16, 44'100, 176'400, 12, 1, 2, 4, 16}));
+  EXPECT_EQ(fieldsOf(WAVWriter::encode({}, {}, 48'000)),
+            (Fields{36, 16, 48'000, 96'000, 0, 1, 1, 2, 16}));
 }
 
 /// The expected numbers come from a second implementation of the dither, in another language.
@@ -66,13 +59,6 @@ TEST(WAVWriter, DithersAndLimits) {
   const Channel limits = {0, 0.5f, -0.5f, 0.99f, 1, 1.5f, std::nanf(""), -1, -3};
   EXPECT_EQ(samplesOf(WAVWriter::encode(limits, {}, 48'000)),
             (std::vector<int>{0, 16383, -16383, 32439, 32767, 32767, 32767, -32766, -32767}));
-}
-
-TEST(WAVWriterDeathTest, RefusesWhatTheHeaderCannotHold) {
-  const Channel sound(4);
-  EXPECT_DEATH(WAVWriter::encode(sound, {}, -1), "");
-  EXPECT_DEATH(WAVWriter::encode(sound, sound, int64_t{1} << 30), "");
-  EXPECT_DEATH(WAVWriter::encode(sound, std::span(sound).first(3), 48'000), "");
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
@@ -17,22 +16,14 @@
 #include <thread>
 
 #include "Confinement/Launcher.h"
+#include "Support/InChild.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
 namespace {
 
 using namespace std::chrono_literals;
-
-// Runs `work` in a child; what it returns, or -1 where it did not come to that.
-template <typename Work>
-int inChild(Work work) {
-  const pid_t child = fork();
-  if (child == 0) _exit(work());
-  int status = 0;
-  waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
+using testing::inChild;
 
 bool refused(long domain, int protocol = 0) {
   return syscall(SYS_socket, domain, SOCK_DGRAM, protocol) < 0 && errno == EACCES;

@@ -2,8 +2,11 @@
 
 from .levels import plateaus_db
 from .matching import Figures, Match, figures, match
-from .program import Tobrin, control, types_audibly, write_click_pack
-from .tools import Background, Press, Sound, find_sounds, press_keys, record, tool
+from .program import Tobrin, control, types_audibly, write_click_pack, write_pack
+from .testcase import DesktopTest
+from .tools import (Background, Press, Sound, find_sounds, panels, press_keys, press_toggle, record, tool,
+                    xdotool)
 
-__all__ = ["Background", "Figures", "Match", "Press", "Sound", "Tobrin", "control", "figures", "find_sounds", "match",
-           "plateaus_db", "press_keys", "record", "tool", "types_audibly", "write_click_pack"]
+__all__ = ["Background", "DesktopTest", "Figures", "Match", "Press", "Sound", "Tobrin", "control", "figures",
+           "find_sounds", "match", "panels", "plateaus_db", "press_keys", "press_toggle", "record", "tool",
+           "types_audibly", "write_click_pack", "write_pack", "xdotool"]

@@ -54,15 +54,21 @@ def control(command):
 
 def write_click_pack(folder):
     """A pack of one sound, 10 ms long and loud from its first sample: what is late is the program, not the pack."""
-    folder = pathlib.Path(folder) / "click"
-    folder.mkdir(parents=True)
-    samples = [int(28000 * math.exp(-i / 120)) for i in range(480)]
-    with wave.open(str(folder / "click.wav"), "wb") as sound:
-        sound.setnchannels(1)
-        sound.setsampwidth(2)
-        sound.setframerate(48000)
-        sound.writeframes(struct.pack("<480h", *samples))
-    manifest = {"formatVersion": 1, "id": "click", "name": "Click", "kind": "test",
-                "groups": {"alpha": {"down": {"medium": ["click.wav"]}, "up": ["click.wav"]}}}
-    (folder / "pack.json").write_text(json.dumps(manifest), encoding="utf-8")
-    return folder.parent
+    click = [0.85 * math.exp(-i / 120) for i in range(480)]
+    return write_pack(folder, "click", {"medium": click}, up=["medium.wav"])
+
+
+def write_pack(folder, name, sounds, **group):
+    """A pack below `folder` with one mono take (samples up to 1, at 48 kHz) for each tier named."""
+    pack = pathlib.Path(folder) / name
+    pack.mkdir(parents=True)
+    for tier, samples in sounds.items():
+        with wave.open(str(pack / f"{tier}.wav"), "wb") as sound:
+            sound.setnchannels(1)
+            sound.setsampwidth(2)
+            sound.setframerate(48000)
+            sound.writeframes(b"".join(struct.pack("<h", round(32767 * each)) for each in samples))
+    group["down"] = {tier: [f"{tier}.wav"] for tier in sounds}
+    manifest = {"formatVersion": 1, "id": name, "name": name.title(), "kind": "test", "groups": {"alpha": group}}
+    (pack / "pack.json").write_text(json.dumps(manifest), encoding="utf-8")
+    return pathlib.Path(folder)

@@ -7,6 +7,7 @@ import queue
 import signal
 import subprocess
 import sys
+import tempfile
 import threading
 import time
 from dataclasses import dataclass
@@ -130,6 +131,25 @@ def press_keys(*arguments):
                             text=True).stdout
     return [Press(int(ns), int(keycode), verb == "press")
             for verb, ns, keycode in (line.split() for line in output.splitlines())]
+
+
+def press_toggle():
+    """Control, alt, super, K: the shortcut that switches sounds off and on."""
+    chord = (0xffe3, 0xffe9, 0xffeb, 0x6b)
+    keys = [("press", key) for key in chord] + [("release", key) for key in reversed(chord)]
+    with tempfile.NamedTemporaryFile("w", encoding="utf-8") as script:
+        script.write("".join(f"{at * 30} {verb} {key}\n" for at, (verb, key) in enumerate(keys)))
+        script.flush()
+        press_keys("--script", script.name)
+
+
+def xdotool(*words):
+    return subprocess.run(["xdotool", *map(str, words)], stdout=subprocess.PIPE, text=True, check=False).stdout
+
+
+def panels():
+    """The program's visible windows."""
+    return xdotool("search", "--onlyvisible", "--name", "^Tobrin$").split()
 
 
 def find_sounds(path, floor_db=-60):
