@@ -2,11 +2,12 @@
 # its own (Tools/Desktop), so that they neither touch the machine's nor each other.
 
 set(TOBRIN_DESKTOP_SESSION ${PROJECT_SOURCE_DIR}/Tools/Desktop/desktop-session)
+# A toolkit that loses its display ends the process, threads and all.
 set(TOBRIN_DESKTOP_ENVIRONMENT
     PYTHONDONTWRITEBYTECODE=1
     TOBRIN_DESKTOP_TOOLS=${PROJECT_BINARY_DIR}/desktop-tools
     LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/Tests/leaks.supp:print_suppressions=0
-    "TSAN_OPTIONS=ignore_noninstrumented_modules=1 suppressions=${PROJECT_SOURCE_DIR}/Tests/races.supp")
+    "TSAN_OPTIONS=ignore_noninstrumented_modules=1 report_thread_leaks=0 suppressions=${PROJECT_SOURCE_DIR}/Tests/races.supp")
 
 # tobrin_add_desktop_test(NAME name COMMAND program|target [argument...]
 #                         [SESSION option...] [TIMEOUT seconds] [LABELS label...] [SERIAL])
