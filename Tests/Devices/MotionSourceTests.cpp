@@ -96,17 +96,6 @@ TEST_F(MotionSourceTest, AnIioSensorStreamsAtItsHighestRateAndIsPutBack) {
   expectStrikeInPlace(device, 0.05);
 }
 
-TEST_F(MotionSourceTest, NarrowAxesAndStampsOfAnotherOriginAreUnderstood) {
-  for (const VirtualAccelerometer::Sensor& kind :
-       {VirtualAccelerometer::Sensor{.hz = 500, .bits = 16, .exponent = -3},
-        VirtualAccelerometer::Sensor{.hz = 500, .stamps = true}}) {
-    VirtualAccelerometer device(kind);
-    ASSERT_TRUE(start());
-    expectStrikeInPlace(device, 1);
-    sensor.reset();
-  }
-}
-
 TEST_F(MotionSourceTest, AnIioSensorMayGoAndComeBack) {
   std::optional<VirtualAccelerometer> device(std::in_place, VirtualAccelerometer::Sensor{});
   ASSERT_TRUE(start());

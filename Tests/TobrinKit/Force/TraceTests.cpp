@@ -2,14 +2,12 @@
 
 #include <algorithm>
 #include <sstream>
-#include <thread>
 
 #include "Force/ForceSensor.h"
 #include "Force/KeyTrace.h"
 #include "Force/TraceCsv.h"
 #include "Force/TraceSource.h"
 #include "Support/Failure.h"
-#include "Support/TempFolder.h"
 
 namespace tobrin {
 namespace {
@@ -86,22 +84,6 @@ TEST(TraceSource, RecordedTimesAreKeptAndPassedSamplesLeftOut) {
   clock->advanceTo(1000 * millisecond);
   EXPECT_EQ(sensor.reportsReceived(), 11u + 85u);
   EXPECT_EQ(sensor.window(10 * millisecond, UINT64_MAX)->peakTime, 20 * millisecond);
-}
-
-TEST(TraceSource, RealTimePacesAndAnUnusableFileIsToldInWords) {
-  const testing::TempFolder folder;
-  const auto file = folder.path() / "trace.csv";
-  ForceSensor sensor(std::make_unique<TraceSource>(file, std::make_shared<RealTraceClock>(),
-                                                   TraceSource::Times::present));
-  EXPECT_FALSE(sensor.start());
-  EXPECT_EQ(sensor.problem(), file.string() + ": No such file or directory");
-  folder.write("trace.csv", "time_ns,x,y,z\n0,0,0,0\n5000000,0,0,0\n");
-  ASSERT_TRUE(sensor.start());
-  while (sensor.reportsReceived() < 4)
-    std::this_thread::yield();
-  sensor.stop();
-  const auto samples = sensor.samples(0, UINT64_MAX);
-  EXPECT_EQ(samples[1].time - samples[0].time, 5 * millisecond);
 }
 
 }  // namespace

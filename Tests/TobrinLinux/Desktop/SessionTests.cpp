@@ -1,7 +1,5 @@
-// The program's place in the user's session: started with it, and once only.
 #include <gtest/gtest.h>
 
-#include "Desktop/SingleInstance.h"
 #include "Desktop/XdgAutostart.h"
 #include "Support/TempFolder.h"
 
@@ -41,27 +39,6 @@ TEST(XdgAutostart, BelievesTheDesktopsOwnSwitches) {
   EXPECT_TRUE(login.isEnabled()) << "replaces what was switched off";
   folder.write("file", "in the way");
   EXPECT_NE(XdgAutostart(folder.path() / "file", "tobrin").setEnabled(true), "") << "says why";
-}
-
-TEST(SingleInstance, TheSecondAsksTheFirst) {
-  const testing::TempFolder folder;
-  folder.write("tobrin.socket", "left by a crash");
-  auto first = std::make_unique<SingleInstance>(folder.path());
-  EXPECT_TRUE(first->isFirst());
-  EXPECT_FALSE(first->takeShowRequests());
-  {
-    const SingleInstance second(folder.path());
-    EXPECT_FALSE(second.isFirst());
-    EXPECT_TRUE(second.askFirstToShow());
-    EXPECT_TRUE(second.askFirstToShow());
-  }
-  EXPECT_TRUE(first->takeShowRequests()) << "kept though the second has gone";
-  EXPECT_FALSE(first->takeShowRequests()) << "all taken at once";
-  const SingleInstance third(folder.path());
-  first.reset();
-  EXPECT_FALSE(third.askFirstToShow());
-  EXPECT_TRUE(SingleInstance(folder.path()).isFirst()) << "the lock is free again";
-  EXPECT_TRUE(SingleInstance(folder.path() / "gone").isFirst()) << "where there is no place";
 }
 
 }  // namespace

@@ -54,25 +54,6 @@ TEST_F(PipeWireOutputTest, FirstSoundAfterAPauseIsHeardWhole) {
   }
 }
 
-TEST_F(PipeWireOutputTest, FollowsTheDefaultDevice) {
-  const auto control = [](std::vector<std::string> words) {
-    words.insert(words.begin(), "pactl");
-    return testing::ChildProcess(words).wait();
-  };
-  ASSERT_EQ(control({"load-module", "module-null-sink", "sink_name=other_sink"}), 0);
-  ASSERT_TRUE(output_.start());
-  EXPECT_EQ(output_.description(), "PipeWire, test_sink");
-  testing::SinkRecording recording("other_sink");
-  ASSERT_EQ(control({"set-default-sink", "other_sink"}), 0);
-  EXPECT_TRUE(eventually([&] { return player_.changes > 0 && output_.isRunning(); }));
-  player_.pulseFrames = 1000;
-  EXPECT_TRUE(eventually([&] { return recording.heard().size() >= 1000; }));
-  EXPECT_NE(output_.description(), "PipeWire, test_sink");
-  ASSERT_EQ(control({"unload-module", "module-null-sink"}), 0);
-  EXPECT_TRUE(eventually(
-      [&] { return output_.isRunning() && output_.description() == "PipeWire, test_sink"; }));
-}
-
 TEST_F(PipeWireOutputTest, PausedIsIdleAlsoWhileTheServerComesAndGoes) {
   ASSERT_TRUE(output_.start());
   ASSERT_TRUE(eventually([&] { return player_.blocks > 10; }));

@@ -12,7 +12,6 @@
 #include "Support/Eventually.h"
 #include "Support/TempFolder.h"
 #include "Tools/Desktop/FakePortal.h"
-#include "Tools/Desktop/PrivateXServer.h"
 
 namespace tobrin {
 namespace {
@@ -37,22 +36,6 @@ void typeChord(ShortcutService& service) {
     service.observe({code, KeyAction::down, 0});
   for (const uint16_t code : chord)
     service.observe({code, KeyAction::up, 0});
-}
-
-TEST(DesktopShortcuts, AnX11SessionGrabsOnceAndNamesKeysByItsLayout) {
-  testing::PrivateXServer server;
-  std::atomic<int> presses{0};
-  DesktopShortcuts service(
-      environmentOf({{"XDG_SESSION_TYPE", "x11"}, {"DISPLAY", server.display()}}));
-  GlobalHotkey hotkey(service, [&] { ++presses; });
-  for (int again = 0; again < 2; ++again)
-    EXPECT_EQ(hotkey.registerHotkey(toggle).kind, Kind::active);
-  server.press({KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_K});
-  EXPECT_TRUE(eventually([&] { return presses == 1; }));
-  typeChord(service);
-  EXPECT_EQ(presses, 1) << "the same press in our own key events counts once";
-  EXPECT_EQ(service.keyName(40), "k");
-  EXPECT_EQ(service.keyName(49), std::nullopt) << "a space is no name";
 }
 
 TEST(DesktopShortcuts, AWaylandSessionHearsItsOwnKeysUntilThePortalAgrees) {
