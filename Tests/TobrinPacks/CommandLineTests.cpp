@@ -1,13 +1,11 @@
-#include "CommandLine.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "Packs/SampleBuffer.h"
+#include "RunWorkshop.h"
 #include "ScriptFile.h"
 #include "Support/AudioFiles.h"
 #include "Support/Failure.h"
@@ -32,18 +30,16 @@ class PackWorkshop : public ::testing::Test {
   }
 
   int run(const std::vector<std::string>& arguments) {
-    out_.str("");
-    err_.str("");
-    return runPackWorkshop(arguments, {out_, err_});
+    last_ = testing::run(arguments);
+    return last_.status;
   }
   [[nodiscard]] std::string path(const std::string& relative) const {
     return (folder_.path() / relative).string();
   }
-  [[nodiscard]] nlohmann::json output() const { return nlohmann::json::parse(out_.str()); }
+  [[nodiscard]] nlohmann::json output() const { return nlohmann::json::parse(last_.out); }
 
   testing::TempFolder folder_;
-  std::ostringstream out_;
-  std::ostringstream err_;
+  testing::Outcome last_;
 };
 
 TEST_F(PackWorkshop, TellsWrongUsageFromFailure) {
@@ -51,20 +47,20 @@ TEST_F(PackWorkshop, TellsWrongUsageFromFailure) {
       {}, {"nonsense"}, {"--nonsense"}, {"check"}, {"check", "a", "b"}, {"list", "--bogus"}};
   for (const auto& arguments : wrong) {
     EXPECT_EQ(run(arguments), 2) << ::testing::PrintToString(arguments);
-    EXPECT_TRUE(err_.str().starts_with("tobrin-packs: ")) << err_.str();
-    EXPECT_EQ(out_.str(), "");
+    EXPECT_TRUE(last_.err.starts_with("tobrin-packs: ")) << last_.err;
+    EXPECT_EQ(last_.out, "");
   }
   for (const std::vector<std::string>& arguments :
        {std::vector<std::string>{"--help"}, {"--version"}, {"check", "--help"}}) {
     EXPECT_EQ(run(arguments), 0);
-    EXPECT_EQ(err_.str(), "");
-    EXPECT_NE(out_.str(), "");
+    EXPECT_EQ(last_.err, "");
+    EXPECT_NE(last_.out, "");
   }
   EXPECT_EQ(run({"check", path("absent")}), 1);
-  EXPECT_EQ(err_.str(), "tobrin-packs: No pack.json in " + path("absent") + "\n");
+  EXPECT_EQ(last_.err, "tobrin-packs: No pack.json in " + path("absent") + "\n");
   EXPECT_EQ(run({"check", path("bundled/bad"), "--json"}), 1);
-  EXPECT_EQ(err_.str(), "tobrin-packs: Invalid bad: path escapes pack: ../x y.wav\n") << "one line";
-  EXPECT_EQ(out_.str(), "");
+  EXPECT_EQ(last_.err, "tobrin-packs: Invalid bad: path escapes pack: ../x y.wav\n") << "one line";
+  EXPECT_EQ(last_.out, "");
 }
 
 TEST_F(PackWorkshop, ListsWhatItFinds) {
@@ -73,11 +69,11 @@ TEST_F(PackWorkshop, ListsWhatItFinds) {
   ASSERT_EQ(list.size(), 2u) << "a pack with broken takes is listed too";
   EXPECT_EQ(list[1]["name"], "On\033e");
   ASSERT_EQ(run({"list"}), 0);
-  EXPECT_EQ(out_.str().find('\x1B'), std::string::npos) << "names do not command the terminal";
+  EXPECT_EQ(last_.out.find('\x1B'), std::string::npos) << "names do not command the terminal";
 }
 
 TEST_F(PackWorkshop, ChecksWhatAPackHolds) {
-  ASSERT_EQ(run({"check", path("bundled/one"), "--json"}), 0) << err_.str();
+  ASSERT_EQ(run({"check", path("bundled/one"), "--json"}), 0) << last_.err;
   const auto document = output();
   const nlohmann::json group = {{"down", {{"soft", 1}, {"medium", 1}, {"hard", 2}, {"slam", 2}}},
                                 {"up", 0}};
@@ -98,13 +94,13 @@ TEST_F(PackWorkshop, RendersTheSameSoundEveryTime) {
   };
   folder_.write("text", "-a b");
   folder_.write("silence.json", R"({"volume":0})");
-  ASSERT_EQ(render({"--text", "-a b"}, "a.wav"), 0) << err_.str();
+  ASSERT_EQ(render({"--text", "-a b"}, "a.wav"), 0) << last_.err;
   ASSERT_EQ(render({"--text-file", path("text"), "--seed", "3", "--wpm", "85"}, "b.wav"), 0);
   EXPECT_EQ(content("a.wav"), content("b.wav"));
   ASSERT_EQ(render({"--text", "-a b", "--seed", "4"}, "b.wav"), 0);
   EXPECT_NE(content("a.wav"), content("b.wav"));
   ASSERT_EQ(render({"--text", "-a b", "--settings", path("silence.json")}, "b.wav"), 0);
-  EXPECT_NE(out_.str().find("silent"), std::string::npos);
+  EXPECT_NE(last_.out.find("silent"), std::string::npos);
 
   // A key at the start, at full volume for lack of a ramp: the take's own first sample in float.
   folder_.write("keys.json", R"([{"time":0,"code":49,"action":"down","position":0}])");
@@ -112,7 +108,7 @@ TEST_F(PackWorkshop, RendersTheSameSoundEveryTime) {
   const std::vector<std::string> exact = {
       "--script", path("keys.json"), "--settings", path("loud.json"), "--format",
       "f32",      "--tail",          "0.01"};
-  ASSERT_EQ(render(exact, "f.wav"), 0) << err_.str();
+  ASSERT_EQ(render(exact, "f.wav"), 0) << last_.err;
   const auto sound = SampleBuffer::load(path("f.wav"), 48000);
   ASSERT_EQ(sound->frames(), 480u);
   EXPECT_NEAR(sound->left()[0], 8000.0 / 32768, 0.07 * 8000 / 32768);
@@ -134,7 +130,7 @@ TEST_F(PackWorkshop, RefusesNumbersAndFilesThatMakeNoSense) {
       SCOPED_TRACE(option + " " + value);
       EXPECT_EQ(run({"render", path("bundled/one"), "--out", out, "--text", "a", option, value}),
                 isFile ? 1 : 2);
-      EXPECT_NE(err_.str().find(isFile ? value : option), std::string::npos) << err_.str();
+      EXPECT_NE(last_.err.find(isFile ? value : option), std::string::npos) << last_.err;
       EXPECT_FALSE(std::filesystem::exists(out));
     }
   }
@@ -142,7 +138,7 @@ TEST_F(PackWorkshop, RefusesNumbersAndFilesThatMakeNoSense) {
   EXPECT_EQ(run({"render", path("bundled/one"), "--out", path("no/x.wav"), "--text", "a"}), 1);
   const std::string endless(10000, 'a');
   EXPECT_EQ(run({"render", path("bundled/one"), "--out", out, "--wpm", "1", "--text", endless}), 1);
-  EXPECT_NE(err_.str().find("a WAV file holds"), std::string::npos) << err_.str();
+  EXPECT_NE(last_.err.find("a WAV file holds"), std::string::npos) << last_.err;
 }
 
 TEST(ScriptFile, RefusesEntriesOutOfRangeByNumberAndKey) {

@@ -1,10 +1,12 @@
-#include "Packs/PackLibrary.h"
-
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <map>
 
 #include "Packs/NameOrder.h"
+#include "Packs/PackLibrary.h"
+#include "Packs/PackManifest.h"
+#include "Support/Failure.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
@@ -76,6 +78,82 @@ TEST(NameOrder, FollowsTheUsersLanguage) {
     EXPECT_TRUE(NameOrder(locale).isBefore(before, after)) << locale << " " << after;
     EXPECT_FALSE(NameOrder(locale).isBefore(after, before)) << locale << " " << after;
   }
+}
+
+using testing::TempFolder;
+
+std::string withGroups(const std::string& groups) {
+  return R"({"formatVersion":1,"id":"i","name":"n","kind":"k","groups":)" + groups + "}";
+}
+
+TEST(PackManifest, DecodesWhatItEncodes) {
+  PackManifest manifest;
+  manifest.formatVersion = INT64_MAX;
+  manifest.name = "Größe \"1\"";
+  manifest.author = "";
+  manifest.groups["space"].down["Loud"] = {"sub/1.wav", "sub/2.wav"};
+  manifest.groups["alpha"].up = std::vector<std::string>{};
+  EXPECT_EQ(PackManifest::fromJson(manifest.toJson()), manifest);
+
+  const std::string text = manifest.toJson();
+  EXPECT_NE(text.find("\"sub/1.wav\""), std::string::npos) << "slashes stand as they are";
+  EXPECT_EQ(text.find("license"), std::string::npos) << "absent fields are left out";
+}
+
+TEST(PackManifest, AcceptsWhatItDoesNotKnow) {
+  const auto manifest = PackManifest::fromJson(
+      R"({"groups":{"other":{"down":{},"up":null,"x":[[{}]]}},"kind":"k","name":"n","id":"i",)"
+      R"("formatVersion":-2,"license":null,"comment":1,"comment":2})");
+  EXPECT_EQ(manifest.formatVersion, -2);
+  EXPECT_FALSE(manifest.license || manifest.groups.at("other").up);
+}
+
+TEST(PackManifest, RefusesMalformedTextNamingTheKey) {
+  const std::pair<std::string, const char*> table[] = {
+      {"", "not valid JSON"},
+      {"null", "not a JSON object"},
+      {withGroups("{}") + "}", "not valid JSON"},
+      {"{\"id\":\"\xFF\"}", "not valid JSON"},
+      {R"({"formatVersion":"1"})", "\"formatVersion\" is not an integer"},
+      {R"({"formatVersion":9223372036854775808})", "\"formatVersion\" is not an integer"},
+      {R"({"formatVersion":1,"name":"n"})", "\"id\" is missing"},
+      {R"({"formatVersion":1,"id":null})", "\"id\" is not a string"},
+      {withGroups("[]"), "\"groups\" is not an object"},
+      {withGroups(R"({"alpha":{}})"), "\"groups.alpha.down\" is missing"},
+      {withGroups(R"({"alpha":{"down":{"soft":"a"}}})"),
+       "\"groups.alpha.down.soft\" is not a list"},
+      {withGroups(R"({"alpha":{"down":{"soft":[1]}}})"), "\"groups.alpha.down.soft\" is not a"},
+      {withGroups(R"({"alpha":{"down":{},"up":{}}})"), "\"groups.alpha.up\" is not a list"},
+      {withGroups(R"({"x":{"down":{}},"x":{"down":{}}})"), "\"x\" stands there twice"},
+      {withGroups(R"({"x":{"down":{"a":[],"a":[]}}})"), "\"a\" stands there twice"},
+      {R"({"x":)" + std::string(1'000'000, '['), "nested too deeply"},
+  };
+  for (const auto& [text, expected] : table) {
+    const std::string failure = testing::failureOf([&] { (void)PackManifest::fromJson(text); });
+    EXPECT_NE(failure.find(expected), std::string::npos) << text.substr(0, 100) << ": " << failure;
+  }
+}
+
+TEST(PackInfo, TellsMissingFromInvalidManifests) {
+  const TempFolder folder;
+  const auto failureIn = [&](const char* name) {
+    return testing::failureOf([&] { (void)PackInfo::read(folder.path() / name, false); });
+  };
+  folder.write("good/pack.json", withGroups("{}"));
+  folder.write("bad/pack.json", "{}");
+  folder.write("file", "");
+  std::filesystem::create_directories(folder.path() / "folder/pack.json");
+  std::filesystem::create_directory(folder.path() / "fifo");
+  ASSERT_EQ(mkfifo((folder.path() / "fifo/pack.json").c_str(), 0600), 0);
+  folder.write("huge/pack.json", "");
+  std::filesystem::resize_file(folder.path() / "huge/pack.json", uint64_t{2} << 30);
+
+  EXPECT_EQ(PackInfo::read(folder.path() / "good", true),
+            (PackInfo{"i", "n", "k", std::nullopt, folder.path() / "good", true}));
+  EXPECT_EQ(failureIn("bad/"), "Invalid pack.json: \"formatVersion\" is missing");
+  EXPECT_EQ(failureIn("huge"), "Invalid pack.json: the file is too large");
+  for (const char* name : {"absent", "file", "folder", "fifo"})
+    EXPECT_EQ(failureIn(name), "No pack.json in " + (folder.path() / name).string());
 }
 
 }  // namespace

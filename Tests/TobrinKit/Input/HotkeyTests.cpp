@@ -1,11 +1,63 @@
-#include "Input/Accelerator.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <initializer_list>
+
+#include "Input/Accelerator.h"
+#include "Input/ChordRecognizer.h"
+#include "Input/Hotkey.h"
 
 namespace tobrin {
 namespace {
+
+constexpr Hotkey toggle{40, {Modifiers::control | Modifiers::option | Modifiers::command}};
+
+TEST(ChordRecognizer, HearsExactlyItsCombinationOnceAPress) {
+  ChordRecognizer chords;
+  int presses = 0;
+  const auto down = [&](uint16_t code) { chords.observe({code, KeyAction::down, 0}); };
+  const auto up = [&](uint16_t code) { chords.observe({code, KeyAction::up, 0}); };
+  down(62);  // held since before the combination was set
+  chords.set(toggle, [&] { ++presses; });
+
+  for (const uint16_t code : std::initializer_list<uint16_t>{57, 58, 54, 40})
+    down(code);
+  EXPECT_EQ(presses, 1) << "right Control, left Option, right Command; Caps Lock aside";
+  up(40);
+  down(56);
+  down(40);
+  EXPECT_EQ(presses, 1) << "Shift is one modifier too many";
+  up(56);
+  up(54);
+  down(40);
+  EXPECT_EQ(presses, 1) << "Command is missing";
+  down(55);
+  down(40);
+  EXPECT_EQ(presses, 2);
+  chords.clear();
+  down(40);
+  EXPECT_EQ(presses, 2);
+}
+
+TEST(Hotkey, ShowsModifiersInOrderThenTheKey) {
+  const auto naming = [](const char* text) {
+    return [text](uint32_t) { return std::optional<std::string>(text); };
+  };
+  const struct {
+    Hotkey hotkey;
+    Hotkey::KeyName keyName;
+    const char* shown;
+  } rows[] = {
+      {Hotkey::presets()[0], nullptr, "⌃⌥⌘K"},
+      {{49, {0xF}}, naming(" "), "⌃⌥⇧⌘Space"},
+      {{33, {Modifiers::shift}}, naming("é"), "⇧É"},
+      {{33, {}}, naming(""), "["},
+      {{200, {0x10}}, [](uint32_t) { return std::nullopt; }, "Key 200"},
+      {{4294967295, {}}, naming("ß"), "SS"},
+  };
+  for (const auto& row : rows)
+    EXPECT_EQ(row.hotkey.displayString(row.keyName), row.shown);
+}
 
 constexpr uint32_t command = Modifiers::command;
 constexpr uint32_t controlOption = Modifiers::control | Modifiers::option;
