@@ -21,15 +21,13 @@ class HandDrivenDevice final : public AudioDevice {
     AudioCallbacks callbacks;
     std::string refusal;  ///< why starts fail; empty: they succeed
     bool running = false;
-    bool mono = false;
     std::atomic<int> starts = 0;
     std::atomic<int> pauses = 0;
 
     /// Has the next block rendered; silence while the device does not run.
     std::pair<std::vector<float>, std::vector<float>> render(uint32_t frames) {
       std::vector<float> left(frames), right(frames);
-      if (running)
-        callbacks.render(callbacks.context, left.data(), mono ? left.data() : right.data(), frames);
+      if (running) callbacks.render(callbacks.context, left.data(), right.data(), frames);
       return {left, right};
     }
 

@@ -1,14 +1,32 @@
-/// A folder of its own for one test, gone with it.
+/// A folder of its own for one test, gone with it, and what files hold.
 #pragma once
 
 #include <stdlib.h>
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <map>
 #include <stdexcept>
 #include <string>
 
 namespace tobrin::testing {
+
+/// All bytes of a file; none where it cannot be read.
+inline std::string contentOf(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// Every file below a folder by its relative path.
+inline std::map<std::string, std::string> filesIn(const std::filesystem::path& folder) {
+  std::map<std::string, std::string> files;
+  if (!std::filesystem::exists(folder)) return files;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    if (entry.is_regular_file()) files[std::filesystem::relative(entry, folder)] = contentOf(entry);
+  }
+  return files;
+}
 
 class TempFolder final {
  public:

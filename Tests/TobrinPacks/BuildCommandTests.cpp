@@ -2,9 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <map>
 #include <nlohmann/json.hpp>
 
 #include "RunWorkshop.h"
@@ -16,24 +13,11 @@ namespace {
 
 namespace fs = std::filesystem;
 using Json = nlohmann::json;
+using testing::contentOf;
+using testing::filesIn;
 using testing::Outcome;
 using testing::RawServer;
 using testing::run;
-
-std::string contentOf(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
-/// Every file below a folder by its relative path.
-std::map<std::string, std::string> filesIn(const fs::path& folder) {
-  std::map<std::string, std::string> files;
-  if (!fs::exists(folder)) return files;
-  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-    if (entry.is_regular_file()) files[fs::relative(entry, folder)] = contentOf(entry);
-  }
-  return files;
-}
 
 /// A minute of leisurely typing on a synthesized keyboard, rendered once for all tests.
 class BuildCommand : public ::testing::Test {

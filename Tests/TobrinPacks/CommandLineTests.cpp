@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "Packs/SampleBuffer.h"
@@ -84,10 +83,7 @@ TEST_F(PackWorkshop, ChecksWhatAPackHolds) {
 }
 
 TEST_F(PackWorkshop, RendersTheSameSoundEveryTime) {
-  const auto content = [&](const char* name) {
-    std::ifstream stream(path(name), std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(stream), {});
-  };
+  const auto content = [&](const char* name) { return testing::contentOf(path(name)); };
   const auto render = [&](std::vector<std::string> arguments, const char* out) {
     arguments.insert(arguments.begin(), {"render", path("bundled/one"), "--out", path(out)});
     return run(arguments);

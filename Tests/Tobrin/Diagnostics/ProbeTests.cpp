@@ -113,8 +113,7 @@ TEST(Probe, MeasuresEveryKeyOfARunLongerThanTheSensorRemembers) {
   ASSERT_TRUE(
       std::regex_search(text, saved, std::regex("Saved: (\\S+)\\.csv \\(\\+ -traces\\.csv\\)")))
       << text;
-  std::ifstream traces(saved[1].str() + "-traces.csv");
-  const std::string csv{std::istreambuf_iterator<char>(traces), {}};
+  const std::string csv = testing::contentOf(saved[1].str() + "-traces.csv");
   EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 1 + 3 * 101);
   EXPECT_TRUE(std::filesystem::exists(saved[1].str() + ".csv"));
 }

@@ -4,17 +4,13 @@
 
 #include "Building/AtomicFile.h"
 #include "Building/PackFolder.h"
-#include "Packs/RegularFile.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string contentOf(const fs::path& file) {
-  return RegularFile(file).readText(1 << 20);
-}
+using testing::contentOf;
 
 std::ptrdiff_t entriesIn(const fs::path& folder) {
   return std::distance(fs::directory_iterator(folder), fs::directory_iterator());

@@ -7,6 +7,7 @@
 
 #include "Engine/Log.h"
 #include "Support/HandDrivenDevice.h"
+#include "TobrinMixer/MixerFixture.h"
 
 namespace tobrin {
 namespace {
@@ -20,12 +21,7 @@ class AudioOutputTest : public ::testing::Test {
 
   void play(float value, std::size_t frames) {
     sound_.assign(frames, value);
-    TBCommand command{};
-    command.type = TB_COMMAND_START;
-    command.tag = 1;
-    command.layers[0] = {sound_.data(), nullptr, static_cast<uint32_t>(frames)};
-    command.weights[0] = 1;
-    command.rate = 1;
+    const TBCommand command = startOf(sound_);
     ASSERT_TRUE(tb_mixer_push(output_.mixer(), &command));
   }
 

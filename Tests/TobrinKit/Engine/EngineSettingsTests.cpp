@@ -14,22 +14,11 @@ TEST(EngineSettings, SurviveTheFileAndMissingFieldsTakeTheirDefaults) {
   quiet.volume = 0.2f;
   EXPECT_EQ(EngineSettings::fromJson(R"({"volume": 0.2, "tray": [1, {}], "spatial": null})"),
             quiet);
-  const EngineSettings changed = EngineSettings::fromJson(
+  const std::string changed =
       R"({"enabled":false,"volume":0.1,"forceSensing":false,"sensitivity":1.7,"fixedTier":3,)"
       R"("blendTiers":false,"releaseSounds":false,"spatial":0.3,"quietDuringCalls":false,)"
-      R"("shortcutEnabled":false,"shortcut":{"keyCode":4294967295,"modifiers":7}})");
-  EXPECT_EQ(changed, (EngineSettings{false,
-                                     0.1f,
-                                     false,
-                                     1.7f,
-                                     Tier::slam,
-                                     false,
-                                     false,
-                                     0.3f,
-                                     false,
-                                     false,
-                                     {UINT32_MAX, {7}}}));
-  EXPECT_EQ(EngineSettings::fromJson(changed.toJson()), changed);
+      R"("shortcutEnabled":false,"shortcut":{"keyCode":4294967295,"modifiers":7}})";
+  EXPECT_EQ(EngineSettings::fromJson(changed).toJson(), changed);
 }
 
 TEST(EngineSettings, BrokenFilesAreRefusedNamingWhatIsWrong) {

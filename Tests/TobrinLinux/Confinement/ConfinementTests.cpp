@@ -10,8 +10,6 @@
 
 #include <array>
 #include <cerrno>
-#include <fstream>
-#include <iterator>
 #include <latch>
 #include <thread>
 
@@ -93,8 +91,7 @@ TEST(Confinement, WhatTheLauncherStartsIsFree) {
               return 0;
             }),
             0);
-  std::ifstream file(report);
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "NoNewPrivs:\t0\nSeccomp:\t0\n");
+  EXPECT_EQ(testing::contentOf(report), "NoNewPrivs:\t0\nSeccomp:\t0\n");
 }
 
 }  // namespace

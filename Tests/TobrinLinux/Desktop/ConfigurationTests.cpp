@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <iterator>
-
 #include "Desktop/JsonSettingsStore.h"
 #include "Desktop/XdgAutostart.h"
 #include "Engine/Log.h"
@@ -19,8 +17,7 @@ TEST(XdgAutostart, SwitchesAnEntryOnAndOff) {
   EXPECT_EQ(login.setEnabled(false), "") << "off is off";
   EXPECT_EQ(login.setEnabled(true), "");
   EXPECT_TRUE(login.isEnabled());
-  std::ifstream file(folder.path() / entry);
-  const std::string text(std::istreambuf_iterator<char>(file), {});
+  const std::string text = testing::contentOf(folder.path() / entry);
   // The backslashes count double: the entry's text is unescaped first, its command line then.
   EXPECT_NE(text.find("\nExec=\"/opt/a b/\\\\$x\\\\\"\\\\\\\\50%%/tobrin\"\n"), std::string::npos)
       << text;
@@ -54,11 +51,6 @@ class JsonSettingsStoreTest : public ::testing::Test {
   }
   ~JsonSettingsStoreTest() override { Log::setSink(nullptr); }
 
-  static std::string text(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
-
   testing::TempFolder folder_;
   fs::path file_ = folder_.path() / "Tobrin" / "settings.json";
   std::string log_;
@@ -89,7 +81,7 @@ TEST_F(JsonSettingsStoreTest, KeepsABrokenFileAside) {
     EXPECT_NE(log_.find(file_.string()), std::string::npos);
     EXPECT_EQ(store.read("engine"), std::nullopt);
     EXPECT_TRUE(store.writeText("pack", "new"));
-    EXPECT_EQ(text(file_.string() + ".broken"), broken);
+    EXPECT_EQ(testing::contentOf(file_.string() + ".broken"), broken);
     EXPECT_EQ(JsonSettingsStore(file_).readText("pack"), "new");
   }
 }
@@ -103,7 +95,7 @@ TEST_F(JsonSettingsStoreTest, LosesNothingWhereItCannotWrite) {
   EXPECT_FALSE(store.writeText("pack", "new"));
   EXPECT_NE(log_.find("settings can't be saved"), std::string::npos);
   EXPECT_EQ(store.readText("pack"), "new") << "holds while the program runs";
-  EXPECT_EQ(text(folder_.path() / "Kept" / "settings.json"), R"({"pack": "old"})");
+  EXPECT_EQ(testing::contentOf(folder_.path() / "Kept" / "settings.json"), R"({"pack": "old"})");
 
   fs::remove(folder_.path() / "Tobrin");
   EXPECT_TRUE(store.write("engine", "1"));

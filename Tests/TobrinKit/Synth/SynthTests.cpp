@@ -1,10 +1,15 @@
-#include "Synth/KeySynth.h"
-
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <stdexcept>
+#include <vector>
 
+#include "Packs/LoadedPack.h"
+#include "Support/TempFolder.h"
 #include "Synth/Biquad.h"
+#include "Synth/KeySynth.h"
+#include "Synth/PackGenerator.h"
 
 namespace tobrin {
 namespace {
@@ -80,6 +85,70 @@ TEST(KeySynth, LongestSoundsEndAtTheLimit) {
   const Sound sound = KeySynth::render(KeyGroup::space, Tier::slam, 0, gong);
   EXPECT_EQ(sound.left.size(), 76'800u);  // 1.6 s
   EXPECT_EQ(sound.left.back(), 0);
+}
+
+namespace fs = std::filesystem;
+using testing::filesIn;
+
+TEST(PackGenerator, SameBytesOnAnyNumberOfThreadsInPlaceOfWhatWasThere) {
+  const testing::TempFolder folder;
+  const auto generate = [&](unsigned threads) {
+    return filesIn(
+        PackGenerator::generate(SynthProfile::panda(), folder.path() / "new/packs", threads));
+  };
+  const auto first = generate(1);
+  folder.write("new/packs/panda/stale.wav", "from an earlier version");
+  EXPECT_EQ(generate(3), first);
+  EXPECT_EQ(first.size(), 61u);
+}
+
+TEST(PackGenerator, ManifestListsEveryFileOnceAndThePackLoads) {
+  const testing::TempFolder folder;
+  for (const SynthProfile& profile : SynthProfile::starterPacks()) {
+    const fs::path packFolder = PackGenerator::generate(profile, folder.path());
+    std::vector<std::string> listed = {PackManifest::fileName}, present;
+    for (const auto& [groupName, group] : LoadedPack::readManifest(packFolder).groups) {
+      listed.insert(listed.end(), group.up->begin(), group.up->end());
+      for (const auto& [tierName, files] : group.down)
+        for (const std::string& file : files) {
+          EXPECT_TRUE(file.starts_with(groupName + "-" + tierName + "-")) << file;
+          listed.push_back(file);
+        }
+    }
+    for (const auto& [name, bytes] : filesIn(packFolder))
+      present.push_back(name);
+    std::ranges::sort(listed);
+    EXPECT_EQ(listed, present);
+    const auto pack = LoadedPack::load(PackInfo::read(packFolder, false), 48'000);
+    EXPECT_EQ(pack->info().name, profile.name);
+    EXPECT_EQ(pack->takeCount(KeyGroup::alpha, Tier::slam), 4u);
+  }
+}
+
+TEST(PackGenerator, LevelsThePackToItsLoudestMediumLetter) {
+  const testing::TempFolder folder;
+  const fs::path pack = PackGenerator::generate(SynthProfile::dome(), folder.path());
+  const auto peak = [&](const std::string& name) {
+    return SampleBuffer::load(pack / name, 48'000)->peak();
+  };
+  float loudest = 0;
+  for (const char* number : {"1", "2", "3", "4"})
+    loudest = std::max(loudest, peak(std::string("alpha-medium-") + number + ".wav"));
+  EXPECT_NEAR(loudest, 0.316f, 1e-4f);
+  EXPECT_LT(peak("alpha-soft-1.wav"), peak("alpha-medium-1.wav"));
+  EXPECT_LT(peak("alpha-up-1.wav"), peak("alpha-medium-1.wav"));
+}
+
+TEST(PackGenerator, FailuresThrowAndTouchNothingElse) {
+  const testing::TempFolder folder;
+  const fs::path file = folder.write("packs/file", "mine");
+  EXPECT_THROW(PackGenerator::generate(SynthProfile::cream(), file), fs::filesystem_error);
+  for (const char* id : {"", "..", "a/b"}) {
+    SynthProfile profile = SynthProfile::cream();
+    profile.id = id;
+    EXPECT_THROW(PackGenerator::generate(profile, folder.path() / "packs"), std::invalid_argument);
+  }
+  EXPECT_EQ(testing::contentOf(file), "mine");
 }
 
 }  // namespace
