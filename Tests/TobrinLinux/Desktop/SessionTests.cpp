@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Desktop/JsonSettingsStore.h"
+#include "Desktop/SingleInstance.h"
 #include "Desktop/XdgAutostart.h"
 #include "Engine/Log.h"
 #include "Support/TempFolder.h"
@@ -40,6 +41,15 @@ TEST(XdgAutostart, BelievesTheDesktopsOwnSwitches) {
   EXPECT_TRUE(login.isEnabled()) << "replaces what was switched off";
   folder.write("file", "in the way");
   EXPECT_NE(XdgAutostart(folder.path() / "file", "tobrin").setEnabled(true), "") << "says why";
+}
+
+TEST(SingleInstance, TheFirstIsAskedPastWhatACrashLeft) {
+  const testing::TempFolder folder;
+  folder.write("tobrin.socket", "left by a crash");
+  SingleInstance first(folder.path());
+  EXPECT_TRUE(std::make_unique<SingleInstance>(folder.path())->askFirstToShow());
+  EXPECT_TRUE(first.takeShowRequests()) << "kept though the second has gone";
+  EXPECT_FALSE(first.takeShowRequests()) << "all taken at once";
 }
 
 namespace fs = std::filesystem;
