@@ -120,14 +120,14 @@ HWY_NOINLINE Floats softLimited(Floats sample) {
   const auto over =
       hn::Sub(hn::Set(d, 1.0F), hn::Div(hn::Set(d, 0.04F), hn::Sub(size, hn::Set(d, 0.6F))));
   const auto below = hn::Min(over, hn::Set(d, 0x1.fffffep-1F));
-  const auto limited = hn::IfThenElse(hn::Gt(size, hn::Set(d, 0.9F)), below, size);
+  const auto limited = hn::IfThenElse(hn::Gt(size, hn::Set(d, 0.8F)), below, size);
   return hn::IfThenElseZero(hn::Eq(sample, sample), hn::CopySign(limited, sample));
 }
 
 HWY_INLINE Floats finished(Floats sample, Floats gain) {
   const FloatTag d;
   const auto loud = hn::Mul(gain, sample);
-  const auto quiet = hn::Le(hn::Abs(loud), hn::Set(d, 0.9F));
+  const auto quiet = hn::Le(hn::Abs(loud), hn::Set(d, 0.8F));
   return HWY_LIKELY(hn::AllTrue(d, quiet)) ? loud : softLimited(loud);
 }
 

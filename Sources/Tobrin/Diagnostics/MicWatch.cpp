@@ -44,7 +44,7 @@ int MicWatch::run(double seconds) {
 }
 
 void MicWatch::changed(bool inUse) {
-  if (std::exchange(printed_, inUse) != inUse) return;
+  if (std::exchange(printed_, inUse) == inUse) return;
   out_ << timeOfDay() << "  " << (inUse ? "mic in use: sounds pause" : "mic free: sounds resume")
        << "\n  " << describe(monitor_.current()) << std::endl;
 }

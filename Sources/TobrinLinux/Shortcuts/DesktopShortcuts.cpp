@@ -43,7 +43,7 @@ std::optional<ShortcutGrab> DesktopShortcuts::grabFromServer(const Hotkey& hotke
   auto shortcut = std::make_unique<XShortcut>(display_, hotkey, [this] { press(); });
   const ShortcutGrab outcome = shortcut->outcome();
   if (outcome.error == unavailable) return std::nullopt;
-  chords_.set(hotkey, [this] { press(); });
+  chords_.clear();
   if (outcome.result == ShortcutGrab::Result::granted) server_ = std::move(shortcut);
   return outcome;
 }
