@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "Input/KeyMonitor.h"
+#include "Support/Eventually.h"
 #include "Support/HeardKeys.h"
 #include "Tools/Devices/AsNobody.h"
 #include "Tools/Devices/Seat.h"
@@ -62,6 +63,7 @@ TEST_F(EvdevKeySourceTest, HearsKeyboardsPluggedInBeforeAndAfter) {
   ASSERT_TRUE(becomesHeard(second));
 
   first.press({KEY_A, KEY_LEFTSHIFT});
+  first.repeat({KEY_A, KEY_A});
   EXPECT_EQ(heard.await(2), "+0 +56 ");
   second.press({KEY_B, KEY_VOLUMEUP, KEY_CAPSLOCK});
   EXPECT_EQ(heard.await(2), "+11 +57 ");
@@ -83,6 +85,33 @@ TEST_F(EvdevKeySourceTest, AKeyboardThatVanishesReleasesWhatItHeldAndMayComeBack
     keyboard.emplace("Loose plug");
     EXPECT_TRUE(becomesHeard(*keyboard)) << round;
   }
+}
+
+TEST_F(EvdevKeySourceTest, AHundredPlugsAndPullsLoseNoKeyOfAnotherKeyboard) {
+  VirtualKeyboard steady("Steady");
+  ASSERT_TRUE(monitor.start());
+  ASSERT_TRUE(becomesHeard(steady));
+  const auto descriptors = [] {
+    const std::filesystem::directory_iterator open("/proc/self/fd");
+    return std::distance(begin(open), end(open));
+  };
+  const auto before = descriptors();
+  for (int round = 0; round < 100; ++round) {
+    VirtualKeyboard loose("Loose plug");
+    const bool isTypedOn = round % 10 == 0;
+    if (isTypedOn) {
+      ASSERT_TRUE(becomesHeard(loose)) << round;
+      loose.press({KEY_C});
+      ASSERT_EQ(heard.await(1), "+8 ") << round;
+    }
+    steady.press({KEY_A});
+    steady.release({KEY_A});
+    ASSERT_EQ(heard.await(2), "+0 -0 ") << round;
+    if (!isTypedOn) continue;
+    loose.release({KEY_C});
+    ASSERT_EQ(heard.await(1), "-8 ") << round;
+  }
+  EXPECT_TRUE(testing::eventually([&] { return descriptors() == before; })) << descriptors();
 }
 
 TEST_F(EvdevKeySourceTest, AGrabbedKeyboardIsHeardThroughItsTwinAlone) {

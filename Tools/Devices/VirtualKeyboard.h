@@ -37,6 +37,8 @@ class VirtualKeyboard final {
 
   void press(std::initializer_list<unsigned> keys) { write(keys, 1); }
   void release(std::initializer_list<unsigned> keys) { write(keys, 0); }
+  /// What the kernel says of keys that are held for long.
+  void repeat(std::initializer_list<unsigned> keys) { write(keys, 2); }
 
  private:
   void write(std::initializer_list<unsigned> keys, int value) {
