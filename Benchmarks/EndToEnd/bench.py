@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """tobrin-bench-latency [--presses N] [--long] [--json|--rows]: how long a key takes to sound, and what the program
 costs in between. Runs in a desktop session. --long adds what takes three quiet minutes."""
 
