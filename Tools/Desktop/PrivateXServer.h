@@ -3,6 +3,7 @@
 
 #include <linux/input-event-codes.h>
 #include <xcb/xcb.h>
+#include <unistd.h>
 #include <xcb/xtest.h>
 
 #include <initializer_list>
@@ -16,8 +17,8 @@ namespace tobrin::testing {
 
 class PrivateXServer final {
  public:
-  /// Picks a free display, or takes the one given (":7") to come back on it.
-  explicit PrivateXServer(const std::string& display = {})
+  /// Takes a display of this process's own, or the one given (":7") to come back on it.
+  explicit PrivateXServer(const std::string& display = ownDisplay())
       : server_(command(display), ChildProcess::Output::announced),
         display_(server_.firstLine().insert(0, 1, ':')),
         connection_(connectToX(display_)) {}
@@ -41,9 +42,14 @@ class PrivateXServer final {
   }
 
   static std::vector<std::string> command(const std::string& display) {
-    std::vector<std::string> words = {"Xvfb", "-displayfd", "1", "-noreset", "-nolisten", "tcp"};
-    if (!display.empty()) words.push_back(display);
-    return words;
+    return {"Xvfb", "-displayfd", "1", "-noreset", "-nolisten", "tcp", display};
+  }
+
+  // Far from the low numbers, which servers that pick for themselves take, also one that was left
+  // for a moment to come back to.
+  static std::string ownDisplay() {
+    static int made = 0;
+    return ":" + std::to_string(1000 + (getpid() * 8 + made++) % 50000);
   }
 
   ChildProcess server_;

@@ -3,8 +3,9 @@
 A press at time p (taken just before the request to the X server leaves the typist's process) is answered by
 the first sound not taken by an earlier press whose first sample the sink plays at s with
 
-    p <= s <= p + window.
+    p - 1 ms <= s <= p + window.
 
+The millisecond is how far the recording's times may be off: they follow the sound server's clock, cycle by cycle.
 With a window below the least time between presses a missing sound cannot be made up for by the next press's,
 so one miss is counted as one; a sound later than that counts as missing.
 
@@ -16,6 +17,8 @@ cycle starts, while a sound card adds the buffers it keeps.
 
 import math
 from dataclasses import dataclass
+
+CLOCK_SLACK_NS = 1_000_000
 
 
 @dataclass
@@ -40,7 +43,7 @@ def match(presses, sounds, window_ms=50.0):
     sounds = sorted(sounds, key=lambda sound: sound.ns)
     matches, following = [], 0
     for press in sorted(presses, key=lambda press: press.ns):
-        while following < len(sounds) and sounds[following].ns < press.ns:
+        while following < len(sounds) and sounds[following].ns < press.ns - CLOCK_SLACK_NS:
             following += 1
         answer = Match(press.ns)
         if following < len(sounds) and sounds[following].ns <= press.ns + window_ms * 1e6:
