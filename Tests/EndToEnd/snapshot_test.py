@@ -20,8 +20,9 @@ class SnapshotTest(unittest.TestCase):
 
     def snapshot(self, *words, **variables):
         """Exit status and output of a run that finds nothing but packs."""
+        sanitizers = {name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")}
         bare = {"PATH": os.environ["PATH"], "HOME": str(self.folder), "XDG_RUNTIME_DIR": str(self.folder),
-                "TOBRIN_PACKS": PACKS, **variables}
+                "TOBRIN_PACKS": PACKS, **sanitizers, **variables}
         run = subprocess.run([PROGRAM, "--snapshot", *words], env=bare, cwd=self.folder, check=False, timeout=60,
                              stdout=subprocess.PIPE, text=True)
         return run.returncode, run.stdout
