@@ -27,7 +27,9 @@ struct Closer {
 using SoundFile = std::unique_ptr<SNDFILE, Closer>;
 
 SoundFile openSound(const RegularFile& file, SF_INFO& info) {
-  SoundFile sound(sf_open_fd(file.descriptor(), SFM_READ, &info, SF_FALSE));
+  // A descriptor of its own: the library closes the one of a file that it refuses even where it is
+  // told not to, and a second close could hit what another thread has opened meanwhile.
+  SoundFile sound(sf_open_fd(file.duplicate(), SFM_READ, &info, SF_TRUE));
   if (!sound) throw std::runtime_error(sf_strerror(nullptr));
   if (info.channels < 1 || info.samplerate < lowestRate || info.samplerate > highestRate)
     throw std::runtime_error("unsupported format");

@@ -54,6 +54,12 @@ RegularFile::~RegularFile() {
   ::close(descriptor_);
 }
 
+int RegularFile::duplicate() const {
+  const int copy = ::fcntl(descriptor_, F_DUPFD_CLOEXEC, 0);
+  if (copy < 0) fail(errno);
+  return copy;
+}
+
 std::string RegularFile::readText(uint64_t maxBytes) const {
   if (size_ > maxBytes) fail(EFBIG);
   std::string text;

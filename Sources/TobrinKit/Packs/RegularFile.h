@@ -16,8 +16,9 @@ class RegularFile final {
   RegularFile(const RegularFile&) = delete;
   RegularFile& operator=(const RegularFile&) = delete;
 
-  /// Valid as long as this object; positioned at the start until something reads.
-  [[nodiscard]] int descriptor() const { return descriptor_; }
+  /// A descriptor of the caller's own, to close; it reads on where the others of this file are, the
+  /// first from the start. Throws `std::system_error` where there are none left.
+  [[nodiscard]] int duplicate() const;
   [[nodiscard]] uint64_t size() const { return size_; }  ///< bytes, when it was opened
 
   /// The whole content, refused with `EFBIG` where it is longer than `maxBytes`.
