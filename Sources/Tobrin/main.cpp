@@ -8,7 +8,7 @@
 
 int main(int argc, char** argv) {
   // Whoever reads our output through a pipe gets each line as it is written.
-  std::setvbuf(stdout, nullptr, _IOLBF, 0);
+  static_cast<void>(std::setvbuf(stdout, nullptr, _IOLBF, 0));
   tobrin::Confinement::keepNoCore();
   const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
   if (const auto status = tobrin::CLI::run(arguments)) return *status;

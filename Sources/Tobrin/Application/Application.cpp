@@ -65,9 +65,11 @@ int Application::run(int argc, char** argv) {
   const Launcher launcher;
   Confinement::takeNoPrivileges();
   SignalWatcher::holdSignals();
+  // NOLINTBEGIN(concurrency-mt-unsafe): there is one thread yet
   mallopt(M_ARENA_MAX, 1);  // few allocations at a time: a heap a thread would be mostly empty
   // Fixed, lest one large block that is given back keeps later ones in the heap for good.
   mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+  // NOLINTEND(concurrency-mt-unsafe)
   const auto interface = userInterface();
   const auto application = interface != nullptr ? interface->makeApplication(argc, argv)
                                                 : std::make_unique<QCoreApplication>(argc, argv);

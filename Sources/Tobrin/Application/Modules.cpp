@@ -13,7 +13,7 @@ std::filesystem::path fileOf(const std::string& name) {
   std::error_code error;
   const auto program = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
   const std::string file = "libtobrin-" + name + ".so";
-  const auto built = program / "modules" / file;
+  auto built = program / "modules" / file;
   if (std::filesystem::exists(built, error)) return built;
   return program / TOBRIN_MODULES_FROM_BIN / file;
 }

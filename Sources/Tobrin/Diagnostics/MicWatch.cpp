@@ -75,7 +75,7 @@ std::string MicWatch::timeOfDay() const {
   std::tm local{};
   localtime_r(&now, &local);
   char text[16];
-  std::strftime(text, sizeof text, "%H:%M:%S", &local);
+  static_cast<void>(std::strftime(text, sizeof text, "%H:%M:%S", &local));
   return text;
 }
 
