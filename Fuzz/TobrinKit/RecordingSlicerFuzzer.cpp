@@ -38,8 +38,11 @@ void check(const RecordingSlicer::Result& result, std::size_t frames) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   tobrin::fuzz::Input input(data, size);
-  constexpr double rate = 48000;
-  constexpr std::size_t framesAByte = 96;  // 2 ms, so that few bytes make many hits
+  // A low rate and a dozen hits at the most, so that many inputs are tried: under these sanitizers
+  // a hit takes milliseconds.
+  constexpr double rate = 8000;
+  constexpr std::size_t framesAByte = 32;  // 4 ms, so that few bytes make several hits
+  constexpr std::size_t longest = 150 * framesAByte;
   RecordingSlicer::Options options;
   try {
     options = tobrin::slicerOptionsFromJson(input.text(input.take<uint8_t>()));
@@ -47,10 +50,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     // The defaults, then.
   }
   std::vector<float> left, right;
-  while (!input.empty()) {
+  while (!input.empty() && left.size() < longest) {
     const float amplitude = static_cast<float>(input.take<int8_t>()) / 127;
     for (std::size_t i = 0; i < framesAByte; ++i) {
-      const float alternating = i / 8 % 2 == 0 ? amplitude : -amplitude;
+      const float alternating = i / 4 % 2 == 0 ? amplitude : -amplitude;
       left.push_back(alternating);
       right.push_back(alternating / 2);
     }

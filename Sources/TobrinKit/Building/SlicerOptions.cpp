@@ -20,10 +20,12 @@ struct CountKey {
 };
 
 constexpr double longestMs = 60'000;
+// Nothing that belongs to a key comes earlier; every take is longer by this much.
+constexpr double longestPreRollMs = 1000;
 constexpr int64_t mostVariants = 1000;
 
 constexpr NumberKey numbers[] = {
-    {"preRollMs", &Options::preRollMs, 0, longestMs},
+    {"preRollMs", &Options::preRollMs, 0, longestPreRollMs},
     {"maxPressMs", &Options::maxPressMs, 0, longestMs},
     {"maxBigPressMs", &Options::maxBigPressMs, 0, longestMs},
     {"maxReleaseMs", &Options::maxReleaseMs, 0, longestMs},

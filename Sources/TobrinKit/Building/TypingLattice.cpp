@@ -2,10 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <limits>
 #include <utility>
+
+#include "Engine/SplitMix64.h"
 
 namespace tobrin {
 namespace {
@@ -34,10 +38,13 @@ struct State {
   std::array<int, mostHeld> held{none, none, none, none};
   int lastPress = none;
 
-  /// Written out: the library's comparison of memory takes longer than all else here.
-  bool operator==(const State& other) const {
-    return lastPress == other.lastPress && held[0] == other.held[0] && held[1] == other.held[1] &&
-           held[2] == other.held[2] && held[3] == other.held[3];
+  bool operator==(const State&) const = default;
+
+  [[nodiscard]] uint64_t hash() const {
+    auto hash = static_cast<uint64_t>(lastPress);
+    for (const int press : held)
+      hash = (hash ^ (hash >> 32)) * SplitMix64::goldenGamma + static_cast<uint64_t>(press);
+    return hash * SplitMix64::goldenGamma;
   }
 
   [[nodiscard]] std::size_t heldCount() const {
@@ -67,6 +74,34 @@ struct Edge {
 struct Step {
   std::vector<Node> nodes;
   std::vector<Edge> edges;
+};
+
+/// Where the nodes of one step are, by their states: an open hash table. Looking through all nodes
+/// for each edge would take most of the time of a whole slicing.
+class Places {
+ public:
+  /// Forgets all; there will be `most` nodes at the most.
+  void clear(std::size_t most) {
+    bits_ = std::bit_width(most) + 1;
+    table_.assign(std::size_t{1} << bits_, free);
+  }
+
+  /// The node with that state, added to `nodes` where there is none yet.
+  std::size_t find(const State& state, std::vector<Node>& nodes) {
+    auto at = static_cast<std::size_t>(state.hash() >> (64 - bits_));
+    while (table_[at] != free && !(nodes[table_[at]].state == state))
+      at = (at + 1) % table_.size();
+    if (table_[at] == free) {
+      table_[at] = nodes.size();
+      nodes.push_back({state, impossible, impossible});
+    }
+    return table_[at];
+  }
+
+ private:
+  static constexpr auto free = static_cast<std::size_t>(-1);
+  int bits_ = 0;
+  std::vector<std::size_t> table_;
 };
 
 class Lattice {
@@ -110,11 +145,12 @@ class Lattice {
     const double release = logHeard_ + model_.releaseDb.logDensity(here.relativeDb);
     const double stray = logStray_ + model_.strayDb.logDensity(here.relativeDb);
     const auto& nodes = steps_[index].nodes;
+    places_.clear(nodes.size() * (mostHeld + 2));
     for (std::size_t from = 0; from < nodes.size(); ++from) {
       State state = nodes[from].state;
       double weight = forgetLongHeld(state, here.time);
       const auto extend = [&](const State& to, double gain, int meaning) {
-        next.edges.push_back({from, place(next, to), weight + gain, meaning});
+        next.edges.push_back({from, places_.find(to, next.nodes), weight + gain, meaning});
         Node& node = next.nodes[next.edges.back().to];
         node.forward = logOfSum(node.forward, nodes[from].forward + weight + gain);
       };
@@ -162,14 +198,6 @@ class Lattice {
       weight += logUnheard_;
     }
     return weight;
-  }
-
-  static std::size_t place(Step& step, const State& state) {
-    const auto found = std::find_if(step.nodes.begin(), step.nodes.end(),
-                                    [&](const Node& node) { return node.state == state; });
-    const auto index = static_cast<std::size_t>(found - step.nodes.begin());
-    if (found == step.nodes.end()) step.nodes.push_back({state, impossible, impossible});
-    return index;
   }
 
   static void keepBest(Step& step) {
@@ -227,6 +255,7 @@ class Lattice {
   std::vector<double> holds_;
   std::vector<double> intervals_;
   std::vector<Step> steps_;  // the first is before all hits
+  Places places_;            // of the nodes after the current hit
 };
 
 }  // namespace

@@ -38,6 +38,7 @@ TEST(PackRecipe, RefusesWhatIsWrongByItsKey) {
       {recipe(R"(, "options": {"gainDb": "loud"})"), "\"gainDb\" must be a number"},
       {recipe(R"(, "options": {"alphaVariants": 2.5})"), "\"alphaVariants\" must be a whole"},
       {recipe(R"(, "options": {"bigKeyShare": 1e300})"), "\"bigKeyShare\" must lie between"},
+      {recipe(R"(, "options": {"preRollMs": 1001})"), "\"preRollMs\" must lie between"},
       {recipe(R"(, "options": {"noReleases": 1})"), "\"noReleases\" must be true or false"},
       {recipe().substr(0, 40), "not valid JSON"},
       {recipe(R"(, "options": {"x": )" + std::string(100'000, '[') + std::string(100'000, ']') +
