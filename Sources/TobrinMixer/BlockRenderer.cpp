@@ -4,20 +4,10 @@
 
 namespace tobrin {
 
-void BlockRenderer::addPending(uint32_t channels) noexcept {
-  if (pending_ != nullptr) kernels_.addLines(*pending_, mix_, channels);
-  pending_ = nullptr;
-}
-
-// A stretch's lines are summed now but added a turn later: reading them while the sums are still on
-// their way to the cache would stall.
-void BlockRenderer::addStretch(const MixerVoice& voice, MixSpan span, uint32_t channels) noexcept {
+void BlockRenderer::addStretch(MixerVoice& voice, MixSpan span, uint32_t channels) noexcept {
   if (span.frames == 0) return;
-  StretchWork& work = pending_ == works_.data() ? works_[1] : works_[0];
-  describeStretch(voice, span, channels, work.stretch);
-  kernels_.formLines(work);
-  addPending(channels);
-  pending_ = &work;
+  if (!voice.lines.hold(voice.frame(), channels)) gatherLines(voice, channels);
+  kernels_.addStretch(voice, span, space_);
 }
 
 // Adds one voice to a stretch of the block. Returns false where its sound or its release ends.
@@ -41,11 +31,11 @@ bool BlockRenderer::renderVoice(MixerVoice& voice, uint32_t channels, uint32_t f
 void BlockRenderer::renderStretch(const OutputChannels& output, uint32_t firstFrame,
                                   uint32_t frames, const MasterRamp& ramp) noexcept {
   for (uint32_t c = 0; c < output.count; ++c)
-    std::fill_n(mix_[c].data(), frames, 0.0F);
+    std::fill_n(space_.mix[c].data(), frames, 0.0F);
   pool_.forEachActive([&](MixerVoice& voice) { return renderVoice(voice, output.count, frames); });
-  addPending(output.count);
+  kernels_.addPending(space_);
   for (uint32_t c = 0; c < output.count; ++c)
-    kernels_.finish(mix_[c].data(), output.samples[c] + firstFrame, frames, ramp);
+    kernels_.finish(space_.mix[c].data(), output.samples[c] + firstFrame, frames, ramp);
 }
 
 void BlockRenderer::render(const OutputChannels& output, uint32_t frames, float master) noexcept {

@@ -6,7 +6,6 @@
 #include "MixKernels.h"
 #include "TobrinMixer.h"
 #include "VoicePool.h"
-#include "VoiceStretches.h"
 
 namespace tobrin {
 
@@ -35,14 +34,11 @@ class BlockRenderer final {
   void renderStretch(const OutputChannels& output, uint32_t firstFrame, uint32_t frames,
                      const MasterRamp& ramp) noexcept;
   bool renderVoice(MixerVoice& voice, uint32_t channels, uint32_t frames) noexcept;
-  void addStretch(const MixerVoice& voice, MixSpan span, uint32_t channels) noexcept;
-  void addPending(uint32_t channels) noexcept;
+  void addStretch(MixerVoice& voice, MixSpan span, uint32_t channels) noexcept;
 
-  alignas(64) MixBuffer mix_{};
-  std::array<StretchWork, 2> works_{};  ///< used in turn
+  MixSpace space_;
   VoicePool pool_;
   const MixKernels& kernels_;
-  StretchWork* pending_ = nullptr;  ///< formed, but not yet added to the mix
   float master_ = 1;
 };
 

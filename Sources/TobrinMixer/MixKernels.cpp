@@ -23,18 +23,19 @@ HWY_INLINE Floats frameNumbers(uint32_t first) {
 // Calls `addVector(reader, frame, heard)` for every vector of the stretch; `heard` silences the
 // lanes past the stretch's end.
 template <typename Reader, typename AddVector>
-void forEachVector(const VoiceStretch& stretch, AddVector addVector) {
+void forEachVector(const FormedStretch& stretch, AddVector addVector) {
   const FloatTag d;
   const size_t lanes = hn::Lanes(d);
+  const uint32_t frames = stretch.span.frames;
   Reader reader({.fraction = static_cast<int32_t>(stretch.fraction),
                  .rate = static_cast<int32_t>(stretch.rate)},
-                stretch.frames);
+                frames);
   size_t vector = 0;
-  for (; (vector + 1) * lanes <= stretch.frames; ++vector) {
+  for (; (vector + 1) * lanes <= frames; ++vector) {
     reader.seek(vector);
     addVector(reader, vector * lanes, [](Floats value) { return value; });
   }
-  const size_t rest = stretch.frames - vector * lanes;
+  const size_t rest = frames - vector * lanes;
   if (rest == 0) return;
   reader.seek(vector);
   const auto heard = hn::FirstN(d, rest);
@@ -52,21 +53,21 @@ HWY_INLINE Floats lineValue(const Reader& reader, const float* line, const float
 }
 
 template <typename Reader, bool ramping>
-void addLinesWith(const StretchWork& work, MixBuffer& mix, uint32_t channels) {
+void addLinesWith(const FormedStretch& stretch, MixBuffer& mix) {
   const FloatTag d;
-  const VoiceStretch& stretch = work.stretch;
-  constexpr size_t first = StretchWork::front;
-  const std::array<const float*, 2> lines{work.sums[0].data() + first, work.sums[1].data() + first};
-  const std::array<const float*, 2> steps{work.steps[0].data() + first,
-                                          work.steps[1].data() + first};
-  float* left = mix[0].data() + stretch.offset;
-  float* right = mix[1].data() + stretch.offset;
+  constexpr size_t front = FormedStretch::front;
+  const std::array<const float*, 2> lines{stretch.sums[0].data() + front,
+                                          stretch.sums[1].data() + front};
+  const std::array<const float*, 2> steps{stretch.steps[0].data() + front,
+                                          stretch.steps[1].data() + front};
+  float* left = mix[0].data() + stretch.span.offset;
+  float* right = mix[1].data() + stretch.span.offset;
   const auto value = [&](const Reader& reader, size_t line, size_t frame) HWY_ATTR {
     const auto rampFrame =
         ramping ? frameNumbers(stretch.rampFrame + static_cast<uint32_t>(frame)) : hn::Zero(d);
     return lineValue<ramping>(reader, lines[line], steps[line], rampFrame);
   };
-  if (channels == 1) {
+  if (stretch.channels == 1) {
     forEachVector<Reader>(stretch, [&](const Reader& reader, size_t frame, auto heard) HWY_ATTR {
       accumulate(left + frame, heard(value(reader, 0, frame)));
     });
@@ -86,31 +87,61 @@ void addLinesWith(const StretchWork& work, MixBuffer& mix, uint32_t channels) {
   }
 }
 
-void formLines(StretchWork& work) noexcept {
-  const VoiceStretch& stretch = work.stretch;
-  work.windowed = suitsWindows(stretch);
-  if (work.windowed) return;
+// Copies what the stretch needs of the voice, which moves on before the stretch is added.
+void describe(const MixerVoice& voice, MixSpan span, FormedStretch& formed) {
+  formed.fraction = voice.fraction();
+  formed.rate = voice.rate;
+  formed.span = span;
+  formed.rampFrame = voice.rampFrame;
+  formed.ramping = voice.rampLeft > 0;
+  formed.channels = voice.lines.channels;
+  formed.lineCount = voice.lines.lineCount;
+  formed.panLeft = voice.panLeft;
+  formed.panRight = voice.panRight;
+}
+
+void formLines(const MixerVoice& voice, MixSpan span, FormedStretch& formed) {
+  describe(voice, span, formed);
   const uint64_t last =
-      (stretch.fraction + (stretch.frames - 1) * stretch.rate) >> MixerVoice::fractionBits;
-  const auto frames = static_cast<size_t>(last + 2);
-  for (uint32_t n = 0; n < stretch.lineCount; ++n) {
-    const Line& line = stretch.lines[n];
-    sumLine(line, &LineSource::gain, frames, work.sums[n].data() + StretchWork::front);
-    if (stretch.ramping)
-      sumLine(line, &LineSource::step, frames, work.steps[n].data() + StretchWork::front);
+      (formed.fraction + (span.frames - 1) * formed.rate) >> MixerVoice::fractionBits;
+  const SampleSpan samples{.first = voice.frame(),
+                           .frames = static_cast<size_t>(last + 2),
+                           .common = voice.lines.shortest - voice.frame()};
+  for (uint32_t n = 0; n < formed.lineCount; ++n) {
+    const Line& line = voice.lines.lines[n];
+    sumLine(line, &LineSource::gain, samples, formed.sums[n].data() + FormedStretch::front);
+    if (formed.ramping)
+      sumLine(line, &LineSource::step, samples, formed.steps[n].data() + FormedStretch::front);
   }
 }
 
-void addLines(const StretchWork& work, MixBuffer& mix, uint32_t channels) noexcept {
-  const VoiceStretch& stretch = work.stretch;
-  if (work.windowed) return addWindows(stretch, mix, channels);
+void addLines(const FormedStretch& stretch, MixBuffer& mix) {
   if (NearRates::suits(static_cast<int64_t>(stretch.rate))) {
-    stretch.ramping ? addLinesWith<NearRates, true>(work, mix, channels)
-                    : addLinesWith<NearRates, false>(work, mix, channels);
+    stretch.ramping ? addLinesWith<NearRates, true>(stretch, mix)
+                    : addLinesWith<NearRates, false>(stretch, mix);
   } else {
-    stretch.ramping ? addLinesWith<AnyRate, true>(work, mix, channels)
-                    : addLinesWith<AnyRate, false>(work, mix, channels);
+    stretch.ramping ? addLinesWith<AnyRate, true>(stretch, mix)
+                    : addLinesWith<AnyRate, false>(stretch, mix);
   }
+}
+
+void addPending(MixSpace& space) noexcept {
+  if (space.pending != nullptr) addLines(*space.pending, space.mix);
+  space.pending = nullptr;
+}
+
+// Lines are formed now but added a turn later: reading them while the sums are still on their way
+// to the cache would stall. Voices are added in their order all the same, whatever way each takes.
+void addStretch(const MixerVoice& voice, MixSpan span, MixSpace& space) noexcept {
+  if (suitsWindows(voice, span.frames)) {
+    addPending(space);
+    addWindows(voice, span, space.mix);
+    return;
+  }
+  FormedStretch& formed = space.pending == space.formed.data() ? space.formed[1] : space.formed[0];
+  formLines(voice, span, formed);
+  addPending(space);
+  space.pending = &formed;
 }
 
 // What has no size, neither small nor large, becomes silence, lest it reach the device.
@@ -159,7 +190,8 @@ void finish(const float* mix, float* output, uint32_t frames, const MasterRamp& 
 }
 
 const MixKernels& kernels() {
-  static constexpr MixKernels table{.formLines = formLines, .addLines = addLines, .finish = finish};
+  static constexpr MixKernels table{
+      .addStretch = addStretch, .addPending = addPending, .finish = finish};
   return table;
 }
 

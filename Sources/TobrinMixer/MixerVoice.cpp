@@ -14,6 +14,7 @@ void MixerVoice::rampTo(const std::array<float, TB_LAYERS>& gains, uint32_t fram
   target = gains;
   rampFrame = 0;
   rampLeft = frames;
+  lines.channels = 0;
 }
 
 void MixerVoice::advance(uint32_t frames) noexcept {
@@ -22,6 +23,7 @@ void MixerVoice::advance(uint32_t frames) noexcept {
   assert(frames <= rampLeft);
   rampFrame += frames;
   rampLeft -= frames;
+  if (rampLeft == 0) lines.channels = 0;
 }
 
 }  // namespace tobrin

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "TobrinMixer.h"
+#include "VoiceLines.h"
 
 namespace tobrin {
 
@@ -37,6 +38,13 @@ struct MixerVoice {
   uint64_t rate = one;                      ///< fixed point, frames a frame
   float panLeft = 1;
   float panRight = 1;
+  VoiceLines lines;  ///< gathered from the above while the voice sounds
+
+  /// Whole part of the position.
+  [[nodiscard]] uint64_t frame() const noexcept { return position >> fractionBits; }
+
+  /// The rest of the position, fixed point.
+  [[nodiscard]] uint64_t fraction() const noexcept { return position & (one - 1); }
 
   /// The gain of `layer` in the next frame.
   [[nodiscard]] float gain(uint32_t layer) const noexcept {
@@ -44,7 +52,8 @@ struct MixerVoice {
     return rampFrom[layer] + rampStep[layer] * static_cast<float>(rampFrame);
   }
 
-  /// Starts a ramp of `frames` from the present gains to `gains`.
+  /// Starts a ramp of `frames` from the present gains to `gains`. The lines are to be gathered
+  /// anew.
   void rampTo(const std::array<float, TB_LAYERS>& gains, uint32_t frames) noexcept;
 
   /// Whether all of the next `frames` frames, at least one, lie within the sound.

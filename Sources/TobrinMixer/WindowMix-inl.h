@@ -26,7 +26,7 @@ constexpr int32_t windowLanes = 16;
 /// The lanes of a vector read their samples from a window of two vectors, which moves on by one
 /// vector each time. A run lasts until the drift of the position leaves the window.
 struct WindowRun {
-  int64_t base;     ///< the window's first sample, counted from the stretch's
+  int64_t base;     ///< the window's first sample, counted from the layers'
   int32_t place;    ///< of the first frame in the window, fixed point
   uint32_t frames;  ///< the run's length
 };
@@ -35,8 +35,8 @@ constexpr int32_t fixedPoint(int32_t frames) {
   return frames << MixerVoice::fractionBits;
 }
 
-inline int32_t driftOf(const VoiceStretch& stretch) {
-  return static_cast<int32_t>(static_cast<int64_t>(stretch.rate) - oneFrame);
+inline int32_t driftOf(const MixerVoice& voice) {
+  return static_cast<int32_t>(static_cast<int64_t>(voice.rate) - oneFrame);
 }
 
 // The place that a run's first frame may have at most, so that its last lane still finds both of
@@ -45,17 +45,17 @@ inline int32_t highestPlace(int32_t drift) {
   return fixedPoint(windowLanes) - 1 - std::max(drift, 0) * (windowLanes - 1);
 }
 
-// Where the window should begin: on a cache line if the whole rest of the stretch can be one run.
-inline int32_t samplesBefore(const VoiceStretch& stretch, const float* samples, int64_t first,
-                             int32_t fraction, int32_t wholeDrift) {
-  const int32_t highest = (highestPlace(driftOf(stretch)) - fraction) >> MixerVoice::fractionBits;
+// How far before the first frame's sample the window should begin: on a cache line if the whole
+// rest of the stretch can be one run.
+inline int32_t samplesBefore(int32_t drift, const float* sample, int32_t fraction,
+                             int32_t wholeDrift) {
+  const int32_t highest = (highestPlace(drift) - fraction) >> MixerVoice::fractionBits;
   const int32_t atLeast = wholeDrift < 0 ? (-wholeDrift >> MixerVoice::fractionBits) + 1 : 0;
   const int32_t atMost =
       highest - (wholeDrift > 0 ? (wholeDrift >> MixerVoice::fractionBits) + 1 : 0);
   const auto pastLine =
-      static_cast<int32_t>((reinterpret_cast<uintptr_t>(samples) / sizeof(float)) % windowLanes);
-  const int32_t wanted = std::clamp(pastLine, std::min(atLeast, highest), std::max(atMost, 0));
-  return static_cast<int32_t>(std::min<int64_t>(wanted, first));
+      static_cast<int32_t>((reinterpret_cast<uintptr_t>(sample) / sizeof(float)) % windowLanes);
+  return std::clamp(pastLine, std::min(atLeast, highest), std::max(atMost, 0));
 }
 
 // Vectors until a place that moves by `drift` each leaves the window; it does move.
@@ -64,20 +64,16 @@ inline uint32_t vectorsInWindow(int32_t place, int32_t drift, int32_t highest) {
   return static_cast<uint32_t>(place / -drift) + 1;  // cppcheck-suppress zerodivcond
 }
 
-// The run that begins `done` frames into the stretch.
-inline WindowRun runFrom(const VoiceStretch& stretch, uint32_t done) {
-  const int32_t drift = driftOf(stretch);
-  const uint64_t position = stretch.fraction + done * stretch.rate;
-  const auto ahead = static_cast<int64_t>(position >> MixerVoice::fractionBits);
+// The run of at most `frames` frames that begins at `position`.
+inline WindowRun runFrom(const MixerVoice& voice, uint64_t position, uint32_t frames) {
+  const int32_t drift = driftOf(voice);
+  const auto first = static_cast<int64_t>(position >> MixerVoice::fractionBits);
   const auto fraction = static_cast<int32_t>(position & (MixerVoice::one - 1));
-  const uint32_t vectors = (stretch.frames - done - 1) / windowLanes;
-  const int32_t wholeDrift = drift * windowLanes * static_cast<int32_t>(vectors);
-  const float* samples = stretch.lines[0].sources[0].samples + ahead;
-  const int32_t before = samplesBefore(
-      stretch, samples, static_cast<int64_t>(stretch.first) + ahead, fraction, wholeDrift);
-  WindowRun run{.base = ahead - before,
-                .place = fixedPoint(before) + fraction,
-                .frames = stretch.frames - done};
+  const int32_t wholeDrift = drift * windowLanes * static_cast<int32_t>((frames - 1) / windowLanes);
+  const float* samples = voice.lines.lines[0].sources[0].samples;
+  const auto before = static_cast<int32_t>(
+      std::min<int64_t>(samplesBefore(drift, samples + first, fraction, wholeDrift), first));
+  WindowRun run{.base = first - before, .place = fixedPoint(before) + fraction, .frames = frames};
   const int32_t highest = highestPlace(drift);
   if (run.place + wholeDrift < 0 || run.place + wholeDrift > highest) {
     const uint32_t fitting = vectorsInWindow(run.place, drift * windowLanes, highest);
@@ -137,31 +133,32 @@ struct WindowPlaces {
 enum class MixShape { oneToOne, oneToTwo, twoToTwo };
 
 template <size_t count, MixShape shape>
-void addRun(const VoiceStretch& stretch, const WindowRun& run, float* left, float* right) {
+void addRun(const MixerVoice& voice, const WindowRun& run, float* left, float* right) {
   const FloatTag d;
   const IntTag di;
   constexpr bool two = shape == MixShape::twoToTwo;
-  const WindowLine<count> first(stretch.lines[0], run.base);
-  const WindowLine<count> second(stretch.lines[two ? 1 : 0], run.base);
-  const auto panLeft = hn::Set(d, stretch.panLeft);
-  const auto panRight = hn::Set(d, stretch.panRight);
-  auto places = hn::Add(hn::Mul(hn::Iota(di, 0), hn::Set(di, static_cast<int32_t>(stretch.rate))),
+  const VoiceLines& lines = voice.lines;
+  const WindowLine<count> first(lines.lines[0], run.base);
+  const WindowLine<count> second(lines.lines[two ? 1 : 0], run.base);
+  const auto panLeft = hn::Set(d, voice.panLeft);
+  const auto panRight = hn::Set(d, voice.panRight);
+  auto places = hn::Add(hn::Mul(hn::Iota(di, 0), hn::Set(di, static_cast<int32_t>(voice.rate))),
                         hn::Set(di, run.place));
-  const auto advance = hn::Set(di, driftOf(stretch) * windowLanes);
+  const auto advance = hn::Set(di, driftOf(voice) * windowLanes);
   auto low = first.sum(0);
   auto lowSecond = two ? second.sum(0) : low;
   const auto addVector = [&](uint32_t frame, auto heard) HWY_ATTR {
-    const WindowPlaces lanes(places);
+    const WindowPlaces window(places);
     places = hn::Add(places, advance);
     const auto high = first.sum(frame + windowLanes);
-    const auto value = lanes.interpolate(low, high);
+    const auto value = window.interpolate(low, high);
     low = high;
     accumulate(left + frame, heard(shape == MixShape::oneToTwo ? hn::Mul(panLeft, value) : value));
     if constexpr (shape == MixShape::oneToTwo)
       accumulate(right + frame, heard(hn::Mul(panRight, value)));
     if constexpr (two) {
       const auto highSecond = second.sum(frame + windowLanes);
-      accumulate(right + frame, heard(lanes.interpolate(lowSecond, highSecond)));
+      accumulate(right + frame, heard(window.interpolate(lowSecond, highSecond)));
       lowSecond = highSecond;
     }
   };
@@ -177,43 +174,39 @@ void addRun(const VoiceStretch& stretch, const WindowRun& run, float* left, floa
 }
 
 template <MixShape shape>
-void addRunOf(const VoiceStretch& stretch, const WindowRun& run, float* left, float* right) {
-  switch (stretch.lines[0].count) {
+void addRunOf(const MixerVoice& voice, const WindowRun& run, float* left, float* right) {
+  switch (voice.lines.lines[0].count) {
     case 1:
-      return addRun<1, shape>(stretch, run, left, right);
+      return addRun<1, shape>(voice, run, left, right);
     case 2:
-      return addRun<2, shape>(stretch, run, left, right);
+      return addRun<2, shape>(voice, run, left, right);
     case 3:
-      return addRun<3, shape>(stretch, run, left, right);
+      return addRun<3, shape>(voice, run, left, right);
     default:
-      return addRun<4, shape>(stretch, run, left, right);
+      return addRun<4, shape>(voice, run, left, right);
   }
 }
 
-/// Whether the stretch has steady gains, a rate near 1, and samples enough past its end.
-inline bool suitsWindows(const VoiceStretch& stretch) {
-  const uint32_t count = stretch.lines[0].count;
-  if (stretch.ramping || count == 0 || count > TB_LAYERS) return false;
-  if (!NearRates::suits(static_cast<int64_t>(stretch.rate))) return false;
-  const uint64_t last =
-      (stretch.fraction + stretch.frames * stretch.rate) >> MixerVoice::fractionBits;
-  for (uint32_t n = 0; n < count; ++n) {
-    if (stretch.lines[0].sources[n].frames < last + 3 * windowLanes) return false;
-  }
-  return true;
+/// Whether the voice has steady gains, a rate near 1, and samples enough past the next `frames`.
+inline bool suitsWindows(const MixerVoice& voice, uint32_t frames) {
+  const uint32_t count = voice.lines.lines[0].count;
+  if (voice.rampLeft > 0 || count == 0 || count > TB_LAYERS) return false;
+  if (!NearRates::suits(static_cast<int64_t>(voice.rate))) return false;
+  const uint64_t last = (voice.position + frames * voice.rate) >> MixerVoice::fractionBits;
+  return last + 3 * windowLanes <= voice.lines.shortest;
 }
 
-inline void addWindows(const VoiceStretch& stretch, MixBuffer& mix, uint32_t channels) {
-  for (uint32_t done = 0; done < stretch.frames;) {
-    const WindowRun run = runFrom(stretch, done);
-    float* left = mix[0].data() + stretch.offset + done;
-    float* right = mix[1].data() + stretch.offset + done;
-    if (channels == 1) {
-      addRunOf<MixShape::oneToOne>(stretch, run, left, right);
-    } else if (stretch.lineCount == 1) {
-      addRunOf<MixShape::oneToTwo>(stretch, run, left, right);
+inline void addWindows(const MixerVoice& voice, MixSpan span, MixBuffer& mix) {
+  for (uint32_t done = 0; done < span.frames;) {
+    const WindowRun run = runFrom(voice, voice.position + done * voice.rate, span.frames - done);
+    float* left = mix[0].data() + span.offset + done;
+    float* right = mix[1].data() + span.offset + done;
+    if (voice.lines.channels == 1) {
+      addRunOf<MixShape::oneToOne>(voice, run, left, right);
+    } else if (voice.lines.lineCount == 1) {
+      addRunOf<MixShape::oneToTwo>(voice, run, left, right);
     } else {
-      addRunOf<MixShape::twoToTwo>(stretch, run, left, right);
+      addRunOf<MixShape::twoToTwo>(voice, run, left, right);
     }
     done += run.frames;
   }
@@ -221,10 +214,10 @@ inline void addWindows(const VoiceStretch& stretch, MixBuffer& mix, uint32_t cha
 
 #else
 
-inline bool suitsWindows(const VoiceStretch&) {
+inline bool suitsWindows(const MixerVoice&, uint32_t) {
   return false;
 }
-inline void addWindows(const VoiceStretch&, MixBuffer&, uint32_t) {}
+inline void addWindows(const MixerVoice&, MixSpan, MixBuffer&) {}
 
 #endif
 
