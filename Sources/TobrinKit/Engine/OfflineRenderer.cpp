@@ -94,11 +94,12 @@ std::size_t lengthInFrames(double seconds, double sampleRate) {
   return static_cast<std::size_t>(frames);
 }
 
-std::vector<float> silence(std::size_t frames, OfflineRenderer::MemoryHint hint) {
+// Room for a channel, as yet untouched: memory that is cleared block by block, right before the
+// block is rendered, is still in the cache then.
+std::vector<float> roomFor(std::size_t frames, OfflineRenderer::MemoryHint hint) {
   std::vector<float> channel;
   channel.reserve(frames);
   if (hint != nullptr) hint(channel.data(), frames * sizeof(float));
-  channel.resize(frames);
   return channel;
 }
 
@@ -118,7 +119,7 @@ OfflineRenderer::Sound OfflineRenderer::render(const LoadedPack& pack,
                    [](const ScriptedKey& a, const ScriptedKey& b) { return a.time < b.time; });
   const double lastTime = script.empty() ? 0 : script.back().time;
   const std::size_t frames = lengthInFrames(tail + lastTime, sampleRate);
-  Sound sound{silence(frames, hint), silence(frames, hint)};
+  Sound sound{roomFor(frames, hint), roomFor(frames, hint)};
 
   Voicer voicer(pack, settings);
   auto next = script.cbegin();
@@ -127,6 +128,8 @@ OfflineRenderer::Sound OfflineRenderer::render(const LoadedPack& pack,
     for (; next != script.cend() && std::floor(sampleRate * next->time) < static_cast<double>(end);
          ++next)
       if (const auto command = voicer.command(*next)) tb_mixer_push(mixer.get(), &*command);
+    sound.left.resize(end);
+    sound.right.resize(end);
     tb_mixer_render(mixer.get(), &sound.left[start], &sound.right[start],
                     static_cast<uint32_t>(end - start));
     if (progress && end % framesPerNotice == 0)
