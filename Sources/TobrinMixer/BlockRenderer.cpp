@@ -7,7 +7,7 @@ namespace tobrin {
 void BlockRenderer::addStretch(MixerVoice& voice, MixSpan span, uint32_t channels) noexcept {
   if (span.frames == 0) return;
   if (!voice.lines.hold(voice.frame(), channels)) gatherLines(voice, channels);
-  kernels_.addStretch(voice, span, space_);
+  if (!voice.lines.silent()) kernels_.addStretch(voice, span, space_);
 }
 
 // Adds one voice to a stretch of the block. Returns false where its sound or its release ends.

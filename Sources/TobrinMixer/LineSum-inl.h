@@ -68,16 +68,14 @@ inline void sumFrames(const Line& set, float LineSource::*weightOf, const Sample
   }
 }
 
-/// Writes the weighted sum of a span to `line`, with silence where a source has ended.
+/// Writes the weighted sum of a span of `set`, which has sources, to `line`, with silence where a
+/// source has ended.
 inline void sumLine(const Line& set, float LineSource::*weightOf, const SampleSpan& span,
                     float* line) {
   const size_t lanes = hn::Lanes(hn::ScalableTag<float>());
-  const size_t vectors =
-      set.count == 0 ? 0 : std::min((span.frames + lanes - 1) / lanes, span.common / lanes);
+  const size_t vectors = std::min((span.frames + lanes - 1) / lanes, span.common / lanes);
   const LineSource* sources = set.sources.data();
   switch (set.count) {
-    case 0:
-      break;
     case 1:
       sumVectors<1>(sources, weightOf, span.first, vectors, line);
       break;

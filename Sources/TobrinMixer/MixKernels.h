@@ -58,7 +58,8 @@ struct MasterRamp {
 /// wherever a block begins.
 struct MixKernels {
   /// Adds what `voice` sounds from its present position on. The frames lie within its sound and
-  /// within its ramp, if one runs, and its lines hold. May leave the stretch pending.
+  /// within its ramp, if one runs, and its lines hold and are not silent. May leave the stretch
+  /// pending.
   void (*addStretch)(const MixerVoice& voice, MixSpan span, MixSpace& space) noexcept;
 
   /// Adds the pending stretch, if there is one.

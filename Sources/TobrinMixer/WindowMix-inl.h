@@ -190,7 +190,7 @@ void addRunOf(const MixerVoice& voice, const WindowRun& run, float* left, float*
 /// Whether the voice has steady gains, a rate near 1, and samples enough past the next `frames`.
 inline bool suitsWindows(const MixerVoice& voice, uint32_t frames) {
   const uint32_t count = voice.lines.lines[0].count;
-  if (voice.rampLeft > 0 || count == 0 || count > TB_LAYERS) return false;
+  if (voice.rampLeft > 0 || count > TB_LAYERS) return false;
   if (!NearRates::suits(static_cast<int64_t>(voice.rate))) return false;
   const uint64_t last = (voice.position + frames * voice.rate) >> MixerVoice::fractionBits;
   return last + 3 * windowLanes <= voice.lines.shortest;
