@@ -40,7 +40,7 @@ if(TOBRIN_SANITIZE)
     add_compile_options(-Wno-tsan)
   endif()
 endif()
-if(TOBRIN_FUZZ)
+if(TOBRIN_FUZZ AND CMAKE_CXX_COMPILER_ID MATCHES Clang)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 

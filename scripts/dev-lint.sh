@@ -1,20 +1,65 @@
-# lint [FILTER]: static analysis of the sources (those whose paths hold FILTER), and of the panel.
+# lint [FILTER]: static analysis of all C++ and C (the files whose paths hold FILTER), of the panel and of the
+# scripts. Goes on past findings and fails in the end; a second run takes up what is left.
 main() {
-  local filter=${1:-}
+  local filter=${1:-} failed=()
   ensure_packages scripts/packages.txt
   ensure_packages scripts/packages-lint.txt
-  build_preset release >/dev/null
+  check_sources "$filter" || failed+=(clang-tidy)
+  check_flow || failed+=(cppcheck)
+  check_panel || failed+=(qmllint)
+  check_scripts || failed+=(scripts)
+  [ ${#failed[@]} -eq 0 ] || die "findings of: ${failed[*]}"
+  say "no findings"
+}
+
+# The lint preset runs clang-tidy with every compilation, so that the build knows what is done, and how
+# many at once. Other checks, or another clang-tidy, make other commands: then it does all again.
+check_sources() {
+  local plugin=build/lint/own-declarations.so version objects
   say "clang-tidy"
-  git ls-files 'Sources/*.cpp' | grep -F -- "$filter" |
-    xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p build/release
+  version=$({
+    clang-tidy --version
+    git ls-files -z '*.clang-tidy' scripts/tidy Tools/Lint | xargs -0 cat
+  } | sha1sum)
+  mkdir -p build/lint
+  if [ Tools/Lint/OwnDeclarations.cpp -nt $plugin ]; then
+    c++ -std=c++20 -shared -fPIC -fno-rtti -O1 -isystem /usr/lib/llvm-14/include \
+      -o $plugin Tools/Lint/OwnDeclarations.cpp || return
+  fi
+  cmake --preset lint -DCMAKE_{C,CXX}_CLANG_TIDY="$PWD/scripts/tidy;${version:0:12}" >/dev/null || return
+  # Files of the project, not what is generated from them.
+  mapfile -t objects < <(ninja -C build/lint -t targets all |
+    sed -n 's/: C\(XX\)\?_COMPILER__.*//p' | grep '\.c\(pp\)\?\.o$' | grep -v _autogen | grep -F -- "$filter")
+  [ ${#objects[@]} -gt 0 ] || die "no source's path holds '$filter'"
+  ninja -C build/lint -k 0 "${objects[@]}"
+}
+
+check_flow() {
   say "cppcheck"
-  # constStatement takes uint64_t{x} and lambdas with attributes for statements without effect;
-  # useInitializationList wants values there that other members decide.
-  cppcheck --quiet --error-exitcode=1 --std=c++20 --enable=warning,performance,portability \
-    --inline-suppr --suppress=missingIncludeSystem --suppress=unknownMacro \
-    --suppress=constStatement --suppress=useInitializationList \
-    -I Sources/TobrinMixer/include -I Sources/TobrinKit -I Sources/TobrinLinux -I Sources/Tobrin \
-    Sources
+  # The toolkit's words are for what includes it: one of them, "forever", is a name elsewhere.
+  flow_of Sources/Tobrin{Mixer,Kit,Linux,Packs,Force,KeyAccess} Tests/{Devices,RealTime} Tests/Tobrin?* \
+    Tools Benchmarks Fuzz || return
+  flow_of --library=qt '-DQML_NAMED_ELEMENT(name)=' Sources/Tobrin Tests/Tobrin
+}
+
+# In the mixer's vectors, useInitializationList wants values at once that later members decide.
+flow_of() {
+  cppcheck --quiet -j "$(nproc)" --error-exitcode=1 --std=c++20 --enable=warning,performance,portability \
+    --library=googletest --inline-suppr --suppress='useInitializationList:Sources/TobrinMixer/*-inl.h' \
+    '-DElfW(type)=Elf64_##type' -DMADV_HUGEPAGE=14 -DHWY_ATTR= \
+    -I Sources/TobrinMixer/include -I Sources/TobrinKit -I Sources/TobrinLinux -I Sources/TobrinPacks \
+    -I Sources/Tobrin -I Tools "$@"
+}
+
+check_panel() {
   say "qmllint"
-  cmake --build --preset release --target TobrinPanel_qmllint
+  cmake --build --preset lint --target TobrinPanel_qmllint
+}
+
+check_scripts() {
+  say "shellcheck, pyflakes"
+  local sourced=(scripts/*.sh) shell python
+  mapfile -t shell < <(git grep -lE '^#!.*[/ ](ba)?sh$' -- ':!scripts/*.sh')
+  mapfile -t python < <(git grep -lE '^#!.*python3$' && git ls-files '*.py')
+  shellcheck --shell=bash "${sourced[@]}" && shellcheck -x "${shell[@]}" && pyflakes3 "${python[@]}"
 }
