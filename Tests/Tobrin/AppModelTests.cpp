@@ -194,7 +194,8 @@ TEST_F(AppModelTest, TheLoginSwitchShowsWhatIs) {
 
 TEST_F(AppModelTest, APreviewLeavesNoTrace) {
   settings_.values[AppModel::settingsKey] = R"({"enabled": false})";
-  AppModel& model = start(AppModel::Preview{.pack = "omega"});
+  const AppModel::Preview preview{.pack = "omega"};
+  AppModel& model = start(preview);
   advance(0);
   EXPECT_EQ(loadedPack(), "omega");
   change([](EngineSettings& settings) { settings.volume = 1; });

@@ -39,7 +39,7 @@ void decode(const Json& json, const std::string& path, bool& value) {
 void decode(const Json& json, const std::string& path, float& value) {
   if (!json.is_number()) fail("\"" + path + "\" is not a number");
   const double number = json.get<double>();
-  constexpr double most = std::numeric_limits<float>::max();
+  constexpr auto most = static_cast<double>(std::numeric_limits<float>::max());
   if (!(std::abs(number) <= most)) fail("\"" + path + "\" is out of range");
   value = static_cast<float>(number);
 }

@@ -110,7 +110,7 @@ void requireFolderName(const std::string& id) {
 fs::path PackGenerator::generate(const SynthProfile& profile, const fs::path& parent,
                                  unsigned threads) {
   requireFolderName(profile.id);
-  const fs::path folder = parent / profile.id;
+  fs::path folder = parent / profile.id;
   fs::remove_all(folder);
   fs::create_directories(folder);
   std::vector<Take> takes = plannedTakes();

@@ -65,7 +65,8 @@ StereoTake withRoom(std::vector<double> dry, double amount) {
   Biquad walls = Biquad::lowpass(roomCornerHz, butterworthQ, StrikeBuffer::sampleRate);
   std::transform(dry.begin(), dry.end(), room.begin(),
                  [&](double sample) { return walls.process(sample); });
-  StereoTake take{.left = dry, .right = std::move(dry)};
+  StereoTake take{.left = dry, .right = {}};
+  take.right = std::move(dry);
   for (const Reflection& reflection : reflections) {
     const std::size_t delay = StrikeBuffer::sampleCount(reflection.delayMs / 1000);
     const double gain = amount * reflection.gain;

@@ -111,7 +111,7 @@ void Reader::openCollection() {
 void Reader::addInput() {
   usage_ = 0;
   if (depth_ == 0 || !inMotion_) return;
-  bits_[globals_.reportId] += uint64_t{globals_.reportSize} * globals_.reportCount;
+  bits_[globals_.reportId] += static_cast<uint64_t>(globals_.reportSize) * globals_.reportCount;
 }
 
 }  // namespace

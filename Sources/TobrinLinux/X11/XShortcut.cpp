@@ -23,7 +23,6 @@ XShortcut::XShortcut(const std::string& display, const Hotkey& hotkey,
       pressed_(std::move(pressed)),
       kernelCodes_(KeyCodes::kernelCodes(hotkey.keyCode)),
       connection_(connectToX(display)) {
-  outcome_ = {ShortcutGrab::Result::failed, ShortcutService::unavailable};
   if (!connection_) return;
   outcome_ = grabAll();
   if (outcome_.result != ShortcutGrab::Result::granted) {

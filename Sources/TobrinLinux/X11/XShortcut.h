@@ -38,7 +38,7 @@ class XShortcut final {
   const std::function<void()> pressed_;
   const std::vector<uint16_t> kernelCodes_;
   XConnection connection_;
-  ShortcutGrab outcome_;
+  ShortcutGrab outcome_{ShortcutGrab::Result::failed, ShortcutService::unavailable};
 
   // Listening thread. A held key repeats as a release and a press of the same time.
   std::map<xcb_keycode_t, xcb_timestamp_t> releasedAt_;
