@@ -9,10 +9,9 @@
 #include <span>
 #include <vector>
 
-namespace tobrin::testing {
+#include "StreamFormat.h"
 
-constexpr size_t channelCount = 2;
-constexpr double sampleRate = 48000;
+namespace tobrin::testing {
 
 /// A run of frames, interleaved, and the time at which the sink played the first of them.
 struct TimedBlock {

@@ -4,13 +4,11 @@
 // so it is the limit of any instrument. Prints "ready" once it plays, and, when it is interrupted,
 // "impulse NS" with the time of each sample.
 #include <pipewire/pipewire.h>
-#include <spa/param/audio/format-utils.h>
 #include <sys/socket.h>
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <csignal>
 #include <cstdio>
@@ -25,11 +23,11 @@
 
 namespace {
 
+using tobrin::testing::channelCount;
 using tobrin::testing::PipeWireHandle;
 
 constexpr float impulse = 0.5F;
 constexpr size_t mostImpulses = 100'000;
-constexpr uint32_t channelCount = 2;
 
 /// Listens to raw key presses and leaves word of each in `struck`.
 class RawKeys final {
@@ -124,19 +122,7 @@ class ImpulseStream final {
     }();
     running_.store(stream_.get(), std::memory_order_release);
     pw_stream_add_listener(stream_.get(), &listener_, &events, this);
-    std::array<uint8_t, 1024> memory{};
-    spa_pod_builder builder =
-        SPA_POD_BUILDER_INIT(memory.data(), static_cast<uint32_t>(memory.size()));
-    spa_audio_info_raw format{};
-    format.format = SPA_AUDIO_FORMAT_F32;
-    format.rate = 48000;
-    format.channels = channelCount;
-    format.position[0] = SPA_AUDIO_CHANNEL_FL;
-    format.position[1] = SPA_AUDIO_CHANNEL_FR;
-    const spa_pod* parameter = spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &format);
-    const auto flags = static_cast<pw_stream_flags>(
-        PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS);
-    if (pw_stream_connect(stream_.get(), PW_DIRECTION_OUTPUT, PW_ID_ANY, flags, &parameter, 1) != 0)
+    if (!tobrin::testing::connectStereo(stream_.get(), PW_DIRECTION_OUTPUT))
       throw std::runtime_error("no stream");
   }
 

@@ -1,8 +1,5 @@
 #include "MonitorStream.h"
 
-#include <spa/param/audio/format-utils.h>
-
-#include <array>
 #include <cerrno>
 #include <span>
 #include <utility>
@@ -51,20 +48,7 @@ bool MonitorStream::connectStream() {
     return made;
   }();
   pw_stream_add_listener(stream_.get(), &streamListener_, &events, this);
-
-  std::array<uint8_t, 1024> memory{};
-  spa_pod_builder builder =
-      SPA_POD_BUILDER_INIT(memory.data(), static_cast<uint32_t>(memory.size()));
-  spa_audio_info_raw format{};
-  format.format = SPA_AUDIO_FORMAT_F32;
-  format.rate = static_cast<uint32_t>(sampleRate);
-  format.channels = channelCount;
-  format.position[0] = SPA_AUDIO_CHANNEL_FL;
-  format.position[1] = SPA_AUDIO_CHANNEL_FR;
-  const spa_pod* parameter = spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &format);
-  const auto flags = static_cast<pw_stream_flags>(
-      PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS);
-  return pw_stream_connect(stream_.get(), PW_DIRECTION_INPUT, PW_ID_ANY, flags, &parameter, 1) == 0;
+  return connectStereo(stream_.get(), PW_DIRECTION_INPUT);
 }
 
 void MonitorStream::disconnect() {
