@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 #include "Building/HitDetector.h"
 #include "Building/HitFeatures.h"
@@ -78,9 +79,8 @@ std::vector<Hit> hitsOf(Fate fate, const RecordingSlicer::Result& result) {
 
 std::vector<Take> releaseTakes(std::vector<Hit> releases, const TakeCutter& cutter,
                                const Options& options) {
-  shuffleDeterministically(releases);
   std::vector<Take> takes;
-  for (const Hit& hit : releases) {
+  for (const Hit& hit : shuffledDeterministically(std::move(releases))) {
     if (static_cast<int64_t>(takes.size()) >= options.releaseVariants) break;
     auto take = cutter.cut(hit, options.maxReleaseMs, shortestReleaseMs);
     if (take) takes.push_back(std::move(*take));

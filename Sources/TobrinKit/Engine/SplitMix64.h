@@ -34,19 +34,12 @@ class SplitMix64 {
 
 /// Fisher-Yates, seeded by the length alone: the same length always gives the same permutation.
 template <typename T>
-void shuffleDeterministically(std::vector<T>& items) {
-  if (items.size() < 2) return;
+std::vector<T> shuffledDeterministically(std::vector<T> items) {
   SplitMix64 rng(static_cast<uint64_t>(items.size()) * 0x9E3779B9u);
-  for (std::size_t i = items.size() - 1; i >= 1; --i) {
+  for (std::size_t i = items.size(); i-- > 1;) {
     const auto j = static_cast<std::size_t>(rng.next() % (i + 1));
     if (j != i) std::swap(items[i], items[j]);
   }
-}
-
-/// As `shuffleDeterministically`, on a copy.
-template <typename T>
-std::vector<T> shuffledDeterministically(std::vector<T> items) {
-  shuffleDeterministically(items);
   return items;
 }
 
