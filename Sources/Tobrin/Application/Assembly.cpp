@@ -11,17 +11,13 @@
 #include "Memory/UnusedMemory.h"
 #include "Motion/FindMotionSource.h"
 #include "Packs/PackLibrary.h"
+#include "Packs/SystemFolders.h"
 #include "PipeWire/PipeWireLoop.h"
 #include "Shortcuts/DesktopShortcuts.h"
 #include "Threads/RealtimeScheduling.h"
 
 namespace tobrin {
 namespace {
-
-std::filesystem::path thisProgram() {
-  std::error_code error;
-  return std::filesystem::read_symlink("/proc/self/exe", error);
-}
 
 // By then the replaced pack is gone, and what decoding and starting needed besides.
 constexpr std::chrono::seconds settleTime{3};

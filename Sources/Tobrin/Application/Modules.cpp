@@ -5,13 +5,14 @@
 #include <filesystem>
 
 #include "Engine/Log.h"
+#include "Packs/SystemFolders.h"
 
 namespace tobrin {
 namespace {
 
 std::filesystem::path fileOf(const std::string& name) {
   std::error_code error;
-  const auto program = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+  const auto program = thisProgram().parent_path();
   const std::string file = "libtobrin-" + name + ".so";
   auto built = program / "modules" / file;
   if (std::filesystem::exists(built, error)) return built;

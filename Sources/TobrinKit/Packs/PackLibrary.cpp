@@ -1,8 +1,5 @@
 #include "Packs/PackLibrary.h"
 
-#include <pwd.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <map>
@@ -10,6 +7,7 @@
 
 #include "Packs/NameOrder.h"
 #include "Packs/PackError.h"
+#include "Packs/SystemFolders.h"
 
 namespace tobrin {
 namespace {
@@ -26,11 +24,7 @@ std::optional<fs::path> absolutePath(const Environment& environment, const char*
 
 fs::path homeFolder(const Environment& environment) {
   if (auto home = absolutePath(environment, "HOME")) return *std::move(home);
-  passwd user{};
-  passwd* found = nullptr;
-  std::vector<char> strings(16384);
-  getpwuid_r(getuid(), &user, strings.data(), strings.size(), &found);
-  if (found != nullptr && found->pw_dir != nullptr) return found->pw_dir;
+  if (auto home = recordedHomeFolder(); !home.empty()) return home;
   throw std::runtime_error("the system knows no home folder of this user");
 }
 
@@ -81,7 +75,7 @@ fs::path PackLibrary::userPacksDirectory(const Environment& environment) {
 std::optional<fs::path> PackLibrary::bundledPacksDirectory(const Environment& environment) {
   if (const auto folder = environment("TOBRIN_PACKS")) return fs::path(*folder);
   std::error_code missing;
-  const fs::path program = fs::read_symlink("/proc/self/exe", missing).parent_path();
+  const fs::path program = thisProgram().parent_path();
   for (const char* const place : {TOBRIN_BUILT_PACKS, TOBRIN_INSTALLED_PACKS}) {
     fs::path folder = (program / place).lexically_normal();
     if (fs::is_directory(folder, missing)) return folder;

@@ -1,11 +1,12 @@
 #include "Desktop/XdgFolders.h"
 
-#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <string>
+
+#include "Packs/SystemFolders.h"
 
 namespace tobrin {
 namespace {
@@ -18,8 +19,8 @@ std::filesystem::path absolutePath(const char* variable) {
 
 std::filesystem::path home() {
   if (auto home = absolutePath("HOME"); !home.empty()) return home;
-  const passwd* user = getpwuid(getuid());  // NOLINT(concurrency-mt-unsafe): start-up only
-  return user != nullptr ? user->pw_dir : "/";
+  auto home = recordedHomeFolder();
+  return home.empty() ? "/" : home;
 }
 
 }  // namespace

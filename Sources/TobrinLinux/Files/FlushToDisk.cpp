@@ -6,18 +6,12 @@
 #include <cerrno>
 #include <system_error>
 
+#include "Files/Retried.h"
+
 namespace tobrin {
 namespace {
 
 namespace fs = std::filesystem;
-
-template <typename Call>
-auto retried(Call call) {
-  for (;;) {
-    const auto result = call();
-    if (result >= 0 || errno != EINTR) return result;
-  }
-}
 
 /// 0, or why it could not be flushed.
 int flush(const char* path) {

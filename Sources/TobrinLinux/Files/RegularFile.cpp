@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "Files/Retried.h"
+
 namespace tobrin {
 namespace {
 
@@ -17,14 +19,6 @@ namespace {
 void demandRegular(const struct stat& status) {
   if (S_ISDIR(status.st_mode)) fail(EISDIR);
   if (!S_ISREG(status.st_mode)) fail(EINVAL);
-}
-
-template <typename Call>
-auto retried(Call call) {
-  for (;;) {
-    const auto result = call();
-    if (result >= 0 || errno != EINTR) return result;
-  }
 }
 
 }  // namespace

@@ -1,0 +1,15 @@
+/// What only the system knows about this process. The platform supplies both functions. Thread:
+/// any.
+#pragma once
+
+#include <filesystem>
+
+namespace tobrin {
+
+/// The home folder that the system has on record for the user; empty where it knows none.
+std::filesystem::path recordedHomeFolder();
+
+/// The file that this program runs from; empty where the system does not tell.
+std::filesystem::path thisProgram();
+
+}  // namespace tobrin

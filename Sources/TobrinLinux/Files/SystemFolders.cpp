@@ -1,0 +1,26 @@
+#include "Packs/SystemFolders.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <system_error>
+#include <vector>
+
+namespace tobrin {
+
+namespace fs = std::filesystem;
+
+fs::path recordedHomeFolder() {
+  passwd user{};
+  passwd* found = nullptr;
+  std::vector<char> strings(16384);
+  getpwuid_r(getuid(), &user, strings.data(), strings.size(), &found);
+  return found != nullptr && found->pw_dir != nullptr ? found->pw_dir : fs::path();
+}
+
+fs::path thisProgram() {
+  std::error_code unknown;
+  return fs::read_symlink("/proc/self/exe", unknown);
+}
+
+}  // namespace tobrin
