@@ -12,8 +12,10 @@
 
 #include "Alsa/Interleaving.h"
 
+// NOLINTBEGIN(*-reserved-identifier,cert-dcl*): as the library names them
 typedef struct _snd_pcm snd_pcm_t;
 typedef struct _snd_pcm_hw_params snd_pcm_hw_params_t;
+// NOLINTEND(*-reserved-identifier,cert-dcl*)
 
 namespace tobrin {
 

@@ -18,7 +18,8 @@ Sample converted(float value) noexcept {
     // In double, which holds every 32-bit integer.
     constexpr double low = std::numeric_limits<Sample>::min();
     constexpr double high = std::numeric_limits<Sample>::max();
-    return static_cast<Sample>(std::lrint(std::clamp(double{value} * -low, low, high)));
+    return static_cast<Sample>(
+        std::lrint(std::clamp(static_cast<double>(value) * -low, low, high)));
   }
 }
 

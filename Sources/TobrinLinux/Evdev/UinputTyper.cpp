@@ -4,8 +4,8 @@
 #include <libevdev/libevdev.h>
 
 #include <chrono>
-#include <cstring>
 #include <memory>
+#include <system_error>
 #include <thread>
 
 #include "Evdev/KeyCodes.h"
@@ -25,7 +25,7 @@ bool UinputTyper::open() {
   const int failure =
       libevdev_uinput_create_from_device(plan.get(), LIBEVDEV_UINPUT_OPEN_MANAGED, &keyboard_);
   if (failure < 0) {
-    problem_ = "no access to /dev/uinput: " + std::string(std::strerror(-failure));
+    problem_ = "no access to /dev/uinput: " + std::generic_category().message(-failure);
     return false;
   }
   std::this_thread::sleep_for(std::chrono::milliseconds(500));

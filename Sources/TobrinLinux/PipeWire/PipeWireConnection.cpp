@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
+#include <system_error>
 
 #include "PipeWire/PipeWireCalls.h"
 #include "PipeWire/PipeWireLoop.h"
@@ -88,7 +88,7 @@ void PipeWireConnection::timerFired() {
 bool PipeWireConnection::connect() {
   core_ = pw_context_connect(loop_.context(), nullptr, 0);
   if (core_ == nullptr) {
-    problem_ = std::string("no PipeWire server answers (") + std::strerror(errno) + ")";
+    problem_ = "no PipeWire server answers (" + std::generic_category().message(errno) + ")";
     return false;
   }
   problem_.clear();

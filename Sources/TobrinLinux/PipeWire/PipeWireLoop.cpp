@@ -4,9 +4,9 @@
 
 #include <cassert>
 #include <cerrno>
-#include <cstring>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 #include "Threads/RealtimeScheduling.h"
 #include "Threads/ThreadName.h"
@@ -47,7 +47,7 @@ PipeWireLoop::PipeWireLoop() {
                        0);
   }
   if (context_ == nullptr || pw_thread_loop_start(loop_) != 0) {
-    const std::string reason = std::strerror(errno);
+    const std::string reason = std::generic_category().message(errno);
     if (context_ != nullptr) pw_context_destroy(context_);
     if (loop_ != nullptr) pw_thread_loop_destroy(loop_);
     pw_deinit();

@@ -54,7 +54,7 @@ MicActivity PipeWireMicSource::read() {
   if (isStarted_ || connection_->open()) {
     loop_->wait([this] { return watch_ == nullptr || watch_->isSettled(); }, answerLimit);
   }
-  const MicActivity activity = activity_;
+  MicActivity activity = activity_;
   if (!isStarted_) connection_->close();
   return activity;
 }

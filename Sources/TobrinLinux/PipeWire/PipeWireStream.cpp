@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <stdexcept>
+#include <system_error>
 
 namespace tobrin {
 
@@ -62,7 +62,7 @@ PipeWireStream::PipeWireStream(pw_core* core, const RenderGate& gate,
     : gate_(gate), stateChanged_(std::move(stateChanged)), hooks_(std::make_unique<Hooks>()) {
   stream_ = pw_stream_new(core, "Tobrin", streamProperties());
   if (stream_ == nullptr) {
-    throw std::runtime_error(std::string("PipeWire makes no stream (") + std::strerror(errno) +
+    throw std::runtime_error("PipeWire makes no stream (" + std::generic_category().message(errno) +
                              ")");
   }
   hooks_->events.version = PW_VERSION_STREAM_EVENTS;
@@ -81,8 +81,8 @@ PipeWireStream::PipeWireStream(pw_core* core, const RenderGate& gate,
                                        static_cast<pw_stream_flags>(flags), &format, 1);
   if (result < 0) {
     pw_stream_destroy(stream_);
-    throw std::runtime_error(std::string("PipeWire connects no stream (") + std::strerror(-result) +
-                             ")");
+    throw std::runtime_error("PipeWire connects no stream (" +
+                             std::generic_category().message(-result) + ")");
   }
 }
 
