@@ -1,22 +1,12 @@
 #include "Model/AppModel.h"
 
 #include <algorithm>
-#include <chrono>
 
 #include "Engine/Log.h"
-#include "Engine/MachTime.h"
 #include "Model/StatusTexts.h"
 #include "Packs/PackLibrary.h"
 
 namespace tobrin {
-namespace {
-
-using namespace std::chrono_literals;
-
-constexpr auto permissionPollInterval = 1500ms;
-constexpr double relaunchAfterMs = 3000;  // access granted, yet no key source that long
-
-}  // namespace
 
 AppModel::AppModel(AppServices services, std::optional<Preview> preview)
     : services_(std::move(services)),
@@ -57,7 +47,6 @@ void AppModel::readSavedState(const std::optional<Preview>& preview) {
   selectedPackID_ = defaultPackID;
   if (preview) {
     selectedPackID_ = preview->pack.value_or(selectedPackID_);
-    hasPermission_ = true;
     micInUse_ = preview->micInUse;
     lastForce_ = preview->reading;
     return;
@@ -87,6 +76,10 @@ void AppModel::wireCallbacks() {
         services_.shortcutService->observe(event);
       },
       KeyMonitorOptions{.onThreadStart = services_.onThreadStart});
+  keyAccess_ = std::make_unique<KeyAccessWatch>(*monitor_, services_.main, [this] {
+    emit permissionChanged();
+    emit statusChanged();
+  });
   hotkey_ = std::make_unique<GlobalHotkey>(*services_.shortcutService,
                                            [this] { onMain([this] { toggleEnabled(); }); });
   micMonitor_ = std::make_unique<MicMonitor>(services_.micQueue, services_.main,
@@ -106,7 +99,7 @@ void AppModel::start() {
   loadSelectedPack(false);
   if (preview_) return;
   conductor_->apply(effectiveSettings(), true);
-  startListening();
+  keyAccess_->start();
   registerShortcut();
   updateMicMonitor();
   readLoginItem();
@@ -153,7 +146,7 @@ EngineSettings AppModel::effectiveSettings() const {
 std::string AppModel::statusLine() const {
   const PackInfo* pack = selectedPack();
   return StatusTexts::statusLine(
-      {.hasPermission = hasPermission_,
+      {.hasPermission = hasPermission(),
        .gate = gate(),
        .packName = pack != nullptr ? std::optional(pack->name) : std::nullopt,
        .forceSensing = settings_.forceSensing && sensorAvailable_});
@@ -206,54 +199,6 @@ std::vector<Hotkey> AppModel::offeredShortcuts() const {
 
 std::optional<std::string> AppModel::shortcutProblem() const {
   return StatusTexts::shortcutProblem(shortcutStatus_, display(settings_.shortcut));
-}
-
-// Keys and permission
-
-void AppModel::startListening() {
-  if (monitor_->start()) {
-    grantedWithoutTap_.reset();
-    publishPermission(true, true, false);
-    return;
-  }
-  const bool granted = monitor_->hasPermission();
-  publishPermission(granted, false, needsRelaunch_);
-  if (!granted) monitor_->requestPermission();
-  keepPollingPermission();
-}
-
-void AppModel::keepPollingPermission() {
-  if (permissionTimerRuns_) return;
-  permissionTimerRuns_ = true;
-  services_.main.after(permissionPollInterval, [this, self = self_] {
-    if (*self == nullptr) return;
-    permissionTimerRuns_ = false;
-    pollPermission();
-    if (!listening_) keepPollingPermission();
-  });
-}
-
-void AppModel::pollPermission() {
-  if (listening_ || preview_) return;
-  const bool granted = monitor_->hasPermission();
-  publishPermission(granted, false, needsRelaunch_);
-  if (!granted) return;
-  startListening();
-  if (listening_) return;
-  if (!grantedWithoutTap_) grantedWithoutTap_ = services_.main.now();
-  const double waitedMs = MachTime::delta(services_.main.now(), *grantedWithoutTap_);
-  if (waitedMs > relaunchAfterMs) publishPermission(true, false, true);
-}
-
-void AppModel::publishPermission(bool hasPermission, bool listening, bool needsRelaunch) {
-  const bool changed =
-      hasPermission != hasPermission_ || listening != listening_ || needsRelaunch != needsRelaunch_;
-  hasPermission_ = hasPermission;
-  listening_ = listening;
-  needsRelaunch_ = needsRelaunch;
-  if (!changed) return;
-  emit permissionChanged();
-  emit statusChanged();
 }
 
 // Packs
@@ -328,7 +273,7 @@ void AppModel::setPackError(std::optional<std::string> text) {
 
 void AppModel::menuOpened() {
   refreshPacks();
-  pollPermission();
+  lookForKeyAccess();
   registerShortcut();
 }
 
@@ -355,13 +300,17 @@ void AppModel::openPacksFolder() {
   if (!problem.empty()) Log::line("packs folder can't be shown: " + problem);
 }
 
+void AppModel::lookForKeyAccess() {
+  if (!preview_) keyAccess_->look();
+}
+
 void AppModel::openKeyAccessSettings() {
   services_.workspace.openKeyAccessSettings([this, self = self_](const std::string& problem) {
     if (*self == nullptr) return;
     keyAccessProblem_ = problem.empty() ? "" : "Access to keys can't be set up: " + problem;
     if (!problem.empty()) Log::line(keyAccessProblem_);
     emit permissionChanged();
-    pollPermission();
+    lookForKeyAccess();
   });
 }
 

@@ -17,6 +17,7 @@
 #include "Input/KeyMonitor.h"
 #include "Mic/MicMonitor.h"
 #include "Model/AppServices.h"
+#include "Model/KeyAccessWatch.h"
 
 namespace tobrin {
 
@@ -50,9 +51,9 @@ class AppModel final : public QObject {
   /// The decoded pack's own description; absent while none is loaded.
   [[nodiscard]] const std::optional<PackManifest>& loadedManifest() const { return manifest_; }
   [[nodiscard]] const std::optional<std::string>& packError() const { return packError_; }
-  [[nodiscard]] bool hasPermission() const { return hasPermission_; }
-  [[nodiscard]] bool listening() const { return listening_; }
-  [[nodiscard]] bool needsRelaunch() const { return needsRelaunch_; }
+  [[nodiscard]] bool hasPermission() const { return preview_ || keyAccess_->state().hasPermission; }
+  [[nodiscard]] bool listening() const { return keyAccess_->state().listening; }
+  [[nodiscard]] bool needsRelaunch() const { return keyAccess_->state().needsRelaunch; }
   /// Why the grant of access to keys could not be made; empty while nothing went wrong.
   [[nodiscard]] const std::string& keyAccessProblem() const { return keyAccessProblem_; }
   [[nodiscard]] const std::optional<ForceReading>& lastForce() const { return lastForce_; }
@@ -107,10 +108,7 @@ class AppModel final : public QObject {
   void registerShortcut();
   void updateMicMonitor();
   void micChanged(bool inUse);
-  void startListening();
-  void keepPollingPermission();
-  void pollPermission();
-  void publishPermission(bool hasPermission, bool listening, bool needsRelaunch);
+  void lookForKeyAccess();
   void loadSelectedPack(bool audition);
   /// Plays from `pack` from now on; null: from none, so that no other pack sounds under its name.
   void install(std::shared_ptr<const LoadedPack> pack, bool audition);
@@ -129,9 +127,6 @@ class AppModel final : public QObject {
   std::vector<PackInfo> packs_;
   std::optional<PackManifest> manifest_;
   std::optional<std::string> packError_;
-  bool hasPermission_ = false;
-  bool listening_ = false;
-  bool needsRelaunch_ = false;
   std::string keyAccessProblem_;
   std::optional<ForceReading> lastForce_;
   bool launchAtLogin_ = false;
@@ -139,12 +134,11 @@ class AppModel final : public QObject {
   GlobalHotkey::Status shortcutStatus_;
 
   uint64_t loadNumber_ = 0;  // the newest pack load; older ones are dropped when they end
-  bool permissionTimerRuns_ = false;
-  std::optional<uint64_t> grantedWithoutTap_;  // host ticks
 
   std::shared_ptr<AppModel*> self_;  // null inside once the model is gone; shared with posted tasks
   std::unique_ptr<Conductor> conductor_;
   std::unique_ptr<KeyMonitor> monitor_;
+  std::unique_ptr<KeyAccessWatch> keyAccess_;
   std::unique_ptr<GlobalHotkey> hotkey_;
   std::unique_ptr<MicMonitor> micMonitor_;
 };

@@ -1,0 +1,61 @@
+#include "Model/KeyAccessWatch.h"
+
+#include <chrono>
+#include <utility>
+
+#include "Engine/MachTime.h"
+
+namespace tobrin {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto lookInterval = 1500ms;
+constexpr double relaunchAfterMs = 3000;  // access granted, yet no key source that long
+
+}  // namespace
+
+KeyAccessWatch::KeyAccessWatch(KeyMonitor& monitor, SerialQueue& main,
+                               std::function<void()> onChange)
+    : monitor_(monitor), main_(main), onChange_(std::move(onChange)) {}
+
+void KeyAccessWatch::start() {
+  if (monitor_.start()) {
+    grantedWithoutKeys_.reset();
+    publish({.hasPermission = true, .listening = true});
+    return;
+  }
+  const bool granted = monitor_.hasPermission();
+  publish({.hasPermission = granted, .needsRelaunch = state_.needsRelaunch});
+  if (!granted) monitor_.requestPermission();
+  lookLater();
+}
+
+void KeyAccessWatch::lookLater() {
+  if (willLook_) return;
+  willLook_ = true;
+  main_.after(lookInterval, [this, alive = std::weak_ptr(alive_)] {
+    if (alive.expired()) return;
+    willLook_ = false;
+    look();
+    if (!state_.listening) lookLater();
+  });
+}
+
+void KeyAccessWatch::look() {
+  if (state_.listening) return;
+  const bool granted = monitor_.hasPermission();
+  publish({.hasPermission = granted, .needsRelaunch = state_.needsRelaunch});
+  if (!granted) return;
+  start();
+  if (state_.listening) return;
+  if (!grantedWithoutKeys_) grantedWithoutKeys_ = main_.now();
+  const double waitedMs = MachTime::delta(main_.now(), *grantedWithoutKeys_);
+  if (waitedMs > relaunchAfterMs) publish({.hasPermission = true, .needsRelaunch = true});
+}
+
+void KeyAccessWatch::publish(const State& state) {
+  if (std::exchange(state_, state) != state) onChange_();
+}
+
+}  // namespace tobrin

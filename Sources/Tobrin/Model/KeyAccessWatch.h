@@ -1,0 +1,50 @@
+/// Starts the key monitor, and where access to keys is missing asks for it once and looks every
+/// 1.5 s until keys are heard. Knows when only a new start of the program will help. Main thread.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "Engine/SerialQueue.h"
+#include "Input/KeyMonitor.h"
+
+namespace tobrin {
+
+class KeyAccessWatch final {
+ public:
+  struct State {
+    bool hasPermission = false;
+    bool listening = false;
+    bool needsRelaunch = false;  ///< access was granted, yet keys stay away
+
+    bool operator==(const State&) const = default;
+  };
+
+  /// `monitor` and `main`, the queue of the main thread, are borrowed and outlive this object.
+  /// `onChange` is called whenever the state has changed.
+  KeyAccessWatch(KeyMonitor& monitor, SerialQueue& main, std::function<void()> onChange);
+
+  /// Listens, or waits for access to do so.
+  void start();
+  /// Looks at once whether access has been granted.
+  void look();
+
+  [[nodiscard]] const State& state() const { return state_; }
+
+ private:
+  void lookLater();
+  void publish(const State& state);
+
+  KeyMonitor& monitor_;
+  SerialQueue& main_;
+  std::function<void()> onChange_;
+
+  State state_;
+  bool willLook_ = false;
+  std::optional<uint64_t> grantedWithoutKeys_;                        // host ticks
+  std::shared_ptr<const bool> alive_ = std::make_shared<bool>(true);  // posted looks watch it
+};
+
+}  // namespace tobrin
