@@ -49,7 +49,7 @@ bool FallbackAudioDevice::isRunning() const {
 
 std::string FallbackAudioDevice::problem() const {
   const std::lock_guard lock(mutex_);
-  const std::string first = preferred_.device->problem();
+  std::string first = preferred_.device->problem();
   if (!fallback_.isInCharge) return first;
   const std::string second = fallback_.device->problem();
   return second.empty() ? second : first + "; " + second;

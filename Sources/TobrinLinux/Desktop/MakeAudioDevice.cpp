@@ -1,11 +1,11 @@
 #include "Desktop/MakeAudioDevice.h"
 
-#include <cstdio>
 #include <stdexcept>
 
 #include "Alsa/AlsaConfiguration.h"
 #include "Alsa/AlsaOutput.h"
 #include "Desktop/FallbackAudioDevice.h"
+#include "Engine/Log.h"
 #include "PipeWire/PipeWireLoop.h"
 #include "PipeWire/PipeWireOutput.h"
 #include "Threads/RealtimeScheduling.h"
@@ -22,7 +22,7 @@ std::shared_ptr<PipeWireLoop> makePipeWireLoop() {
   try {
     return std::make_shared<PipeWireLoop>();
   } catch (const std::runtime_error& error) {
-    std::fprintf(stderr, "Tobrin: %s\n", error.what());
+    Log::line(error.what());
     return nullptr;
   }
 }
