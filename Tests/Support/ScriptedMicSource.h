@@ -13,17 +13,13 @@ namespace tobrin::testing {
 struct MicState {
   MicActivity activity;
   std::function<void()> changed;  // null while stopped
-  int starts = 0;
 };
 
 class ScriptedMicSource final : public MicSource {
  public:
   explicit ScriptedMicSource(std::shared_ptr<MicState> state) : state_(std::move(state)) {}
 
-  void start(std::function<void()> changed) override {
-    ++state_->starts;
-    state_->changed = std::move(changed);
-  }
+  void start(std::function<void()> changed) override { state_->changed = std::move(changed); }
   void stop() override { state_->changed = nullptr; }
   MicActivity read() override { return state_->activity; }
 

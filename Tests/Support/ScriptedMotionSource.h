@@ -1,75 +1,32 @@
-/// A motion source that a test drives by hand: what `send` is given reaches the sink of the sensor
-/// that runs the source, on the sensor's thread.
+/// A motion source driven by a test.
 #pragma once
 
-#include <condition_variable>
-#include <mutex>
+#include <string>
 #include <utility>
-#include <vector>
 
 #include "Force/MotionReport.h"
 #include "Force/MotionSource.h"
+#include "Support/Script.h"
 
 namespace tobrin::testing {
 
+struct MotionScript : Script<std::pair<Acceleration, uint64_t>> {};
+
 class ScriptedMotionSource final : public MotionSource {
  public:
-  /// What a test keeps of a source that the sensor owns.
-  struct Controls {
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::vector<std::pair<MotionReport, uint64_t>> waiting;
-    bool interrupted = false;
-    bool ended = false;  ///< the stream ends by itself
-    bool refuse = false;
-    int opened = 0;
-    int closed = 0;
+  explicit ScriptedMotionSource(MotionScript& script) : script_(script) {}
 
-    void send(const Acceleration& acceleration, uint64_t time) {
-      const std::lock_guard lock(mutex);
-      waiting.emplace_back(encodeMotionReport(acceleration), time);
-      changed.notify_all();
-    }
-    void end() {
-      const std::lock_guard lock(mutex);
-      ended = true;
-      changed.notify_all();
-    }
-  };
-
-  explicit ScriptedMotionSource(Controls& controls) : controls_(controls) {}
-
-  bool open() override {
-    const std::lock_guard lock(controls_.mutex);
-    controls_.interrupted = controls_.ended = false;
-    if (controls_.refuse) return false;
-    ++controls_.opened;
-    return true;
-  }
+  bool open() override { return script_.open(); }
   void run(const Sink& sink) override {
-    std::unique_lock lock(controls_.mutex);
-    while (!controls_.interrupted && !controls_.ended) {
-      for (const auto& [report, time] : std::exchange(controls_.waiting, {}))
-        sink(report, time);
-      controls_.changed.wait(lock, [&] {
-        return controls_.interrupted || controls_.ended || !controls_.waiting.empty();
-      });
-    }
+    script_.run([&](const auto& sample) { sink(encodeMotionReport(sample.first), sample.second); });
   }
-  void close() override {
-    const std::lock_guard lock(controls_.mutex);
-    ++controls_.closed;
-  }
-  void interrupt() override {
-    const std::lock_guard lock(controls_.mutex);
-    controls_.interrupted = true;
-    controls_.changed.notify_all();
-  }
+  void close() override { script_.close(); }
+  void interrupt() override { script_.interrupt(); }
   [[nodiscard]] std::string problem() const override { return "the test says no"; }
   [[nodiscard]] std::string description() const override { return "a scripted source"; }
 
  private:
-  Controls& controls_;
+  MotionScript& script_;
 };
 
 }  // namespace tobrin::testing

@@ -153,9 +153,6 @@ class AppModelTest : public ::testing::Test {
     advance(0);
   }
 
-  [[nodiscard]] EngineSettings savedSettings() const {
-    return EngineSettings::fromJson(settings_.read(AppModel::settingsKey).value_or("{}"));
-  }
   [[nodiscard]] std::string loadedPack() const {
     return model_->loadedManifest() ? model_->loadedManifest()->id : "none";
   }

@@ -136,14 +136,14 @@ TEST_F(AppModelTest, PausesDuringCalls) {
 }
 
 TEST_F(AppModelTest, WaitsForAccessToKeys) {
-  keys_.allow(false);
+  keys_.allowed = false;
   AppModel& model = start();
   EXPECT_EQ(model.statusLine(), "Needs Input Monitoring access");
   EXPECT_EQ(keys_.requests, 1);
   advance(3000);
   EXPECT_EQ(keys_.requests, 1) << "asks once, not at every look";
 
-  keys_.allow(true);
+  keys_.allowed = true;
   advance(1400);
   EXPECT_FALSE(model.listening()) << "looks every 1.5 s";
   advance(100);

@@ -67,7 +67,7 @@ TEST(AsioQueue, TimersComeNoEarlierThanAskedAndSyncWaits) {
 /// Key, main, sensor and render threads at once; the thread sanitizer watches.
 TEST(Conductor, TakesKeysSettingsAndPacksFromManyThreads) {
   auto device = std::make_shared<testing::HandDrivenDevice::Controls>();
-  testing::ScriptedMotionSource::Controls motion;
+  testing::MotionScript motion;
   std::atomic<bool> ending = false;
   AsioQueue queue(Conductor::queueName);
   auto conductor = std::make_unique<Conductor>(
@@ -83,7 +83,7 @@ TEST(Conductor, TakesKeysSettingsAndPacksFromManyThreads) {
   });
   std::thread sensor([&] {
     while (!ending) {
-      motion.send({0, 0, 1.1}, MachTime::now());
+      motion.send({{0, 0, 1.1}, MachTime::now()});
       std::this_thread::sleep_for(1ms);
     }
   });
@@ -113,7 +113,7 @@ TEST(Conductor, TakesKeysSettingsAndPacksFromManyThreads) {
   conductor->audition();
   conductor.reset();  // while the phrase still waits on the queue
   EXPECT_FALSE(device->running);
-  EXPECT_EQ(motion.opened, motion.closed);
+  EXPECT_EQ(motion.opens, motion.closes);
 }
 
 /// Grants like the real service: only to a process that limits its real-time computing.

@@ -82,7 +82,7 @@ class Places {
  public:
   /// Forgets all; there will be `most` nodes at the most.
   void clear(std::size_t most) {
-    bits_ = std::bit_width(most) + 1;
+    bits_ = static_cast<int>(std::bit_width(most)) + 1;
     table_.assign(std::size_t{1} << bits_, free);
   }
 

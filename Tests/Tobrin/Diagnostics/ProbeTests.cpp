@@ -122,7 +122,7 @@ TEST(Probe, SaysWhatIsMissing) {
   ProbeRun machine({});
   EXPECT_EQ(machine.run(1, false), 1);
   EXPECT_EQ(machine.run(1), 1);
-  machine.keys.allow(false);
+  machine.keys.allowed = false;
   EXPECT_EQ(machine.run(1), 1);
   EXPECT_TRUE(std::regex_search(
       machine.out.str(),

@@ -8,7 +8,7 @@
 #include "Engine/Log.h"
 #include "Engine/MachTime.h"
 #include "Engine/VirtualQueue.h"
-#include "Engine/VoicePlayer.h"
+#include "Force/ForceClassifier.h"
 #include "Force/MotionReport.h"
 #include "Support/HandDrivenDevice.h"
 #include "Support/ScriptedMotionSource.h"
@@ -31,7 +31,7 @@ class ConductorTest : public ::testing::Test {
   }
   ~ConductorTest() override { Log::setSink(nullptr); }
 
-  static std::unique_ptr<ForceSensor> makeSensor(testing::ScriptedMotionSource::Controls& motion) {
+  static std::unique_ptr<ForceSensor> makeSensor(testing::MotionScript& motion) {
     return std::make_unique<ForceSensor>(std::make_unique<testing::ScriptedMotionSource>(motion));
   }
 
@@ -70,7 +70,7 @@ class ConductorTest : public ::testing::Test {
   std::vector<ForceReading> readings_;
   std::shared_ptr<testing::HandDrivenDevice::Controls> device_ =
       std::make_shared<testing::HandDrivenDevice::Controls>();
-  testing::ScriptedMotionSource::Controls motion_;
+  testing::MotionScript motion_;
   std::unique_ptr<ForceSensor> madeSensor_ = makeSensor(motion_);
   ForceSensor* const sensor_ = madeSensor_.get();
   VirtualQueue queue_{Conductor::queueName, MachTime::ticks(1e6)};
@@ -249,7 +249,7 @@ TEST_F(ConductorTest, SettingsStartAndStopWhatTheySay) {
   conductor_->systemDidWake();
   advance(0);
   EXPECT_EQ(device_->starts, starts + 1);
-  EXPECT_EQ(motion_.opened, 4);
+  EXPECT_EQ(motion_.opens, 4);
   conductor_->shutdown();
   EXPECT_FALSE(device_->running);
 }
@@ -306,37 +306,16 @@ TEST_F(ConductorTest, GoesOnWithoutAnOutputAndSavesNothingUpForIt) {
 
 TEST_F(ConductorTest, GoesOnWithoutASensor) {
   sensor_->stop();
-  motion_.refuse = true;
+  motion_.work(false);
   press();
   EXPECT_EQ(readings_.size(), 1u);
-  motion_.refuse = false;
+  motion_.work(true);
   press();
   EXPECT_EQ(readings_.size(), 2u) << "asked again too early";
   advance(1000);
   press();
   EXPECT_TRUE(sensor_->isRunning());
   EXPECT_EQ(readings_.size(), 2u);
-}
-
-TEST_F(ConductorTest, AFullRingLosesSoundsAndNothingElse) {
-  settings_.forceSensing = false;
-  apply();
-  finishSounds();
-  for (int i = 0; i < 600; ++i)
-    press();
-  EXPECT_EQ(readings_.size(), TB_RING_CAPACITY + 0u);
-  finishSounds();
-  press();
-  EXPECT_GT(level(), 0);
-}
-
-TEST(VoicePlayer, TagsNeverBecomeZero) {
-  AudioOutput audio(std::make_unique<testing::HandDrivenDevice>(
-      std::make_shared<testing::HandDrivenDevice::Controls>()));
-  const EngineSettings settings;
-  VoicePlayer player(audio, settings, UINT32_MAX);
-  (void)player.exchangePack(testing::TestPack::simple());
-  EXPECT_EQ(player.press(0, {}, {}), 1u);
 }
 
 }  // namespace

@@ -22,28 +22,19 @@ TEST(EngineSettings, SurviveTheFileAndMissingFieldsTakeTheirDefaults) {
 }
 
 TEST(EngineSettings, BrokenFilesAreRefusedNamingWhatIsWrong) {
-  const struct {
-    const char* label;
-    std::string text;
-    const char* named;
-  } rows[] = {
-      {"no text", "", "not valid JSON"},
-      {"a list", "[]", "not a JSON object"},
-      {"beyond a double", R"({"volume": 1e999})", "not valid JSON"},
-      {"beyond a float", R"({"volume": -1e39})", "volume"},
-      {"a text for a number", R"({"spatial": "0.5"})", "spatial"},
-      {"a number for a switch", R"({"enabled": 1})", "enabled"},
-      {"no such tier", R"({"fixedTier": 7})", "fixedTier"},
-      {"a huge tier", R"({"fixedTier": 18446744073709551615})", "fixedTier"},
-      {"a shortcut without key", R"({"shortcut": {"modifiers": 11}})", "shortcut.keyCode"},
-      {"a key code beyond 32 bits", R"({"shortcut": {"keyCode": 4294967296, "modifiers": 0}})",
-       "shortcut.keyCode"},
-      {"deep nesting", R"({"x":)" + std::string(100'000, '['), "nested too deeply"},
-  };
-  for (const auto& row : rows) {
-    const std::string failure = testing::failureOf([&] { EngineSettings::fromJson(row.text); });
-    EXPECT_NE(failure.find(row.named), std::string::npos) << row.label << ": " << failure;
-  }
+  testing::expectRefusals(
+      EngineSettings::fromJson,
+      {{"", "not valid JSON"},
+       {"[]", "not a JSON object"},
+       {R"({"volume": 1e999})", "not valid JSON"},
+       {R"({"volume": -1e39})", "volume"},
+       {R"({"spatial": "0.5"})", "spatial"},
+       {R"({"enabled": 1})", "enabled"},
+       {R"({"fixedTier": 7})", "fixedTier"},
+       {R"({"fixedTier": 18446744073709551615})", "fixedTier"},
+       {R"({"shortcut": {"modifiers": 11}})", "shortcut.keyCode"},
+       {R"({"shortcut": {"keyCode": 4294967296, "modifiers": 0}})", "shortcut.keyCode"},
+       {R"({"x":)" + std::string(100'000, '['), "nested too deeply"}});
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 namespace tobrin {
 namespace {
 
+using testing::MotionScript;
 using testing::ScriptedMotionSource;
 
 /// Feeds one impact of exactly `g` at `time` to a sensor at rest at 0: the average has moved by a
@@ -86,17 +87,15 @@ TEST(ForceSensor, WrongLengthsAndClocksThatJumpAreHarmless) {
 }
 
 TEST(ForceSensor, StreamsUntilStoppedAndStartsAgainAtRest) {
-  ScriptedMotionSource::Controls controls;
+  MotionScript script;
   std::atomic<int> threads = 0;
   {
-    ForceSensor sensor(std::make_unique<ScriptedMotionSource>(controls), [&] { ++threads; });
+    ForceSensor sensor(std::make_unique<ScriptedMotionSource>(script), [&] { ++threads; });
     sensor.stop();  // before any start
     for (uint64_t round = 1; round <= 20; ++round) {
       ASSERT_TRUE(sensor.start());
       ASSERT_TRUE(sensor.start()) << "running already";
-      controls.send({0, 0, static_cast<double>(round)}, round);
-      while (sensor.reportsReceived() < round)
-        std::this_thread::yield();
+      script.send({{0, 0, static_cast<double>(round)}, round});
       sensor.stop();
       EXPECT_FALSE(sensor.isRunning());
     }
@@ -104,19 +103,19 @@ TEST(ForceSensor, StreamsUntilStoppedAndStartsAgainAtRest) {
     EXPECT_EQ(sensor.window(1, 20)->samples, 20) << "the ring outlives a stop";
     ASSERT_TRUE(sensor.start());
   }  // the destructor stops it
-  EXPECT_EQ((std::array{controls.opened, controls.closed, threads.load()}),
+  EXPECT_EQ((std::array{script.opens.load(), script.closes.load(), threads.load()}),
             (std::array{21, 21, 21}));
 }
 
 TEST(ForceSensor, ASourceThatRefusesOrEndsLeavesItStopped) {
-  ScriptedMotionSource::Controls controls;
-  ForceSensor sensor(std::make_unique<ScriptedMotionSource>(controls));
-  controls.refuse = true;
+  MotionScript script;
+  ForceSensor sensor(std::make_unique<ScriptedMotionSource>(script));
+  script.work(false);
   EXPECT_FALSE(sensor.start());
   EXPECT_FALSE(sensor.isRunning());
-  controls.refuse = false;
+  script.work(true);
   ASSERT_TRUE(sensor.start());
-  controls.end();
+  script.lose();
   while (sensor.isRunning())
     std::this_thread::yield();
   EXPECT_TRUE(sensor.start()) << "may be tried again";
@@ -128,7 +127,7 @@ using testing::ScriptedKeySource;
 
 class ForceRecorderTest : public ::testing::Test {
  protected:
-  ScriptedMotionSource::Controls motion;
+  MotionScript motion;
   KeyScript keys;
   ForceRecorder recorder{std::make_unique<ScriptedMotionSource>(motion),
                          [this](KeyMonitor::Handler handler) {
@@ -139,14 +138,11 @@ class ForceRecorderTest : public ::testing::Test {
 
 TEST_F(ForceRecorderTest, KeepsSamplesInOrderAndOfKeysOnlyTheGroup) {
   ASSERT_TRUE(recorder.start());
-  motion.send({0, 0, 1}, 100);
-  motion.send({0, 0, 9}, 50);  // the sensor's clock jumped back
-  motion.send({0.5, 0, 1}, 200);
-  std::vector<MotionTrace::Sample> samples;
-  while (samples.size() < 2)
-    for (const auto& sample : recorder.take().samples)
-      samples.push_back(sample);
-  EXPECT_EQ(samples, (std::vector<MotionTrace::Sample>{{100, {0, 0, 1}}, {200, {0.5, 0, 1}}}));
+  motion.send({{0, 0, 1}, 100});
+  motion.send({{0, 0, 9}, 50});  // the sensor's clock jumped back
+  motion.send({{0.5, 0, 1}, 200});
+  EXPECT_EQ(recorder.take().samples,
+            (std::vector<MotionTrace::Sample>{{100, {0, 0, 1}}, {200, {0.5, 0, 1}}}));
   for (const uint16_t code : std::vector<uint16_t>{12, 48, 76, 117, 59}) {
     keys.press(code);
     keys.release(code);
@@ -158,11 +154,11 @@ TEST_F(ForceRecorderTest, KeepsSamplesInOrderAndOfKeysOnlyTheGroup) {
 }
 
 TEST_F(ForceRecorderTest, SaysWhatIsMissingAndLeavesNothingRunning) {
-  keys.allow(false);
+  keys.allowed = false;
   EXPECT_FALSE(recorder.start());
   EXPECT_EQ(recorder.problem(), "not allowed");
-  EXPECT_EQ(motion.closed, 1);
-  motion.refuse = true;
+  EXPECT_EQ(motion.closes, 1);
+  motion.work(false);
   EXPECT_FALSE(recorder.start());
   EXPECT_EQ(recorder.problem(), "the test says no");
 }

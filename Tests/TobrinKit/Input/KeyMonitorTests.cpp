@@ -86,13 +86,13 @@ TEST_F(KeyMonitorTest, StartsOnceStopsAndStartsAgain) {
 
 TEST_F(KeyMonitorTest, ALostSourceIsTakenUpAgain) {
   ASSERT_TRUE(monitor().start());
-  script.allow(false);
+  script.allowed = false;
   script.lose();
   script.awaitOpens(4);  // refused at least twice since
   EXPECT_FALSE(monitor().isRunning());
   EXPECT_FALSE(monitor().start());  // asks at once
   EXPECT_EQ(monitor().problem(), "not allowed");
-  script.allow(true);
+  script.allowed = true;
   EXPECT_TRUE(monitor().start());
   script.lose();
   script.press(49);  // taken once it listens again

@@ -207,11 +207,5 @@ TEST(HidReportDescriptor, FindsTheMotionReportOfTheRightCollection) {
     EXPECT_EQ(findMotionReport(descriptor), expected) << ::testing::PrintToString(descriptor);
 }
 
-TEST(HidReportDescriptor, CutShortAnywhereItFindsNothing) {
-  const Bytes plain = join({motion, numbered, input(22), end});
-  for (std::size_t length = 0; length + 2 < plain.size(); ++length)
-    EXPECT_FALSE(findMotionReport(std::span(plain).first(length))) << length;
-}
-
 }  // namespace
 }  // namespace tobrin
