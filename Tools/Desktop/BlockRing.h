@@ -30,9 +30,9 @@ class BlockRing final {
   void push(int64_t startNs, std::span<const float> interleaved) noexcept {
     while (!interleaved.empty()) {
       const size_t samples = std::min(interleaved.size(), TimedBlock::capacity * channelCount);
+      const size_t frames = samples / channelCount;
       pushBlock(startNs, interleaved.first(samples));
-      startNs +=
-          static_cast<int64_t>(static_cast<double>(samples / channelCount) * 1e9 / sampleRate);
+      startNs += static_cast<int64_t>(static_cast<double>(frames) * 1e9 / sampleRate);
       interleaved = interleaved.subspan(samples);
     }
   }
