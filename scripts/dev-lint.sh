@@ -29,7 +29,8 @@ check_sources() {
   cmake --preset lint -DCMAKE_{C,CXX}_CLANG_TIDY="$PWD/scripts/tidy;${version:0:12}" >/dev/null || return
   # Files of the project, not what is generated from them.
   mapfile -t objects < <(ninja -C build/lint -t targets all |
-    sed -n 's/: C\(XX\)\?_COMPILER__.*//p' | grep '\.c\(pp\)\?\.o$' | grep -v _autogen | grep -F -- "$filter")
+    sed -n 's/: C\(XX\)\?_COMPILER__.*//p' | grep '\.c\(pp\)\?\.o$' | grep -Ev '_autogen/|_qmltyper|/\.rcc/' |
+    grep -F -- "$filter")
   [ ${#objects[@]} -gt 0 ] || die "no source's path holds '$filter'"
   ninja -C build/lint -k 0 "${objects[@]}"
 }
