@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
-#include <optional>
 #include <system_error>
 
 #include "Packs/FrameStore.h"
@@ -57,10 +56,8 @@ class AudioDecoder::Run final {
         sound_(openSound(file_, info_)),
         channels_(static_cast<std::size_t>(info_.channels)),
         ratio_(owner.sampleRate_ / info_.samplerate),
-        store_(channels_ >= 2, allowance) {
-    if (info_.samplerate != owner.sampleRate_)  // whole rates are exact in both types
-      resampler_.emplace(info_.samplerate, owner.sampleRate_, channels_ >= 2);
-  }
+        store_(channels_ >= 2, allowance),
+        resampler_(owner.resampler(info_.samplerate, channels_ >= 2)) {}
 
   std::unique_ptr<SampleBuffer> decode() {
     announce();
@@ -118,19 +115,39 @@ class AudioDecoder::Run final {
   std::size_t channels_;
   double ratio_;
   FrameStore store_;
-  std::optional<Resampler> resampler_;
+  Resampler* resampler_;  // null where the file has the right rate
 };
+
+AudioDecoder::AudioDecoder(double sampleRate) : sampleRate_(sampleRate) {}
+
+AudioDecoder::~AudioDecoder() = default;
+
+Resampler* AudioDecoder::resampler(int fileRate, bool stereo) {
+  if (fileRate == sampleRate_) return nullptr;  // whole rates are exact in both types
+  if (!resampler_ || !resampler_->converts(fileRate, stereo))
+    resampler_ = std::make_unique<Resampler>(fileRate, sampleRate_, stereo);
+  return resampler_.get();
+}
 
 std::unique_ptr<SampleBuffer> AudioDecoder::decode(const std::filesystem::path& file,
                                                    FrameAllowance& allowance) {
+  const auto failed = [&](const char* reason) {
+    resampler_.reset();  // it holds half a sound
+    return PackError::decode(file, reason);
+  };
   try {
-    return Run(*this, file, allowance).decode();
+    auto sound = Run(*this, file, allowance).decode();
+    if (resampler_ && !resampler_->mayGoOn()) resampler_.reset();
+    return sound;
+  } catch (const AllowanceExceeded&) {
+    resampler_.reset();
+    throw;
   } catch (const std::bad_alloc&) {
-    throw PackError::decode(file, "could not allocate buffer");
+    throw failed("could not allocate buffer");
   } catch (const std::length_error&) {
-    throw PackError::decode(file, "could not allocate buffer");
+    throw failed("could not allocate buffer");
   } catch (const std::runtime_error& error) {
-    throw PackError::decode(file, error.what());
+    throw failed(error.what());
   }
 }
 

@@ -1,5 +1,6 @@
 /// Decodes audio files (WAV, FLAC, Ogg, MP3 and what else libsndfile reads) to planar float at one
-/// sample rate. Trusts nothing that a header says: memory follows what was really decoded.
+/// sample rate. Trusts nothing that a header says: memory follows what was really decoded. A
+/// decoder's files share what is costly to set up, see `Resampler`.
 #pragma once
 
 #include <filesystem>
@@ -11,9 +12,12 @@
 
 namespace tobrin {
 
+class Resampler;
+
 class AudioDecoder final {
  public:
-  explicit AudioDecoder(double sampleRate) : sampleRate_(sampleRate) {}
+  explicit AudioDecoder(double sampleRate);
+  ~AudioDecoder();
 
   /// Decodes a whole file; its first two channels, samples that are not finite as 0. The frames of
   /// the result stay taken off the allowance. Throws `PackError` (decode) and `AllowanceExceeded`.
@@ -23,10 +27,13 @@ class AudioDecoder final {
  private:
   class Run;
 
+  Resampler* resampler(int fileRate, bool stereo);
+
   double sampleRate_;
   std::vector<float> interleaved_;  // scratch, kept for the next file
   std::vector<float> left_;
   std::vector<float> right_;
+  std::unique_ptr<Resampler> resampler_;  // of the last file that needed one
 };
 
 }  // namespace tobrin

@@ -13,7 +13,10 @@ namespace tobrin {
 namespace {
 
 constexpr uint64_t budgetFrames = LoadedPack::memoryBudget / bytesPerFrame;
-constexpr std::size_t probedFiles = 4;  // decoded alone, to see how long they take
+// Files decoded by one decoder: what comes out of it may depend, in a last bit, on what it decoded
+// before, and must not depend on how the files fall to the threads. The first batch is decoded
+// alone, to see how long that takes.
+constexpr std::size_t batchFiles = 4;
 constexpr double leastWorkForHelp = 4;  // ms; below, waiting for a thread costs more than it saves
 
 bool isWithin(const std::filesystem::path& folder, const std::filesystem::path& file) {
@@ -76,70 +79,79 @@ void PackLoader::decodeAhead() {
   FrameAllowance allowance(budgetFrames);
   std::atomic<std::size_t> next{0};
   std::atomic<bool> failed{false};
-  const auto work = [&](std::size_t end) {
-    AudioDecoder decoder(sampleRate_);
+  const auto work = [&](std::size_t endBatch) {
     // Relaxed: the results are read after the join.
     while (!failed.load(std::memory_order_relaxed)) {
-      const std::size_t entry = next.fetch_add(1, std::memory_order_relaxed);
-      if (entry >= end) return;
+      const std::size_t batch = next.fetch_add(1, std::memory_order_relaxed);
+      if (batch >= endBatch) return;
       try {
-        contents_.buffers[entry] = decode(paths_[entry], decoder, allowance);
+        decodeBatch(batch, allowance);
       } catch (...) {
         failed.store(true, std::memory_order_relaxed);
       }
     }
   };
-  const std::size_t probed = std::min(probedFiles, paths_.size());
   const uint64_t start = MachTime::now();
-  work(probed);
-  next.store(probed, std::memory_order_relaxed);
+  work(1);
+  next.store(1, std::memory_order_relaxed);
   const std::size_t wanted = helpers(MachTime::milliseconds(MachTime::now() - start));
 
   std::vector<std::jthread> others;
   try {
     while (others.size() < wanted)
-      others.emplace_back(work, paths_.size());
+      others.emplace_back(work, batches());
   } catch (const std::system_error&) {
     // The system refuses more threads: those that run do the work.
   }
-  work(paths_.size());
+  work(batches());
 }
 
-/// How many threads are worth starting beside this one, by the time the probed files took.
+/// How many threads are worth starting beside this one, by the time the first batch took.
 std::size_t PackLoader::helpers(double probedMs) const {
-  if (paths_.size() <= probedFiles) return 0;
-  const std::size_t left = paths_.size() - probedFiles;
-  const double work = probedMs / static_cast<double>(probedFiles) * static_cast<double>(left);
+  if (batches() <= 1) return 0;
+  const std::size_t left = batches() - 1;
+  const double work = probedMs * static_cast<double>(left);
   if (threads_ == 0 && work < leastWorkForHelp) return 0;
   const std::size_t threads = threads_ != 0 ? threads_ : std::thread::hardware_concurrency();
-  return std::min(std::max<std::size_t>(threads, 1) - 1, left / probedFiles);
+  return std::min(std::max<std::size_t>(threads, 1) - 1, left);
 }
 
-/// Goes through the files in order, keeps what is there, decodes what was left open, and meets
+/// Goes through the batches in order, keeps those that are there, decodes the others, and meets
 /// every error where a single thread would have met it.
 void PackLoader::settle() {
-  AudioDecoder decoder(sampleRate_);
   uint64_t framesLeft = budgetFrames;
-  for (std::size_t entry = 0; entry < paths_.size(); ++entry) {
-    Buffer& buffer = contents_.buffers[entry];
-    if (!buffer) {
+  for (std::size_t batch = 0; batch < batches(); ++batch) {
+    const auto files = filesOf(batch);
+    if (!std::ranges::all_of(files, [](const Buffer& buffer) { return buffer != nullptr; })) {
       // Later files make room, so that the budget holds; they come again in their turn.
-      std::for_each(contents_.buffers.begin() + static_cast<std::ptrdiff_t>(entry),
-                    contents_.buffers.end(), [](Buffer& later) { later.reset(); });
+      for (std::size_t later = batch; later < batches(); ++later)
+        std::ranges::fill(filesOf(later), nullptr);
       FrameAllowance allowance(framesLeft);
       try {
-        buffer = decode(paths_[entry], decoder, allowance);
+        decodeBatch(batch, allowance);
       } catch (const AllowanceExceeded&) {
         throw PackError::invalidManifest(directory_, "pack is too large");
       }
     }
-    framesLeft -= buffer->frames();
+    for (const Buffer& buffer : files)
+      framesLeft -= buffer->frames();
   }
 }
 
-PackLoader::Buffer PackLoader::decode(const std::string& path, AudioDecoder& decoder,
-                                      FrameAllowance& allowance) const {
-  return decoder.decode(resolved(path), allowance);
+std::size_t PackLoader::batches() const {
+  return (paths_.size() + batchFiles - 1) / batchFiles;
+}
+
+std::span<PackLoader::Buffer> PackLoader::filesOf(std::size_t batch) {
+  const std::size_t first = batch * batchFiles;
+  return std::span(contents_.buffers).subspan(first, std::min(batchFiles, paths_.size() - first));
+}
+
+void PackLoader::decodeBatch(std::size_t batch, FrameAllowance& allowance) {
+  AudioDecoder decoder(sampleRate_);
+  std::size_t entry = batch * batchFiles;
+  for (Buffer& buffer : filesOf(batch))
+    buffer = decoder.decode(resolved(paths_[entry++]), allowance);
 }
 
 /// The file of a path. One that leaves the folder, by its text or through a symbolic link, is

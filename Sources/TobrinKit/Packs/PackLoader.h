@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -14,8 +15,6 @@
 #include "Packs/PackManifest.h"
 
 namespace tobrin {
-
-class AudioDecoder;
 
 class PackLoader final {
  public:
@@ -35,7 +34,9 @@ class PackLoader final {
   void decodeAhead();
   [[nodiscard]] std::size_t helpers(double probedMs) const;
   void settle();
-  Buffer decode(const std::string& path, AudioDecoder& decoder, FrameAllowance& allowance) const;
+  [[nodiscard]] std::size_t batches() const;
+  std::span<Buffer> filesOf(std::size_t batch);
+  void decodeBatch(std::size_t batch, FrameAllowance& allowance);
   [[nodiscard]] std::filesystem::path resolved(const std::string& path) const;
 
   std::filesystem::path directory_;

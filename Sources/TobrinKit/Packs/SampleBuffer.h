@@ -31,9 +31,9 @@ class SampleBuffer final {
   SampleBuffer(Blocks blocks, double sampleRate);
 
   /// Decodes a whole audio file and converts it to `sampleRate`; channels beyond the second are
-  /// dropped. Samples that are not finite, or subnormal, become 0. A file that would need more than `maxBytes` of
-  /// decoded audio (8 bytes a frame at `sampleRate`) is refused before that memory is taken, also
-  /// where its header understates its length. Throws `PackError` (decode).
+  /// dropped. Samples that are not finite, or subnormal, become 0. A file that would need more than
+  /// `maxBytes` of decoded audio (8 bytes a frame at `sampleRate`) is refused before that memory is
+  /// taken, also where its header understates its length. Throws `PackError` (decode).
   static std::unique_ptr<SampleBuffer> load(const std::filesystem::path& file, double sampleRate,
                                             uint64_t maxBytes = UINT64_MAX);
 

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 
 #include "Packs/PackError.h"
+#include "Packs/PackLoader.h"
 #include "Support/AudioFiles.h"
 #include "Support/Failure.h"
 #include "Support/TempFolder.h"
@@ -99,6 +101,45 @@ TEST_F(LoadedPackFolder, DecodesEachFileOnceAndSkipsUnknownNames) {
   const auto pack = load();
   EXPECT_EQ(pack->memoryBytes(), 800u);
   EXPECT_EQ(pack->variantCount(KeyGroup::space), 3u);
+}
+
+// Files that are converted one after another, loud and quiet, of both kinds and many lengths, by
+// however many threads.
+TEST_F(LoadedPackFolder, ConvertsEachFileAsIfItWereAlone) {
+  std::string paths;
+  std::vector<std::unique_ptr<SampleBuffer>> alone;
+  std::mt19937 generator(3);
+  for (std::size_t n = 0; n < 11; ++n) {
+    const uint16_t channels = n % 3 == 2 ? 1 : 2;
+    const uint32_t rate = n < 5 ? 44100 : n == 5 ? 44099 : 32000;
+    const std::size_t frames = n * 129;
+    std::vector<float> samples(channels * frames);
+    std::uniform_real_distribution<float> level(-1, 1);
+    for (float& sample : samples)
+      sample = n == 6 ? 1e30F : level(generator);
+    const std::string name = std::to_string(n) + ".wav";
+    const auto file = folder_.write(
+        "MyPack/" + name, testing::wavFloat({.channels = channels, .rate = rate}, samples));
+    paths += (n == 0 ? "\"" : ",\"") + name + "\"";
+    alone.push_back(SampleBuffer::load(file, 48000));
+    EXPECT_EQ(alone.back()->frames(), std::llround(static_cast<double>(frames) * 48000 / rate));
+  }
+  manifest(paths);
+  for (const unsigned threads : {1u, 3u}) {
+    const auto contents = PackLoader(folder_.path() / "MyPack", 48000, threads)
+                              .load(LoadedPack::readManifest(folder_.path() / "MyPack"));
+    for (std::size_t n = 0; n < alone.size(); ++n) {
+      const SampleBuffer& sound = *contents.buffers[n];
+      ASSERT_EQ(sound.frames(), alone[n]->frames()) << n;
+      for (std::size_t i = 0; i < sound.frames(); ++i) {
+        ASSERT_NEAR(sound.left()[i], alone[n]->left()[i], std::abs(sound.left()[i]) * 1e-6F + 1e-7F)
+            << n;
+        ASSERT_NEAR(sound.right()[i], alone[n]->right()[i],
+                    std::abs(sound.right()[i]) * 1e-6F + 1e-7F)
+            << n;
+      }
+    }
+  }
 }
 
 TEST_F(LoadedPackFolder, RefusesPathsThatLeaveTheFolder) {
