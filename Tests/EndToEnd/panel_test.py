@@ -19,10 +19,10 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "
 from desktopclients import screenreader  # noqa: E402
 from desktopclients.traywatcher import TrayWatcher  # noqa: E402
 from desktopclients.xclient import KeyGrab  # noqa: E402
-from listening import DesktopTest, Tobrin, panels, record, types_audibly, xdotool  # noqa: E402
+from listening import panels, record, types_audibly, xdotool  # noqa: E402
+from listening.panel import PATIENCE, PanelDriver, eventually, focused, named  # noqa: E402
 
 PACKS, PROGRAM = pathlib.Path(sys.argv.pop()), sys.argv.pop()
-PATIENCE = 30.0  # the machine may be busy
 CHORD = "ctrl+alt+super+"
 # In the order of the Tab key; of a group, the chosen one.
 STOPS = ["Sounds", "Preview", "Blue Click, Clicky", "Cream, Linear", "Dome, Silent tactile", "Panda, Tactile",
@@ -30,64 +30,9 @@ STOPS = ["Sounds", "Preview", "Blue Click, Clicky", "Cream, Linear", "Dome, Sile
          "Quiet during calls", "Open at login", "Turn sounds on/off with", "Shortcut: ⌃⌥⌘K", "Packs Folder…", "Quit"]
 
 
-def eventually(condition, seconds=PATIENCE):
-    """What `condition` answers once that is true; its last answer where it never is."""
-    deadline = time.monotonic() + seconds
-    while not (answer := condition()) and time.monotonic() < deadline:
-        time.sleep(0.05)
-    return answer
-
-
-def named(name):
-    return next((control for control in screenreader.showing() if control.name == name), None)
-
-
-def focused():
-    """The innermost control that has the focus."""
-    return next((each.name for each in reversed(screenreader.showing()) if "focused" in each.states), None)
-
-
-class PanelTest(DesktopTest):
-    def start(self, packs=PACKS, pack="", **settings):
-        screenreader.start()
-        os.environ.update(screenreader.ENVIRONMENT)
-        program = Tobrin(PROGRAM, packs, pack=pack, **settings)
-        self.addCleanup(program.__exit__)
-        self.settings_file = program.settings_file
-        program.wait_for("status:")
-        return program
-
-    def start_with_panel(self, *arguments, **settings):
-        program = self.start(*arguments, **settings)
-        lock = pathlib.Path(os.environ["XDG_RUNTIME_DIR"]) / "tobrin.socket"
-        self.assertTrue(eventually(lock.exists))
-        self.bring_up()
-        return program
-
-    def bring_up(self):
-        second = subprocess.run([PROGRAM], stdout=subprocess.PIPE, text=True, check=False, timeout=PATIENCE)
-        self.assertEqual((second.returncode, second.stdout), (0, "Tobrin is already running.\n"))
-        self.assertTrue(eventually(lambda: panels() and named("Quit")), f"{panels()} {screenreader.showing()}")
-
-    def close_by_keyboard(self):
-        # With a window named, xdotool would leave the key pressed once that window has gone.
-        xdotool("windowfocus", "--sync", panels()[0], "key", "Escape")
-        self.assertTrue(eventually(lambda: not panels()), "Escape closes")
-
-    def saved(self):
-        return json.loads(self.settings_file.read_text(encoding="utf-8"))
-
-    def saves(self, key, value):
-        self.assertTrue(eventually(lambda: self.saved()["engineSettings"].get(key) == value), (key, value, self.saved()))
-
-    def click(self, name, share=0.5):
-        control = eventually(lambda: named(name))
-        self.assertTrue(control, f"no '{name}' in {panels()} among {screenreader.showing()}")
-        xdotool("mousemove", *control.at(share), "click", 1)
-
-    def shows(self, *names):
-        for name in names:
-            self.assertTrue(eventually(lambda: named(name)), f"no '{name}' in {panels()} among {screenreader.showing()}")
+class PanelTest(PanelDriver):
+    program = PROGRAM
+    packs = PACKS
 
     def test_every_switch_is_saved_and_shown(self):
         self.start_with_panel(volume=0.5)

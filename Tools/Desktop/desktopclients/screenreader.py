@@ -9,7 +9,7 @@ from gi.repository import Atspi  # noqa: E402
 
 ENVIRONMENT = {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
 _STATES = {"checked": Atspi.StateType.CHECKED, "showing": Atspi.StateType.SHOWING,
-           "focused": Atspi.StateType.FOCUSED, "focusable": Atspi.StateType.FOCUSABLE}
+           "active": Atspi.StateType.ACTIVE, "focused": Atspi.StateType.FOCUSED, "focusable": Atspi.StateType.FOCUSABLE}
 
 
 def start():
@@ -30,6 +30,7 @@ class Control:
         states = accessible.get_state_set()
         self.states = {name for name, state in _STATES.items() if states.contains(state)}
         place = Atspi.Component.get_extents(accessible, Atspi.CoordType.SCREEN)
+        self._accessible = accessible
         self.place = (place.x, place.y, place.width, place.height)
 
     def __repr__(self):
@@ -38,6 +39,10 @@ class Control:
     @property
     def checked(self):
         return "checked" in self.states
+
+    def press(self):
+        """Does what a press on it does, wherever it is."""
+        Atspi.Action.do_action(self._accessible, 0)
 
     def at(self, share=0.5):
         """A point on it: that share of its width from the left, half way down."""

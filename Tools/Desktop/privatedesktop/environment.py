@@ -55,17 +55,20 @@ def _sweep(base):
             pass  # alive, or gone already
 
 
-def private_environment(folders, keep_home):
+def private_environment(folders, keep_home, wayland=False):
     """This process's environment with everything that leads to another session replaced."""
     environment = {name: value for name, value in os.environ.items()
                    if not name.startswith(_FOREIGN) and name not in _FOREIGN_NAMES}
     environment.update(
         XDG_RUNTIME_DIR=folders.run, XDG_CONFIG_HOME=folders.config, XDG_STATE_HOME=folders.state,
         XDG_CACHE_HOME=folders.cache, XDG_DATA_HOME=folders.data, XDG_CONFIG_DIRS="/etc/xdg",
-        XDG_DATA_DIRS="/usr/local/share:/usr/share", XDG_SESSION_TYPE="x11", XDG_CURRENT_DESKTOP="Test",
+        XDG_DATA_DIRS="/usr/local/share:/usr/share", XDG_CURRENT_DESKTOP="Test",
+        XDG_SESSION_TYPE="wayland" if wayland else "x11",
         # Leads nowhere: the machine's own system bus (real-time kit, logind) stays out of the session.
         DBUS_SYSTEM_BUS_ADDRESS=f"unix:path={folders.run}/system-bus",
-        NO_AT_BRIDGE="1", QT_QPA_PLATFORM="xcb", TOBRIN_DESKTOP=folders.root)
+        NO_AT_BRIDGE="1", TOBRIN_DESKTOP=folders.root)
+    if not wayland:
+        environment["QT_QPA_PLATFORM"] = "xcb"
     environment.setdefault("LANG", "C.UTF-8")
     environment.setdefault("PATH", "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin")
     if not keep_home or "HOME" not in environment:

@@ -1,4 +1,4 @@
-"""The services of a desktop: message bus, X server, sound server."""
+"""The services of a desktop: message bus, X server, Wayland compositor, sound server."""
 
 import os
 import select
@@ -9,6 +9,16 @@ import time
 
 from .processes import wait_until
 
+COMPOSITOR = """[core]
+idle-time=0
+[shell]
+background-color=0xff3465a4
+panel-position=none
+animation=none
+close-animation=none
+startup-animation=none
+locking=false
+"""
 SOUND = ("pipewire-pulse", "wireplumber", "pipewire")
 START_SECONDS = 30
 
@@ -45,6 +55,16 @@ class Services:
                                    self._screen, "-nolisten", "tcp", "-noreset", "-ac"])
         self._environment["DISPLAY"] = ":" + number
 
+    def start_compositor(self, scale):
+        """A Wayland one in a window that is the whole X screen: what the X server types and shows is its."""
+        self._folders.write_config("weston.ini", COMPOSITOR)
+        width, height, _ = map(int, self._screen.split("x"))
+        self._daemons.start("compositor", ["weston", "--backend=x11-backend.so", "--use-pixman", f"--scale={scale}",
+                                           f"--width={width // scale}", f"--height={height // scale}",
+                                           "--socket=wayland-0"], self._environment)
+        self._await("compositor", lambda: _accepts(f"{self._folders.run}/wayland-0"))
+        self._environment["WAYLAND_DISPLAY"] = "wayland-0"
+
     def start_sound(self):
         run = self._folders.run
         self._daemons.start("pipewire", ["pipewire"], self._environment)
@@ -66,7 +86,7 @@ class Services:
 
     def stop_all(self):
         self._daemons.stop(SOUND)
-        self._daemons.stop(["display", "session-bus", "system-bus"])
+        self._daemons.stop(["compositor", "display", "session-bus", "system-bus"])
 
     def _has_default_devices(self):
         listing = subprocess.run(["pw-metadata", "-n", "default", "0"], env=self._environment, check=False,

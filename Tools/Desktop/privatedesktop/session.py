@@ -26,6 +26,8 @@ class Options:
     extra_sinks: list = field(default_factory=list)  # NAME or NAME:RATE
     tone_mic: bool = False
     screen: str = "1280x800x24"
+    wayland: bool = False  # a Wayland session, whose compositor is a window on the X server
+    scale: int = 1  # pixels of the Wayland session's screen for each of its units
     sound: bool = True
     system_bus: bool = False
     keep_home: bool = False
@@ -38,7 +40,7 @@ class Session:
     def __init__(self, options):
         self._options = options
         self._folders = Folders()
-        self.environment = private_environment(self._folders, options.keep_home)
+        self.environment = private_environment(self._folders, options.keep_home, options.wayland)
         self._daemons = Daemons(self._folders.log)
         self._services = Services(self._daemons, self._folders, self.environment, options.screen)
         self._control = None
@@ -61,6 +63,8 @@ class Session:
         if self._options.system_bus:
             self._services.start_bus("system-bus")
         self._services.start_display()
+        if self._options.wayland:
+            self._services.start_compositor(self._options.scale)
         if self._options.sound:
             self._services.start_sound()
         self._control = Control(self._folders, self._services, self._daemons)
