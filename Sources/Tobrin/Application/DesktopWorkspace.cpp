@@ -8,6 +8,7 @@
 #include <cerrno>
 
 #include "Application/Application.h"
+#include "Evdev/KeyboardList.h"
 
 namespace tobrin {
 namespace {
@@ -56,6 +57,7 @@ std::string DesktopWorkspace::openFolder(const std::filesystem::path& folder) {
 
 void DesktopWorkspace::openKeyAccessSettings(std::function<void(const std::string&)> onEnd) {
   if (grantNotifier_) return;  // the user is being asked
+  if (!KeyboardList::isPossible()) return onEnd("this system has no input devices");
   // A program that runs where it was built has its helper beside it.
   const auto built = program_.parent_path() / "tobrin-key-access";
   std::error_code error;
