@@ -10,11 +10,12 @@ Rectangle {
     required property PanelModel model
     property bool dark: false
     property bool framed: false
-    readonly property real fullHeight: content.implicitHeight + 2 * Theme.margin
+    property bool titled: false
+    readonly property real fullHeight: content.y + content.implicitHeight + Theme.margin
     readonly property Item focused: Window.activeFocusItem
 
     implicitWidth: Theme.panelWidth
-    implicitHeight: fullHeight
+    implicitHeight: fullHeight + titleBar.height
     color: Theme.background
     Accessible.role: Accessible.Pane
     Accessible.name: "Tobrin"
@@ -28,6 +29,7 @@ Rectangle {
     Flickable {
         id: scroller
         anchors.fill: parent
+        anchors.topMargin: titleBar.height
         contentHeight: panel.fullHeight
         boundsBehavior: Flickable.StopAtBounds
         interactive: contentHeight > height
@@ -55,7 +57,7 @@ Rectangle {
         ColumnLayout {
             id: content
             x: Theme.margin
-            y: Theme.margin
+            y: panel.titled ? 0 : Theme.margin
             width: panel.width - 2 * Theme.margin
             spacing: Theme.inset
 
@@ -117,6 +119,12 @@ Rectangle {
                 }
             }
         }
+    }
+    TitleBar {
+        id: titleBar
+        width: panel.width
+        height: visible ? implicitHeight : 0
+        visible: panel.titled
     }
     Rectangle {
         anchors.fill: parent

@@ -15,6 +15,8 @@ T.RadioButton {
     horizontalPadding: Theme.gap
     verticalPadding: Theme.unit * 1.75
     Accessible.name: pack.name + ", " + pack.kind
+    Accessible.onPressAction: chosen()
+    Accessible.onToggleAction: chosen()
     onClicked: chosen()
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()

@@ -16,6 +16,7 @@ T.Button {
     verticalPadding: Theme.unit * 1.25
     opacity: enabled ? 1 : 0.5
     Accessible.name: text
+    Accessible.onPressAction: clicked()
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
 

@@ -48,6 +48,8 @@ FocusScope {
                 checked: index === picker.current // qmllint disable unqualified
                 text: modelData
                 Accessible.name: picker.label + ": " + text // qmllint disable unqualified
+                Accessible.onPressAction: picker.chosen(index) // qmllint disable unqualified
+                Accessible.onToggleAction: picker.chosen(index) // qmllint disable unqualified
                 onClicked: picker.chosen(index) // qmllint disable unqualified
                 Keys.onLeftPressed: picker.move(-1) // qmllint disable unqualified
                 Keys.onRightPressed: picker.move(1) // qmllint disable unqualified

@@ -11,6 +11,14 @@ T.Switch {
     implicitWidth: labelHidden ? indicator.implicitWidth : Math.max(implicitContentWidth + indicator.width + Theme.gap, 100)
     implicitHeight: labelHidden ? indicator.implicitHeight : Math.max(implicitContentHeight + Theme.unit, Theme.rowHeight)
     Accessible.name: text
+    Accessible.onPressAction: flip()
+    Accessible.onToggleAction: flip()
+
+    // As by a click: assistive programs would change what is shown and nothing else.
+    function flip() {
+        toggle();
+        toggled();
+    }
 
     indicator: Rectangle {
         implicitWidth: Math.round(Theme.textSize * 2.5)

@@ -25,6 +25,28 @@ void drawInSoftware() {
   std::call_once(chosen, [] { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); });
 }
 
+/// There no window can place or raise itself, nobody says what of the screen is covered, and many
+/// desktops leave the frame to the program. The toolkit draws one by way of the graphics drivers
+/// only, which this program does without.
+bool isOnWayland() {
+  return QGuiApplication::platformName().startsWith("wayland");
+}
+
+void layOut(QQuickItem& item) {
+  item.ensurePolished();
+  for (QQuickItem* child : item.childItems())
+    layOut(*child);
+}
+
+/// Brings the panel to the height it will have: a window that grows once it is shown may grow
+/// beyond the screen.
+void settle(QQuickItem& panel) {
+  constexpr int passes = 3;  // each layout learns of the heights within it in the pass after
+  panel.setWidth(panel.implicitWidth());
+  for (int i = 0; i < passes; ++i)
+    layOut(panel);
+}
+
 }  // namespace
 
 PanelWindow::PanelWindow(AppModel& model, std::function<void()> onClosed)
@@ -55,11 +77,18 @@ bool PanelWindow::isOpen() const {
 
 void PanelWindow::open(const QPoint* anchor) {
   model_->menuOpened();
+  // One that opens comes to the front.
+  if (isOpen() && !view_->isActive() && isOnWayland()) view_->hide();
   closesWithFocus_ = anchor != nullptr;
   anchor_ = anchor != nullptr ? *anchor : QPoint();
-  view_->setFlags(anchor != nullptr ? Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint
-                                    : Qt::Window);
-  if (view_->rootObject() != nullptr) view_->rootObject()->setProperty("framed", closesWithFocus_);
+  view_->setFlags(closesWithFocus_ ? Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint
+                  : isOnWayland()  ? Qt::Window | Qt::FramelessWindowHint
+                                   : Qt::Window);
+  if (QQuickItem* root = view_->rootObject()) {
+    root->setProperty("framed", closesWithFocus_ || isOnWayland());
+    root->setProperty("titled", isOnWayland());
+    settle(*root);
+  }
   fitToScreen();
   view_->show();
   view_->raise();
@@ -83,8 +112,10 @@ void PanelWindow::fitToScreen() {
   QScreen* screen = closesWithFocus_ ? QGuiApplication::screenAt(anchor_) : view_->screen();
   if (screen == nullptr) screen = QGuiApplication::primaryScreen();
   if (screen == nullptr || view_->rootObject() == nullptr) return;
-  constexpr int edge = 8;  // kept free at the screen's edges
-  const QRect room = screen->availableGeometry().adjusted(edge, edge, -edge, -edge);
+  constexpr int edge = 8;   // kept free at the screen's edges
+  constexpr int bars = 64;  // desktop bars may cover that much of it
+  const QRect room =
+      screen->availableGeometry().adjusted(edge, edge, -edge, isOnWayland() ? -edge - bars : -edge);
   const QQuickItem* root = view_->rootObject();
   const QSize wanted(qRound(root->implicitWidth()), qRound(root->implicitHeight()));
   fitted_ = wanted.boundedTo(room.size());

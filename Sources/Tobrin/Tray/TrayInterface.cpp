@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QCursor>
 #include <QIcon>
+#include <QLoggingCategory>
 
 #include "Application/Modules.h"
 #include "Memory/UnusedMemory.h"
@@ -28,11 +29,22 @@ QIcon symbolIcon(const QString& name, const QColor& color) {
   return icon;
 }
 
+/// On Wayland the toolkit loads the graphics drivers for its first window, whatever that is drawn
+/// with; ours is drawn in software, and they would double the memory of the whole program.
+void doWithoutGraphicsDrivers() {
+  constexpr const char* variable = "QT_WAYLAND_CLIENT_BUFFER_INTEGRATION";
+  if (qEnvironmentVariableIsSet(variable)) return;
+  qputenv(variable, "none");
+  // It says that there is none of that name.
+  QLoggingCategory::setFilterRules("qt.qpa.wayland.warning=false");
+}
+
 }  // namespace
 
 std::unique_ptr<QCoreApplication> TrayInterface::makeApplication(int& argc, char** argv) {
   QGuiApplication::setDesktopFileName("app.tobrin.Tobrin");
   QGuiApplication::setQuitOnLastWindowClosed(false);
+  doWithoutGraphicsDrivers();
   auto application = std::make_unique<QApplication>(argc, argv);
   QCoreApplication::setApplicationName("Tobrin");
   return application;
