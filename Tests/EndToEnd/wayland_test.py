@@ -1,0 +1,134 @@
+#!/usr/bin/python3
+"""The program in a Wayland session: wayland_test.py [TEST] PROGRAM PACKS, in desktop-session --wayland."""
+
+import os
+import pathlib
+import subprocess
+import sys
+import unittest
+
+TOOLS = pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"
+sys.path.insert(0, str(TOOLS))
+from desktopclients import screenreader  # noqa: E402
+from desktopclients.traywatcher import TrayWatcher  # noqa: E402
+from listening import Background, panels, xdotool  # noqa: E402
+from listening.panel import PanelDriver, eventually, focused, named  # noqa: E402
+
+PACKS, PROGRAM = pathlib.Path(sys.argv.pop()), pathlib.Path(sys.argv.pop())
+LOCKED, SKIPPED = TOOLS / "with-locked-keyboard", 77
+TITLE = "Tobrin needs Input Monitoring"
+# Notes what it was asked for and does what is written beside it.
+PKEXEC = '#!/bin/sh\nprintf "%s\\n" "$@" >"${0%/*}/asked"\n. "${0%/*}/answer"\n'
+
+
+def locked():
+    """What the program is run by; ends all as skipped where that cannot be."""
+    if subprocess.run([LOCKED, "true"], check=False).returncode == SKIPPED:
+        os._exit(SKIPPED)
+    return LOCKED
+
+
+class WaylandTest(PanelDriver):
+    program, packs = PROGRAM, PACKS
+
+    def is_open(self):
+        return named("Quit") is not None
+
+    def is_active(self):
+        return any(each.role == "frame" and "active" in each.states for each in screenreader.showing())
+
+    def place(self):
+        """The panel's left and upper edge on the screen; only a picture of that tells."""
+        width, height = map(int, xdotool("getdisplaygeometry").split())
+        picture = subprocess.run(["ffmpeg", "-loglevel", "error", "-f", "x11grab", "-draw_mouse", "0", "-i",
+                                  os.environ["DISPLAY"], "-frames:v", "1", "-f", "rawvideo", "-pix_fmt", "rgb24", "-"],
+                                 check=True, stdout=subprocess.PIPE).stdout
+        rows = [picture[y * width * 3:(y + 1) * width * 3] for y in range(height)]
+        edge = bytes.fromhex("dfdfe7") * 100  # the outline's upper side
+        top = next((y for y in range(height) if edge in rows[y]), None)
+        if top is None:
+            return None
+        left = rows[top].index(edge) // 3
+        return left, top
+
+    def test_without_access_it_says_so_asks_for_it_and_goes_on_once_it_has_it(self):
+        answer = self.folder / "answer"
+        (self.folder / "pkexec").write_text(PKEXEC, encoding="utf-8")
+        (self.folder / "pkexec").chmod(0o755)
+        os.environ["PATH"] = f"{self.folder}:{os.environ['PATH']}"
+        self.within = (locked(),)
+        program = self.start_with_panel()
+        self.assertIn("keys: no permission to read /dev/input/event0", program.lines)
+        self.assertIn("status: Needs Input Monitoring access", program.lines)
+        self.shows(TITLE, "Needs Input Monitoring access")
+        refusal = "Access to keys can't be set up: Not authorized"
+        for script, alert in (("echo Not authorized >&2; exit 127", True), ("exit 126", False)):
+            answer.write_text(script, encoding="utf-8")
+            named("Open Settings").press()
+            self.assertTrue(eventually(lambda: (named(refusal) is not None) == alert), script)
+        self.assertTrue(named(TITLE), "who changed their mind may ask again")
+        answer.write_text("chmod 600 /dev/input/event0", encoding="utf-8")
+        named("Open Settings").press()
+        program.wait_for("keys: kernel keyboards (evdev)")
+        self.assertTrue(eventually(lambda: not named(TITLE)))
+        asked = (self.folder / "asked").read_text(encoding="utf-8").splitlines()
+        self.assertEqual(asked, [str(PROGRAM.parent / "tobrin-key-access"), "grant"])
+        self.shows("Blue Click · Fixed strength", "⌃⌥⌘K in any app to turn sounds on or off")
+
+        program.stop()
+        self.within = (LOCKED, "sh", "-c", 'rm -r /dev/input; exec "$0"')
+        program = self.start_with_panel()
+        (self.folder / "asked").unlink()
+        eventually(lambda: named("Open Settings")).press()
+        self.shows(TITLE, "Access to keys can't be set up: this system has no input devices")
+        self.assertFalse((self.folder / "asked").exists(), "nobody is asked in vain")
+
+    def test_the_panel_is_a_small_window_that_moves_closes_and_comes_back(self):
+        program = self.start_with_panel()
+        self.assertEqual(panels(), [], "not by way of X11")
+        maps = pathlib.Path(f"/proc/{program.process.pid}/maps").read_text(encoding="utf-8")
+        self.assertNotRegex(maps, "libLLVM|_dri.so|libEGL_", "no graphics drivers for a panel drawn in software")
+        self.assertTrue(eventually(self.is_active))
+        xdotool("key", "Tab", "space")
+        self.saves("enabled", False)
+        self.assertEqual(focused(), "Sounds")
+        for name, key, value in (("Key release sounds", "releaseSounds", False), ("Strength: Hard", "fixedTier", 2)):
+            named(name).press()
+            self.saves(key, value)
+
+        x, y = eventually(self.place)
+        xdotool("mousemove", x + 50, y + 10, "mousedown", 1)
+        for step in range(1, 11):
+            xdotool("mousemove", x + 50 - step * 5, y + 10 + step * 3, "sleep", 0.02)
+        xdotool("mouseup", 1)
+        self.assertTrue(eventually(lambda: self.place() == (x - 50, y + 30)), (x, y, self.place()))
+        with Background(["weston-simple-shm"]):
+            self.assertTrue(eventually(lambda: not self.is_active()))
+            self.bring_up()
+            self.assertTrue(eventually(self.is_active), "in front again")
+        self.assertTrue(eventually(lambda: xdotool("key", "Escape") or not self.is_open()))
+        self.bring_up()
+        eventually(lambda: named("Close")).press()
+        self.assertTrue(eventually(lambda: not self.is_open()))
+        self.assertIsNone(program.process.poll())
+
+    def test_the_tray_item_opens_it_and_it_leaves_with_the_focus(self):
+        tray = TrayWatcher()
+        self.addCleanup(tray.close)
+        self.start()
+        self.assertTrue(eventually(lambda: tray.items))
+        tray.click()
+        self.assertTrue(eventually(self.is_open))
+        self.assertTrue(eventually(self.is_active))
+        with Background(["weston-simple-shm"]):
+            self.assertTrue(eventually(lambda: not self.is_open()))
+
+    def test_the_self_test_names_what_is_missing(self):
+        done = subprocess.run([locked(), PROGRAM, "--selftest"], stdout=subprocess.PIPE, text=True, timeout=60, check=False,
+                              env=os.environ | {"TOBRIN_PACKS": str(PACKS)})
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("FAIL  keyboard tap (Input Monitoring): no permission to read /dev/input/event0", done.stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()
