@@ -5,12 +5,10 @@ Controls are found by their accessible names and worked by mouse and keyboard. T
 bindings for that.
 """
 
-import json
 import os
 import pathlib
 import shutil
 import signal
-import subprocess
 import sys
 import time
 import unittest
