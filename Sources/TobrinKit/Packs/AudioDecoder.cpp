@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 #include <new>
+#include <shared_mutex>
 #include <system_error>
 
 #include "Packs/FrameStore.h"
@@ -25,11 +27,31 @@ struct Closer {
 };
 using SoundFile = std::unique_ptr<SNDFILE, Closer>;
 
-SoundFile openSound(const RegularFile& file, SF_INFO& info) {
+// The library has one place for the reason of a refusal, which each file opened meanwhile clears.
+std::shared_mutex openings;
+
+SoundFile opened(const RegularFile& file, SF_INFO& info) {
   // A descriptor of its own: the library closes the one of a file that it refuses even where it is
   // told not to, and a second close could hit what another thread has opened meanwhile.
-  SoundFile sound(sf_open_fd(file.duplicate(), SFM_READ, &info, SF_TRUE));
+  return SoundFile(sf_open_fd(file.duplicate(), SFM_READ, &info, SF_TRUE));
+}
+
+SoundFile openedAlone(const std::filesystem::path& path, SF_INFO& info) {
+  const RegularFile file(path);  // from its start again
+  const std::unique_lock alone(openings);
+  info = {};
+  SoundFile sound = opened(file, info);
   if (!sound) throw std::runtime_error(sf_strerror(nullptr));
+  return sound;
+}
+
+SoundFile openSound(const RegularFile& file, const std::filesystem::path& path, SF_INFO& info) {
+  SoundFile sound;
+  {
+    const std::shared_lock besideOthers(openings);
+    sound = opened(file, info);
+  }
+  if (!sound) sound = openedAlone(path, info);
   if (info.channels < 1 || info.samplerate < lowestRate || info.samplerate > highestRate)
     throw std::runtime_error("unsupported format");
   return sound;
@@ -53,7 +75,7 @@ class AudioDecoder::Run final {
   Run(AudioDecoder& owner, const std::filesystem::path& path, FrameAllowance& allowance)
       : owner_(owner),
         file_(path),
-        sound_(openSound(file_, info_)),
+        sound_(openSound(file_, path, info_)),
         channels_(static_cast<std::size_t>(info_.channels)),
         ratio_(owner.sampleRate_ / info_.samplerate),
         store_(channels_ >= 2, allowance),
