@@ -5,6 +5,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "Synth/Sine.h"
+
 namespace tobrin {
 namespace {
 
@@ -67,16 +69,28 @@ void StrikeBuffer::addNoise(const Noise& noise, Place place, SplitMix64& rng) {
 void StrikeBuffer::addPartial(const Partial& partial, Place place) {
   static const auto fade = makePartialFade();
   if (!(partial.frequency < highestFrequency)) return;
+  const std::span<double> samples = at(place);
   const double angle = 2 * std::numbers::pi * partial.frequency;
   const double gainFactor = decayFactor(partial.decay);
   double gain = partial.amplitude;
-  std::size_t n = 0;
-  for (double& sample : at(place)) {
-    // The sine itself, not a recurrence: rounding must not add up over a long decay.
-    const double value = std::sin(partial.phase + angle * static_cast<double>(n) / sampleRate);
-    sample += value * gain * (n < fade.size() ? fade[n] : 1.0);
-    gain *= gainFactor;
-    ++n;
+  std::array<double, 128> gains{};
+  for (std::size_t start = 0; start < samples.size(); start += gains.size()) {
+    const std::size_t count = std::min(gains.size(), samples.size() - start);
+    for (std::size_t i = 0; i < count; ++i, gain *= gainFactor)
+      gains[i] = gain;
+    const auto first = static_cast<double>(start);
+    const auto value = [&](int i) {
+      // The sine itself, not a recurrence: rounding must not add up over a long decay.
+      return sine(partial.phase + angle * (first + i) / sampleRate) * gains.data()[i];
+    };
+    // The fade apart from the rest, and a signed count: that makes a loop in which compilers take
+    // several samples at a time.
+    double* const sum = samples.data() + start;
+    const int faded = start == 0 ? static_cast<int>(std::min(fade.size(), count)) : 0;
+    for (int i = 0; i < faded; ++i)
+      sum[i] += value(i) * fade.data()[i];
+    for (int i = faded; i < static_cast<int>(count); ++i)
+      sum[i] += value(i);
   }
 }
 
