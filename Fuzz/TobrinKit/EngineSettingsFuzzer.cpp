@@ -8,8 +8,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   using tobrin::EngineSettings;
   try {
-    const auto settings =
-        EngineSettings::fromJson({reinterpret_cast<const char*>(data), size});  // NOLINT
+    const auto settings = EngineSettings::fromJson({reinterpret_cast<const char*>(data), size});
     if (!(EngineSettings::fromJson(settings.toJson()) == settings)) std::abort();
   } catch (const std::runtime_error&) {
     // Refused.

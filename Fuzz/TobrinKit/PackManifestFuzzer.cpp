@@ -8,8 +8,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   using tobrin::PackManifest;
   try {
-    const auto manifest =
-        PackManifest::fromJson({reinterpret_cast<const char*>(data), size});  // NOLINT
+    const auto manifest = PackManifest::fromJson({reinterpret_cast<const char*>(data), size});
     if (PackManifest::fromJson(manifest.toJson()) != manifest) std::abort();
   } catch (const std::runtime_error&) {
     // Refused.

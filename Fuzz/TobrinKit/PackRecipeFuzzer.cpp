@@ -32,7 +32,7 @@ void asOptions(std::string_view text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-  const std::string_view text(reinterpret_cast<const char*>(data), size);  // NOLINT
+  const std::string_view text(reinterpret_cast<const char*>(data), size);
   asRecipe(text);
   asOptions(text);
   return 0;

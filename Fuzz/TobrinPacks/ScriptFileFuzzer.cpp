@@ -7,7 +7,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   try {
-    const auto script = tobrin::parseScript({reinterpret_cast<const char*>(data), size});  // NOLINT
+    const auto script = tobrin::parseScript({reinterpret_cast<const char*>(data), size});
     for (const tobrin::ScriptedKey& key : script) {
       const bool inRange = key.time >= 0 && key.time <= tobrin::longestScript &&
                            key.position >= 0 && key.position <= 3;

@@ -71,7 +71,8 @@ int remove(const RuleFile& file, bool isReal) {
 /// Another root is for looking at what would be written; whoever may write everywhere is not let
 /// loose on a path of somebody's choice.
 bool mayChooseRoot() {
-  const bool isForSomebodyElse = std::getenv("PKEXEC_UID") != nullptr;  // NOLINT
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
+  const bool isForSomebodyElse = std::getenv("PKEXEC_UID") != nullptr;
   return !isForSomebodyElse && geteuid() != 0 && geteuid() == getuid();
 }
 

@@ -18,11 +18,13 @@
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 // The program's own allocator and locks stand before the library's: every form of new ends here.
 extern "C" {
-void* __libc_malloc(std::size_t size);                           // NOLINT: the library's names
-void* __libc_calloc(std::size_t count, std::size_t size);        // NOLINT
-void* __libc_realloc(void* memory, std::size_t size);            // NOLINT
-void* __libc_memalign(std::size_t alignment, std::size_t size);  // NOLINT
-void __libc_free(void* memory);                                  // NOLINT
+// NOLINTBEGIN(*-reserved-identifier,cert-dcl*,*-naming): the library's names
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* memory, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* memory);
+// NOLINTEND(*-reserved-identifier,cert-dcl*,*-naming)
 }
 
 namespace {
