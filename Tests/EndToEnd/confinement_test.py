@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
 """What the program asks of the kernel in its life: confinement_test.py PROGRAM PACKS, in a desktop session."""
 
+import collections
 import os
 import pathlib
 import re
 import signal
+import subprocess
 import sys
 import time
 import unittest
@@ -74,6 +76,25 @@ class ConfinementTest(DesktopTest):
         paths = {path for call in written for path in re.findall('"([^"]*)"', call)}
         self.assertTrue(any("settings.json" in path for path in paths))
         self.assertEqual([path for path in paths if not re.fullmatch(expected, path)], [])
+
+
+class AudioThreadTest(DesktopTest):
+    def test_it_only_waits_for_the_servers_cycles_and_answers_them(self):
+        log = self.folder / "calls"
+        with Tobrin(PROGRAM, PACKS) as program:
+            program.wait_for("status:")
+            press_keys("--text", "first", "--interval", 60)
+            tasks = pathlib.Path(f"/proc/{program.process.pid}/task").iterdir()
+            audio = next(task.name for task in tasks if (task / "comm").read_text(encoding="ascii") == "Tobrin.Render\n")
+            tracer = subprocess.Popen(["strace", "-o", str(log), "-p", audio], stderr=subprocess.PIPE, text=True)
+            self.assertIn("attached", attached := tracer.stderr.readline(), attached)
+            press_keys("--text", "my secret", "--interval", 60)
+            tracer.send_signal(signal.SIGINT)
+            tracer.communicate()
+            self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
+        asked = collections.Counter(re.findall(r"^\w+", log.read_text(encoding="utf-8"), re.MULTILINE))
+        self.assertGreater(asked["write"], 100)
+        self.assertEqual(set(asked) - {"epoll_wait", "epoll_pwait", "read", "write", "restart_syscall"}, set())
 
 
 if __name__ == "__main__":
