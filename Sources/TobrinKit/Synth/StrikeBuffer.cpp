@@ -76,8 +76,10 @@ void StrikeBuffer::addPartial(const Partial& partial, Place place) {
   std::array<double, 128> gains{};
   for (std::size_t start = 0; start < samples.size(); start += gains.size()) {
     const std::size_t count = std::min(gains.size(), samples.size() - start);
-    for (std::size_t i = 0; i < count; ++i, gain *= gainFactor)
+    for (std::size_t i = 0; i < count; ++i) {
       gains[i] = gain;
+      gain *= gainFactor;
+    }
     const auto first = static_cast<double>(start);
     const auto value = [&](int i) {
       // The sine itself, not a recurrence: rounding must not add up over a long decay.
