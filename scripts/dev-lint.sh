@@ -29,10 +29,11 @@ check_sources() {
       -o $plugin Tools/Lint/OwnDeclarations.cpp || return
   fi
   cmake --preset lint -DCMAKE_{C,CXX}_CLANG_TIDY="$PWD/scripts/tidy;${version:0:12}" >/dev/null || return
-  # Files of the project, not what is generated from them.
+  # The project's own files, not what is generated from them. An object lies in its target's folder beside
+  # what would be its source.
   mapfile -t objects < <(ninja -C build/lint -t targets all |
     sed -n 's/: C\(XX\)\?_COMPILER__.*//p' | grep '\.c\(pp\)\?\.o$' | grep -Ev '_autogen/|_qmltyper|/\.rcc/' |
-    grep -F -- "$filter")
+    FILTER=$filter awk '{ path = $0; sub(/CMakeFiles\/[^\/]*\.dir\//, "", path) } index(path, ENVIRON["FILTER"])')
   [ ${#objects[@]} -gt 0 ] || die "no source's path holds '$filter'"
   ninja -C build/lint -k 0 "${objects[@]}"
 }
