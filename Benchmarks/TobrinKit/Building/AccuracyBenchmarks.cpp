@@ -119,6 +119,7 @@ Score judge(const ComposedTyping& typing) {
   return score;
 }
 
+// NOLINTNEXTLINE(readability-function-size): a table
 std::vector<TypingCondition> conditions() {
   using Damage = TypingCondition::Damage;
   std::vector<TypingCondition> list;

@@ -44,15 +44,19 @@ class Typist {
   ComposedTyping typed() {
     const double end = static_cast<double>(result_.left.size()) / condition_.rate - 1;
     const double level = -22 - condition_.strengthSpread;
-    for (double at = 0.5; at < end; at += interval()) {
+    double at = 0.5;
+    while (at < end) {
       const double strength = level + condition_.strengthSpread * random_.signedUnit();
       const bool isWide = random_.unit() < condition_.wideShare;
       press(at, strength, isWide);
+      at += interval();
     }
-    for (double at = 0.3; at < end && condition_.ticks > 0;
-         at += 2 * random_.unit() / condition_.ticks)
+    at = 0.3;
+    while (at < end && condition_.ticks > 0) {
       add(at, -46 - 24 * random_.unit(), {KeyGroup::alpha, std::nullopt, random_.next() % 12},
           Sound::knock, false);
+      at += 2 * random_.unit() / condition_.ticks;
+    }
     std::sort(result_.strokes.begin(), result_.strokes.end(),
               [](const auto& a, const auto& b) { return a.onset < b.onset; });
     return std::move(result_);

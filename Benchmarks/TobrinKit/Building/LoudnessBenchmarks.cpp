@@ -63,6 +63,6 @@ bool tenMinutesStereo(Report& report) {
 int main(int argc, char** argv) {
   tobrin::Report report(argc, argv);
   if (tobrin::tenMinutesStereo(report)) return 0;
-  std::fputs("loudness: libebur128 measures otherwise\n", stderr);
+  (void)std::fputs("loudness: libebur128 measures otherwise\n", stderr);
   return 1;
 }

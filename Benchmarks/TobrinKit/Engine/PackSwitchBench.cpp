@@ -49,6 +49,7 @@ void measure(Report& report, const fs::path& folder) {
       queue, std::make_unique<AudioOutput>(std::make_unique<PacedDevice>(&firstSound)), nullptr);
   conductor.apply({}, true);
   std::vector<double> times;
+  times.reserve(switches);
   for (int i = 0; i < switches; ++i)
     times.push_back(switchTime(conductor, packs[static_cast<std::size_t>(i) % 2], firstSound));
   conductor.shutdown();

@@ -21,6 +21,7 @@ void keep(const Value& value) {
 
 std::vector<MotionReport> restlessReports() {
   std::vector<MotionReport> reports;
+  reports.reserve(64);
   for (int i = 0; i < 64; ++i)
     reports.push_back(encodeMotionReport({0.001 * std::sin(i), 0.002 * std::cos(3 * i), 1}));
   return reports;

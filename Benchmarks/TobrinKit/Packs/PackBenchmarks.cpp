@@ -70,6 +70,7 @@ fs::path withOtherRate(const fs::path& pack, const fs::path& copy) {
 /// Keeps the sounds until all are there, as a pack does.
 void decodeAll(const std::vector<fs::path>& files) {
   std::vector<Sound> sounds;
+  sounds.reserve(files.size());
   for (const fs::path& file : files)
     sounds.push_back(decode(file));
 }
@@ -90,6 +91,7 @@ std::vector<float> convert(const Sound& sound) {
 
 void convertAll(const std::vector<Sound>& sounds) {
   std::vector<std::vector<float>> converted;
+  converted.reserve(sounds.size());
   for (const Sound& sound : sounds)
     converted.push_back(convert(sound));
 }
@@ -184,6 +186,7 @@ int run(int argc, char** argv) {
 }  // namespace
 }  // namespace tobrin
 
+// NOLINTNEXTLINE(bugprone-exception-escape): what cannot be measured may end it
 int main(int argc, char** argv) {
   return tobrin::run(argc, argv);
 }
