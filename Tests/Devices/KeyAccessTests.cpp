@@ -9,6 +9,7 @@
 #include <memory>
 #include <thread>
 
+#include "Tools/Devices/Seat.h"
 #include "Tools/Devices/VirtualKeyboard.h"
 
 namespace tobrin {
@@ -30,20 +31,6 @@ int keyAccess(const char* action) {
   return std::system((TOBRIN_KEY_ACCESS " " + std::string(action)).c_str());
 }
 
-/// Lets user 65534 read and write the node, as a seat's login does: version 2 of the list, in
-/// entries of kind, rights, id.
-bool letSomebodyIn(const std::string& node) {
-  struct Entry {
-    uint16_t kind, rights;
-    uint32_t id;
-  };
-  struct {
-    uint32_t version = 2;
-    Entry entries[5] = {{1, 6, ~0U}, {2, 6, 65534}, {4, 6, ~0U}, {0x10, 6, ~0U}, {0x20, 0, ~0U}};
-  } list;
-  return setxattr(node.c_str(), "system.posix_acl_access", &list, sizeof list, 0) == 0;
-}
-
 TEST(KeyAccess, KeyboardsAloneAreGivenToTheSeatAndTakenBack) {
   if (!VirtualKeyboard::isPossible()) GTEST_SKIP() << "no /dev/uinput";
   const VirtualKeyboard keyboard("Keyboard");
@@ -59,7 +46,7 @@ TEST(KeyAccess, KeyboardsAloneAreGivenToTheSeatAndTakenBack) {
   std::this_thread::sleep_for(std::chrono::milliseconds(500));
   EXPECT_TRUE(isGivenToTheSeat(later.node()));
 
-  ASSERT_TRUE(letSomebodyIn(keyboard.node()));
+  ASSERT_TRUE(testing::letSomebodyIn(keyboard.node()));
   ASSERT_EQ(keyAccess("--remove"), 0);
   EXPECT_FALSE(isGivenToTheSeat(keyboard.node()));
   EXPECT_LT(getxattr(keyboard.node().c_str(), "system.posix_acl_access", nullptr, 0), 0);
