@@ -20,7 +20,8 @@ int sampleAt(const std::string& bytes, std::size_t index) {
 
 /// Two steps: one of dither, one of truncation.
 void requireClose(float sample, int written) {
-  const double wanted = std::isnan(sample) ? 1.0 : std::clamp(double{sample}, -1.0, 1.0);
+  const double wanted =
+      std::isnan(sample) ? 1.0 : std::clamp(static_cast<double>(sample), -1.0, 1.0);
   fuzz::require(written >= -32767 && std::fabs(wanted * 32767 - written) <= 2);
 }
 

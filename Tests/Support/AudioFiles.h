@@ -24,7 +24,7 @@ inline std::string wav(const WavHeader& header, int format, int sampleBytes,
                        const std::string& data) {
   const uint64_t claimed =
       header.dataBytes < 0 ? data.size() : static_cast<uint64_t>(header.dataBytes);
-  const auto frameBytes = static_cast<uint64_t>(header.channels * sampleBytes);
+  const auto frameBytes = uint64_t{header.channels} * static_cast<uint64_t>(sampleBytes);
   std::string bytes = "RIFF";
   put(bytes, 36 + claimed, 4);
   bytes += "WAVEfmt ";
@@ -34,7 +34,7 @@ inline std::string wav(const WavHeader& header, int format, int sampleBytes,
   put(bytes, header.rate, 4);
   put(bytes, header.rate * frameBytes, 4);
   put(bytes, frameBytes, 2);
-  put(bytes, static_cast<uint64_t>(8 * sampleBytes), 2);
+  put(bytes, 8 * static_cast<uint64_t>(sampleBytes), 2);
   bytes += "data";
   put(bytes, claimed, 4);
   return bytes + data;

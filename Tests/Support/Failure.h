@@ -25,7 +25,7 @@ std::string failureOf(Work work) {
 template <typename Read>
 void expectRefusals(Read read, std::initializer_list<std::pair<std::string, std::string>> rows) {
   for (const auto& [text, words] : rows) {
-    const std::string failure = failureOf([&] { (void)read(text); });
+    const std::string failure = failureOf([&, &text = text] { (void)read(text); });
     EXPECT_NE(failure.find(words), std::string::npos) << text.substr(0, 100) << ": " << failure;
   }
 }

@@ -46,7 +46,7 @@ class TempFolder final {
 
   /// Writes a text file below the folder, with its parents; returns its path.
   std::filesystem::path write(const std::string& relative, const std::string& text) const {
-    const auto file = path_ / relative;
+    auto file = path_ / relative;
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << text;
     return file;

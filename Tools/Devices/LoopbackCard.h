@@ -31,7 +31,7 @@ class LoopbackListener {
 
   /// Frames so far that held the two levels.
   int heard() {
-    std::vector<float> samples(2 * 4096);
+    std::vector<float> samples(std::size_t{2} * 4096);
     for (;;) {
       const auto frames = snd_pcm_readi(pcm_, samples.data(), samples.size() / 2);
       if (frames <= 0) return heard_;
