@@ -111,6 +111,7 @@ class WaylandTest(PanelDriver):
         eventually(lambda: named("Close")).press()
         self.assertTrue(eventually(lambda: not self.is_open()))
         self.assertIsNone(program.process.poll())
+        self.assertEqual(program.stop(), 0, program.lines)
 
     def test_the_tray_item_opens_it_and_it_leaves_with_the_focus(self):
         tray = TrayWatcher()
