@@ -1,13 +1,16 @@
-/// Takes numbers off the bytes of a fuzzer; what is missing at the end reads as 0.
+/// What the fuzzers share.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace tobrin::fuzz {
 
+/// Takes numbers off the bytes of a fuzzer; what is missing at the end reads as 0.
 class Input {
  public:
   Input(const uint8_t* data, std::size_t size) : rest_(data, size) {}
@@ -38,9 +41,25 @@ class Input {
   std::span<const uint8_t> rest_;
 };
 
+inline std::string_view textOf(const uint8_t* data, std::size_t size) {
+  return {reinterpret_cast<const char*>(data), size};
+}
+
 /// Ends the fuzzer where a promise does not hold, in every build.
 inline void require(bool promise) {
   if (!promise) __builtin_trap();
+}
+
+/// A text must be refused by a `Refusal`, or be read as what writes and reads alike.
+template <typename Refusal, typename Read, typename Write>
+void requireRoundTrip(std::string_view text, Read read, Write write) {
+  std::optional<decltype(read(text))> value;
+  try {
+    value = read(text);
+  } catch (const Refusal&) {
+    return;
+  }
+  require(read(write(*value)) == *value);
 }
 
 }  // namespace tobrin::fuzz

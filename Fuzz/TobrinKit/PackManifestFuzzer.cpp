@@ -1,17 +1,14 @@
 // Any bytes as a manifest: refused with a text, or decoded to what encodes and decodes alike.
-#include <cstdint>
-#include <cstdlib>
-#include <stdexcept>
-
 #include "Packs/PackManifest.h"
 
+#include <functional>
+#include <stdexcept>
+
+#include "FuzzInput.h"
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-  using tobrin::PackManifest;
-  try {
-    const auto manifest = PackManifest::fromJson({reinterpret_cast<const char*>(data), size});
-    if (PackManifest::fromJson(manifest.toJson()) != manifest) std::abort();
-  } catch (const std::runtime_error&) {
-    // Refused.
-  }
+  using namespace tobrin;
+  fuzz::requireRoundTrip<std::runtime_error>(fuzz::textOf(data, size), PackManifest::fromJson,
+                                             std::mem_fn(&PackManifest::toJson));
   return 0;
 }

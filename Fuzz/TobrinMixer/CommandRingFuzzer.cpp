@@ -1,7 +1,6 @@
 // Pushes and renders in any order: counters add up, output stays finite and below 1, the samples'
 // memory and the blocks' are kept to.
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
 #include <memory>
@@ -16,48 +15,40 @@ using tobrin::fuzz::Input;
 using tobrin::fuzz::require;
 
 /// Sounds of their exact size, so that a read past the end shows.
-class Sounds {
- public:
-  Sounds() {
-    for (uint32_t n = 0; n < sounds_.size(); ++n) {
-      sounds_[n] = std::make_unique<float[]>(frames(n));
-      for (uint32_t i = 0; i < frames(n); ++i)
-        sounds_[n][i] = i % 5 < 3 ? 0.7F : -0.9F;
-    }
+std::vector<std::vector<float>> makeSounds() {
+  std::vector<std::vector<float>> sounds;
+  for (const std::size_t frames : {0U, 1U, 2U, 17U, 100U, 513U, 2000U, 9000U}) {
+    auto& sound = sounds.emplace_back(frames);
+    for (std::size_t i = 0; i < frames; ++i)
+      sound[i] = i % 5 < 3 ? 0.7F : -0.9F;
   }
+  return sounds;
+}
 
-  TBSample layer(Input& input) {
-    const uint32_t left = input.take<uint8_t>() % 8;
-    const uint32_t right = input.take<uint8_t>() % 16;
-    if (left == 7) return {};
-    if (right >= 8) return {sounds_[left].get(), nullptr, frames(left)};
-    return {sounds_[left].get(), sounds_[right].get(), std::min(frames(left), frames(right))};
-  }
-
- private:
-  static constexpr std::array<uint32_t, 8> lengths{0, 1, 2, 17, 100, 513, 2000, 9000};
-  static uint32_t frames(uint32_t sound) { return lengths[sound]; }
-
-  std::array<std::unique_ptr<float[]>, 8> sounds_;
-};
-
-float anyFloat(Input& input) {
-  return std::bit_cast<float>(input.take<uint32_t>());
+TBSample layer(Input& input) {
+  static const auto sounds = makeSounds();
+  const uint32_t first = input.take<uint8_t>() % 8;
+  const uint32_t second = input.take<uint8_t>() % 16;
+  if (first == 7) return {};
+  const auto& left = sounds[first];
+  if (second >= 8) return {left.data(), nullptr, static_cast<uint32_t>(left.size())};
+  const auto& right = sounds[second];
+  return {left.data(), right.data(), static_cast<uint32_t>(std::min(left.size(), right.size()))};
 }
 
 // Mostly a plain value, now and then any bits at all.
 float value(Input& input, float low, float high) {
   const auto byte = input.take<uint8_t>();
-  if (byte == 255) return anyFloat(input);
+  if (byte == 255) return std::bit_cast<float>(input.take<uint32_t>());
   return low + (high - low) * static_cast<float>(byte) / 254;
 }
 
-TBCommand command(Input& input, Sounds& sounds) {
+TBCommand command(Input& input) {
   TBCommand command{};
   command.type = input.take<uint8_t>() % 5;
   command.tag = input.take<uint8_t>() % 40 + 1U;
   for (std::size_t n = 0; n < TB_LAYERS; ++n) {
-    if (command.type == TB_COMMAND_START) command.layers[n] = sounds.layer(input);
+    if (command.type == TB_COMMAND_START) command.layers[n] = layer(input);
     command.weights[n] = value(input, 0, 1.5F);
   }
   command.pan = value(input, -1.2F, 1.2F);
@@ -87,7 +78,6 @@ void render(TBMixer* mixer, Input& input, Tally& tally) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-  static Sounds sounds;
   Input input(data, size);
   const float sampleRate = value(input, 8000, 192000);
   const std::unique_ptr<TBMixer, decltype(&tb_mixer_destroy)> mixer(
@@ -102,7 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     } else if (action % 8 == 1) {
       tb_mixer_set_master(mixer.get(), value(input, -0.5F, 5));
     } else {
-      const TBCommand next = command(input, sounds);
+      const TBCommand next = command(input);
       for (uint32_t n = action == 255 ? 300 : 1; n > 0; --n) {
         const bool fits = waiting < TB_RING_CAPACITY;
         require(tb_mixer_push(mixer.get(), &next) == fits);

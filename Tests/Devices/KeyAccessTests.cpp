@@ -1,5 +1,4 @@
 // The grant of access to keyboards, with the device manager at work: as root in a virtual machine.
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <libudev.h>
 #include <sys/stat.h>

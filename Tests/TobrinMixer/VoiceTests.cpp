@@ -1,9 +1,7 @@
 // What commands do to voices, and what a mixer keeps of absurd input.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
-#include <string>
 #include <thread>
 
 #include "CommandRing.h"

@@ -18,9 +18,9 @@ namespace tobrin {
 
 class VoicePlayer final {
  public:
-  /// `audio` and `settings` outlive the player; `lastTag` is the tag before the first voice's.
-  VoicePlayer(AudioOutput& audio, const EngineSettings& settings, uint32_t lastTag = 0)
-      : audio_(audio), settings_(settings), lastTag_(lastTag) {}
+  /// `audio` and `settings` outlive the player.
+  VoicePlayer(AudioOutput& audio, const EngineSettings& settings)
+      : audio_(audio), settings_(settings) {}
 
   /// Gives the old pack back, whose voices may still sound.
   [[nodiscard]] std::shared_ptr<const LoadedPack> exchangePack(
@@ -53,7 +53,7 @@ class VoicePlayer final {
   AudioOutput& audio_;
   const EngineSettings& settings_;
   std::shared_ptr<const LoadedPack> pack_;  // shared with whoever lists it; null: silence
-  uint32_t lastTag_;
+  uint32_t lastTag_ = 0;
 };
 
 }  // namespace tobrin

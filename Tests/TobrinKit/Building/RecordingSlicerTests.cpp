@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <numbers>
 
+#include "Building/TypingLattice.h"
 #include "Engine/SplitMix64.h"
 
 namespace tobrin {
@@ -138,6 +138,15 @@ TEST(RecordingSlicer, MergesWhatIsCloserThanTheMergeDistance) {
     piece.add(0.5 + apart, 0.3, 1, 0.2);
     EXPECT_EQ(piece.slice().hits.size(), hits) << apart;
   }
+}
+
+/// Expected is what looking through all nodes for every edge gave: none may be taken for another.
+TEST(TypingLattice, TellsAllReadingsApart) {
+  std::vector<TypedHit> hits;
+  SplitMix64 rng(5);
+  for (double time = 0; hits.size() < 200; time += 0.03 + 0.2 * rng.unit())
+    hits.push_back({time, -14 * rng.unit()});
+  EXPECT_NEAR(TypingLattice::read({}, hits).logLikelihood, -453.908303180815, 1e-9);
 }
 
 TEST(RecordingSlicer, PercentilesDropTheFraction) {

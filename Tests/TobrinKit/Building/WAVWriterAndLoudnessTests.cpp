@@ -60,7 +60,7 @@ TEST(WAVWriter, DithersAndLimits) {
   EXPECT_EQ(samplesOf(WAVWriter::encode(ramp, ramp, 48'000)),
             (std::vector<int>{-196, -196, -164, -163, -130, -131, -98, -98, -64, -65, -32, -32}));
 
-  const Channel limits = {0, 0.5f, -0.5f, 0.99f, 1, 1.5f, std::nanf(""), -1, -3};
+  const Channel limits = {0, 0.5f, -0.5f, 0.99f, 1, 1.5f, std::nanf(""), -1, -INFINITY};
   EXPECT_EQ(samplesOf(WAVWriter::encode(limits, {}, 48'000)),
             (std::vector<int>{0, 16383, -16383, 32439, 32767, 32767, 32767, -32766, -32767}));
 }
