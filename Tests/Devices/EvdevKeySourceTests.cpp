@@ -54,25 +54,6 @@ class EvdevKeySourceTest : public ::testing::Test {
   KeyMonitor monitor{std::make_unique<EvdevKeySource>(), std::ref(heard), testing::patient()};
 };
 
-TEST_F(EvdevKeySourceTest, HearsKeyboardsPluggedInBeforeAndAfter) {
-  VirtualKeyboard first("First");
-  std::this_thread::sleep_for(milliseconds(500));  // the device manager's rules
-  ASSERT_TRUE(monitor.start()) << monitor.problem();
-  ASSERT_TRUE(becomesHeard(first));
-  VirtualKeyboard second("Second");
-  ASSERT_TRUE(becomesHeard(second));
-
-  first.press({KEY_A, KEY_LEFTSHIFT});
-  first.repeat({KEY_A, KEY_A});
-  EXPECT_EQ(heard.await(2), "+0 +56 ");
-  second.press({KEY_B, KEY_VOLUMEUP, KEY_CAPSLOCK});
-  EXPECT_EQ(heard.await(2), "+11 +57 ");
-  first.release({KEY_LEFTSHIFT, KEY_A});
-  EXPECT_EQ(heard.await(2), "-56 -0 ");
-  second.release({KEY_CAPSLOCK, KEY_VOLUMEUP, KEY_B});
-  EXPECT_EQ(heard.await(1), "-11 ");
-}
-
 TEST_F(EvdevKeySourceTest, AHundredPlugsAndPullsReleaseWhatWasHeldAndLoseNoKeyOfAnotherKeyboard) {
   VirtualKeyboard steady("Steady");
   ASSERT_TRUE(monitor.start());
@@ -88,6 +69,7 @@ TEST_F(EvdevKeySourceTest, AHundredPlugsAndPullsReleaseWhatWasHeldAndLoseNoKeyOf
     if (isTypedOn) {
       ASSERT_TRUE(becomesHeard(*loose)) << round;
       loose->press({KEY_LEFTCTRL, KEY_C});
+      loose->repeat({KEY_C});
       ASSERT_EQ(heard.await(2), "+59 +8 ") << round;
     }
     steady.press({KEY_A});
@@ -181,22 +163,6 @@ TEST_F(EvdevKeySourceTest, KeysOfAnotherUsersSessionAreNotHeard) {
   testing::bringToFront(getuid());
   EXPECT_TRUE(becomesHeard(keyboard));
   std::filesystem::remove("/run/systemd/seats/seat0");
-}
-
-TEST_F(EvdevKeySourceTest, PermissionIsThatOfTheDevices) {
-  const VirtualKeyboard keyboard("Guarded");
-  std::this_thread::sleep_for(milliseconds(500));
-  for (const std::string& node : KeyboardList().nodes("seat0"))
-    chmod(node.c_str(), 0600);
-  const auto mayListen = [] {
-    EvdevKeySource source;
-    const bool opened = source.open();
-    if (opened != source.hasPermission() || opened != source.problem().empty()) return 2;
-    return opened ? 1 : 0;
-  };
-  EXPECT_EQ(exitStatus(startAsNobody(mayListen)), 0);
-  chmod(keyboard.node().c_str(), 0644);
-  EXPECT_EQ(exitStatus(startAsNobody(mayListen)), 1);
 }
 
 TEST_F(EvdevKeySourceTest, AKeyboardThatMayBeReadLaterIsTakenUpThen) {

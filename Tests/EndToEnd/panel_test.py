@@ -171,14 +171,6 @@ class PanelTest(PanelDriver):
         tray.choose("Quit")
         self.assertEqual(program.process.wait(PATIENCE), 0)
 
-    def test_without_a_tray_it_opens_by_itself_and_closing_it_ends_nothing(self):
-        program = self.start()
-        self.assertTrue(eventually(panels), program.forget() or program.lines)
-        self.close_by_keyboard()
-        self.assertIsNone(program.process.poll())
-        self.bring_up()
-        self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
-        self.assertEqual(panels(), [])
 
 
 if __name__ == "__main__":

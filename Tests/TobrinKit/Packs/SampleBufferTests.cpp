@@ -100,8 +100,6 @@ TEST(SampleBuffer, SurvivesHeadersThatLie) {
 
 TEST(SampleBuffer, RefusesWhatIsNoSoundFileAtOnce) {
   const TempFolder folder;
-  EXPECT_EQ(failure(folder.path() / "absent.wav"),
-            "Can't read absent.wav: No such file or directory");
   EXPECT_EQ(failure(folder.path()),
             "Can't read " + folder.path().filename().string() + ": Is a directory");
   ASSERT_EQ(mkfifo((folder.path() / "fifo.wav").c_str(), 0600), 0);
@@ -109,8 +107,6 @@ TEST(SampleBuffer, RefusesWhatIsNoSoundFileAtOnce) {
        {folder.path() / "fifo.wav", std::filesystem::path("/dev/zero"), folder.write("a.wav", ""),
         folder.write("b.wav", std::string(5000, 'x')), folder.write("c.flac", "fLaC")})
     EXPECT_TRUE(failure(file).starts_with("Can't read ")) << file;
-  const std::string cut("a.wav\0.wav", 10);
-  EXPECT_NE(failure(folder.path() / cut), "(none)");
 }
 
 /// Writes a compressed file of silence with libsndfile.

@@ -7,7 +7,6 @@
 
 #include "Packs/LoadedPack.h"
 #include "Support/TempFolder.h"
-#include "Synth/Biquad.h"
 #include "Synth/KeySynth.h"
 #include "Synth/PackGenerator.h"
 #include "Synth/Sine.h"
@@ -68,32 +67,17 @@ TEST(Sine, IsExactToTheLastBitsOverManyTurns) {
     }
 }
 
-TEST(Biquad, ACornerBeyondHalfTheRateLeavesItStable) {
-  Biquad filter = Biquad::lowpass(30'000, 0.7, 48'000);
-  double last = filter.process(1);
-  for (int i = 0; i < 1000; ++i)
-    last = filter.process(0);
-  EXPECT_LT(std::abs(last), 1e-6);
-}
-
-TEST(KeySynth, LeavesOutWhatLiesTooHighToRing) {
-  SynthProfile with = SynthProfile::cream();
-  SynthProfile without = with;
-  with.ping = {{.frequency = 30'000, .decay = 0.02, .amplitude = 1}};
-  with.thump.frequency = 30'000;
-  without.thump.amplitude = 0;
-  const auto press = [](const SynthProfile& profile) {
-    return KeySynth::render(KeyGroup::alpha, Tier::hard, 0, profile).left;
-  };
-  EXPECT_EQ(press(with), press(without));
-}
-
-TEST(KeySynth, LongestSoundsEndAtTheLimit) {
+TEST(KeySynth, LeavesOutWhatLiesTooHighToRingAndEndsAtTheLimit) {
   SynthProfile gong = SynthProfile::cream();
   gong.modes.push_back({.frequency = 80, .decay = 5, .amplitude = 1});
-  const Sound sound = KeySynth::render(KeyGroup::space, Tier::slam, 0, gong);
-  EXPECT_EQ(sound.left.size(), 76'800u);  // 1.6 s
-  EXPECT_EQ(sound.left.back(), 0);
+  SynthProfile shrill = gong;
+  shrill.ping = {{.frequency = 30'000, .decay = 0.02, .amplitude = 1}};
+  shrill.thump.frequency = 30'000;
+  gong.thump.amplitude = 0;
+  const auto sound = KeySynth::render(KeyGroup::alpha, Tier::hard, 0, gong).left;
+  EXPECT_EQ(KeySynth::render(KeyGroup::alpha, Tier::hard, 0, shrill).left, sound);
+  EXPECT_EQ(sound.size(), 76'800u);  // 1.6 s
+  EXPECT_EQ(sound.back(), 0);
 }
 
 namespace fs = std::filesystem;
@@ -111,7 +95,7 @@ TEST(PackGenerator, SameBytesOnAnyNumberOfThreadsInPlaceOfWhatWasThere) {
   EXPECT_EQ(first.size(), 61u);
 }
 
-TEST(PackGenerator, ManifestListsEveryFileOnceAndThePackLoads) {
+TEST(PackGenerator, EveryFileIsListedOnceAndThePackLoadsAtItsLevel) {
   const testing::TempFolder folder;
   for (const SynthProfile& profile : SynthProfile::starterPacks()) {
     const fs::path packFolder = PackGenerator::generate(profile, folder.path());
@@ -131,21 +115,13 @@ TEST(PackGenerator, ManifestListsEveryFileOnceAndThePackLoads) {
     const auto pack = LoadedPack::load(PackInfo::read(packFolder, false), 48'000);
     EXPECT_EQ(pack->info().name, profile.name);
     EXPECT_EQ(pack->takeCount(KeyGroup::alpha, Tier::slam), 4u);
+    float loudest = 0;  // of the medium letters
+    for (const char* number : {"1", "2", "3", "4"}) {
+      const auto file = packFolder / (std::string("alpha-medium-") + number + ".wav");
+      loudest = std::max(loudest, SampleBuffer::load(file, 48'000)->peak());
+    }
+    EXPECT_NEAR(loudest, 0.316f, 1e-4f);
   }
-}
-
-TEST(PackGenerator, LevelsThePackToItsLoudestMediumLetter) {
-  const testing::TempFolder folder;
-  const fs::path pack = PackGenerator::generate(SynthProfile::dome(), folder.path());
-  const auto peak = [&](const std::string& name) {
-    return SampleBuffer::load(pack / name, 48'000)->peak();
-  };
-  float loudest = 0;
-  for (const char* number : {"1", "2", "3", "4"})
-    loudest = std::max(loudest, peak(std::string("alpha-medium-") + number + ".wav"));
-  EXPECT_NEAR(loudest, 0.316f, 1e-4f);
-  EXPECT_LT(peak("alpha-soft-1.wav"), peak("alpha-medium-1.wav"));
-  EXPECT_LT(peak("alpha-up-1.wav"), peak("alpha-medium-1.wav"));
 }
 
 TEST(PackGenerator, FailuresThrowAndTouchNothingElse) {

@@ -95,22 +95,6 @@ TEST(Interleaving, RoundsAndLimitsIntegers) {
   EXPECT_EQ(mono[1], INT32_MIN);
 }
 
-TEST_F(AlsaOutputTest, RunsInRealTimeAndRestsWhilePaused) {
-  configure("pcm.silent { type null }");
-  AlsaOutput output("silent");
-  output.setCallbacks(player_.callbacks());
-  for (int round = 0; round < 3; ++round) {
-    ASSERT_TRUE(output.start());
-    const int before = player_.blocks;
-    std::this_thread::sleep_for(100ms);
-    output.pause();
-    const int blocks = player_.blocks;
-    EXPECT_LT(blocks - before, 40);  // 19 in a tenth of a second, and two buffers ahead
-    std::this_thread::sleep_for(20ms);
-    EXPECT_EQ(player_.blocks, blocks);
-  }
-}
-
 TEST_F(AlsaOutputTest, TriesAgainUntilTheDeviceIsThere) {
   configure("");
   AlsaOutput output("late");
