@@ -64,7 +64,7 @@ constexpr uint32_t controlOption = Modifiers::control | Modifiers::option;
 
 TEST(Accelerator, FindsTheDesktopsOwnShortcutsByTheLayoutsNames) {
   const auto gnome = acceleratorsInGsettings(
-      "org.gnome.desktop.wm.keybindings switch-input-source ['<Super>space', '<Hyper>k']\n"
+      "org.gnome.desktop.wm.keybindings switch-input-source ['<Super>space', '<Super><Hyper>k']\n"
       "org.gnome.desktop.wm.keybindings close @as []\n"
       "org.gnome.settings-daemon.plugins.media-keys screensaver ['<Super>l']\n"
       "'<Primary><Alt>Page_Up'\n"
@@ -72,7 +72,8 @@ TEST(Accelerator, FindsTheDesktopsOwnShortcutsByTheLayoutsNames) {
   const auto kde = acceleratorsInKGlobalShortcuts(
       "[kwin]\n_k_friendly_name=Meta+K\nWindow Close=Alt+F4\\tMeta+Esc,Alt+F4,Close Window\n"
       "Switch=none,Meta+L,Lock\nZoom=Meta+\\\\,,Meta+\\\\,,Zoom\n"
-      "In=Meta++,,In\nNone=Ctrl+,Hyper+K,None\n[services][org.kde.konsole.desktop]\n_launch=Ctrl+"
+      "In=Meta++,,In\nNone=Ctrl+,Ctrl+,None\nOdd=Meta+Hyper+K,none,Odd\n[services][org.kde.konsole."
+      "desktop]\n_launch=Ctrl+"
       "Alt+PgUp\n");
   const struct {
     const char* label;
