@@ -177,13 +177,11 @@ class AppModelTest : public ::testing::Test {
       std::make_shared<HandDrivenDevice::Controls>();
   std::vector<PackInfo> found_ = {pack("alpha"), pack("leopold"), pack("omega")};
   std::set<std::string> damaged_;  ///< ids of packs that do not load
-  std::vector<std::string> loads_;
   std::string log_;
   std::unique_ptr<AppModel> model_;
 
  private:
   std::shared_ptr<const LoadedPack> load(const PackInfo& info) {
-    loads_.push_back(info.id);
     if (damaged_.contains(info.id)) throw std::runtime_error("it is damaged");
     return TestPack().down(KeyGroup::alpha, Tier::medium, 0.2F).make(info.id);
   }

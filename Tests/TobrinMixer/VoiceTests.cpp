@@ -19,22 +19,18 @@ void push(TBMixer* mixer, const TBCommand& command) {
   ASSERT_TRUE(tb_mixer_push(mixer, &command));
 }
 
-TEST(VoiceMixer, PlaysOnlyRatesWithinTwoOctaves) {
+TEST(VoiceMixer, PlaysAtItsOwnRateWhatHasNone) {
   const std::vector<float> sound(1000, 0.5F);
-  const std::pair<float, uint32_t> rows[] = {
-      // rate, frames until the sound has ended
-      {0.25F, 1000}, {0.5F, 2000}, {3, 334}, {4, 1000}, {nan, 1000}, {-1, 1000}, {infinity, 1000}};
-  for (const auto& [rate, frames] : rows) {
+  for (const float rate : {nan, -1.0F, infinity}) {
     const MixerHandle mixer = makeMixer();
     TBCommand start = startOf(sound);
     start.rate = rate;
     start.pan = nan;
     push(mixer.get(), start);
-    const Block block = renderBlock(mixer.get(), frames);
+    const Block block = renderBlock(mixer.get(), 1001);
     EXPECT_NEAR(block.right[0], 0.5F, 1e-6) << "in the middle";
-    EXPECT_NE(block.left.back(), 0) << rate;
-    EXPECT_EQ(renderBlock(mixer.get(), 1).left[0], 0) << rate;
-    EXPECT_EQ(tb_mixer_active_voices(mixer.get()), 0U) << rate;
+    EXPECT_NE(block.left[999], 0) << rate;
+    EXPECT_EQ(block.left[1000], 0) << rate;
   }
 }
 

@@ -99,10 +99,8 @@ TEST(RecordingSlicer, TellsPressesFromReleasesAndRanksThemByStrength) {
       for (std::size_t j = 0; j < i; ++j) {
         if (std::abs(std::log(strengths[i].first / strengths[j].first)) < 0.35) continue;  // 3 dB
         ++pairs;
-        inOrder +=
-            (strengths[i].first < strengths[j].first) == (strengths[i].second < strengths[j].second)
-                ? 1
-                : 0;
+        const bool rises = strengths[j].first < strengths[i].first;
+        inOrder += rises == (strengths[j].second < strengths[i].second) ? 1 : 0;
       }
     }
     EXPECT_GE(inOrder / pairs, 0.97);
@@ -115,8 +113,8 @@ TEST(RecordingSlicer, TakesFadeAtBothEndsAndEndBeforeTheNextHit) {
   type(piece, 20);
   const auto result = piece.slice();
   std::size_t takes = 0;
-  for (const auto& [group, tiers] : result.down) {
-    for (const auto& [tier, list] : tiers) {
+  for (const auto& [group, tiers] : result.down)
+    for (const auto& [tier, list] : tiers)
       for (const auto& take : list) {
         ++takes;
         ASSERT_EQ(take.left.size(), take.right.size());
@@ -125,8 +123,6 @@ TEST(RecordingSlicer, TakesFadeAtBothEndsAndEndBeforeTheNextHit) {
         EXPECT_LE(static_cast<double>(take.left.size()), (0.11 + 0.0015) * rate)
             << "the release comes after 110 ms at the latest";
       }
-    }
-  }
   EXPECT_GT(takes, 0u);
   EXPECT_FALSE(result.up.empty());
 }
@@ -147,12 +143,6 @@ TEST(TypingLattice, TellsAllReadingsApart) {
   for (double time = 0; hits.size() < 200; time += 0.03 + 0.2 * rng.unit())
     hits.push_back({time, -14 * rng.unit()});
   EXPECT_NEAR(TypingLattice::read({}, hits).logLikelihood, -453.908303180815, 1e-9);
-}
-
-TEST(RecordingSlicer, PercentilesDropTheFraction) {
-  EXPECT_EQ(RecordingSlicer::percentile({3, 1, 2}, 0.2), 1);
-  EXPECT_EQ(RecordingSlicer::percentile({3, 1, 2}, 1.0), 3);
-  EXPECT_EQ(RecordingSlicer::percentile({}, 0.5), 0);
 }
 
 }  // namespace

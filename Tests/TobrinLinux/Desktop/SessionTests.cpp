@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "Desktop/JsonSettingsStore.h"
-#include "Desktop/SingleInstance.h"
 #include "Desktop/XdgAutostart.h"
 #include "Engine/Log.h"
 #include "Support/TempFolder.h"
@@ -41,15 +40,6 @@ TEST(XdgAutostart, BelievesTheDesktopsOwnSwitches) {
   EXPECT_TRUE(login.isEnabled()) << "replaces what was switched off";
   folder.write("file", "in the way");
   EXPECT_NE(XdgAutostart(folder.path() / "file", "tobrin").setEnabled(true), "") << "says why";
-}
-
-TEST(SingleInstance, TheFirstIsAskedPastWhatACrashLeft) {
-  const testing::TempFolder folder;
-  folder.write("tobrin.socket", "left by a crash");
-  SingleInstance first(folder.path());
-  EXPECT_TRUE(std::make_unique<SingleInstance>(folder.path())->askFirstToShow());
-  EXPECT_TRUE(first.takeShowRequests()) << "kept though the second has gone";
-  EXPECT_FALSE(first.takeShowRequests()) << "all taken at once";
 }
 
 namespace fs = std::filesystem;
@@ -94,22 +84,6 @@ TEST_F(JsonSettingsStoreTest, KeepsABrokenFileAside) {
     EXPECT_EQ(testing::contentOf(file_.string() + ".broken"), broken);
     EXPECT_EQ(JsonSettingsStore(file_).readText("pack"), "new");
   }
-}
-
-TEST_F(JsonSettingsStoreTest, LosesNothingWhereItCannotWrite) {
-  folder_.write("Tobrin/settings.json", R"({"pack": "old"})");
-  JsonSettingsStore store(file_);
-  // Stands in for a read-only folder, which would not stop a test that runs as root.
-  fs::rename(folder_.path() / "Tobrin", folder_.path() / "Kept");
-  folder_.write("Tobrin", "in the way");
-  EXPECT_FALSE(store.writeText("pack", "new"));
-  EXPECT_NE(log_.find("settings can't be saved"), std::string::npos);
-  EXPECT_EQ(store.readText("pack"), "new") << "holds while the program runs";
-  EXPECT_EQ(testing::contentOf(folder_.path() / "Kept" / "settings.json"), R"({"pack": "old"})");
-
-  fs::remove(folder_.path() / "Tobrin");
-  EXPECT_TRUE(store.write("engine", "1"));
-  EXPECT_EQ(JsonSettingsStore(file_).readText("pack"), "new") << "saved with the next change";
 }
 
 }  // namespace

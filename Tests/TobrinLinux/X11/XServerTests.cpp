@@ -60,23 +60,6 @@ TEST_F(XKeySourceTest, ABacklogOfAStalledListenerIsNotHeard) {
   EXPECT_LT(ageMs[1], 100);
 }
 
-TEST_F(XKeySourceTest, AServerThatComesBackIsHeardAgain) {
-  std::optional<PrivateXServer> second(std::in_place);
-  const std::string display = second->display();
-  KeyMonitor other(std::make_unique<XKeySource>(display), std::ref(heard), testing::patient());
-  ASSERT_TRUE(other.start());
-  second->press({KEY_LEFTCTRL});
-  EXPECT_EQ(heard.await(1), "+59 ");
-  second.reset();
-  EXPECT_EQ(heard.await(1), "-59 ");
-  EXPECT_NE(other.problem(), "");
-  second.emplace(display);
-  EXPECT_TRUE(testing::eventually([&] { return other.isRunning(); }));
-  EXPECT_EQ(other.problem(), "");
-  second->press({KEY_B});
-  EXPECT_EQ(heard.await(1), "+11 ");
-}
-
 TEST(XClock, TellsTimeAcrossTheWrapOfTheServersCounter) {
   const uint64_t now = ((1ULL << 32) + 20) * 1'000'000 + 999;  // 20 ms after the wrap
   const XClock clock(true);
