@@ -49,7 +49,7 @@ class PrivateXServer final {
   // for a moment to come back to.
   static std::string ownDisplay() {
     static int made = 0;
-    return ":" + std::to_string(1000 + (getpid() * 8 + made++) % 50000);
+    return std::string(":").append(std::to_string(1000 + (getpid() * 8 + made++) % 50000));
   }
 
   ChildProcess server_;
