@@ -1,4 +1,4 @@
-# lint: static analysis of all C++ and C (of the tests by cppcheck alone), of the panel and of the scripts; goes on
+# lint: format and static analysis of all C++ and C (of the tests by cppcheck alone), of panel and scripts; goes on
 # past findings and fails in the end. lint FILTER: clang-tidy alone, on the files whose paths hold FILTER. A second
 # run takes up what is left.
 main() {
@@ -7,6 +7,7 @@ main() {
   ensure_packages scripts/packages-lint.txt
   check_sources "$filter" || failed+=(clang-tidy)
   if [ -z "$filter" ]; then
+    check_format || failed+=(clang-format)
     check_flow || failed+=(cppcheck)
     check_panel || failed+=(qmllint)
     check_scripts || failed+=(scripts)
@@ -30,13 +31,18 @@ check_sources() {
       -o $plugin Tools/Lint/OwnDeclarations.cpp || return
   fi
   cmake --preset lint -DCMAKE_{C,CXX}_CLANG_TIDY="$PWD/scripts/tidy;${version:0:12}" >/dev/null || return
-  # The project's own files, not what is generated from them; nor tests, whose library's macros take the time. An object lies in its target's folder beside
-  # what would be its source.
+  # The project's own files, not what is generated from them; nor tests, whose library's macros take the time. An
+  # object lies in its target's folder beside what would be its source.
   mapfile -t objects < <(ninja -C build/lint -t targets all |
     sed -n 's/: C\(XX\)\?_COMPILER__.*//p' | grep '\.c\(pp\)\?\.o$' | grep -Ev '^Tests/|_autogen/|_qmltyper|/\.rcc/' |
     FILTER=$filter awk '{ path = $0; sub(/CMakeFiles\/[^\/]*\.dir\//, "", path) } index(path, ENVIRON["FILTER"])')
   [ ${#objects[@]} -gt 0 ] || die "no source's path holds '$filter'"
   ninja -C build/lint -k 0 "${objects[@]}"
+}
+
+check_format() {
+  say "clang-format"
+  git ls-files -z '*.h' '*.c' '*.cpp' | xargs -0 clang-format --dry-run --Werror
 }
 
 check_flow() {

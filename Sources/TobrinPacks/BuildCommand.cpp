@@ -7,10 +7,10 @@
 #include "Building/DemoLoudness.h"
 #include "Building/RecipeError.h"
 #include "Building/RecordedPackBuilder.h"
+#include "Files/ExchangeFolders.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
 #include "Packs/LoadedPack.h"
-#include "Files/ExchangeFolders.h"
 #include "Process/SpawningProcessRunner.h"
 
 namespace tobrin {

@@ -8,9 +8,9 @@
 
 namespace tobrin {
 
-/// An SVG document: all presses in order of energy with the bands that the tiers are taken from, and
-/// below them the recording's level in rows, with every hit coloured by what became of it and the
-/// noise floor.
+/// An SVG document: all presses in order of energy with the bands that the tiers are taken from,
+/// and below them the recording's level in rows, with every hit coloured by what became of it and
+/// the noise floor.
 std::string slicePlot(const RecordingSlicer::Result& result, std::span<const float> left,
                       std::span<const float> right, double rate,
                       const RecordingSlicer::Options& options);

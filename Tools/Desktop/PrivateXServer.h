@@ -2,8 +2,8 @@
 #pragma once
 
 #include <linux/input-event-codes.h>
-#include <xcb/xcb.h>
 #include <unistd.h>
+#include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
 #include <initializer_list>

@@ -88,7 +88,9 @@ bool AudioOutput::isRunning() const {
   return isRunning_.load(std::memory_order_relaxed);
 }
 
-std::string AudioOutput::problem() const { return device_->problem(); }
+std::string AudioOutput::problem() const {
+  return device_->problem();
+}
 
 std::string AudioOutput::description() const {
   return device_->description();

@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 
 #include "Building/AtomicFile.h"
-#include "Files/FlushToDisk.h"
 #include "Engine/Log.h"
+#include "Files/FlushToDisk.h"
 
 namespace tobrin {
 namespace {
