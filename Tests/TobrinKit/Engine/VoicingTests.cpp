@@ -2,11 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <set>
 #include <vector>
 
-#include "Engine/SplitMix64.h"
 #include "Support/TestPack.h"
 
 namespace tobrin {
@@ -27,15 +25,6 @@ TEST(Voicing, KeysKeepTheirTakeAndPitchAndSpreadOverThem) {
   EXPECT_EQ(Voicing::variant(0, *pack, KeyGroup::alpha), 0xE220A8397B1DCDAFu % 5);
   EXPECT_FLOAT_EQ(Voicing::detune(0),
                   static_cast<float>(1 + 0.012 * (0xE220A8397Bu % 2001 - 1000.0) / 1000));
-}
-
-TEST(SplitMix64, ShuffleDependsOnTheLengthAlone) {
-  const std::vector<int> numbers = {1, 2, 3, 4, 5, 6, 7, 8, 9};
-  const auto shuffled = shuffledDeterministically(numbers);
-  EXPECT_EQ(shuffled, shuffledDeterministically(numbers));
-  EXPECT_TRUE(std::ranges::is_permutation(shuffled, numbers));
-  const bool swaps = SplitMix64(uint64_t{2} * 0x9E3779B9u).next() % 2 == 0;
-  EXPECT_EQ(shuffledDeterministically(std::vector<int>{1, 2})[0], swaps ? 2 : 1);
 }
 
 TEST(Voicing, PanFollowsColumnAndWidth) {

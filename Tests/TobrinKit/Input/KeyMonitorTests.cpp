@@ -39,18 +39,6 @@ class KeyMonitorTest : public ::testing::Test {
                        .longestRetry = std::chrono::milliseconds(2)}};
 };
 
-TEST_F(KeyMonitorTest, AHeldLetterIsOnePressAndOneRelease) {
-  ASSERT_TRUE(monitor().start());
-  script.press(0);
-  clock += 300 * oneMs;
-  for (int i = 0; i < 3; ++i)
-    script.send({.type = Type::keyDown, .code = 0, .autorepeat = true});
-  clock += oneMs;
-  script.release(0);
-  monitor().stop();
-  expectHeard({{0, KeyAction::down, startOfTime}, {0, KeyAction::up, startOfTime + 301 * oneMs}});
-}
-
 TEST_F(KeyMonitorTest, ABacklogIsDroppedButModifiersStayRight) {
   ASSERT_TRUE(monitor().start());
   const auto send = [&](Type type, uint16_t code, uint32_t flags, uint64_t ageMs) {

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <map>
 
@@ -141,8 +140,6 @@ TEST(PackInfo, TellsMissingFromInvalidManifests) {
   folder.write("bad/pack.json", "{}");
   folder.write("file", "");
   std::filesystem::create_directories(folder.path() / "folder/pack.json");
-  std::filesystem::create_directory(folder.path() / "fifo");
-  ASSERT_EQ(mkfifo((folder.path() / "fifo/pack.json").c_str(), 0600), 0);
   folder.write("huge/pack.json", "");
   std::filesystem::resize_file(folder.path() / "huge/pack.json", uint64_t{2} << 30);
 
@@ -150,7 +147,7 @@ TEST(PackInfo, TellsMissingFromInvalidManifests) {
             (PackInfo{"i", "n", "k", std::nullopt, folder.path() / "good", true}));
   EXPECT_EQ(failureIn("bad/"), "Invalid pack.json: \"formatVersion\" is missing");
   EXPECT_EQ(failureIn("huge"), "Invalid pack.json: the file is too large");
-  for (const char* name : {"absent", "file", "folder", "fifo"})
+  for (const char* name : {"absent", "file", "folder"})
     EXPECT_EQ(failureIn(name), "No pack.json in " + (folder.path() / name).string());
 }
 
