@@ -48,6 +48,7 @@ TEST_F(KeyMonitorTest, ABacklogIsDroppedButModifiersStayRight) {
   send(Type::keyUp, 0, 0, 251);
   send(Type::flagsChanged, 56, 0x2, 400);  // a stale press is not heard, yet it counts
   send(Type::keyDown, 1, 0x2, 250);
+  script.send({Type::keyDown, 1, true, 0x2, clock});  // held, so it repeats
   send(Type::flagsChanged, 56, 0x2, 0);
   send(Type::flagsChanged, 56, 0, 0);
   send(Type::flagsChanged, 57, 0, 0);  // Caps Lock off again is a press as well
