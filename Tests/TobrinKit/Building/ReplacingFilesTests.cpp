@@ -4,6 +4,7 @@
 
 #include "Building/AtomicFile.h"
 #include "Building/PackFolder.h"
+#include "Support/Failure.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
@@ -35,12 +36,8 @@ TEST(AtomicFile, FailureNamesTheTargetAndLeavesNothingBehind) {
   const fs::path occupied = folder.path() / "folder";
   fs::create_directory(occupied);
   for (const fs::path& target : {occupied, folder.path() / "missing/file"}) {
-    try {
-      writeFileAtomically(target, "text");
-      ADD_FAILURE() << target << " was written";
-    } catch (const fs::filesystem_error& error) {
-      EXPECT_EQ(error.path1(), target);
-    }
+    const auto failure = testing::failureOf([&] { writeFileAtomically(target, "text"); });
+    EXPECT_NE(failure.find("[" + target.string() + "]"), std::string::npos) << failure;
   }
   EXPECT_EQ(entriesIn(folder.path()), 1);
 }

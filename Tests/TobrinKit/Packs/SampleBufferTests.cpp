@@ -100,12 +100,11 @@ TEST(SampleBuffer, SurvivesHeadersThatLie) {
 
 TEST(SampleBuffer, RefusesWhatIsNoSoundFileAtOnce) {
   const TempFolder folder;
-  EXPECT_EQ(failure(folder.path()),
-            "Can't read " + folder.path().filename().string() + ": Is a directory");
   ASSERT_EQ(mkfifo((folder.path() / "fifo.wav").c_str(), 0600), 0);
   for (const std::filesystem::path& file :
-       {folder.path() / "fifo.wav", std::filesystem::path("/dev/zero"), folder.write("a.wav", ""),
-        folder.write("b.wav", std::string(5000, 'x')), folder.write("c.flac", "fLaC")})
+       {folder.path(), folder.path() / "fifo.wav", std::filesystem::path("/dev/zero"),
+        folder.write("a.wav", ""), folder.write("b.wav", std::string(5000, 'x')),
+        folder.write("c.flac", "fLaC")})
     EXPECT_TRUE(failure(file).starts_with("Can't read ")) << file;
 }
 

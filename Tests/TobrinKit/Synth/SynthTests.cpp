@@ -1,14 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <vector>
 
 #include "Packs/LoadedPack.h"
 #include "Support/TempFolder.h"
 #include "Synth/KeySynth.h"
 #include "Synth/PackGenerator.h"
-#include "Synth/Sine.h"
 
 namespace tobrin {
 namespace {
@@ -56,14 +54,6 @@ TEST(KeySynth, MakesTheSoundsItIsMeantToMake) {
     EXPECT_NEAR(energy(sound.right), row.rightEnergy, 1e-7 * row.rightEnergy);
     EXPECT_EQ(sound.left.back(), 0);
   }
-}
-
-TEST(Sine, IsExactToTheLastBitsOverManyTurns) {
-  for (const double reach : {1e-300, 1.0, 7.0, 1e3, 1e5, 4.9e7})
-    for (int n = -1000; n <= 1000; ++n) {
-      const double x = reach * n / 1000;
-      ASSERT_NEAR(sine(x), static_cast<double>(std::sin(static_cast<long double>(x))), 5e-16) << x;
-    }
 }
 
 TEST(KeySynth, LeavesOutWhatLiesTooHighToRingAndEndsAtTheLimit) {

@@ -33,12 +33,6 @@ class AlsaOutputTest : public ::testing::Test {
     snd_config_update_free_global();
   }
 
-  /// A device that writes to a file whatever it is given.
-  [[nodiscard]] std::string fileDevice() const {
-    return "pcm.file { type file slave.pcm { type null } format raw file \"" + recorded() +
-           "\" }\n";
-  }
-
   [[nodiscard]] std::string recorded() const { return folder_.path() / "played.raw"; }
 
   template <typename Sample>
@@ -68,7 +62,8 @@ class AlsaOutputTest : public ::testing::Test {
 
 TEST_F(AlsaOutputTest, PlaysInEachFormatThatADeviceTakes) {
   // Floats are offered first; these devices take something else, or one channel only.
-  configure(fileDevice() + "pcm.integers { type linear slave { pcm file format S16_LE } }\n" +
+  configure("pcm.file { type file slave.pcm { type null } format raw file \"" + recorded() +
+            "\" }\npcm.integers { type linear slave { pcm file format S16_LE } }\n"
             "pcm.mono { type multi slaves.a { pcm file channels 1 } "
             "bindings.0 { slave a channel 0 } }\n");
   play("file");

@@ -157,8 +157,6 @@ TEST(FindMotionSource, TraceThenRawDeviceThenAccelerometer) {
   const auto raw = findMotionSource(paths);
   EXPECT_EQ(raw->description(), "HID motion sensor");
   EXPECT_FALSE(raw->open()) << "its node is missing";
-  EXPECT_EQ(raw->problem(),
-            "cannot open " + (paths.dev / "hidraw0").string() + ": No such file or directory");
   setenv(motionTraceVariable, "/no/such.csv", 1);
   const auto trace = findMotionSource(paths);
   unsetenv(motionTraceVariable);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <optional>
 #include <thread>
 
 #include "Input/KeyMonitor.h"
@@ -18,38 +19,42 @@ using testing::PrivateXServer;
 
 class XKeySourceTest : public ::testing::Test {
  protected:
-  PrivateXServer server;
+  std::optional<PrivateXServer> server{std::in_place};
   HeardKeys heard;
-  KeyMonitor monitor{std::make_unique<XKeySource>(server.display()), std::ref(heard),
+  KeyMonitor monitor{std::make_unique<XKeySource>(server->display()), std::ref(heard),
                      testing::patient()};
 };
 
 TEST_F(XKeySourceTest, HearsKeysWhoeverHasTheKeyboard) {
   ASSERT_TRUE(monitor.start()) << monitor.problem();
-  server.press({KEY_A, KEY_LEFTSHIFT, KEY_VOLUMEUP});
-  server.release({KEY_VOLUMEUP, KEY_LEFTSHIFT, KEY_LEFTSHIFT, KEY_A});
+  server->press({KEY_A, KEY_LEFTSHIFT, KEY_VOLUMEUP});
+  server->release({KEY_VOLUMEUP, KEY_LEFTSHIFT, KEY_LEFTSHIFT, KEY_A});
   EXPECT_EQ(heard.await(4), "+0 +56 -56 -0 ");
 
-  xcb_connection_t* other = server.connection();
+  xcb_connection_t* other = server->connection();
   const auto root = firstScreen(other).root;
   const XReply<xcb_grab_keyboard_reply_t> grab(xcb_grab_keyboard_reply(
       other,
       xcb_grab_keyboard(other, 1, root, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
       nullptr));
   ASSERT_TRUE(grab && grab->status == XCB_GRAB_STATUS_SUCCESS);
-  server.press({KEY_SPACE});
+  server->press({KEY_SPACE});
   std::this_thread::sleep_for(std::chrono::milliseconds(900));  // the server repeats after 660 ms
-  server.release({KEY_SPACE});
+  server->release({KEY_SPACE});
   EXPECT_EQ(heard.await(2), "+49 -49 ");
+  server->press({KEY_LEFTCTRL});
+  EXPECT_EQ(heard.await(1), "+59 ");
+  server.reset();
+  EXPECT_EQ(heard.await(1), "-59 ") << "nothing is held of a server that has gone";
 }
 
 TEST_F(XKeySourceTest, ABacklogOfAStalledListenerIsNotHeard) {
-  XKeySource source(server.display());
+  XKeySource source(server->display());
   ASSERT_TRUE(source.open());
-  server.press({KEY_A});
+  server->press({KEY_A});
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
   const uint64_t before = MachTime::now();
-  server.release({KEY_A});
+  server->release({KEY_A});
   std::vector<double> ageMs;
   source.run([&](const KeySource::Event& event) {
     ASSERT_TRUE(event.time);
