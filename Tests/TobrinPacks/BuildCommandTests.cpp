@@ -61,32 +61,27 @@ class BuildCommand : public ::testing::Test {
 };
 
 TEST_F(BuildCommand, MakesASoundPackAtTheTargetLoudnessWithTheSameBytesEveryTime) {
-  const auto built = build(Json::array({source(1, fileURL())}), pack);
+  // Two parts of one recording, and one of Enter.
+  Json parts = {source(1, fileURL()), source(1, fileURL())}, enter = source(2, fileURL());
+  parts[0]["end"] = 30;
+  parts[1]["start"] = 30;
+  enter["end"] = 5;
+  const auto built = build(parts, pack, {enter});
   ASSERT_EQ(built.status, 0) << built.err;
   const Json result = Json::parse(built.out);
   EXPECT_NEAR(result["lufs"].get<double>(), -28, 0.3);
   EXPECT_GT(result["takes"].get<int>(), 12);
+  const Json manifest = Json::parse(contentOf(pack / "pack.json"));
+  EXPECT_EQ(manifest["author"], "somebody");
+  EXPECT_EQ(manifest["groups"]["enter"]["down"]["medium"][0], "enter-1.wav");
+  EXPECT_EQ(filesIn(cache).size(), 4u) << "two previews, two conversions";
   const auto checked = run({"check", pack});
   EXPECT_EQ(checked.status, 0) << checked.out << checked.err;
 
   const fs::path again = folder.path() / "again";
   fs::remove_all(cache);
-  ASSERT_EQ(build(Json::array({source(1, fileURL())}), again).status, 0);
+  ASSERT_EQ(build(parts, again, {enter}).status, 0);
   EXPECT_TRUE(filesIn(pack) == filesIn(again));
-}
-
-TEST_F(BuildCommand, UsesTwoPartsOfOneRecordingAndSeparateRecordingsOfEnter) {
-  Json parts = {source(1, fileURL()), source(1, fileURL())};
-  parts[0]["end"] = 30;
-  parts[1]["start"] = 30;
-  Json enter = source(2, fileURL());
-  enter["end"] = 5;
-  const auto built = build(parts, pack, {enter});
-  ASSERT_EQ(built.status, 0) << built.err;
-  const Json manifest = Json::parse(contentOf(pack / "pack.json"));
-  EXPECT_EQ(manifest["author"], "somebody");
-  EXPECT_EQ(manifest["groups"]["enter"]["down"]["medium"][0], "enter-1.wav");
-  EXPECT_EQ(filesIn(cache).size(), 4u) << "two previews, two conversions";
 }
 
 TEST_F(BuildCommand, FetchesOverHttpAndSaysWhatWentWrongThere) {

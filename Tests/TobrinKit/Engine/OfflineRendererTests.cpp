@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "Engine/OfflineRenderer.h"
+#include "Engine/SplitMix64.h"
 #include "Engine/TypingScript.h"
 #include "Support/TestPack.h"
 
@@ -83,6 +84,16 @@ TEST(TypingScript, KnowsEveryKeyThatTypesACharacter) {
   EXPECT_EQ(codes("HELLO"), codes("hello"));
   EXPECT_EQ(codes("K\xC4\xB0"), codes("ki")) << "a Kelvin sign and a dotted I in lower case";
   EXPECT_EQ(codes(std::string_view("é!\x80\xFF\0{}\r~", 10)), std::vector<uint16_t>());
+}
+
+TEST(TypingScript, PausesAfterASpaceInTheSeedsRhythm) {
+  const auto script = typingScript("a b", 60, 9, [](auto, auto) { return 1.0f; });
+  SplitMix64 rng(9);
+  for (std::size_t key = 0; key < 2; ++key) {
+    EXPECT_NEAR(script[2 * key + 1].time - script[2 * key].time, 0.06 + 0.04 * rng.unit(), 1e-9);
+    const double beats = (key == 1 ? 0.3 : 0) + 0.6 + 0.8 * rng.unit();
+    EXPECT_NEAR(script[2 * key + 2].time - script[2 * key].time, 0.2 * beats, 1e-9);
+  }
 }
 
 }  // namespace

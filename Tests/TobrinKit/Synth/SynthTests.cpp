@@ -50,8 +50,8 @@ TEST(KeySynth, MakesTheSoundsItIsMeantToMake) {
     SCOPED_TRACE(row.label);
     const Sound sound = KeySynth::render(row.group, row.tier, row.variant, row.profile);
     ASSERT_EQ(sound.left.size(), row.frames);
-    EXPECT_NEAR(energy(sound.left), row.leftEnergy, 1e-7 * row.leftEnergy);
-    EXPECT_NEAR(energy(sound.right), row.rightEnergy, 1e-7 * row.rightEnergy);
+    EXPECT_NEAR(energy(sound.left), row.leftEnergy, 1e-10 * row.leftEnergy);
+    EXPECT_NEAR(energy(sound.right), row.rightEnergy, 1e-10 * row.rightEnergy);
     EXPECT_EQ(sound.left.back(), 0);
   }
 }

@@ -9,7 +9,7 @@ namespace {
 
 constexpr const char* entry = "autostart/app.tobrin.Tobrin.desktop";
 
-TEST(XdgAutostart, SwitchesAnEntryOnAndOff) {
+TEST(XdgAutostart, SwitchesAnEntryAndBelievesTheDesktopsOwnSwitches) {
   const testing::TempFolder folder;
   XdgAutostart login(folder.path(), R"(/opt/a b/$x"\50%/tobrin)");
   EXPECT_FALSE(login.isEnabled());
@@ -23,11 +23,7 @@ TEST(XdgAutostart, SwitchesAnEntryOnAndOff) {
   EXPECT_NE(text.find("\nTryExec=/opt/a b/$x\"\\\\50%/tobrin\n"), std::string::npos) << text;
   EXPECT_EQ(login.setEnabled(false), "");
   EXPECT_FALSE(std::filesystem::exists(folder.path() / entry));
-}
 
-TEST(XdgAutostart, BelievesTheDesktopsOwnSwitches) {
-  const testing::TempFolder folder;
-  XdgAutostart login(folder.path(), "/usr/bin/tobrin");
   folder.write(entry, "[Desktop Entry]\nExec=tobrin\n");
   EXPECT_TRUE(login.isEnabled());
   for (const char* off : {"[Desktop Entry]\nExec=tobrin\nHidden=true\n", "[Desktop Entry]\n", "",

@@ -42,6 +42,9 @@ TEST_F(PipeWireOutputTest, FirstSoundAfterAPauseIsHeardWhole) {
     EXPECT_TRUE(output_.start());
     EXPECT_TRUE(eventually([&] { return recording.heard().size() >= round * pulse; }));
     output_.pause();
+    const int blocks = player_.blocks;
+    std::this_thread::sleep_for(2ms);
+    ASSERT_EQ(player_.blocks, blocks) << "silent at once";
   }
   const auto heard = recording.heard();
   ASSERT_EQ(heard.size(), 5 * pulse);
@@ -51,13 +54,6 @@ TEST_F(PipeWireOutputTest, FirstSoundAfterAPauseIsHeardWhole) {
   }
   EXPECT_EQ(player_.largestBlock, 256U);
   EXPECT_EQ(player_.changes, 0);
-  for (int turn = 0; turn < 50; ++turn) {
-    ASSERT_TRUE(output_.start()) << output_.problem();
-    output_.pause();
-    const int blocks = player_.blocks;
-    std::this_thread::sleep_for(2ms);
-    ASSERT_EQ(player_.blocks, blocks) << "silent at once";
-  }
 }
 
 TEST_F(PipeWireOutputTest, PausedIsIdleAlsoWhileTheServerComesAndGoes) {
