@@ -49,12 +49,6 @@ TEST_F(PackWorkshop, TellsWrongUsageFromFailure) {
     EXPECT_TRUE(last_.err.starts_with("tobrin-packs: ")) << last_.err;
     EXPECT_EQ(last_.out, "");
   }
-  for (const std::vector<std::string>& arguments :
-       {std::vector<std::string>{"--help"}, {"--version"}, {"check", "--help"}}) {
-    EXPECT_EQ(run(arguments), 0);
-    EXPECT_EQ(last_.err, "");
-    EXPECT_NE(last_.out, "");
-  }
   EXPECT_EQ(run({"check", path("absent")}), 1);
   EXPECT_EQ(last_.err, "tobrin-packs: No pack.json in " + path("absent") + "\n");
   EXPECT_EQ(run({"check", path("bundled/bad"), "--json"}), 1);
@@ -145,7 +139,6 @@ TEST(ScriptFile, RefusesEntriesOutOfRangeByNumberAndKey) {
           {"[[[[[[[[[[", "nested too deeply"},
           {"[1]", "entry 1: is not an object"},
           {R"([{"time":-1}])", "entry 1: \"time\" is not a number from 0 to 86400"},
-          {R"([{"time":"1"}])", "\"time\" is not"},
           {R"([{"time":0,"code":65536}])", "\"code\" is not"},
           {R"([{"time":0,"code":1.5}])", "\"code\" is not an integer"},
           {R"([{"time":0,"code":1,"action":"press"}])", "\"action\" is neither"},

@@ -42,7 +42,6 @@ TEST(LoudnessCommand, MeasuresFilesAtAnyRateAndPacksInUse) {
                          std::sin(2 * std::numbers::pi * 997 * static_cast<double>(n) / 44'100));
   WAVWriter::write(sine, sine, 44'100, file);
   const auto measured = nlohmann::json::parse(run({"loudness", file, "--json"}).out);
-  EXPECT_EQ(measured["path"], file);
   EXPECT_NEAR(measured["lufs"].get<double>(), -20, 0.05);
   WAVWriter::write(sine, {}, 44'100, file);
   EXPECT_EQ(run({"loudness", file}).out, "-23.01 LUFS\n");

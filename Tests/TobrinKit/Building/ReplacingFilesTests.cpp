@@ -58,8 +58,7 @@ TEST(PackFolder, TheOldPackStaysUntilTheNewOneIsWhole) {
   }
   EXPECT_EQ(fs::file_size(target / "pack.json"), 5u);
   EXPECT_FALSE(fs::exists(target / "key.wav"));
-  const fs::directory_iterator entries(folder.path());
-  EXPECT_EQ(std::distance(entries, fs::directory_iterator()), 2) << "nothing else is left behind";
+  EXPECT_EQ(entriesIn(folder.path()), 2) << "nothing else is left behind";
 }
 
 }  // namespace

@@ -18,8 +18,6 @@ constexpr uint64_t oneMs = 1'000'000;
 
 class KeyMonitorTest : public ::testing::Test {
  protected:
-  KeyMonitor& monitor() { return monitor_; }
-
   KeyScript script;
   uint64_t clock = startOfTime;  // written only while no event is on its way
   std::vector<KeyEvent> heard;
@@ -30,17 +28,16 @@ class KeyMonitorTest : public ::testing::Test {
     heard.clear();
   }
 
- private:
-  KeyMonitor monitor_{std::make_unique<ScriptedKeySource>(script),
-                      [this](const KeyEvent& event) { heard.push_back(event); },
-                      {.onThreadStart = [this](std::string_view) { ++threads; },
-                       .now = [this] { return clock; },
-                       .firstRetry = std::chrono::milliseconds(1),
-                       .longestRetry = std::chrono::milliseconds(2)}};
+  KeyMonitor monitor{std::make_unique<ScriptedKeySource>(script),
+                     [this](const KeyEvent& event) { heard.push_back(event); },
+                     {.onThreadStart = [this](std::string_view) { ++threads; },
+                      .now = [this] { return clock; },
+                      .firstRetry = std::chrono::milliseconds(1),
+                      .longestRetry = std::chrono::milliseconds(2)}};
 };
 
 TEST_F(KeyMonitorTest, ABacklogIsDroppedButModifiersStayRight) {
-  ASSERT_TRUE(monitor().start());
+  ASSERT_TRUE(monitor.start());
   const auto send = [&](Type type, uint16_t code, uint32_t flags, uint64_t ageMs) {
     script.send({type, code, false, flags, clock - ageMs * oneMs});
   };
@@ -53,7 +50,7 @@ TEST_F(KeyMonitorTest, ABacklogIsDroppedButModifiersStayRight) {
   send(Type::flagsChanged, 56, 0, 0);
   send(Type::flagsChanged, 57, 0, 0);  // Caps Lock off again is a press as well
   script.send({Type::keyUp, 1, false, 0, clock + 5 * oneMs});  // a stamp ahead of the clock
-  monitor().stop();
+  monitor.stop();
   expectHeard({{1, KeyAction::down, clock},
                {56, KeyAction::up, clock},
                {57, KeyAction::down, clock},
@@ -61,31 +58,31 @@ TEST_F(KeyMonitorTest, ABacklogIsDroppedButModifiersStayRight) {
 }
 
 TEST_F(KeyMonitorTest, StartsOnceStopsAndStartsAgain) {
-  monitor().stop();  // before any start
+  monitor.stop();  // before any start
   for (int round = 1; round <= 20; ++round) {
-    EXPECT_TRUE(monitor().start());
-    EXPECT_TRUE(monitor().start());
+    EXPECT_TRUE(monitor.start());
+    EXPECT_TRUE(monitor.start());
     EXPECT_EQ(threads, round);
     script.press(49);
-    monitor().stop();
-    EXPECT_FALSE(monitor().isRunning());
+    monitor.stop();
+    EXPECT_FALSE(monitor.isRunning());
   }
   EXPECT_EQ(heard.size(), 20U);
 }
 
 TEST_F(KeyMonitorTest, ALostSourceIsTakenUpAgain) {
-  ASSERT_TRUE(monitor().start());
+  ASSERT_TRUE(monitor.start());
   script.allowed = false;
   script.lose();
   script.awaitOpens(4);  // refused at least twice since
-  EXPECT_FALSE(monitor().isRunning());
-  EXPECT_FALSE(monitor().start());  // asks at once
-  EXPECT_EQ(monitor().problem(), "not allowed");
+  EXPECT_FALSE(monitor.isRunning());
+  EXPECT_FALSE(monitor.start());  // asks at once
+  EXPECT_EQ(monitor.problem(), "not allowed");
   script.allowed = true;
-  EXPECT_TRUE(monitor().start());
+  EXPECT_TRUE(monitor.start());
   script.lose();
   script.press(49);  // taken once it listens again
-  monitor().stop();
+  monitor.stop();
   expectHeard({{49, KeyAction::down, startOfTime}});
   EXPECT_EQ(threads, 3);
 }

@@ -122,11 +122,9 @@ std::filesystem::path compressed(const TempFolder& folder, const char* name, int
 
 TEST(SampleBuffer, HoldsTheLimitWhateverALengthClaims) {
   const TempFolder folder;
-  const auto wav = folder.write("a.wav", wav16({}, std::vector<int16_t>(1000)));
   const auto slow = folder.write("b.wav", wav16({.rate = 24000}, std::vector<int16_t>(500)));
   for (const auto& [file, frames] :
-       {std::pair{wav, 1000u},
-        {slow, 1000u},
+       {std::pair{slow, 1000u},
         {compressed(folder, "a.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 48000), 48000u},
         {compressed(folder, "a.ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS, 48000), 48000u}}) {
     EXPECT_EQ(failure(file, frames * 8), "(none)") << file;
