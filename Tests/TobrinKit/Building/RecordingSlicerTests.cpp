@@ -145,5 +145,11 @@ TEST(TypingLattice, TellsAllReadingsApart) {
   EXPECT_NEAR(TypingLattice::read({}, hits).logLikelihood, -453.908303180815, 1e-9);
 }
 
+TEST(RecordingSlicer, PercentilesDropTheFraction) {
+  EXPECT_EQ(RecordingSlicer::percentile({3, 1, 2}, 0.3), 1);
+  EXPECT_EQ(RecordingSlicer::percentile({3, 1, 2}, 1.0), 3);
+  EXPECT_EQ(RecordingSlicer::percentile({}, 0.5), 0);
+}
+
 }  // namespace
 }  // namespace tobrin
