@@ -82,6 +82,9 @@ TEST_F(BuildCommand, MakesASoundPackAtTheTargetLoudnessWithTheSameBytesEveryTime
   fs::remove_all(cache);
   ASSERT_EQ(build(parts, again, {enter}).status, 0);
   EXPECT_TRUE(filesIn(pack) == filesIn(again));
+  parts[1].erase("start");
+  ASSERT_EQ(build(parts, again, {enter}).status, 0);
+  EXPECT_FALSE(filesIn(pack) == filesIn(again));
 }
 
 TEST_F(BuildCommand, FetchesOverHttpAndSaysWhatWentWrongThere) {
