@@ -28,6 +28,11 @@ void check(const float* samples, std::size_t frames) {
 
 }  // namespace
 
+// What libsndfile leaves behind of a broken Ogg stream that it refuses: 6 kB each time, not ours.
+extern "C" const char* __lsan_default_suppressions() {  // NOLINT: the sanitizer's name
+  return "leak:vorbis_info_init\n";
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   if (size < 1) return 0;
   const int file = fileInMemory();
