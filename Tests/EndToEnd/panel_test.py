@@ -8,7 +8,6 @@ bindings for that.
 import os
 import pathlib
 import shutil
-import signal
 import sys
 import time
 import unittest
