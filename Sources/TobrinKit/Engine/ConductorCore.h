@@ -8,8 +8,8 @@
 #include "Engine/EngineDevices.h"
 #include "Engine/EngineSettings.h"
 #include "Engine/ForceStage.h"
-#include "Engine/HeldKeys.h"
 #include "Engine/KeyEvent.h"
+#include "Engine/PressStrengths.h"
 #include "Engine/SerialQueue.h"
 #include "Engine/SplitMix64.h"
 #include "Engine/StrokeMeter.h"
@@ -67,7 +67,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   const std::shared_ptr<EngineDevices> devices_;
   VoicePlayer player_;
   StrokeMeter meter_;
-  HeldKeys held_;
+  PressStrengths held_;
   SplitMix64 rng_;
   ForceCallback onForce_;
   ForceStageCallback onStage_;

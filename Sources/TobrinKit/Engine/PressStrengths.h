@@ -1,5 +1,5 @@
-/// The keys that are down, with the strength measured for each, which scales its release. Owned by
-/// the conductor's queue.
+/// How hard each key that is down was struck, as measured, which scales its release. Owned by the
+/// conductor's queue.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace tobrin {
 
-class HeldKeys final {
+class PressStrengths final {
  public:
   /// A key went down and started the voice `tag`; its strength is not known yet.
   void press(uint16_t code, uint32_t tag) { held_.insert_or_assign(code, Press{tag, {}}); }
