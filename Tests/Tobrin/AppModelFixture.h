@@ -57,7 +57,7 @@ struct TestDesktop final : Workspace, LoginItem {
   }
   void setOnWake(std::function<void()> call) override { onWake = std::move(call); }
   void setOnTerminate(std::function<void()> call) override { onTerminate = std::move(call); }
-  std::string openFolder(const std::filesystem::path&) override { return act("folder"); }
+  std::string openPacksFolder() override { return act("folder"); }
   void openKeyAccessSettings(std::function<void(const std::string&)> onEnd) override {
     onEnd(act("access"));
   }

@@ -11,13 +11,28 @@
 
 namespace tobrin::testing {
 
-/// Writes what the login manager writes when a session comes to the front of the seat.
+inline const std::filesystem::path seatsFolder = "/run/systemd/seats";
+
+/// Writes what the login manager keeps of the seat.
+inline void describeSeat(const std::string& active) {
+  std::filesystem::create_directories(seatsFolder);
+  std::ofstream(seatsFolder / ".new") << "IS_SEAT0=1\n" << active;
+  std::filesystem::rename(seatsFolder / ".new", seatsFolder / "seat0");
+}
+
+/// As when a session of the user's comes to the front of the seat.
 inline void bringToFront(uid_t user) {
-  const std::filesystem::path seats = "/run/systemd/seats";
-  std::filesystem::create_directories(seats);
-  std::ofstream(seats / ".new") << "IS_SEAT0=1\nACTIVE=c" << user << "\nACTIVE_UID=" << user
-                                << "\n";
-  std::filesystem::rename(seats / ".new", seats / "seat0");
+  const std::string id = std::to_string(user);
+  describeSeat("ACTIVE=c" + id + "\nACTIVE_UID=" + id + "\n");
+}
+
+/// As on a console without a session.
+inline void bringNobodyToFront() {
+  describeSeat("");
+}
+
+inline void removeLoginManager() {
+  std::filesystem::remove(seatsFolder / "seat0");
 }
 
 /// Lets user 65534 read and write the node, as a seat's login does: version 2 of the list, in

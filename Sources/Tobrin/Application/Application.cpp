@@ -62,7 +62,7 @@ int Application::run(int argc, char** argv) {
   const auto instance = takePlace(argc, argv);
   if (!instance->isFirst()) return bringUpTheOther(*instance);
 
-  const Launcher launcher;
+  const Launcher launcher(DesktopWorkspace::errands());
   Confinement::takeNoPrivileges();
   SignalWatcher::holdSignals();
   // NOLINTBEGIN(concurrency-mt-unsafe): there is one thread yet

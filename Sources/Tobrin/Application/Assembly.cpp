@@ -27,7 +27,7 @@ constexpr std::chrono::seconds settleTime{3};
 Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> preview)
     : settings_(XdgFolders::config() / "Tobrin" / "settings.json"),
       loginItem_(XdgFolders::config(), thisProgram()),
-      workspace_(thisProgram(), launcher),
+      workspace_(launcher),
       main_("main"),
       loader_("app.tobrin.load"),
       conductorQueue_(Conductor::queueName, requestRealtimeScheduling),

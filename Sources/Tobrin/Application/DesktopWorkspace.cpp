@@ -6,12 +6,34 @@
 #include <QCoreApplication>
 #include <array>
 #include <cerrno>
+#include <filesystem>
+#include <stdexcept>
 
 #include "Application/Application.h"
 #include "Evdev/KeyboardList.h"
+#include "Packs/PackLibrary.h"
+#include "Packs/SystemFolders.h"
 
 namespace tobrin {
 namespace {
+
+namespace fs = std::filesystem;
+
+/// Empty where the system knows no home folder.
+fs::path packsFolder() {
+  try {
+    return PackLibrary::userPacksDirectory();
+  } catch (const std::runtime_error&) {
+    return {};
+  }
+}
+
+/// A program that runs where it was built has its helper beside it.
+std::string keyAccessHelper(const fs::path& program) {
+  const fs::path built = program.parent_path() / "tobrin-key-access";
+  std::error_code error;
+  return fs::exists(built, error) ? built.string() : TOBRIN_KEY_ACCESS_HELPER;
+}
 
 /// What the end of the helper that grants access means: the reason it gave, empty for success or
 /// where the user changed their mind. `report` is the launcher's.
@@ -26,8 +48,20 @@ std::string grantProblem(const std::string& report) {
 
 }  // namespace
 
-DesktopWorkspace::DesktopWorkspace(std::filesystem::path program, const Launcher& launcher)
-    : program_(std::move(program)), launcher_(launcher), sleep_([this] {
+Launcher::Commands DesktopWorkspace::errands() {
+  const fs::path program = thisProgram();
+  Launcher::Commands commands;
+  const auto command = [&](Errand errand) -> Launcher::Command& {
+    return commands[static_cast<std::size_t>(errand)];
+  };
+  command(Errand::showPacksFolder) = {"xdg-open", packsFolder().string()};
+  command(Errand::grantKeyAccess) = {"pkexec", keyAccessHelper(program), "grant"};
+  command(Errand::relaunch) = {program.string(), Application::relaunchedArgument};
+  return commands;
+}
+
+DesktopWorkspace::DesktopWorkspace(const Launcher& launcher)
+    : launcher_(launcher), sleep_([this] {
         if (onWake_) onWake_();
       }) {
   QObject::connect(qApp, &QCoreApplication::aboutToQuit, qApp, [this] {
@@ -48,27 +82,24 @@ void DesktopWorkspace::setOnTerminate(std::function<void()> onTerminate) {
   onTerminate_ = std::move(onTerminate);
 }
 
-std::string DesktopWorkspace::openFolder(const std::filesystem::path& folder) {
+std::string DesktopWorkspace::openPacksFolder() {
+  const fs::path folder = packsFolder();
+  if (folder.empty()) return "the system knows no home folder";
   std::error_code error;
-  std::filesystem::create_directories(folder, error);
+  fs::create_directories(folder, error);
   if (error) return folder.string() + ": " + error.message();
-  return launcher_.start({"xdg-open", folder.string()});
+  return launcher_.start(Errand::showPacksFolder);
 }
 
 void DesktopWorkspace::openKeyAccessSettings(std::function<void(const std::string&)> onEnd) {
   if (grantNotifier_) return;  // the user is being asked
   if (!KeyboardList::isPossible()) return onEnd("this system has no input devices");
-  // A program that runs where it was built has its helper beside it.
-  const auto built = program_.parent_path() / "tobrin-key-access";
-  std::error_code error;
-  const std::string helper =
-      std::filesystem::exists(built, error) ? built.string() : TOBRIN_KEY_ACCESS_HELPER;
   std::array<int, 2> ends{};
   if (pipe2(ends.data(), O_CLOEXEC) != 0) return onEnd("no file descriptors left");
   grantReport_.reset(ends[0]);
   fcntl(grantReport_.get(), F_SETFL, O_NONBLOCK);
   const FileDescriptor written(ends[1]);
-  if (!launcher_.start({"pkexec", helper, "grant"}, written.get()).empty())
+  if (!launcher_.start(Errand::grantKeyAccess, written.get()).empty())
     return onEnd("pkexec is not installed");
   onGrantEnd_ = std::move(onEnd);
   grantText_.clear();
@@ -90,8 +121,7 @@ void DesktopWorkspace::takeGrantReport() {
 }
 
 std::string DesktopWorkspace::relaunch() {
-  // The new instance waits until this one has given up its place.
-  return launcher_.start({program_.string(), Application::relaunchedArgument});
+  return launcher_.start(Errand::relaunch);
 }
 
 void DesktopWorkspace::terminate() {

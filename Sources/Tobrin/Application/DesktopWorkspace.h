@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QSocketNotifier>
-#include <filesystem>
 #include <memory>
 
 #include "Confinement/Launcher.h"
@@ -13,12 +12,16 @@ namespace tobrin {
 
 class DesktopWorkspace final : public Workspace {
  public:
-  /// `program` is what a relaunch starts. `launcher` must outlive this.
-  DesktopWorkspace(std::filesystem::path program, const Launcher& launcher);
+  /// The programs that this may start, for the launcher; the new instance waits until this one has
+  /// given up its place.
+  static Launcher::Commands errands();
+
+  /// `launcher`, made of `errands`, must outlive this.
+  explicit DesktopWorkspace(const Launcher& launcher);
 
   void setOnWake(std::function<void()> onWake) override { onWake_ = std::move(onWake); }
   void setOnTerminate(std::function<void()> onTerminate) override;
-  std::string openFolder(const std::filesystem::path& folder) override;
+  std::string openPacksFolder() override;
   void openKeyAccessSettings(std::function<void(const std::string&)> onEnd) override;
   std::string relaunch() override;
   void terminate() override;
@@ -27,7 +30,6 @@ class DesktopWorkspace final : public Workspace {
   void hearSleep();
   void takeGrantReport();
 
-  std::filesystem::path program_;
   const Launcher& launcher_;
   std::function<void()> onWake_;
   std::function<void()> onTerminate_;

@@ -68,7 +68,7 @@ std::string idsOf(const std::vector<PackInfo>& packs) {
 int Snapshot::run(const std::vector<std::string>& words) {
   const auto wish = parse(words);
   if (!wish) return fail("Usage: tobrin --snapshot [path] [dark] [call] [pack=ID]");
-  const Launcher launcher;
+  const Launcher launcher(DesktopWorkspace::errands());
   const auto picture = PanelPicture::load();
   if (picture == nullptr) return fail("The panel's library is missing.");
   const auto application = picture->makeApplication();

@@ -296,7 +296,7 @@ void AppModel::setLaunchAtLogin(bool on) {
 }
 
 void AppModel::openPacksFolder() {
-  const std::string problem = services_.workspace.openFolder(PackLibrary::userPacksDirectory());
+  const std::string problem = services_.workspace.openPacksFolder();
   if (!problem.empty()) Log::line("packs folder can't be shown: " + problem);
 }
 

@@ -1,7 +1,6 @@
 /// What the application asks of the desktop it runs in, besides keys, sound and shortcuts.
 #pragma once
 
-#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -24,8 +23,9 @@ class Workspace {
   virtual void setOnWake(std::function<void()> onWake) = 0;
   /// Called when the session or the user ends the program.
   virtual void setOnTerminate(std::function<void()> onTerminate) = 0;
-  /// Shows a folder in the file manager, making it if missing; returns why it failed.
-  virtual std::string openFolder(const std::filesystem::path& folder) = 0;
+  /// Shows the user's packs in the file manager, making their folder if it is missing; returns why
+  /// it failed.
+  virtual std::string openPacksFolder() = 0;
   /// Offers the user the one-time grant of access to keys. `onEnd` is told why it failed, or an
   /// empty text; never once the workspace is gone.
   virtual void openKeyAccessSettings(std::function<void(const std::string& problem)> onEnd) = 0;

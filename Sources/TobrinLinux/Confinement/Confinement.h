@@ -1,5 +1,7 @@
-/// Gives up what the program never needs, for good. A fault in a decoder or a library then cannot
-/// be used to send away what is typed. What the system does not offer is logged and left.
+/// Gives up what the program never needs, until it ends. Code that takes it over through a fault in
+/// a library then has no socket to the network and gains no rights by starting a program. It still
+/// has what every program of this user has: the user's files, and the session bus, whose services
+/// are not confined. What the system does not offer is logged and left.
 #pragma once
 
 namespace tobrin {

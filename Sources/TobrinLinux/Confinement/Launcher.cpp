@@ -12,26 +12,26 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace tobrin {
 namespace {
 
-constexpr std::size_t longestRequest = 16384;
-
-/// The words of a request in the form that a program takes them.
-std::vector<char*> argumentsIn(char* request, std::size_t length) {
+/// A command in the form that a program takes it.
+std::vector<char*> argumentsOf(Launcher::Command& command) {
   std::vector<char*> arguments;
-  for (char* word = request; word < request + length; word += std::strlen(word) + 1)
-    arguments.push_back(word);
+  for (std::string& word : command)
+    arguments.push_back(word.data());
   arguments.push_back(nullptr);
   return arguments;
 }
 
-/// In a session of its own, with the signals as a program expects to find them; `errors`, where it
-/// is one, becomes its standard error.
-int spawn(const std::vector<char*>& arguments, int errors, pid_t& child) {
+/// In a new session, with the signals as a program expects to find them; `errors`, unless it is
+/// negative, becomes its standard error.
+int spawn(Launcher::Command& command, int errors, pid_t& child) {
+  if (command.empty()) return ENOENT;
+  const std::vector<char*> arguments = argumentsOf(command);
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
   sigset_t signals;
@@ -51,10 +51,10 @@ int spawn(const std::vector<char*>& arguments, int errors, pid_t& child) {
   return error;
 }
 
-/// A message and, where one comes along, a descriptor. Room for exactly one.
+/// An errand's number and, where one comes along, a descriptor. Room for exactly one.
 struct Message {
-  std::array<char, longestRequest> text;
-  iovec piece{text.data(), text.size()};
+  uint8_t errand = 0;
+  iovec piece{&errand, sizeof errand};
   alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> control{};
   msghdr head{.msg_name = nullptr,
               .msg_namelen = 0,
@@ -85,11 +85,11 @@ void answer(int error) {
   send(toProgram, &error, sizeof error, MSG_NOSIGNAL);
 }
 
-/// In a process of its own: starts the program, waits for its end and tells how it ended.
-[[noreturn]] void watchOver(const std::vector<char*>& arguments, int report) {
+/// In a process made for it: starts the program, waits for its end and reports how it ended.
+[[noreturn]] void watchOver(Launcher::Command& command, int report) {
   static_cast<void>(std::signal(SIGCHLD, SIG_DFL));
   pid_t child = -1;
-  const int error = spawn(arguments, report, child);
+  const int error = spawn(command, report, child);
   answer(error);
   if (error != 0) _exit(0);
   int status = 0;
@@ -101,36 +101,44 @@ void answer(int error) {
   _exit(0);
 }
 
-void serveOne(const std::vector<char*>& arguments, int report) {
+void serveOne(Launcher::Command& command, int report) {
   pid_t child = -1;
-  if (report < 0) return answer(spawn(arguments, report, child));
+  if (report < 0) return answer(spawn(command, report, child));
   child = fork();
-  if (child == 0) watchOver(arguments, report);
+  if (child == 0) watchOver(command, report);
   if (child < 0) answer(errno);
   close(report);
 }
 
+/// Takes one request. Whoever has taken the program over may have sent it.
+void takeRequest(Launcher::Commands& commands) {
+  Message request;
+  const ssize_t length = recvmsg(toProgram, &request.head, MSG_CMSG_CLOEXEC);
+  if (length < 0 && errno == EINTR) return;
+  if (length <= 0) _exit(0);
+  const int report = request.attached();
+  const bool isWhole = (request.head.msg_flags & (MSG_TRUNC | MSG_CTRUNC)) == 0;
+  if (isWhole && request.errand < commands.size())
+    return serveOne(commands[request.errand], report);
+  if (report >= 0) close(report);
+  answer(EINVAL);
+}
+
 /// The helper's life: until the program's end of the socket is closed, whatever closed it.
-[[noreturn]] void serve(int program) {
+[[noreturn]] void serve(int program, Launcher::Commands commands) {
   if (dup2(program, toProgram) < 0) _exit(1);
   close_range(toProgram + 1, ~0U, 0);  // the program's lock among them
   prctl(PR_SET_NAME, "Tobrin.Launcher");
-  // Those it starts are nobody's to wait for, and it ends with the program, not before.
+  // Nobody waits for those it starts, and it ends with the program, not before.
   for (const int each : {SIGCHLD, SIGINT, SIGTERM, SIGHUP})
     static_cast<void>(std::signal(each, SIG_IGN));
-  for (;;) {
-    Message request;
-    const ssize_t length = recvmsg(toProgram, &request.head, MSG_CMSG_CLOEXEC);
-    if (length < 0 && errno == EINTR) continue;
-    if (length <= 0) _exit(0);
-    serveOne(argumentsIn(request.text.data(), static_cast<std::size_t>(length)),
-             request.attached());
-  }
+  for (;;)
+    takeRequest(commands);
 }
 
-bool sendRequest(int helper, std::string& words, int report) {
+bool sendRequest(int helper, Errand errand, int report) {
   Message request;
-  request.piece = {words.data(), words.size()};
+  request.errand = static_cast<uint8_t>(errand);
   if (report >= 0)
     request.attach(report);
   else
@@ -140,28 +148,29 @@ bool sendRequest(int helper, std::string& words, int report) {
 
 }  // namespace
 
-Launcher::Launcher() {
+Launcher::Launcher(Commands commands) : commands_(std::move(commands)) {
   std::array<int, 2> ends{};
   if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) return;
   helper_.reset(ends[0]);
   const pid_t helper = fork();
-  if (helper == 0) serve(ends[1]);
+  if (helper == 0) serve(ends[1], commands_);
   close(ends[1]);
   if (helper < 0) helper_.reset();
 }
 
-std::string Launcher::start(const std::vector<std::string>& command, int report) const {
-  std::string request;
-  for (const std::string& word : command)
-    request.append(word.c_str(), word.size() + 1);
-  int error = request.size() > longestRequest ? E2BIG : EPIPE;
-  if (helper_ && error == EPIPE && sendRequest(helper_.get(), request, report)) {
+std::string Launcher::start(Errand errand, int report) const {
+  int error = EPIPE;
+  if (helper_ && sendRequest(helper_.get(), errand, report)) {
     ssize_t taken = 0;
     do {
       taken = recv(helper_.get(), &error, sizeof error, 0);
     } while (taken < 0 && errno == EINTR);
   }
-  return error == 0 ? "" : command.front() + ": " + std::generic_category().message(error);
+  if (error == 0) return {};
+  const auto number = static_cast<std::size_t>(errand);
+  const bool isNamed = number < commands_.size() && !commands_[number].empty();
+  const std::string name = isNamed ? commands_[number].front() : "no such command";
+  return name + ": " + std::generic_category().message(error);
 }
 
 }  // namespace tobrin

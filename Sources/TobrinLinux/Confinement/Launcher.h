@@ -1,8 +1,12 @@
 /// Starts other programs for one that has given up its own rights. What a confined process starts
 /// is confined as well: a file manager without network, a pkexec that cannot ask. So a small copy
-/// of the program, split off before, starts them instead, and ends when the program does.
+/// of the program, split off before, starts them instead, and ends when the program does. It knows
+/// a fixed list of commands from before the split and takes no words from the program: code that
+/// takes the program over can ask for these commands and for nothing else.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -10,20 +14,28 @@
 
 namespace tobrin {
 
+/// What another program is started for.
+enum class Errand : uint8_t { showPacksFolder, grantKeyAccess, relaunch };
+
 class Launcher final {
  public:
-  /// Splits the helper off. Thread: the only one there is; nothing else may have been started.
-  Launcher();
+  /// A program, looked for in PATH, and its arguments. Never run through a shell.
+  using Command = std::vector<std::string>;
+  static constexpr std::size_t errandCount = 3;
+  using Commands = std::array<Command, errandCount>;  ///< one an errand, in their order
 
-  /// Starts `command`, looked for in PATH, and does not wait for its end; returns why it could not
-  /// be started, empty where it was. Never through a shell. With `report`, a descriptor to write
-  /// to, what the program writes to standard error goes there, after its end its exit status in a
-  /// line of its own, then the end of the file. Thread: one at a time.
-  [[nodiscard]] std::string start(const std::vector<std::string>& command, int report = -1) const;
+  /// Splits the helper off. Thread: the only one there is; nothing else may have been started.
+  explicit Launcher(Commands commands);
+
+  /// Starts the errand's command and does not wait for its end; returns why it could not be
+  /// started, empty where it was. With `report`, a descriptor to write to, what the program writes
+  /// to standard error goes there, after its end its exit status in a line by itself, then the end
+  /// of the file. Thread: one at a time.
+  [[nodiscard]] std::string start(Errand errand, int report = -1) const;
 
  private:
-  FileDescriptor
-      helper_;  // a request a message: words that end in zero bytes; answers are an errno
+  const Commands commands_;
+  FileDescriptor helper_;  // a request is one byte, the errand; an answer is an errno
 };
 
 }  // namespace tobrin

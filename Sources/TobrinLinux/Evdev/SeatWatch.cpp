@@ -3,6 +3,7 @@
 #include <systemd/sd-login.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 
 namespace tobrin {
@@ -42,7 +43,8 @@ SeatWatch::SeatWatch() : session_(sessionOfThisProcess()), seat_(seatOf(session_
 bool SeatWatch::isOurs() const {
   char* active = nullptr;
   uid_t user = 0;
-  if (sd_seat_get_active(seat_.c_str(), &active, &user) < 0) return true;
+  const int status = sd_seat_get_active(seat_.c_str(), &active, &user);
+  if (status < 0) return status != -ENODATA;  // no session in front: the seat shows a login prompt
   const std::string session = take(active);
   return session == session_ || user == geteuid();
 }

@@ -17,8 +17,8 @@ class SeatWatch final {
   /// The seat this program belongs to ("seat0").
   [[nodiscard]] const std::string& seat() const { return seat_; }
 
-  /// Whether the session in front is this program's or another one of its user's; true as well
-  /// where no login manager runs or no session is in front.
+  /// Whether the session in front is this program's or another one of its user's. False while no
+  /// session is in front, as at a login prompt; true where no login manager knows the seat.
   [[nodiscard]] bool isOurs() const;
 
   /// To poll for reading when `isOurs` may have changed; -1 where no login manager runs.

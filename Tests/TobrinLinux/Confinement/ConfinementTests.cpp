@@ -11,6 +11,7 @@
 #include <array>
 #include <cerrno>
 #include <latch>
+#include <string_view>
 #include <thread>
 
 #include "Confinement/Launcher.h"
@@ -68,19 +69,17 @@ TEST(Confinement, WhatTheLauncherStartsIsFree) {
     return std::vector<std::string>{"sh", "-c", words, "sh", report.string()};
   };
   EXPECT_EQ(inChild([&] {
-              const Launcher launcher;
+              const Launcher launcher({Launcher::Command{"/nonexistent/program"},
+                                       shell("echo denied >&2; exit 7"),
+                                       shell("grep -E 'NoNewPrivs|Seccomp:' /proc/self/status "
+                                             ">$1.new; mv $1.new $1")});
               Confinement::takeNoPrivileges();
               Confinement::refuseNetwork();
-              if (launcher.start({"/nonexistent/program"}).empty()) return 1;
-              if (!launcher
-                       .start(shell("grep -E 'NoNewPrivs|Seccomp:' /proc/self/status >$1.new;"
-                                    "mv $1.new $1"))
-                       .empty())
-                return 2;
+              if (launcher.start(Errand::showPacksFolder).empty()) return 1;
+              if (!launcher.start(Errand::relaunch).empty()) return 2;
               std::array<int, 2> ends{};
               if (pipe(ends.data()) != 0) return 3;
-              if (!launcher.start({"sh", "-c", "echo denied >&2; exit 7"}, ends[1]).empty())
-                return 4;
+              if (!launcher.start(Errand::grantKeyAccess, ends[1]).empty()) return 4;
               close(ends[1]);
               std::string told;
               for (char piece = 0; read(ends[0], &piece, 1) == 1;)
@@ -92,6 +91,35 @@ TEST(Confinement, WhatTheLauncherStartsIsFree) {
             }),
             0);
   EXPECT_EQ(testing::contentOf(report), "NoNewPrivs:\t0\nSeccomp:\t0\n");
+}
+
+/// The launcher's socket, as code that has taken the program over would look for it.
+int socketOfTheLauncher() {
+  for (int each = 3; each < 64; ++each) {
+    int kind = 0;
+    socklen_t size = sizeof kind;
+    if (getsockopt(each, SOL_SOCKET, SO_TYPE, &kind, &size) == 0 && kind == SOCK_SEQPACKET)
+      return each;
+  }
+  return -1;
+}
+
+TEST(Confinement, TheLauncherStartsNothingButItsOwnCommands) {
+  EXPECT_EQ(inChild([] {
+              const Launcher launcher({Launcher::Command{"true"}, {}, {}});
+              const int socket = socketOfTheLauncher();
+              const auto answerTo = [&](std::string_view request) {
+                int error = -1;
+                if (send(socket, request.data(), request.size(), MSG_NOSIGNAL) < 0) return -1;
+                return recv(socket, &error, sizeof error, 0) == sizeof error ? error : -2;
+              };
+              if (answerTo({"\0", 1}) != 0) return 1;
+              if (answerTo({"\0true\0", 6}) != EINVAL) return 2;
+              if (answerTo("\3") != EINVAL || answerTo("\377") != EINVAL) return 3;
+              if (answerTo("\1") != ENOENT) return 4;
+              return launcher.start(static_cast<Errand>(9)).empty() ? 5 : 0;
+            }),
+            0);
 }
 
 }  // namespace
