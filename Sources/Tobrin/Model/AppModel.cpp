@@ -70,12 +70,10 @@ void AppModel::wireCallbacks() {
     });
   });
   monitor_ = std::make_unique<KeyMonitor>(
-      std::move(services_.keySource),
-      [this](const KeyEvent& event) {
-        conductor_->handle(event);
-        services_.shortcutService->observe(event);
-      },
-      KeyMonitorOptions{.onThreadStart = services_.onThreadStart});
+      std::move(services_.keySource), [this](const KeyEvent& event) { conductor_->handle(event); },
+      KeyMonitorOptions{
+          .onThreadStart = services_.onThreadStart,
+          .observer = [this](const KeyEvent& e) { services_.shortcutService->observe(e); }});
   keyAccess_ = std::make_unique<KeyAccessWatch>(*monitor_, services_.main, [this] {
     emit permissionChanged();
     emit statusChanged();

@@ -31,16 +31,16 @@ void ChordRecognizer::clear() {
 }
 
 void ChordRecognizer::observe(const KeyEvent& event) {
-  if (const uint32_t mask = ModifierTracker::mask(event.code); mask != 0) {
-    held_ = event.action == KeyAction::down ? held_ | mask : held_ & ~mask;
-    return;
+  const bool isPress = event.action == KeyAction::down;
+  if (isPress) {
+    const MutexLock lock(mutex_);
+    // A modifier key may be the combination's own key: what counts was held before it.
+    if (pressed_ && event.code == hotkey_.keyCode && modifiers() == hotkey_.modifiers.rawValue) {
+      pressed_();
+    }
   }
-  if (event.action != KeyAction::down) return;
-
-  const MutexLock lock(mutex_);
-  if (pressed_ && event.code == hotkey_.keyCode && modifiers() == hotkey_.modifiers.rawValue) {
-    pressed_();
-  }
+  const uint32_t mask = ModifierTracker::mask(event.code);
+  held_ = isPress ? held_ | mask : held_ & ~mask;
 }
 
 uint32_t ChordRecognizer::modifiers() const {

@@ -95,7 +95,10 @@ void KeyMonitor::handle(const KeySource::Event& event) {
       action = modifiers_.update(event.code, event.flags);
       break;
   }
-  if (action && !stale) handler_({.code = event.code, .action = *action, .time = time});
+  if (!action) return;
+  const KeyEvent heard{.code = event.code, .action = *action, .time = time};
+  if (!stale) handler_(heard);
+  if (options_.observer) options_.observer(heard);
 }
 
 }  // namespace tobrin

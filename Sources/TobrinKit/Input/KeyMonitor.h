@@ -27,6 +27,9 @@ namespace tobrin {
 struct KeyMonitorOptions {
   /// Called first on the monitor's thread, to name it and to ask for real-time scheduling.
   std::function<void(std::string_view threadName)> onThreadStart = nullptr;
+  /// Receives every event, also those too old to be handed on, after the handler: which keys are
+  /// held follows from all of them. Called as the handler is.
+  std::function<void(const KeyEvent&)> observer = nullptr;
   /// The clock events are stamped with on delivery, in `MachTime` ticks.
   std::function<uint64_t()> now = &MachTime::now;
   /// The first pause before a lost source is opened again; doubles up to `longestRetry`.
@@ -37,7 +40,7 @@ struct KeyMonitorOptions {
 class KeyMonitor final {
  public:
   static constexpr std::string_view threadName = "Tobrin.KeyMonitor";
-  /// A backlog after a stall would play as a burst: events older than this are not handed on.
+  /// A backlog after a stall would play as a burst: the handler gets no events older than this.
   static constexpr double staleMs = 250;
 
   /// Called on the monitor's thread, one event at a time; must return quickly.

@@ -47,8 +47,8 @@ class ShortcutService {
   /// The character the current keyboard layout gives the key, UTF-8; nothing where it gives none.
   [[nodiscard]] virtual std::optional<std::string> keyName(uint32_t keyCode) = 0;
 
-  /// Must be told of every key event. A service falls back on them where the desktop offers nothing
-  /// better; other programs then see the combination too. Thread: key.
+  /// Must be told of every key event, late ones as well. A service falls back on them where the
+  /// desktop offers nothing better; other programs then see the combination too. Thread: key.
   virtual void observe(const KeyEvent& event) = 0;
 
   /// What the shortcut goes through, for people.

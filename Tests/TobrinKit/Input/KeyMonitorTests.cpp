@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "Input/ChordRecognizer.h"
 #include "Support/ScriptedKeySource.h"
 
 namespace tobrin {
@@ -21,6 +22,7 @@ class KeyMonitorTest : public ::testing::Test {
   KeyScript script;
   uint64_t clock = startOfTime;  // written only while no event is on its way
   std::vector<KeyEvent> heard;
+  ChordRecognizer chords;
   int threads = 0;
 
   void expectHeard(const std::vector<KeyEvent>& expected) {
@@ -31,12 +33,15 @@ class KeyMonitorTest : public ::testing::Test {
   KeyMonitor monitor{std::make_unique<ScriptedKeySource>(script),
                      [this](const KeyEvent& event) { heard.push_back(event); },
                      {.onThreadStart = [this](std::string_view) { ++threads; },
+                      .observer = [this](const KeyEvent& event) { chords.observe(event); },
                       .now = [this] { return clock; },
                       .firstRetry = std::chrono::milliseconds(1),
                       .longestRetry = std::chrono::milliseconds(2)}};
 };
 
 TEST_F(KeyMonitorTest, ABacklogIsDroppedButModifiersStayRight) {
+  const KeyEvent shortcut;  // no event looks like this
+  chords.set({1, {Modifiers::shift}}, [&] { heard.push_back(shortcut); });
   ASSERT_TRUE(monitor.start());
   const auto send = [&](Type type, uint16_t code, uint32_t flags, uint64_t ageMs) {
     script.send({type, code, false, flags, clock - ageMs * oneMs});
@@ -48,11 +53,17 @@ TEST_F(KeyMonitorTest, ABacklogIsDroppedButModifiersStayRight) {
   script.send({Type::keyDown, 1, true, 0x2, clock});  // held, so it repeats
   send(Type::flagsChanged, 56, 0x2, 0);
   send(Type::flagsChanged, 56, 0, 0);
+  send(Type::flagsChanged, 56, 0x2, 0);
+  send(Type::flagsChanged, 56, 0, 400);
+  send(Type::keyDown, 1, 0, 0);
   send(Type::flagsChanged, 57, 0, 0);  // Caps Lock off again is a press as well
   script.send({Type::keyUp, 1, false, 0, clock + 5 * oneMs});  // a stamp ahead of the clock
   monitor.stop();
   expectHeard({{1, KeyAction::down, clock},
+               shortcut,
                {56, KeyAction::up, clock},
+               {56, KeyAction::down, clock},
+               {1, KeyAction::down, clock},
                {57, KeyAction::down, clock},
                {1, KeyAction::up, clock}});
 }
