@@ -74,7 +74,7 @@ TEST_F(BuildCommand, MakesASoundPackAtTheTargetLoudnessWithTheSameBytesEveryTime
   const Json manifest = Json::parse(contentOf(pack / "pack.json"));
   EXPECT_EQ(manifest["author"], "somebody");
   EXPECT_EQ(manifest["groups"]["enter"]["down"]["medium"][0], "enter-1.wav");
-  EXPECT_EQ(filesIn(cache).size(), 4u) << "two previews, two conversions";
+  EXPECT_EQ(filesIn(cache).size(), 6u) << "two previews, two conversions, and what they are of";
   const auto checked = run({"check", pack});
   EXPECT_EQ(checked.status, 0) << checked.out << checked.err;
 
@@ -85,6 +85,27 @@ TEST_F(BuildCommand, MakesASoundPackAtTheTargetLoudnessWithTheSameBytesEveryTime
   parts[1].erase("start");
   ASSERT_EQ(build(parts, again, {enter}).status, 0);
   EXPECT_FALSE(filesIn(pack) == filesIn(again));
+}
+
+TEST_F(BuildCommand, NeverTakesOneRecordingForAnotherWithItsNumber) {
+  const auto takesOf = [&](const std::string& address) {
+    const auto built = build(Json::array({source(1, address)}), pack);
+    EXPECT_EQ(built.status, 0) << built.err;
+    auto takes = filesIn(pack);
+    takes.erase("pack.json");
+    return takes;
+  };
+  const std::string bytes = contentOf(recording);
+  const std::string other =
+      "file://" + folder.write("other.wav", bytes.substr(0, 3'000'000)).string();
+  const auto whole = takesOf(fileURL());
+  EXPECT_FALSE(takesOf(other) == whole);
+  EXPECT_TRUE(takesOf(fileURL()) == whole);
+  folder.write("other.wav", bytes);
+  EXPECT_TRUE(takesOf(other) == whole) << "recorded again";
+  const auto both = build(Json::array({source(1, fileURL()), source(1, other)}), pack);
+  EXPECT_EQ(both.status, 1);
+  EXPECT_NE(both.err.find("each recording needs another number"), std::string::npos) << both.err;
 }
 
 TEST_F(BuildCommand, FetchesOverHttpAndSaysWhatWentWrongThere) {

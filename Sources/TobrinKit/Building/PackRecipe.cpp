@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Building/JsonFields.h"
+#include "Building/RecordingAddress.h"
 
 namespace tobrin {
 namespace {
@@ -59,12 +60,17 @@ Json jsonOf(const std::vector<Source>& sources) {
 
 }  // namespace
 
+std::optional<std::filesystem::path> Source::file() const {
+  return localFile(previewURL);
+}
+
 std::string Source::pageURL() const {
   return recordingSite + std::string("/s/") + std::to_string(freesoundID) + "/";
 }
 
 std::string Source::creditLine() const {
-  return "\"" + title + "\" by " + user + ", " + pageURL() + " (" + license + ")";
+  const std::string page = file() ? "" : ", " + pageURL();
+  return "\"" + title + "\" by " + user + page + " (" + license + ")";
 }
 
 std::vector<Source> PackRecipe::credits() const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,15 +19,18 @@ struct PackRecipe {
     std::string user;         ///< its author
     std::string title;
     std::string license;
-    std::string previewURL;       ///< what is fetched: http, https or file
+    std::string previewURL;       ///< what is fetched: an http, https or file address
     std::optional<double> start;  ///< seconds; absent: from the beginning
     std::optional<double> end;    ///< seconds; absent: to the end
 
     bool operator==(const Source&) const = default;
 
-    /// The recording's page: the site's address, "/s/", the number, "/".
+    /// The file of this machine that it is; nothing for what is published.
+    [[nodiscard]] std::optional<std::filesystem::path> file() const;
+    /// The published recording's page: the site's address, "/s/", the number, "/".
     [[nodiscard]] std::string pageURL() const;
-    /// Title, author, page and licence in one line.
+    /// Title, author, page and licence in one line. One's own recording has no page: that of its
+    /// number is somebody else's.
     [[nodiscard]] std::string creditLine() const;
   };
 

@@ -202,12 +202,31 @@ std::string summary(std::size_t takes, const fs::path& into, double loudness) {
   return "    wrote " + std::to_string(takes) + " takes to " + into.filename().string() + numbers;
 }
 
+/// A number stands for one recording, in the cache as in the credits: a second one would silently
+/// be left out for the first.
+void refuseSharedNumbers(const PackRecipe& recipe) {
+  const auto known = recipe.credits();
+  const auto check = [&](const PackRecipe::Source& source) {
+    const auto first = std::find_if(known.begin(), known.end(), [&](const auto& each) {
+      return each.freesoundID == source.freesoundID;
+    });
+    if (first->previewURL == source.previewURL) return;
+    throw RecipeError("\"freesoundID\" " + std::to_string(source.freesoundID) + " stands for " +
+                      first->previewURL + " and for " + source.previewURL +
+                      ": each recording needs another number");
+  };
+  std::for_each(recipe.sources.begin(), recipe.sources.end(), check);
+  if (recipe.enterSources)
+    std::for_each(recipe.enterSources->begin(), recipe.enterSources->end(), check);
+}
+
 }  // namespace
 
 void RecordedPackBuilder::build(const PackRecipe& recipe, const fs::path& cache,
                                 const fs::path& into, const Log& log, const ProcessRunner& programs,
                                 const FolderExchange& exchange) {
   if (recipe.sources.empty()) throw RecipeError("\"sources\" must name at least one recording");
+  refuseSharedNumbers(recipe);
   const TakeCollection takes = collected(recipe, {cache, programs}, log);
   PackFolder folder(into);
   std::size_t count = writePack(recipe, takes, folder.aside(), 1.0f);

@@ -1,65 +1,125 @@
 #include <fstream>
 #include <string>
+#include <system_error>
 
+#include "Building/AtomicFile.h"
 #include "Building/Download.h"
 #include "Building/RecordedPackBuilder.h"
 #include "Packs/PackError.h"
+#include "Packs/RegularFile.h"
 
 namespace tobrin {
 namespace {
 
 namespace fs = std::filesystem;
+using Source = PackRecipe::Source;
 
 constexpr int programNotFound = 127;  // of env
+constexpr uint64_t longestNote = 64u << 10;
 
-/// Exists while a conversion runs: a file beside it that was left by an interrupted one is partial.
-class ConversionMark {
- public:
-  explicit ConversionMark(fs::path file) : file_(std::move(file)) {
-    std::ofstream(file_).put('\n');
+/// What tells a recording from every other, in two lines: its address, and for a file of this
+/// machine the state that it is in, since its author may record again.
+struct Identity {
+  std::string address;
+  std::string state;  // empty where there is none to see
+
+  explicit Identity(const Source& source) : address(source.previewURL + "\n") {
+    const auto file = source.file();
+    if (!file) return;
+    address = fs::absolute(*file).lexically_normal().string() + "\n";
+    std::error_code missing;
+    const auto size = fs::file_size(*file, missing);
+    const auto changed = fs::last_write_time(*file, missing).time_since_epoch().count();
+    if (!missing) state = std::to_string(size) + " " + std::to_string(changed);
   }
-  ~ConversionMark() {
+};
+
+/// The files that the cache has of one number.
+class CacheEntry {
+ public:
+  CacheEntry(const fs::path& cache, const Source& source)
+      : wav(named(cache, source, ".wav")),
+        preview(named(cache, source, ".ogg")),
+        note(named(cache, source, ".source")),
+        mark(named(cache, source, ".converting")) {}
+
+  /// Whether the files are those of that recording: recipes are free to give one number to
+  /// different recordings. Files without a note were put there by hand.
+  [[nodiscard]] bool holds(const Identity& recording) const {
+    if (fs::exists(mark)) return false;
+    if (!fs::exists(note)) return true;
+    try {
+      const std::string noted = RegularFile(note).readText(longestNote);
+      return noted.starts_with(recording.address) &&
+             (recording.state.empty() || noted == recording.address + recording.state);
+    } catch (const std::system_error&) {
+      return false;
+    }
+  }
+
+  void remove() const {
+    std::error_code ignored;
+    for (const fs::path* file : {&wav, &preview, &note})
+      fs::remove(*file, ignored);
+  }
+
+  const fs::path wav;      // converted
+  const fs::path preview;  // as fetched
+  const fs::path note;     // of which recording they are
+  const fs::path mark;     // exists while they change, and where that was interrupted
+
+ private:
+  static fs::path named(const fs::path& cache, const Source& source, const char* extension) {
+    return cache / (std::to_string(source.freesoundID) + extension);
+  }
+};
+
+/// Exists while files of the cache change: those left by an interrupted change are not whole.
+class ChangeMark {
+ public:
+  explicit ChangeMark(fs::path file) : file_(std::move(file)) { std::ofstream(file_).put('\n'); }
+  ~ChangeMark() {
     std::error_code ignored;
     fs::remove(file_, ignored);
   }
-  ConversionMark(const ConversionMark&) = delete;
-  ConversionMark& operator=(const ConversionMark&) = delete;
+  ChangeMark(const ChangeMark&) = delete;
+  ChangeMark& operator=(const ChangeMark&) = delete;
 
  private:
   fs::path file_;
 };
 
-void convert(const fs::path& preview, const fs::path& wav, const fs::path& markFile,
-             const ProcessRunner& programs) {
-  const ConversionMark mark(markFile);
-  const int status = programs.run(
-      "/usr/bin/env", {"ffmpeg", "-nostdin", "-loglevel", "error", "-y", "-i", preview.string(),
-                       "-ar", "48000", "-c:a", "pcm_f32le", wav.string()});
+void convert(const CacheEntry& entry, const ProcessRunner& programs) {
+  const int status = programs.run("/usr/bin/env", {"ffmpeg", "-nostdin", "-loglevel", "error", "-y",
+                                                   "-i", entry.preview.string(), "-ar", "48000",
+                                                   "-c:a", "pcm_f32le", entry.wav.string()});
   if (status == 0) return;
   std::error_code ignored;
-  fs::remove(wav, ignored);
+  fs::remove(entry.wav, ignored);
   // Fetched again next time, unless it is the converter that is missing.
-  if (status != programNotFound) fs::remove(preview, ignored);
-  throw PackError::decode(preview, "ffmpeg failed (is ffmpeg installed?)");
+  if (status != programNotFound) entry.remove();
+  throw PackError::decode(entry.preview, "ffmpeg failed (is ffmpeg installed?)");
 }
 
 }  // namespace
 
-fs::path RecordedPackBuilder::fetch(const PackRecipe::Source& source, const fs::path& cache,
+fs::path RecordedPackBuilder::fetch(const Source& source, const fs::path& cache,
                                     const ProcessRunner& programs) {
-  const std::string number = std::to_string(source.freesoundID);
-  fs::path wav = cache / (number + ".wav");
-  const fs::path mark = cache / (number + ".converting");
-  if (fs::exists(wav) && !fs::exists(mark)) return wav;
+  const CacheEntry entry(cache, source);
+  const Identity recording(source);
+  const bool isKnown = entry.holds(recording);
+  if (isKnown && fs::exists(entry.wav)) return entry.wav;
   fs::create_directories(cache);
-  const fs::path preview = cache / (number + ".ogg");
-  if (!fs::exists(preview)) Download::fetch(source.previewURL, preview);
-  convert(preview, wav, mark, programs);
-  return wav;
+  const ChangeMark mark(entry.mark);
+  if (!isKnown || !fs::exists(entry.preview)) {
+    Download::fetch(source.previewURL, entry.preview);
+    writeFileAtomically(entry.note, recording.address + recording.state);
+  }
+  convert(entry, programs);
+  return entry.wav;
 }
 
-std::unique_ptr<SampleBuffer> RecordedPackBuilder::load(const PackRecipe::Source& source,
-                                                        const fs::path& cache,
+std::unique_ptr<SampleBuffer> RecordedPackBuilder::load(const Source& source, const fs::path& cache,
                                                         const ProcessRunner& programs) {
   return SampleBuffer::load(fetch(source, cache, programs), rate);
 }

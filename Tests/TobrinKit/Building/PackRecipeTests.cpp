@@ -9,10 +9,10 @@ namespace {
 
 std::string recipe(const std::string& more = "") {
   const std::string source = R"({"freesoundID": 7, "user": "ann", "title": "Keys",
-      "license": "CC0", "previewURL": "file:///keys.wav"})";
+      "license": "CC0", "previewURL": "https://example.org/keys"})";
   return R"({"id": "mine", "name": "Mine", "kind": "Tactile", "summary": "My own", "sources": [)" +
          source + R"(, {"freesoundID": 9, "user": "bob", "title": "More", "license": "CC BY",
-      "previewURL": "https://example.org/more"}], "enterSources": [)" +
+      "previewURL": "more takes.flac"}], "enterSources": [)" +
          source + "]" + more + "}";
 }
 
@@ -21,8 +21,9 @@ TEST(PackRecipe, CreditsEveryRecordingOnceAndSurvivesWriting) {
   EXPECT_EQ(read.credits().size(), 2u);
   const std::string text = read.licenseText();
   EXPECT_TRUE(text.starts_with("Recordings: \"Keys\" by ann, "));
-  EXPECT_NE(text.find("/s/7/ (CC0); \"More\" by bob, "), std::string::npos);
-  EXPECT_TRUE(text.ends_with("/s/9/ (CC BY). Sliced and leveled for Tobrin."));
+  EXPECT_TRUE(
+      text.ends_with("/s/7/ (CC0); \"More\" by bob (CC BY). Sliced and leveled for Tobrin."))
+      << "a file of one's own has nobody's page: " << text;
   RecordingSlicer::Options expected;
   expected.alphaVariants = 8;
   EXPECT_EQ(read.options, expected);
