@@ -84,6 +84,9 @@ class ForceTest(DesktopTest):
         self.assertLess(max(map(abs, errors)), 1.0, (positions, heard, predicted))
         print(f"positions {positions}, heard {heard}, off by {errors} dB")
 
+    def test_a_sensor_that_cannot_be_read_stops_no_key(self):
+        self.heard(self.folder)  # as a trace
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -37,7 +37,8 @@ std::unique_ptr<ForceSensor> findSensor() {
 }  // namespace
 
 int Diagnostics::probe(double seconds) {
-  return probe::Probe({findSensor(), listen}, std::cout, std::filesystem::current_path())
+  std::error_code gone;  // the folder may be, and then only writing into it fails
+  return probe::Probe({findSensor(), listen}, std::cout, std::filesystem::current_path(gone))
       .run(seconds);
 }
 

@@ -2,10 +2,10 @@
 
 #include <charconv>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 #include <utility>
+
+#include "Base/RegularFile.h"
 
 namespace tobrin {
 namespace {
@@ -73,13 +73,12 @@ void TraceCsv::fail(const std::string& reason) const {
 }
 
 std::string TraceCsv::load(const std::filesystem::path& file) {
-  errno = 0;
-  std::ifstream stream(file, std::ios::binary);
-  std::string text{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream.is_open() || stream.bad())
-    throw TraceError(file.string() + ": " +
-                     std::generic_category().message(errno != 0 ? errno : EIO));
-  return text;
+  constexpr uint64_t longestTrace = 1 << 30;  // bytes; some seven hours at 1000 Hz
+  try {
+    return RegularFile(file).readText(longestTrace);
+  } catch (const std::system_error& error) {
+    throw TraceError(file.string() + ": " + error.what());
+  }
 }
 
 bool TraceCsv::takeLine(std::string_view& line) {

@@ -5,9 +5,9 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "Base/RegularFile.h"
 #include "Packs/LoadedPack.h"
 #include "Packs/PackError.h"
-#include "Packs/RegularFile.h"
 
 namespace tobrin {
 namespace {

@@ -1,4 +1,4 @@
-#include "Packs/RegularFile.h"
+#include "Base/RegularFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

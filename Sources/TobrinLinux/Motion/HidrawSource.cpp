@@ -4,8 +4,6 @@
 
 #include <array>
 #include <cerrno>
-#include <fstream>
-#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -20,8 +18,8 @@ namespace {
 namespace fs = std::filesystem;
 
 std::vector<uint8_t> descriptorOf(const fs::path& device) {
-  std::ifstream file(device / "device" / "report_descriptor", std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+  const auto bytes = sysfs::readBytes(device / "device" / "report_descriptor").value_or("");
+  return {bytes.begin(), bytes.end()};
 }
 
 }  // namespace

@@ -7,10 +7,9 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 
+#include "Base/RegularFile.h"
 #include "Motion/FileDescriptor.h"
 
 namespace tobrin {
@@ -39,13 +38,21 @@ std::vector<fs::path> entries(const fs::path& folder) {
   return found;
 }
 
+std::optional<std::string> readBytes(const fs::path& file) {
+  constexpr uint64_t longestAttribute = 64 << 10;  // the kernel's own are a page at most
+  try {
+    return RegularFile(file).readText(longestAttribute);
+  } catch (const std::system_error&) {
+    return std::nullopt;  // drivers answer with all kinds of errors, as while a sensor sleeps
+  }
+}
+
 std::optional<std::string> read(const fs::path& file) {
-  std::ifstream stream(file);
-  std::string text{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream.is_open() || stream.bad()) return std::nullopt;
+  std::optional<std::string> text = readBytes(file);
+  if (!text) return std::nullopt;
   constexpr const char* space = " \t\r\n";
-  text.erase(0, std::min(text.find_first_not_of(space), text.size()));
-  text.erase(text.find_last_not_of(space) + 1);
+  text->erase(0, std::min(text->find_first_not_of(space), text->size()));
+  text->erase(text->find_last_not_of(space) + 1);
   return text;
 }
 

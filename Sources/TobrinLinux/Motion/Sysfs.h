@@ -18,6 +18,9 @@ namespace sysfs {
 /// What a folder holds, sorted with device2 before device10; empty where it cannot be read.
 [[nodiscard]] std::vector<std::filesystem::path> entries(const std::filesystem::path& folder);
 
+/// What the file holds, or nothing where it cannot be read.
+[[nodiscard]] std::optional<std::string> readBytes(const std::filesystem::path& file);
+
 /// The file's text without the white space around it, or nothing where it cannot be read.
 [[nodiscard]] std::optional<std::string> read(const std::filesystem::path& file);
 

@@ -1,11 +1,11 @@
 #include "Shortcuts/SystemShortcuts.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <sstream>
+#include <system_error>
 #include <utility>
 
+#include "Base/RegularFile.h"
 #include "Shortcuts/ChildOutput.h"
 
 namespace tobrin {
@@ -36,6 +36,16 @@ std::vector<std::string> quotedPaths(const std::string& value) {
   return result;
 }
 
+/// Empty where the file cannot be read: then the desktop has no shortcuts that we know of.
+std::string textOf(const std::filesystem::path& file) {
+  constexpr uint64_t longestFile = 4 << 20;
+  try {
+    return RegularFile(file).readText(longestFile);
+  } catch (const std::system_error&) {
+    return {};
+  }
+}
+
 std::filesystem::file_time_type versionOf(const std::filesystem::path& file) {
   std::error_code failure;
   const auto time = std::filesystem::last_write_time(file, failure);
@@ -52,9 +62,7 @@ const std::vector<Accelerator>& SystemShortcuts::current() {
   readFrom_ = file;
   readVersion_ = version;
   if (isKde) {
-    std::ifstream input(file);
-    accelerators_ =
-        acceleratorsInKGlobalShortcuts(std::string(std::istreambuf_iterator(input), {}));
+    accelerators_ = acceleratorsInKGlobalShortcuts(textOf(file));
   } else {
     accelerators_ = acceleratorsInGsettings(settingsListing());
   }

@@ -58,6 +58,7 @@ TEST(MotionTrace, MalformedTracesAreNamedWithFileAndLine) {
   };
   EXPECT_THROW((void)KeyTrace::parse("time_ns,code\n5,65536\n", "K"), TraceError);
   EXPECT_THROW((void)KeyTrace::parse("time_ns,code\n5,1\n4,1\n", "K"), TraceError);
+  EXPECT_EQ(testing::failureOf([] { MotionTrace::load("/"); }), "/: Is a directory");
   for (const auto& [text, error] : rows)
     EXPECT_EQ(testing::failureOf([&] { MotionTrace::parse(text, "T"); }), error) << text;
 }

@@ -68,7 +68,7 @@ TEST(IioRate, PrefersWhatShowsAKeystrokeWhole) {
 TEST(IioDevice, TheSensorBesideTheKeyboardComesFirst) {
   FakeIio tree;
   tree.add(0, {{"label", "accel-display"}});
-  tree.add(1, {});
+  tree.add(1, {{"label/folder", "reading it fails, as of a driver that answers with an error"}});
   tree.add(10, {{"location", "base"}});
   tree.write(FakeIio::devices + "iio:device2/in_anglvel_x_raw", "0");
   const auto devices = IioDevice::findAll(tree.paths());
@@ -151,8 +151,9 @@ TEST(FindMotionSource, TraceThenRawDeviceThenAccelerometer) {
   EXPECT_FALSE(findMotionSource(paths));
   tree.add(0, {});
   EXPECT_EQ(findMotionSource(paths)->description(), "IIO accelerometer");
+  tree.write("sys/class/hidraw/hidraw0/device/report_descriptor/folder", "reading fails");
   const char descriptor[] = "\x06\x00\xff\x09\x03\xa1\x01\x75\x08\x95\x16\x81\x02\xc0";
-  tree.write("sys/class/hidraw/hidraw0/device/report_descriptor",
+  tree.write("sys/class/hidraw/hidraw1/device/report_descriptor",
              std::string(descriptor, sizeof descriptor - 1));
   const auto raw = findMotionSource(paths);
   EXPECT_EQ(raw->description(), "HID motion sensor");

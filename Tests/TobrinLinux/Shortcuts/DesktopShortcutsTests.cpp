@@ -96,6 +96,9 @@ esac
   EXPECT_FALSE(isReserved("GNOME", 17)) << "an application's";
   EXPECT_TRUE(isReserved("KDE", 40));
   EXPECT_FALSE(isReserved("sway", 1));
+  std::filesystem::remove(folder.path() / "kglobalshortcutsrc");
+  folder.write("kglobalshortcutsrc/folder", "reading fails");
+  EXPECT_FALSE(isReserved("KDE", 40));
   setenv("PATH", path.c_str(), 1);
 }
 
