@@ -88,8 +88,10 @@ class SelfTest(unittest.TestCase):
         control("stop-sound")
         try:
             status, lines = self.run_self_test()
+            watch = subprocess.run([PROGRAM, "--micwatch", "0.1"], stdout=subprocess.PIPE, text=True, check=True).stdout
         finally:
             control("restart-sound")
+        self.assertIn("recording: unknown (the sound server does not say)", watch)
         self.assertEqual(status, 1, lines)
         self.assertTrue(any(line.startswith("FAIL  audio engine running: ") for line in lines), lines)
         self.assertRegex(lines[-1], r"^\d check\(s\) failed\.$")

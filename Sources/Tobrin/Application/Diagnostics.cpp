@@ -9,6 +9,7 @@
 #include "Desktop/MakeKeySource.h"
 #include "Desktop/MakeKeyTyper.h"
 #include "Desktop/MakeMicSource.h"
+#include "Desktop/PlatformWords.h"
 #include "Desktop/ProcessName.h"
 #include "Diagnostics/MicWatch.h"
 #include "Diagnostics/Probe.h"
@@ -48,6 +49,8 @@ int Diagnostics::micWatch(double seconds) {
   MicMonitor monitor(queue, main, makeMicSource(makePipeWireLoop()));
   auto surroundings = MicWatch::realTime();
   surroundings.processName = processName;
+  surroundings.scope = platformWords::micWatchScope;
+  surroundings.recordersUnknown = platformWords::recordersUnknown;
   return MicWatch(monitor, main, std::cout, std::move(surroundings)).run(seconds);
 }
 

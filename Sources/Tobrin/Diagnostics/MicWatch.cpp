@@ -29,8 +29,8 @@ MicWatch::MicWatch(MicMonitor& monitor, SerialQueue& main, std::ostream& out,
 int MicWatch::run(double seconds) {
   const MicActivity present = monitor_.current();
   printed_ = present.micInUse();
-  out_ << "Watching the microphone for " << std::llround(std::trunc(seconds))
-       << " s (Core Audio state only, nothing is recorded).\n  " << describe(present)
+  out_ << "Watching the microphone for " << std::llround(std::trunc(seconds)) << " s ("
+       << surroundings_.scope << ").\n  " << describe(present)
        << "\n  mic in use: " << yesOrNo(printed_) << std::endl;
 
   monitor_.setOnChange([this](bool inUse) { changed(inUse); });
@@ -61,13 +61,14 @@ std::string MicWatch::describe(const MicActivity& activity) const {
 }
 
 std::string MicWatch::recorders(const MicActivity& activity) const {
-  if (!activity.recordingProcesses) return "recording: unknown before macOS 14";
+  const std::string recording = "recording: ";
+  if (!activity.recordingProcesses) return recording + std::string(surroundings_.recordersUnknown);
   std::string names;
   for (const int32_t process : *activity.recordingProcesses) {
     if (!names.empty()) names += ", ";
     names += surroundings_.processName(process).value_or("pid " + std::to_string(process));
   }
-  return "recording: " + (names.empty() ? "nobody" : names);
+  return recording + (names.empty() ? "nobody" : names);
 }
 
 std::string MicWatch::timeOfDay() const {

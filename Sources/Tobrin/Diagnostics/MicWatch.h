@@ -8,6 +8,7 @@
 #include <iosfwd>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "Engine/SerialQueue.h"
 #include "Mic/MicMonitor.h"
@@ -20,10 +21,12 @@ class MicWatch final {
   struct Surroundings {
     /// A program's name by its process, where it is known. Thread: any.
     std::function<std::optional<std::string>(int32_t process)> processName;
+    std::string_view scope;             ///< what is looked at here, and that nothing is recorded
+    std::string_view recordersUnknown;  ///< said where the sound system cannot tell who records
     std::function<std::time_t()> now = [] { return std::time(nullptr); };
     std::function<void(std::chrono::duration<double>)> sleep;
   };
-  /// Real time; `processName` is left to the caller.
+  /// Real time; processes' names and the platform's words are left to the caller.
   static Surroundings realTime();
 
   /// `monitor` reports on `main`, which is not the caller's own thread; neither is in use

@@ -19,8 +19,9 @@ class MicSource {
   /// When it returns, the last `changed` has ended and nothing is followed any more.
   virtual void stop() = 0;
 
-  /// The present state; nothing in use where no server answers. Also while stopped, then by asking
-  /// the server once. Thread: any one at a time; may wait for the server.
+  /// The present state; nothing in use, and unknown who records, where no server answers. Also
+  /// while stopped, then by asking the server once. Thread: any one at a time; may wait for the
+  /// server.
   [[nodiscard]] virtual MicActivity read() = 0;
 };
 

@@ -9,7 +9,7 @@ namespace tobrin {
 
 class PipeWireLoop;
 
-/// Where `loop` is null nobody is ever seen to record.
+/// Where `loop` is null it is never known who records.
 std::unique_ptr<MicSource> makeMicSource(std::shared_ptr<PipeWireLoop> loop);
 
 }  // namespace tobrin

@@ -16,16 +16,9 @@ namespace {
 constexpr std::chrono::milliseconds longestPause{5000};
 constexpr std::chrono::milliseconds answerLimit{500};
 
-MicActivity nobodyRecords() {
-  MicActivity activity;
-  activity.recordingProcesses.emplace();
-  return activity;
-}
-
 }  // namespace
 
-PipeWireMicSource::PipeWireMicSource(std::shared_ptr<PipeWireLoop> loop)
-    : loop_(std::move(loop)), activity_(nobodyRecords()) {
+PipeWireMicSource::PipeWireMicSource(std::shared_ptr<PipeWireLoop> loop) : loop_(std::move(loop)) {
   PipeWireConnection::Events events{.connected = [this](pw_core* core) { connected(core); },
                                     .lost = [this] { lost(); }};
   connection_ = std::make_unique<PipeWireConnection>(*loop_, longestPause, std::move(events));
@@ -65,7 +58,7 @@ void PipeWireMicSource::connected(pw_core* core) {
 
 void PipeWireMicSource::lost() {
   watch_.reset();
-  keep(nobodyRecords());
+  keep({});  // nobody can tell now who records
 }
 
 void PipeWireMicSource::updated() {

@@ -40,7 +40,7 @@ class PipeWireMicSource final : public MicSource {
   std::unique_ptr<PipeWireGraphWatch> watch_;
   std::function<void()> changed_;
   bool isStarted_ = false;
-  MicActivity activity_;
+  MicActivity activity_;  // as the server tells it; empty while none answers
 };
 
 }  // namespace tobrin
