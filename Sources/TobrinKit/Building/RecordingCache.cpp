@@ -2,11 +2,11 @@
 #include <string>
 #include <system_error>
 
+#include "Base/RegularFile.h"
 #include "Building/AtomicFile.h"
 #include "Building/Download.h"
 #include "Building/RecordedPackBuilder.h"
 #include "Packs/PackError.h"
-#include "Packs/RegularFile.h"
 
 namespace tobrin {
 namespace {
