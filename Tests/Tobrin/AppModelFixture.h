@@ -75,6 +75,7 @@ struct ShortcutDesk {
   ShortcutGrab answer;
   bool reserved = false;
   std::function<void()> pressed;  ///< empty while nothing is grabbed
+  std::function<void()> reservedChanged;
 };
 
 class DeskShortcuts final : public ShortcutService {
@@ -88,6 +89,9 @@ class DeskShortcuts final : public ShortcutService {
   }
   void release() override { desk_.pressed = nullptr; }
   std::optional<std::string> keyName(uint32_t) override { return "k"; }
+  void setOnReservedChanged(std::function<void()> changed) override {
+    desk_.reservedChanged = std::move(changed);
+  }
   void observe(const KeyEvent&) override {}
   [[nodiscard]] std::string description() const override { return "a desk"; }
 

@@ -80,6 +80,8 @@ void AppModel::wireCallbacks() {
   });
   hotkey_ = std::make_unique<GlobalHotkey>(*services_.shortcutService,
                                            [this] { onMain([this] { toggleEnabled(); }); });
+  services_.shortcutService->setOnReservedChanged(
+      [this] { onMain([this] { registerShortcut(); }); });
   micMonitor_ = std::make_unique<MicMonitor>(services_.micQueue, services_.main,
                                              std::move(services_.micSource));
   micMonitor_->setOnChange([this, self = self_](bool inUse) {

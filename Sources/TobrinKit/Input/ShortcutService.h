@@ -29,12 +29,18 @@ class ShortcutService {
  public:
   /// The error where the desktop has no way at all to offer a shortcut.
   static constexpr int32_t unavailable = -9868;
+  /// The error where no keyboard has the key.
+  static constexpr int32_t noSuchKey = -9869;
 
   virtual ~ShortcutService() = default;
 
   /// Whether the desktop uses the combination itself, by its settings as they are now. False where
   /// they cannot be read.
   [[nodiscard]] virtual bool isReserved(const Hotkey& hotkey) = 0;
+
+  /// `changed` is called on a thread of the service where those settings were slow to come, and are
+  /// not as `isReserved` had to assume: the shortcut is then to be registered again.
+  virtual void setOnReservedChanged(std::function<void()> changed) = 0;
 
   /// Asks to be told of each press of `hotkey`, once a press however long it is held. An earlier
   /// grab is given back, also where this one fails. `pressed` is called on a thread of the service

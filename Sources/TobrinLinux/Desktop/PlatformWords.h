@@ -6,8 +6,7 @@
 namespace tobrin::platformWords {
 
 /// What the microphone watch looks at.
-inline constexpr std::string_view micWatchScope =
-    "sound server state only, nothing is recorded";
+inline constexpr std::string_view micWatchScope = "sound server state only, nothing is recorded";
 
 /// In place of who records, where nobody can tell.
 inline constexpr std::string_view recordersUnknown = "unknown (the sound server does not say)";

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cerrno>
+#include <utility>
 
 namespace tobrin {
 namespace {
@@ -30,15 +31,18 @@ pid_t spawn(const std::vector<std::string>& command, int output) {
   return failure == 0 ? child : -1;
 }
 
-/// Whether the writer has closed its end before the limit.
-bool readAll(int input, std::chrono::milliseconds limit, std::string& text) {
-  const auto end = std::chrono::steady_clock::now() + limit;
+/// Whether the writer has closed its end by the deadline.
+bool readAll(int input, std::chrono::steady_clock::time_point deadline, const WakeEvent& stop,
+             std::string& text) {
   std::array<char, 16384> piece;
   for (;;) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-        end - std::chrono::steady_clock::now());
-    pollfd wait{input, POLLIN, 0};
-    if (left.count() <= 0 || poll(&wait, 1, static_cast<int>(left.count())) == 0) return false;
+        deadline - std::chrono::steady_clock::now());
+    std::array<pollfd, 2> waits = {{{input, POLLIN, 0}, {stop.fd(), POLLIN, 0}}};
+    if (left.count() <= 0 || poll(waits.data(), waits.size(), static_cast<int>(left.count())) == 0)
+      return false;
+    if (waits[1].revents != 0) return false;
+    if (waits[0].revents == 0) continue;  // interrupted
     const ssize_t length = read(input, piece.data(), piece.size());
     if (length == 0) return true;
     if (length > 0) text.append(piece.data(), static_cast<std::size_t>(length));
@@ -46,22 +50,30 @@ bool readAll(int input, std::chrono::milliseconds limit, std::string& text) {
   }
 }
 
+/// Whether the child, which is waited for, did what it should.
+bool succeeded(pid_t child) {
+  int status = -1;
+  while (waitpid(child, &status, 0) < 0) {
+    if (errno != EINTR) return false;
+  }
+  return status == 0;
+}
+
 }  // namespace
 
-std::string childOutput(const std::vector<std::string>& command, std::chrono::milliseconds limit) {
+std::optional<std::string> childOutput(const std::vector<std::string>& command,
+                                       std::chrono::steady_clock::time_point deadline,
+                                       const WakeEvent& stop) {
   std::array<int, 2> ends{};
-  if (pipe2(ends.data(), O_CLOEXEC) != 0) return {};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) return std::nullopt;
   const pid_t child = spawn(command, ends[1]);
   close(ends[1]);
   std::string text;
-  const bool whole = child > 0 && readAll(ends[0], limit, text);
+  const bool whole = child > 0 && readAll(ends[0], deadline, stop, text);
   close(ends[0]);
-  if (child > 0) {
-    if (!whole) kill(child, SIGKILL);
-    while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
-    }
-  }
-  return whole ? text : "";
+  if (child <= 0) return std::nullopt;
+  if (!whole) kill(child, SIGKILL);
+  return succeeded(child) && whole ? std::optional(std::move(text)) : std::nullopt;
 }
 
 }  // namespace tobrin

@@ -3,20 +3,25 @@
 #include <algorithm>
 #include <utility>
 
+#include "Evdev/KeyCodes.h"
+
 namespace tobrin {
 
 DesktopShortcuts::DesktopShortcuts(const Environment& environment)
     : kind_(sessionKind(environment)),
       display_(kind_ == SessionKind::x11 ? environment("DISPLAY") : ""),
       names_(display_),
-      system_(environment) {}
+      system_(environment, [this] {
+        const MutexLock lock(mutex_);
+        if (reservedChanged_) reservedChanged_();
+      }) {}
 
 DesktopShortcuts::~DesktopShortcuts() {
   release();
 }
 
 bool DesktopShortcuts::isReserved(const Hotkey& hotkey) {
-  const std::vector<Accelerator>& own = system_.current();
+  const std::vector<Accelerator> own = system_.current();
   if (own.empty()) return false;
   const KeyNaming naming = names_.naming(hotkey.keyCode);
   return std::any_of(own.begin(), own.end(),
@@ -24,6 +29,10 @@ bool DesktopShortcuts::isReserved(const Hotkey& hotkey) {
 }
 
 ShortcutGrab DesktopShortcuts::grab(const Hotkey& hotkey, std::function<void()> pressed) {
+  if (KeyCodes::kernelCodes(hotkey.keyCode).empty()) {
+    release();
+    return {ShortcutGrab::Result::failed, noSuchKey};
+  }
   {
     const MutexLock lock(mutex_);
     pressed_ = std::move(pressed);
@@ -77,6 +86,11 @@ std::optional<std::string> DesktopShortcuts::keyName(uint32_t keyCode) {
   std::string label = names_.naming(keyCode).label;
   if (label.empty()) return std::nullopt;
   return label;
+}
+
+void DesktopShortcuts::setOnReservedChanged(std::function<void()> changed) {
+  const MutexLock lock(mutex_);
+  reservedChanged_ = std::move(changed);
 }
 
 std::string DesktopShortcuts::description() const {

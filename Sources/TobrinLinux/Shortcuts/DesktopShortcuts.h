@@ -28,6 +28,7 @@ class DesktopShortcuts final : public ShortcutService {
   ShortcutGrab grab(const Hotkey& hotkey, std::function<void()> pressed) override;
   void release() override;
   [[nodiscard]] std::optional<std::string> keyName(uint32_t keyCode) override;
+  void setOnReservedChanged(std::function<void()> changed) override;
   void observe(const KeyEvent& event) override { chords_.observe(event); }
   [[nodiscard]] std::string description() const override;
 
@@ -42,7 +43,6 @@ class DesktopShortcuts final : public ShortcutService {
 
   // main
   KeyNames names_;
-  SystemShortcuts system_;
   std::unique_ptr<XShortcut> server_;
   std::unique_ptr<PortalShortcut> portal_;
   std::optional<Hotkey> askedOfPortal_;
@@ -52,6 +52,9 @@ class DesktopShortcuts final : public ShortcutService {
 
   Mutex mutex_;
   std::function<void()> pressed_ TOBRIN_GUARDED_BY(mutex_);
+  std::function<void()> reservedChanged_ TOBRIN_GUARDED_BY(mutex_);
+
+  SystemShortcuts system_;  // main; the last, as its thread calls
 };
 
 }  // namespace tobrin

@@ -7,11 +7,14 @@
 
 #include "Base/RegularFile.h"
 #include "Shortcuts/ChildOutput.h"
+#include "Threads/ThreadName.h"
 
 namespace tobrin {
 namespace {
 
-constexpr std::chrono::milliseconds programLimit{2000};
+/// That the main thread waits for settings that are slow to come.
+constexpr std::chrono::milliseconds patience{150};
+constexpr std::chrono::seconds readingLimit{10};
 constexpr const char* customBindings =
     "org.gnome.settings-daemon.plugins.media-keys custom-keybindings ";
 
@@ -46,46 +49,70 @@ std::string textOf(const std::filesystem::path& file) {
   }
 }
 
-std::filesystem::file_time_type versionOf(const std::filesystem::path& file) {
-  std::error_code failure;
-  const auto time = std::filesystem::last_write_time(file, failure);
-  return failure ? std::filesystem::file_time_type::min() : time;
-}
-
 }  // namespace
 
-const std::vector<Accelerator>& SystemShortcuts::current() {
-  const bool isKde = isDesktop("KDE");
-  const auto file = configFolder() / (isKde ? "kglobalshortcutsrc" : "dconf/user");
-  const auto version = versionOf(file);
-  if (file == readFrom_ && version == readVersion_) return accelerators_;
-  readFrom_ = file;
-  readVersion_ = version;
-  if (isKde) {
-    accelerators_ = acceleratorsInKGlobalShortcuts(textOf(file));
-  } else {
-    accelerators_ = acceleratorsInGsettings(settingsListing());
+SystemShortcuts::SystemShortcuts(Environment environment, std::function<void()> changed)
+    : environment_(std::move(environment)), changed_(std::move(changed)) {}
+
+SystemShortcuts::~SystemShortcuts() {
+  {
+    const std::scoped_lock lock(mutex_);
+    isStopping_ = true;
   }
-  return accelerators_;
+  stop_.raise();
+  if (reader_.joinable()) reader_.join();
 }
 
-std::string SystemShortcuts::settingsListing() const {
+std::vector<Accelerator> SystemShortcuts::current() {
+  if (isDesktop("KDE"))
+    return acceleratorsInKGlobalShortcuts(textOf(configFolder() / "kglobalshortcutsrc"));
   const auto desktop = std::find_if(std::begin(gsettingsDesktops), std::end(gsettingsDesktops),
                                     [this](const auto& each) { return isDesktop(each.first); });
   if (desktop == std::end(gsettingsDesktops)) return {};
-  std::istringstream all(childOutput({"gsettings", "list-recursively"}, programLimit));
+  std::unique_lock lock(mutex_);
+  if (!isReading_) startReading(desktop->second);
+  isAwaited_ = true;
+  ended_.wait_for(lock, patience, [this] { return !isReading_; });
+  isAwaited_ = false;
+  return accelerators_;
+}
+
+void SystemShortcuts::startReading(std::string_view schemas) {
+  if (reader_.joinable()) reader_.join();  // has ended its reading
+  isReading_ = true;
+  reader_ = std::thread([this, schemas] { read(schemas); });
+}
+
+void SystemShortcuts::read(std::string_view schemas) {
+  nameThisThread("Tobrin.Settings");
+  std::vector<Accelerator> found = acceleratorsInGsettings(settingsListing(schemas));
+  bool isNews = false;
+  {
+    const std::scoped_lock lock(mutex_);
+    isNews = !isAwaited_ && !isStopping_ && found != accelerators_;
+    accelerators_ = std::move(found);
+    isReading_ = false;
+  }
+  ended_.notify_all();
+  if (isNews) changed_();
+}
+
+/// The lines that concern keys. Empty where the settings cannot be read.
+std::string SystemShortcuts::settingsListing(std::string_view schemas) const {
+  const auto deadline = std::chrono::steady_clock::now() + readingLimit;
+  std::istringstream all(
+      childOutput({"gsettings", "list-recursively"}, deadline, stop_).value_or(""));
   std::string result;
   for (std::string line; std::getline(all, line);) {
-    if (!line.starts_with(desktop->second) || !concernsKeys(line)) continue;
+    if (!line.starts_with(schemas) || !concernsKeys(line)) continue;
     if (!line.starts_with(customBindings)) {
       result += line + '\n';
       continue;
     }
     for (const std::string& path : quotedPaths(line)) {
-      result += childOutput(
-          {"gsettings", "get",
-           "org.gnome.settings-daemon.plugins.media-keys.custom-keybinding:" + path, "binding"},
-          programLimit);
+      const std::string schema =
+          "org.gnome.settings-daemon.plugins.media-keys.custom-keybinding:" + path;
+      result += childOutput({"gsettings", "get", schema, "binding"}, deadline, stop_).value_or("");
     }
   }
   return result;

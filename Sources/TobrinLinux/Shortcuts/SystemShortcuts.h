@@ -6,33 +6,57 @@
 /// good. KDE keeps a readable file.
 #pragma once
 
+#include <condition_variable>
 #include <filesystem>
+#include <functional>
+#include <mutex>
 #include <string>
+#include <string_view>
+#include <thread>
 #include <vector>
 
 #include "Desktop/SessionKind.h"
 #include "Input/Accelerator.h"
+#include "Threads/WakeEvent.h"
 
 namespace tobrin {
 
 /// Thread: main.
 class SystemShortcuts final {
  public:
-  explicit SystemShortcuts(Environment environment) : environment_(std::move(environment)) {}
+  /// `changed` is called on a thread of this object's when a slow reading has found others than
+  /// `current` answered in the meantime.
+  SystemShortcuts(Environment environment, std::function<void()> changed);
+  /// When it returns, the last `changed` has ended.
+  ~SystemShortcuts();
+  SystemShortcuts(const SystemShortcuts&) = delete;
+  SystemShortcuts& operator=(const SystemShortcuts&) = delete;
 
-  /// Empty where the desktop is another one or its settings cannot be read. Reads afresh whenever
-  /// the settings have changed.
-  const std::vector<Accelerator>& current();
+  /// Read now; empty where the desktop is another one or its settings cannot be read. Waits a
+  /// moment for a slow reading, which then goes on by itself: the answer is that of the one before.
+  std::vector<Accelerator> current();
 
  private:
   [[nodiscard]] bool isDesktop(std::string_view name) const;
   [[nodiscard]] std::filesystem::path configFolder() const;
-  [[nodiscard]] std::string settingsListing() const;
+  void startReading(std::string_view schemas);
+  void read(std::string_view schemas);
+  [[nodiscard]] std::string settingsListing(std::string_view schemas) const;
 
+  // fixed after construction
   const Environment environment_;
-  std::vector<Accelerator> accelerators_;
-  std::filesystem::path readFrom_;                 // the file the answer follows from
-  std::filesystem::file_time_type readVersion_{};  // of that file; its minimum where there is none
+  const std::function<void()> changed_;
+
+  std::thread reader_;
+  WakeEvent stop_;
+
+  std::mutex mutex_;  // a plain one, for the condition
+  std::condition_variable ended_;
+  // guarded by mutex_
+  std::vector<Accelerator> accelerators_;  // as last read through gsettings
+  bool isReading_ = false;
+  bool isAwaited_ = false;  // by `current`, which will answer with what is found
+  bool isStopping_ = false;
 };
 
 }  // namespace tobrin

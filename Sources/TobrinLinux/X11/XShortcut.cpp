@@ -56,7 +56,7 @@ ShortcutGrab XShortcut::grabAll() {
     }
   }
   ShortcutGrab result;
-  if (requests.empty()) result = {ShortcutGrab::Result::failed, ShortcutService::unavailable};
+  if (requests.empty()) result = {ShortcutGrab::Result::failed, ShortcutService::noSuchKey};
   for (const xcb_void_cookie_t request : requests) {
     const XReply<xcb_generic_error_t> error(xcb_request_check(connection_.get(), request));
     if (!error) continue;
