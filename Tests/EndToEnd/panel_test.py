@@ -24,7 +24,7 @@ CHORD = "ctrl+alt+super+"
 # In the order of the Tab key; of a group, the chosen one.
 STOPS = ["Sounds", "Preview", "Blue Click, Clicky", "Cream, Linear", "Dome, Silent tactile", "Panda, Tactile",
          "Typewriter, Novelty", "Volume", "Strength: Medium", "Key release sounds", "Stereo by key position",
-         "Quiet during calls", "Open at login", "Turn sounds on/off with", "Shortcut: ⌃⌥⌘K", "Packs Folder…", "Quit"]
+         "Quiet during calls", "Open at login", "Turn sounds on/off with", "Shortcut: Ctrl+Alt+Super+K", "Packs Folder…", "Quit"]
 
 
 class PanelTest(PanelDriver):
@@ -76,13 +76,13 @@ class PanelTest(PanelDriver):
             self.saves("enabled", on)
             self.assertTrue(eventually(lambda: named("Sounds").checked == on))
         other = KeyGrab("s")
-        self.click("Shortcut: ⌃⌥⌘S")
-        self.shows("⌃⌥⌘S is already used by another app. Pick another.")
-        self.click("Shortcut: ⌃⌥⌘T")
-        self.shows("⌃⌥⌘T in any app to turn sounds on or off")
+        self.click("Shortcut: Ctrl+Alt+Super+S")
+        self.shows("Ctrl+Alt+Super+S is already used by another app. Pick another.")
+        self.click("Shortcut: Ctrl+Alt+Super+T")
+        self.shows("Ctrl+Alt+Super+T in any app to turn sounds on or off")
         other.close()
-        self.click("Shortcut: ⌃⌥⌘S")
-        self.shows("⌃⌥⌘S in any app to turn sounds on or off")
+        self.click("Shortcut: Ctrl+Alt+Super+S")
+        self.shows("Ctrl+Alt+Super+S in any app to turn sounds on or off")
         xdotool("key", CHORD + "s")
         self.saves("enabled", False)
 
@@ -96,7 +96,7 @@ class PanelTest(PanelDriver):
             reached.append(focused())
         self.assertEqual(reached, STOPS)
         xdotool("key", "shift+Tab", "shift+Tab", "Right")
-        self.assertTrue(eventually(lambda: focused() == "Shortcut: ⌃⌥⌘S"))
+        self.assertTrue(eventually(lambda: focused() == "Shortcut: Ctrl+Alt+Super+S"))
         self.assertTrue(eventually(lambda: self.saved()["engineSettings"]["shortcut"]["keyCode"] == 1))
         xdotool("key", "shift+Tab", "space")
         self.saves("shortcutEnabled", False)

@@ -16,7 +16,7 @@ from listening.panel import PanelDriver, eventually, focused, named  # noqa: E40
 
 PACKS, PROGRAM = pathlib.Path(sys.argv.pop()), pathlib.Path(sys.argv.pop())
 LOCKED, SKIPPED = TOOLS / "with-locked-keyboard", 77
-TITLE = "Tobrin needs Input Monitoring"
+TITLE = "Tobrin needs access to the keyboard"
 # Notes what it was asked for and does what is written beside it.
 PKEXEC = '#!/bin/sh\nprintf "%s\\n" "$@" >"${0%/*}/asked"\n. "${0%/*}/answer"\n'
 
@@ -59,27 +59,27 @@ class WaylandTest(PanelDriver):
         self.within = (locked(),)
         program = self.start_with_panel()
         self.assertIn("keys: no permission to read /dev/input/event0", program.lines)
-        self.assertIn("status: Needs Input Monitoring access", program.lines)
-        self.shows(TITLE, "Needs Input Monitoring access")
+        self.assertIn("status: Needs access to the keyboard", program.lines)
+        self.shows(TITLE, "Needs access to the keyboard")
         refusal = "Access to keys can't be set up: Not authorized"
         for script, alert in (("echo Not authorized >&2; exit 127", True), ("exit 126", False)):
             answer.write_text(script, encoding="utf-8")
-            named("Open Settings").press()
+            named("Allow Access…").press()
             self.assertTrue(eventually(lambda: (named(refusal) is not None) == alert), script)
         self.assertTrue(named(TITLE), "who changed their mind may ask again")
         answer.write_text("chmod 600 /dev/input/event0", encoding="utf-8")
-        named("Open Settings").press()
+        named("Allow Access…").press()
         program.wait_for("keys: kernel keyboards (evdev)")
         self.assertTrue(eventually(lambda: not named(TITLE)))
         asked = (self.folder / "asked").read_text(encoding="utf-8").splitlines()
         self.assertEqual(asked, [str(PROGRAM.parent / "tobrin-key-access"), "grant"])
-        self.shows("Blue Click · Fixed strength", "⌃⌥⌘K in any app to turn sounds on or off")
+        self.shows("Blue Click · Fixed strength", "Ctrl+Alt+Super+K in any app to turn sounds on or off")
 
         program.stop()
         self.within = (LOCKED, "sh", "-c", 'rm -r /dev/input; exec "$0"')
         program = self.start_with_panel()
         (self.folder / "asked").unlink()
-        eventually(lambda: named("Open Settings")).press()
+        eventually(lambda: named("Allow Access…")).press()
         self.shows(TITLE, "Access to keys can't be set up: this system has no input devices")
         self.assertFalse((self.folder / "asked").exists(), "nobody is asked in vain")
 
@@ -129,7 +129,7 @@ class WaylandTest(PanelDriver):
         done = subprocess.run([locked(), PROGRAM, "--selftest"], stdout=subprocess.PIPE, text=True, timeout=60, check=False,
                               env=os.environ | {"TOBRIN_PACKS": str(PACKS)})
         self.assertEqual(done.returncode, 1)
-        self.assertIn("FAIL  keyboard tap (Input Monitoring): no permission to read /dev/input/event0", done.stdout)
+        self.assertIn("FAIL  keyboard tap (access to the keyboard): no permission to read /dev/input/event0", done.stdout)
 
 
 if __name__ == "__main__":

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "Desktop/LinuxWords.h"
 #include "Engine/Log.h"
 #include "Engine/MachTime.h"
 #include "Engine/VirtualQueue.h"
@@ -124,6 +125,7 @@ class AppModelTest : public ::testing::Test {
                     .settings = settings_,
                     .loginItem = desktop_,
                     .workspace = desktop_,
+                    .words = linuxWords,
                     .audioDevice = std::make_unique<HandDrivenDevice>(device_),
                     .motionSource = nullptr,
                     .keySource = std::make_unique<ScriptedKeySource>(keys_),

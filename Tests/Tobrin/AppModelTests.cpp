@@ -81,9 +81,11 @@ TEST_F(AppModelTest, SaysWhyTheShortcutDoesNotWork) {
   const std::tuple<ShortcutGrab, bool, std::string> rows[] = {
       // answer, reserved, problem
       {{}, false, ""},
-      {{}, true, "⌃⌥⌘K is a macOS shortcut (System Settings › Keyboard). Pick another."},
-      {{Result::taken, 0}, false, "⌃⌥⌘K is already used by another app. Pick another."},
-      {{Result::failed, -9868}, false, "Couldn't set up ⌃⌥⌘K (error -9868)."},
+      {{},
+       true,
+       "Ctrl+Alt+Super+K is a system shortcut (the desktop's keyboard settings). Pick another."},
+      {{Result::taken, 0}, false, "Ctrl+Alt+Super+K is already used by another app. Pick another."},
+      {{Result::failed, -9868}, false, "Couldn't set up Ctrl+Alt+Super+K (error -9868)."},
   };
   AppModel& model = start();
   for (const auto& [answer, reserved, problem] : rows) {
@@ -93,7 +95,9 @@ TEST_F(AppModelTest, SaysWhyTheShortcutDoesNotWork) {
     model.menuOpened();
     EXPECT_EQ(model.shortcutProblem().value_or(""), problem);
     EXPECT_EQ(shortcuts_.pressed != nullptr, problem.empty()) << "holds nothing it should not";
-    EXPECT_EQ(log_, problem.empty() ? "" : "Tobrin: shortcut ⌃⌥⌘K unavailable: " + problem + "\n");
+    EXPECT_EQ(log_, problem.empty()
+                        ? ""
+                        : "Tobrin: shortcut Ctrl+Alt+Super+K unavailable: " + problem + "\n");
   }
   shortcuts_.answer = {};
   shortcuts_.reservedChanged();  // the settings were slow to come: nothing is reserved
@@ -144,7 +148,7 @@ TEST_F(AppModelTest, PausesDuringCalls) {
 TEST_F(AppModelTest, WaitsForAccessToKeys) {
   keys_.allowed = false;
   AppModel& model = start();
-  EXPECT_EQ(model.statusLine(), "Needs Input Monitoring access");
+  EXPECT_EQ(model.statusLine(), "Needs access to the keyboard");
   EXPECT_EQ(keys_.requests, 1);
   advance(3000);
   EXPECT_EQ(keys_.requests, 1) << "asks once, not at every look";

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "Application/TimelyThread.h"
+#include "Desktop/LinuxWords.h"
 #include "Desktop/MakeAudioDevice.h"
 #include "Desktop/MakeKeySource.h"
 #include "Desktop/MakeMicSource.h"
@@ -42,6 +43,7 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
       .settings = settings_,
       .loginItem = loginItem_,
       .workspace = workspace_,
+      .words = linuxWords,
       .audioDevice = makeAudioDevice(soundServer),
       .motionSource = findMotionSource(),
       .keySource = makeKeySource(),

@@ -5,11 +5,11 @@
 #include <thread>
 
 #include "Application/TimelyThread.h"
+#include "Desktop/LinuxWords.h"
 #include "Desktop/MakeAudioDevice.h"
 #include "Desktop/MakeKeySource.h"
 #include "Desktop/MakeKeyTyper.h"
 #include "Desktop/MakeMicSource.h"
-#include "Desktop/PlatformWords.h"
 #include "Desktop/ProcessName.h"
 #include "Diagnostics/MicWatch.h"
 #include "Diagnostics/Probe.h"
@@ -39,7 +39,8 @@ std::unique_ptr<ForceSensor> findSensor() {
 
 int Diagnostics::probe(double seconds) {
   std::error_code gone;  // the folder may be, and then only writing into it fails
-  return probe::Probe({findSensor(), listen}, std::cout, std::filesystem::current_path(gone))
+  return probe::Probe({findSensor(), listen, linuxWords}, std::cout,
+                      std::filesystem::current_path(gone))
       .run(seconds);
 }
 
@@ -47,10 +48,8 @@ int Diagnostics::micWatch(double seconds) {
   AsioQueue queue(MicMonitor::queueName);
   AsioQueue main("app.tobrin.main");
   MicMonitor monitor(queue, main, makeMicSource(makePipeWireLoop()));
-  auto surroundings = MicWatch::realTime();
+  auto surroundings = MicWatch::realTime(linuxWords);
   surroundings.processName = processName;
-  surroundings.scope = platformWords::micWatchScope;
-  surroundings.recordersUnknown = platformWords::recordersUnknown;
   return MicWatch(monitor, main, std::cout, std::move(surroundings)).run(seconds);
 }
 
@@ -66,6 +65,7 @@ int Diagnostics::selfTest() {
       .listen = listen,
       .typer = makeKeyTyper(),
       .sleep = [](std::chrono::milliseconds time) { std::this_thread::sleep_for(time); },
+      .words = linuxWords,
   };
   return SelfTest(std::move(parts), std::cout).run();
 }

@@ -16,8 +16,8 @@ constexpr std::string_view yesOrNo(bool yes) {
 
 }  // namespace
 
-MicWatch::Surroundings MicWatch::realTime() {
-  Surroundings real;
+MicWatch::Surroundings MicWatch::realTime(const PlatformWords& words) {
+  Surroundings real{.words = words};
   real.sleep = [](std::chrono::duration<double> time) { std::this_thread::sleep_for(time); };
   return real;
 }
@@ -29,8 +29,8 @@ MicWatch::MicWatch(MicMonitor& monitor, SerialQueue& main, std::ostream& out,
 int MicWatch::run(double seconds) {
   const MicActivity present = monitor_.current();
   printed_ = present.micInUse();
-  out_ << "Watching the microphone for " << std::llround(std::trunc(seconds)) << " s ("
-       << surroundings_.scope << ").\n  " << describe(present)
+  out_ << "Watching the microphone for " << std::llround(std::trunc(seconds)) << " s "
+       << surroundings_.words.soundStateOnly << ".\n  " << describe(present)
        << "\n  mic in use: " << yesOrNo(printed_) << std::endl;
 
   monitor_.setOnChange([this](bool inUse) { changed(inUse); });
@@ -62,7 +62,8 @@ std::string MicWatch::describe(const MicActivity& activity) const {
 
 std::string MicWatch::recorders(const MicActivity& activity) const {
   const std::string recording = "recording: ";
-  if (!activity.recordingProcesses) return recording + std::string(surroundings_.recordersUnknown);
+  if (!activity.recordingProcesses)
+    return recording + std::string(surroundings_.words.unknownRecorder);
   std::string names;
   for (const int32_t process : *activity.recordingProcesses) {
     if (!names.empty()) names += ", ";

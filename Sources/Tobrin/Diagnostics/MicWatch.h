@@ -8,9 +8,9 @@
 #include <iosfwd>
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "Engine/SerialQueue.h"
+#include "Input/PlatformWords.h"
 #include "Mic/MicMonitor.h"
 
 namespace tobrin {
@@ -20,14 +20,13 @@ class MicWatch final {
  public:
   struct Surroundings {
     /// A program's name by its process, where it is known. Thread: any.
-    std::function<std::optional<std::string>(int32_t process)> processName;
-    std::string_view scope;             ///< what is looked at here, and that nothing is recorded
-    std::string_view recordersUnknown;  ///< said where the sound system cannot tell who records
+    std::function<std::optional<std::string>(int32_t process)> processName{};
     std::function<std::time_t()> now = [] { return std::time(nullptr); };
-    std::function<void(std::chrono::duration<double>)> sleep;
+    std::function<void(std::chrono::duration<double>)> sleep{};
+    const PlatformWords& words;
   };
-  /// Real time; processes' names and the platform's words are left to the caller.
-  static Surroundings realTime();
+  /// Real time; `processName` is left to the caller.
+  static Surroundings realTime(const PlatformWords& words);
 
   /// `monitor` reports on `main`, which is not the caller's own thread; neither is in use
   /// elsewhere.

@@ -62,7 +62,7 @@ int Probe::run(double seconds) {
 
 bool Probe::startDevices() {
   if (!devices_.sensor) {
-    out_ << "This Mac has no motion sensor, so force sensing isn't available." << std::endl;
+    out_ << devices_.words.noSensor << std::endl;
     return false;
   }
   if (!devices_.sensor->start()) {
@@ -76,9 +76,7 @@ bool Probe::startDevices() {
     keys_.push_back({event.code, event.time});
   });
   if (monitor_ && monitor_->start()) return true;
-  out_ << "Needs Input Monitoring: System Settings > Privacy & Security > Input Monitoring, "
-          "enable your terminal, then rerun."
-       << std::endl;
+  out_ << devices_.words.keyAccessForProbe << std::endl;
   if (monitor_) tellWhy(monitor_->problem());
   devices_.sensor->stop();
   return false;

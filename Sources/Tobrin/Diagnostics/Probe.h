@@ -13,6 +13,7 @@
 #include "Engine/Mutex.h"
 #include "Force/ForceSensor.h"
 #include "Input/KeyMonitor.h"
+#include "Input/PlatformWords.h"
 
 namespace tobrin::probe {
 
@@ -23,6 +24,7 @@ class Probe final {
     std::unique_ptr<ForceSensor> sensor;
     /// Makes the key monitor that calls the handler.
     std::function<std::unique_ptr<KeyMonitor>(KeyMonitor::Handler)> listen;
+    const PlatformWords& words;
   };
 
   /// What the probe measures time by; both on the clock of keys and sensor.

@@ -64,8 +64,8 @@ void SelfTest::checkEngine(std::shared_ptr<const LoadedPack> pack) {
     conductor.handle(event);
   });
   const bool isListening = monitor->start();
-  check(isListening, isListening ? "keyboard tap (Input Monitoring)"
-                                 : "keyboard tap (Input Monitoring): " + monitor->problem());
+  const std::string tap(parts_.words.keyAccessCheck);
+  check(isListening, isListening ? tap : tap + ": " + monitor->problem());
   parts_.sleep(settleTime);
   const AudioOutput& audio = conductor.audio();
   check(audio.isRunning(), audio.isRunning() ? "audio engine running: " + audio.description()
@@ -76,7 +76,7 @@ void SelfTest::checkEngine(std::shared_ptr<const LoadedPack> pack) {
   check(frames > 0, "render callback ran (" + std::to_string(frames) + " frames)");
   check(audio.droppedCommands() == 0, "no dropped commands");
   if (watched == nullptr) {
-    skip("motion sensor (not on this Mac)");
+    skip(std::string(parts_.words.noSensorCheck));
   } else {
     const uint64_t reports = watched->reportsReceived();
     check(reports > 0, "motion sensor streaming (" + std::to_string(reports) + " reports)" +

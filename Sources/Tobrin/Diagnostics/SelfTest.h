@@ -14,6 +14,7 @@
 #include "Force/ForceSensor.h"
 #include "Input/KeyMonitor.h"
 #include "Input/KeyTyper.h"
+#include "Input/PlatformWords.h"
 #include "Packs/LoadedPack.h"
 
 namespace tobrin {
@@ -30,6 +31,7 @@ class SelfTest final {
     std::function<std::unique_ptr<KeyMonitor>(KeyMonitor::Handler)> listen;
     std::unique_ptr<KeyTyper> typer;
     std::function<void(std::chrono::milliseconds)> sleep;
+    const PlatformWords& words;
   };
 
   SelfTest(Parts parts, std::ostream& out) : parts_(std::move(parts)), out_(out) {}

@@ -149,7 +149,8 @@ std::string AppModel::statusLine() const {
       {.hasPermission = hasPermission(),
        .gate = gate(),
        .packName = pack != nullptr ? std::optional(pack->name) : std::nullopt,
-       .forceSensing = settings_.forceSensing && sensorAvailable_});
+       .forceSensing = settings_.forceSensing && sensorAvailable_},
+      services_.words);
 }
 
 // Microphone
@@ -185,8 +186,9 @@ void AppModel::registerShortcut() {
 }
 
 std::string AppModel::display(const Hotkey& shortcut) const {
-  return shortcut.displayString(
-      [this](uint32_t keyCode) { return services_.shortcutService->keyName(keyCode); });
+  return shortcut.spelledOut(services_.words, [this](uint32_t keyCode) {
+    return services_.shortcutService->keyName(keyCode);
+  });
 }
 
 std::vector<Hotkey> AppModel::offeredShortcuts() const {
@@ -198,7 +200,8 @@ std::vector<Hotkey> AppModel::offeredShortcuts() const {
 }
 
 std::optional<std::string> AppModel::shortcutProblem() const {
-  return StatusTexts::shortcutProblem(shortcutStatus_, display(settings_.shortcut));
+  return StatusTexts::shortcutProblem(shortcutStatus_, display(settings_.shortcut),
+                                      services_.words);
 }
 
 // Packs

@@ -67,6 +67,7 @@ class AppModel final : public QObject {
   [[nodiscard]] std::optional<std::string> shortcutProblem() const;
   /// A shortcut as the user reads it, in the current keyboard layout.
   [[nodiscard]] std::string display(const Hotkey& shortcut) const;
+  [[nodiscard]] const PlatformWords& words() const { return services_.words; }
   /// The presets, and the user's own choice where it is none of them.
   [[nodiscard]] std::vector<Hotkey> offeredShortcuts() const;
   [[nodiscard]] PlaybackGate gate() const;

@@ -13,6 +13,7 @@
 #include "Engine/SettingsStore.h"
 #include "Force/MotionSource.h"
 #include "Input/KeySource.h"
+#include "Input/PlatformWords.h"
 #include "Input/ShortcutService.h"
 #include "Mic/MicSource.h"
 #include "Packs/LoadedPack.h"
@@ -28,6 +29,7 @@ struct AppServices {
   SettingsStore& settings;
   LoginItem& loginItem;
   Workspace& workspace;
+  const PlatformWords& words;
 
   std::unique_ptr<AudioDevice> audioDevice;
   std::unique_ptr<MotionSource> motionSource;  ///< null where the machine has no motion sensor

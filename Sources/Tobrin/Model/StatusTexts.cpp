@@ -2,8 +2,8 @@
 
 namespace tobrin {
 
-std::string StatusTexts::statusLine(const State& state) {
-  if (!state.hasPermission) return "Needs Input Monitoring access";
+std::string StatusTexts::statusLine(const State& state, const PlatformWords& words) {
+  if (!state.hasPermission) return std::string(words.needsKeyAccess);
   switch (state.gate.state()) {
     case PlaybackGate::State::off:
       return "Off";
@@ -17,7 +17,8 @@ std::string StatusTexts::statusLine(const State& state) {
 }
 
 std::optional<std::string> StatusTexts::shortcutProblem(const GlobalHotkey::Status& status,
-                                                        const std::string& shortcut) {
+                                                        const std::string& shortcut,
+                                                        const PlatformWords& words) {
   using Kind = GlobalHotkey::Status::Kind;
   switch (status.kind) {
     case Kind::active:
@@ -26,7 +27,7 @@ std::optional<std::string> StatusTexts::shortcutProblem(const GlobalHotkey::Stat
     case Kind::taken:
       return shortcut + " is already used by another app. Pick another.";
     case Kind::reservedBySystem:
-      return shortcut + " is a macOS shortcut (System Settings › Keyboard). Pick another.";
+      return shortcut + std::string(words.reservedShortcut);
     case Kind::failed:
       return "Couldn't set up " + shortcut + " (error " + std::to_string(status.error) + ").";
   }

@@ -6,6 +6,7 @@
 
 #include "Engine/PlaybackGate.h"
 #include "Input/GlobalHotkey.h"
+#include "Input/PlatformWords.h"
 
 namespace tobrin {
 
@@ -17,11 +18,12 @@ struct StatusTexts {
     bool forceSensing = false;            ///< wanted, and a sensor is there
   };
 
-  static std::string statusLine(const State& state);
+  static std::string statusLine(const State& state, const PlatformWords& words);
 
-  /// Nothing while the shortcut is active or off. `shortcut` is its display string.
+  /// Nothing while the shortcut is active or off. `shortcut` is its name for people.
   static std::optional<std::string> shortcutProblem(const GlobalHotkey::Status& status,
-                                                    const std::string& shortcut);
+                                                    const std::string& shortcut,
+                                                    const PlatformWords& words);
 };
 
 }  // namespace tobrin

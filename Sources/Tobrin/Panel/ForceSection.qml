@@ -27,7 +27,7 @@ ColumnLayout {
             Layout.topMargin: Theme.unit * 1.5
             Layout.bottomMargin: Theme.gap
             visible: !section.model.sensorAvailable
-            text: "Force sensing needs a MacBook with the motion sensor (M1 Pro/Max, M2 or later). Pick a fixed strength instead."
+            text: section.model.noSensorNote
             small: true
             secondary: true
         }

@@ -10,12 +10,12 @@ namespace {
 
 constexpr float stereoWidth = 0.5f;  // what switching stereo on sets
 
-QString text(const std::string& utf8) {
-  return QString::fromStdString(utf8);
+QString text(std::string_view utf8) {
+  return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
-QString text(const std::optional<std::string>& utf8) {
-  return text(utf8.value_or(""));
+QString textOrNone(const std::optional<std::string>& utf8) {
+  return utf8 ? text(*utf8) : QString();
 }
 
 }  // namespace
@@ -45,6 +45,15 @@ void PanelModel::change(Field EngineSettings::*field, Value value) {
 
 QString PanelModel::statusLine() const {
   return text(model_.statusLine());
+}
+QString PanelModel::keyAccessTitle() const {
+  return text(model_.words().keyAccessTitle);
+}
+QString PanelModel::keyAccessButton() const {
+  return text(model_.words().keyAccessButton);
+}
+QString PanelModel::noSensorNote() const {
+  return text(model_.words().forceNeedsSensor);
 }
 bool PanelModel::playing() const {
   return model_.gate().isPlaying();
@@ -80,19 +89,19 @@ QVariantMap PanelModel::selectedPack() const {
   if (pack == nullptr) return {};
   QVariantMap details{{"name", text(pack->name)},
                       {"kind", text(pack->kind)},
-                      {"summary", text(pack->summary)},
+                      {"summary", textOrNone(pack->summary)},
                       {"author", QString()},
                       {"license", QString()}};
   const auto& manifest = model_.loadedManifest();
   if (manifest && manifest->id == pack->id) {
-    details["author"] = text(manifest->author);
-    details["license"] = text(manifest->license);
+    details["author"] = textOrNone(manifest->author);
+    details["license"] = textOrNone(manifest->license);
   }
   return details;
 }
 
 QString PanelModel::packError() const {
-  return text(model_.packError());
+  return textOrNone(model_.packError());
 }
 
 // Settings
@@ -205,7 +214,7 @@ void PanelModel::setShortcutIndex(int index) {
 }
 
 QString PanelModel::shortcutProblem() const {
-  return text(model_.shortcutProblem());
+  return textOrNone(model_.shortcutProblem());
 }
 
 QString PanelModel::shortcutHint() const {

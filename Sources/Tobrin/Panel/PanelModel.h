@@ -19,6 +19,9 @@ class PanelModel final : public QObject {
   QML_UNCREATABLE("handed to the panel by the program")
 
   Q_PROPERTY(QString statusLine READ statusLine NOTIFY statusChanged)
+  Q_PROPERTY(QString keyAccessTitle READ keyAccessTitle CONSTANT)
+  Q_PROPERTY(QString keyAccessButton READ keyAccessButton CONSTANT)
+  Q_PROPERTY(QString noSensorNote READ noSensorNote CONSTANT)
   Q_PROPERTY(bool playing READ playing NOTIFY statusChanged)
   Q_PROPERTY(bool hasPermission READ hasPermission NOTIFY permissionChanged)
   Q_PROPERTY(bool needsRelaunch READ needsRelaunch NOTIFY permissionChanged)
@@ -58,6 +61,9 @@ class PanelModel final : public QObject {
   explicit PanelModel(AppModel& model, QObject* parent = nullptr);
 
   [[nodiscard]] QString statusLine() const;
+  [[nodiscard]] QString keyAccessTitle() const;
+  [[nodiscard]] QString keyAccessButton() const;
+  [[nodiscard]] QString noSensorNote() const;
   [[nodiscard]] bool playing() const;
   [[nodiscard]] bool hasPermission() const;
   [[nodiscard]] bool needsRelaunch() const;

@@ -14,7 +14,7 @@ Card {
     PanelText {
         Layout.fillWidth: true
         Layout.topMargin: Theme.unit
-        text: "Tobrin needs Input Monitoring"
+        text: card.model.keyAccessTitle
         font.weight: Font.DemiBold
         Accessible.role: Accessible.Heading
     }
@@ -30,7 +30,7 @@ Card {
         spacing: Theme.gap
 
         PanelButton {
-            text: "Open Settings"
+            text: card.model.keyAccessButton
             prominent: true
             onClicked: card.model.openSettings()
         }

@@ -75,4 +75,16 @@ std::string Hotkey::displayString(const KeyName& keyName) const {
   return text + keyLabel(keyCode, keyName);
 }
 
+std::string Hotkey::spelledOut(const PlatformWords& words, const KeyName& keyName) const {
+  std::string text;
+  for (std::size_t i = 0; i < words.modifiers.size(); ++i) {
+    if (!modifiers.contains(1U << i)) continue;
+    text += words.modifiers[i];
+    text += words.keySeparator;
+  }
+  for (const PlatformWords::KeyLabel& key : words.keys)
+    if (key.keyCode == keyCode) return text += key.text;
+  return text + keyLabel(keyCode, keyName);
+}
+
 }  // namespace tobrin

@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "Input/PlatformWords.h"
+
 namespace tobrin {
 
 /// A set of modifier keys over a 32-bit raw value, as it is stored.
@@ -40,6 +42,10 @@ struct Hotkey {
   /// special key's symbol, else `keyName`'s answer in upper case, else the US layout's, else
   /// "Key " and the code. UTF-8.
   [[nodiscard]] std::string displayString(const KeyName& keyName = nullptr) const;
+
+  /// The same for people, in their platform's words: "Ctrl+Alt+Super+K".
+  [[nodiscard]] std::string spelledOut(const PlatformWords& words,
+                                       const KeyName& keyName = nullptr) const;
 };
 
 }  // namespace tobrin

@@ -66,11 +66,11 @@ class ProbeRun {
     if (withSensor)
       sensor = std::make_unique<ForceSensor>(
           std::make_unique<TraceSource>(trace_, "trace", clock_, TraceSource::Times::recorded));
-    Probe probe(
-        {std::move(sensor), [this](KeyMonitor::Handler handler) { return listen(handler); }}, out,
-        folder.path(),
-        {[this] { return clock_->now(); },
-         [this](auto pause) { advance(static_cast<uint64_t>(pause.count())); }});
+    Probe probe({std::move(sensor), [this](KeyMonitor::Handler handler) { return listen(handler); },
+                 words_},
+                out, folder.path(),
+                {[this] { return clock_->now(); },
+                 [this](auto pause) { advance(static_cast<uint64_t>(pause.count())); }});
     return probe.run(seconds);
   }
 
@@ -96,6 +96,7 @@ class ProbeRun {
     }
   }
 
+  const PlatformWords words_{.keyAccessForProbe = "no access to keys", .noSensor = "no sensor"};
   std::vector<uint64_t> keysAtMs_;
   MotionTrace trace_;
   std::shared_ptr<VirtualTraceClock> clock_ = std::make_shared<VirtualTraceClock>(0);
@@ -125,9 +126,7 @@ TEST(Probe, SaysWhatIsMissing) {
   machine.keys.allowed = false;
   EXPECT_EQ(machine.run(1), 1);
   EXPECT_TRUE(std::regex_search(
-      machine.out.str(),
-      std::regex("^This Mac has no motion sensor, so force sensing isn't "
-                 "available.\n[^]*\nNo keys recorded.\nNeeds Input Monitoring: ")))
+      machine.out.str(), std::regex("^no sensor\n[^]*\nNo keys recorded.\nno access to keys\n")))
       << machine.out.str();
 }
 

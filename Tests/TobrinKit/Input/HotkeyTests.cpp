@@ -47,16 +47,22 @@ TEST(Hotkey, ShowsModifiersInOrderThenTheKey) {
     Hotkey hotkey;
     Hotkey::KeyName keyName;
     const char* shown;
+    const char* spelledOut;
   } rows[] = {
-      {Hotkey::presets()[0], nullptr, "⌃⌥⌘K"},
-      {{49, {0xF}}, naming(" "), "⌃⌥⇧⌘Space"},
-      {{33, {Modifiers::shift}}, naming("é"), "⇧É"},
-      {{33, {}}, naming(""), "["},
-      {{200, {0x10}}, [](uint32_t) { return std::nullopt; }, "Key 200"},
-      {{4294967295, {}}, naming("ß"), "SS"},
+      {Hotkey::presets()[0], nullptr, "⌃⌥⌘K", "Ctrl+Alt+Super+K"},
+      {{49, {0xF}}, naming(" "), "⌃⌥⇧⌘Space", "Ctrl+Alt+Shift+Super+Bar"},
+      {{33, {Modifiers::shift}}, naming("é"), "⇧É", "Shift+É"},
+      {{33, {}}, naming(""), "[", "["},
+      {{200, {0x10}}, [](uint32_t) { return std::nullopt; }, "Key 200", "Key 200"},
+      {{4294967295, {}}, naming("ß"), "SS", "SS"},
   };
-  for (const auto& row : rows)
+  constexpr PlatformWords::KeyLabel labels[] = {{49, "Bar"}};
+  const PlatformWords words{
+      .modifiers = {"Ctrl", "Alt", "Shift", "Super"}, .keySeparator = "+", .keys = labels};
+  for (const auto& row : rows) {
     EXPECT_EQ(row.hotkey.displayString(row.keyName), row.shown);
+    EXPECT_EQ(row.hotkey.spelledOut(words, row.keyName), row.spelledOut);
+  }
 }
 
 constexpr uint32_t command = Modifiers::command;

@@ -77,7 +77,8 @@ TEST(MicActivity, TrustsARunningDeviceOnlyWhereItDoesNotPlay) {
   EXPECT_FALSE(MicActivity().micInUse());
   EXPECT_TRUE((MicActivity{"Mic", true, false, std::nullopt}).micInUse());
   EXPECT_FALSE((MicActivity{"Headset", true, true, std::nullopt}).micInUse()) << "it may play";
-  EXPECT_FALSE((MicActivity{"Headset", true, true, {{}}}).micInUse()) << "nobody records";
+  EXPECT_FALSE((MicActivity{"Headset", true, true, std::vector<int32_t>{}}).micInUse())
+      << "nobody records";
   EXPECT_TRUE((MicActivity{"Mic", false, false, {{99}}}).micInUse()) << "from another device";
 }
 
