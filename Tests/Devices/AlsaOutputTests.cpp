@@ -34,9 +34,12 @@ TEST_F(AlsaDeviceTest, IsHeardAfterEachPause) {
     testing::LoopbackListener listener(testing::AudioPlayer::leftLevel,
                                        testing::AudioPlayer::rightLevel);
     player_.pulseFrames = pulse;
-    EXPECT_TRUE(eventually([&] { return listener.heard() >= pulse; })) << listener.heard();
+    EXPECT_TRUE(eventually([&] { return player_.pulseFrames == 0; }));
     output_.pause();
-    EXPECT_EQ(std::ifstream("/proc/asound/Loopback/pcm0p/sub0/status").peek(), 'c');  // closed
+    EXPECT_TRUE(eventually([&] { return listener.heard() >= pulse; })) << listener.heard();
+    EXPECT_TRUE(eventually([] {
+      return std::ifstream("/proc/asound/Loopback/pcm0p/sub0/status").peek() == 'c';  // closed
+    }));
   }
   EXPECT_LE(player_.largestBlock, 256U);
 }

@@ -9,7 +9,8 @@ import unittest
 import unittest.mock
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
-from listening import DesktopTest, Tobrin, figures, find_sounds, match, press_keys, record, xdotool  # noqa: E402
+from listening import (DesktopTest, Tobrin, figures, find_sounds, match, press_keys, press_toggle, record,  # noqa: E402
+                       steepest_fall, write_pack, xdotool)
 
 PACKS, PROGRAM = sys.argv.pop(), sys.argv.pop()
 SETTLED = ("--delay", 300)
@@ -63,6 +64,18 @@ class TypingTest(DesktopTest):
             xdotool("keyup", "Control_L", "keyup", "Alt_L", "keyup", "Super_L")
             program.quiet_for(0.3)
         self.assertEqual([line for line in program.lines if line.startswith("status: ")][1:], ["status: Off"])
+
+    def test_switching_off_lets_the_sound_fade(self):
+        packs = write_pack(self.folder / "packs", "steady", {"medium": [0.3] * 480000})
+        with record(self.wav) as recorder, Tobrin(PROGRAM, packs, pack="steady", volume=1, releaseSounds=False) as program:
+            program.wait_for("status:")
+            press_keys(*SETTLED, "--text", "a")
+            recorder.wait_for("sound")
+            press_toggle()
+            self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
+        fall, height = steepest_fall(self.wav)
+        self.assertGreater(height, 0.5)
+        self.assertLess(fall, 0.03, "a step, where 6 ms of fading would be")
 
 
 if __name__ == "__main__":

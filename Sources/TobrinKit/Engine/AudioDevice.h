@@ -30,8 +30,8 @@ class AudioDevice {
   /// owner.
   virtual bool start() = 0;
 
-  /// Stops calling `render` and leaves the device idle: no wake-ups until the next `start`.
-  /// When it returns, the last callback has ended.
+  /// Stops calling `render` and leaves the device idle once it has played what it took: no wake-ups
+  /// from then until the next `start`. When it returns, the last callback has ended.
   virtual void pause() = 0;
 
   /// Whether the stream runs now, as the sound system sees it. Thread: any.

@@ -154,6 +154,11 @@ void ConductorCore::suspend() {
   held_.clear();
 }
 
+void ConductorCore::shutdown() {
+  suspend();
+  devices_->shutdown();
+}
+
 void ConductorCore::setPack(std::shared_ptr<const LoadedPack> pack) {
   assert(queue_.isCurrent());
   retire(player_.exchangePack(std::move(pack)));
@@ -171,7 +176,7 @@ void ConductorCore::retire(std::shared_ptr<const LoadedPack> pack) {
 void ConductorCore::dropWhenFaded(std::shared_ptr<const LoadedPack> pack, bool fading,
                                   uint64_t fadedAt) {
   after(std::chrono::seconds(2), [pack = std::move(pack), fading, fadedAt](ConductorCore& self) {
-    if (self.devices_->isSuspended()) return;  // no voice is left
+    if (self.devices_->isAtRest()) return;  // no voice is left
     if (!fading)
       self.retire(pack);
     else if (self.devices_->audio().renderedFrames() < fadedAt)

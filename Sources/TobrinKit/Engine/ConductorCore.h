@@ -31,7 +31,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   void audition();
   void resetCalibration() { meter_.reset(); }
   void systemDidWake() { devices_->restart(); }
-  void shutdown() { suspend(); }
+  void shutdown();
   void setOnForce(ForceCallback onForce) { onForce_ = std::move(onForce); }
   void setOnForceStage(ForceStageCallback onStage) { onStage_ = std::move(onStage); }
 

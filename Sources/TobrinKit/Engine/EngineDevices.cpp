@@ -14,7 +14,7 @@ constexpr double retryMs = 1000;
 EngineDevices::EngineDevices(SerialQueue& queue, std::unique_ptr<AudioOutput> audio,
                              std::unique_ptr<ForceSensor> sensor)
     : queue_(queue),
-      audio_(std::move(audio)),
+      output_(std::make_shared<OutputKeeper>(queue, std::move(audio))),
       sensor_(std::move(sensor)),
       lastActivity_(queue.now()) {}
 
@@ -33,13 +33,8 @@ void EngineDevices::checkIdleness() {
 }
 
 void EngineDevices::wake() {
-  startOutput();
+  output_->start();
   if (std::exchange(isSuspended_, false)) watchIdleness();
-}
-
-void EngineDevices::startOutput() {
-  if (audio_->isRunning() || queue_.now() < outputRetry_) return;
-  if (!audio_->start()) outputRetry_ = queue_.now() + MachTime::ticks(retryMs);
 }
 
 bool EngineDevices::startSensor() {
@@ -59,13 +54,16 @@ void EngineDevices::stopSensor() {
 
 void EngineDevices::suspend() {
   if (isSuspended_) return;
-  fadeOut();
   isSuspended_ = true;
   ++watch_;
+  output_->rest();
   stopSensor();
-  audio_->pause();
-  audio_->forgetVoices();
-  outputRetry_ = sensorRetry_ = 0;
+  sensorRetry_ = 0;
+}
+
+void EngineDevices::shutdown() {
+  suspend();
+  output_->pause();
 }
 
 void EngineDevices::restart() {
@@ -74,15 +72,7 @@ void EngineDevices::restart() {
     sensor_->stop();
     sensor_->start();
   }
-  audio_->pause();
-  audio_->start();
-}
-
-bool EngineDevices::fadeOut() {
-  if (isSuspended_) return true;  // nothing sounds
-  TBCommand release{};
-  release.type = TB_COMMAND_RELEASE_ALL;
-  return tb_mixer_push(audio_->mixer(), &release);
+  output_->restart();
 }
 
 }  // namespace tobrin

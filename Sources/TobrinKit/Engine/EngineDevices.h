@@ -4,8 +4,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 
-#include "Engine/AudioOutput.h"
+#include "Engine/OutputKeeper.h"
 #include "Engine/SerialQueue.h"
 #include "Force/ForceSensor.h"
 
@@ -26,17 +27,20 @@ class EngineDevices final : public std::enable_shared_from_this<EngineDevices> {
   /// A key went down at `time`, in host ticks.
   void noteKey(uint64_t time) { lastActivity_ = time; }
 
-  /// Ends a suspension and starts the output if it does not run. One that failed a moment ago is
-  /// not asked again at once: its answer may take longer than a key may wait.
+  /// Ends a suspension and starts the output if it does not run, as patiently as its keeper.
   void wake();
 
-  /// Fades out, stops the sensor, pauses the output and lets go of all sounds.
+  /// Fades out, stops the sensor, and pauses the output once the fade has been played.
   void suspend();
+
+  /// Suspends, with the output paused when this returns.
+  void shutdown();
 
   /// Takes running devices up again: they may have changed while the machine slept.
   void restart();
 
-  /// Starts the sensor if it does not run; returns whether it does. As patient as `wake`.
+  /// Starts the sensor if it does not run; returns whether it does. One that failed a moment ago is
+  /// not asked again at once.
   bool startSensor();
   void stopSensor();
 
@@ -44,23 +48,24 @@ class EngineDevices final : public std::enable_shared_from_this<EngineDevices> {
   [[nodiscard]] bool canSense() const;
 
   /// Has every sounding voice fade out; false where the ring is full.
-  bool fadeOut();
+  bool fadeOut() { return output_->fadeOut(); }
 
+  /// Whether nothing may start to sound.
   [[nodiscard]] bool isSuspended() const { return isSuspended_; }
-  [[nodiscard]] AudioOutput& audio() { return *audio_; }
-  [[nodiscard]] const AudioOutput& audio() const { return *audio_; }
+  /// Whether nothing sounds any more either: no sample is read.
+  [[nodiscard]] bool isAtRest() const { return isSuspended_ && output_->isPaused(); }
+  [[nodiscard]] AudioOutput& audio() { return output_->audio(); }
+  [[nodiscard]] const AudioOutput& audio() const { return std::as_const(*output_).audio(); }
   [[nodiscard]] const ForceSensor* sensor() const { return sensor_.get(); }
 
  private:
-  void startOutput();
   void checkIdleness();
 
-  SerialQueue& queue_;                         // fixed after construction
-  const std::unique_ptr<AudioOutput> audio_;   // fixed after construction
-  const std::unique_ptr<ForceSensor> sensor_;  // fixed after construction
-  uint64_t lastActivity_;                      // host ticks
-  uint64_t outputRetry_ = 0;                   // host ticks; not asked again before
-  uint64_t sensorRetry_ = 0;                   // likewise
+  SerialQueue& queue_;                          // fixed after construction
+  const std::shared_ptr<OutputKeeper> output_;  // shared with its own timers
+  const std::unique_ptr<ForceSensor> sensor_;   // fixed after construction
+  uint64_t lastActivity_;                       // host ticks
+  uint64_t sensorRetry_ = 0;                    // host ticks; not asked again before
   uint64_t watch_ = 0;  // number of the idle watch; timers of others do nothing
   bool isSuspended_ = false;
 };

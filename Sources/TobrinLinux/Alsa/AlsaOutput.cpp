@@ -24,6 +24,10 @@ constexpr std::chrono::milliseconds firstRetryPause = 100ms;
 constexpr std::chrono::milliseconds longestRetryPause = 1000ms;
 constexpr auto forever = std::chrono::nanoseconds::max();
 
+std::chrono::nanoseconds lengthOf(uint32_t frames) {
+  return std::chrono::nanoseconds(1s) * frames / 48000;
+}
+
 /// Slows down for devices without a clock (null, file), which take everything at once.
 class Pace {
  public:
@@ -38,10 +42,6 @@ class Pace {
   }
 
  private:
-  static std::chrono::nanoseconds lengthOf(uint32_t frames) {
-    return std::chrono::nanoseconds(1s) * frames / 48000;
-  }
-
   const std::chrono::nanoseconds mayBeAhead_;
   std::chrono::steady_clock::time_point written_;  // when a clock would have played it all
 };
@@ -158,6 +158,16 @@ void AlsaOutput::play(AlsaPcm& pcm) {
       if (!sleep(waitingFor, stallLimit)) pcm.giveUp("takes no more sound");
     } while (goal_ == Goal::play && !pcm.isReady(device));
   }
+  playOut(pcm);
+}
+
+// What is closed drops what it has not played. Nothing is rendered any more, so that `pause` need
+// not wait for this.
+void AlsaOutput::playOut(AlsaPcm& pcm) {
+  fallAsleep();
+  std::array waitingFor = {pollfd{wake_.fd(), POLLIN, 0}};
+  wake_.clear();
+  if (goal_ == Goal::pause) sleep(waitingFor, lengthOf(pcm.bufferFrames() - pcm.room()));
 }
 
 void AlsaOutput::fill(AlsaPcm& pcm, uint32_t frames) {

@@ -1,5 +1,6 @@
 /// Plays through ALSA, for desktops without a PipeWire server. A thread of its own ("Tobrin.Audio")
-/// renders; while paused the device is closed and the thread asleep.
+/// renders; while paused the device is closed, once it has played all it took, and the thread
+/// asleep.
 #pragma once
 
 #include <atomic>
@@ -47,6 +48,7 @@ class AlsaOutput final : public AudioDevice {
   void run(const std::function<void()>& onThreadStart);
   bool playOnce();
   void play(AlsaPcm& pcm);
+  void playOut(AlsaPcm& pcm);
   void fill(AlsaPcm& pcm, uint32_t frames);
   bool sleep(std::span<pollfd> waitingFor, std::chrono::nanoseconds longest);
   void fallAsleep();

@@ -16,6 +16,7 @@ namespace tobrin {
 namespace {
 
 constexpr uint16_t centredKey = 200;  // no column, so both channels are equal
+constexpr double stalledMs = 400;     // after which no fade is waited for
 
 class ConductorTest : public ::testing::Test {
  protected:
@@ -56,6 +57,15 @@ class ConductorTest : public ::testing::Test {
   /// The level that plays once any crossfade has ended.
   float level() { return device_->render(256).first.back(); }
   void finishSounds() { device_->render(4800); }
+  /// What the device plays in so many blocks, each of which takes its time.
+  std::vector<float> listen(int blocks) {
+    std::vector<float> heard;
+    for (; blocks > 0; --blocks) {
+      std::ranges::copy(device_->render(256).first, std::back_inserter(heard));
+      advance(256 / 48.0);
+    }
+    return heard;
+  }
 
   EngineSettings settings_;
   std::vector<ForceReading> readings_;
@@ -190,7 +200,7 @@ TEST_F(ConductorTest, RestsAfterThreeMinutesWithoutAKeyAndWakesForTheNext) {
   press();
   advance(180'000);
   EXPECT_TRUE(device_->running);
-  advance(15'000);
+  advance(15'000 + stalledMs);
   EXPECT_FALSE(device_->running);
   EXPECT_FALSE(sensor_->isRunning());
   EXPECT_FALSE(queue_.nextDue()) << "nothing wakes the process up";
@@ -214,6 +224,8 @@ TEST_F(ConductorTest, SettingsStartAndStopWhatTheySay) {
   press();
   settings_.enabled = false;
   apply();
+  finishSounds();
+  advance(stalledMs);
   EXPECT_FALSE(device_->running);
   EXPECT_FALSE(sensor_->isRunning());
   press();
@@ -232,6 +244,40 @@ TEST_F(ConductorTest, SettingsStartAndStopWhatTheySay) {
   advance(0);
   EXPECT_EQ(device_->starts, starts + 1);
   EXPECT_EQ(motion_.opens, 4);
+}
+
+TEST_F(ConductorTest, FadesOutBeforeItPausesAndPlaysAKeyThatComesMeanwhile) {
+  conductor_->setPack(testing::TestPack::simple(96000));
+  const auto turn = [this](bool on) {
+    settings_.enabled = on;
+    apply();
+  };
+  press();
+  auto heard = listen(4);
+  turn(false);
+  std::ranges::copy(listen(4), std::back_inserter(heard));  // 21 ms
+  EXPECT_FALSE(device_->running);
+  for (std::size_t i = 1; i < heard.size(); ++i)
+    ASSERT_LE(heard[i - 1] - heard[i], 0.2f / 288 * 2.5f) << "a step at frame " << i;
+  EXPECT_EQ(heard.back(), 0);
+
+  turn(true);
+  press();
+  listen(4);
+  turn(false);
+  listen(1);
+  turn(true);
+  press();
+  listen(20);
+  EXPECT_TRUE(device_->running) << "the pause was called off";
+  EXPECT_GT(level(), 0);
+
+  turn(false);
+  EXPECT_TRUE(device_->running) << "nobody waits for a stalled device";
+  advance(stalledMs);
+  EXPECT_FALSE(device_->running);
+  turn(true);
+  EXPECT_EQ(level(), 0) << "nor is anything left of it";
 }
 
 TEST_F(ConductorTest, KeepsAnOldPackUntilItsFadeHasEnded) {

@@ -16,6 +16,13 @@ def frames(path):
     return array.array("f", data[at + 8:at + 8 + size // 4 * 4]), channels
 
 
+def steepest_fall(path):
+    """The greatest fall from one sample to the next of the left channel, and the channel's greatest sample."""
+    samples, channels = frames(path)
+    left = samples[::channels]
+    return max(before - after for before, after in zip(left, left[1:])), max(left)
+
+
 def plateaus_db(path, floor_db=-60.0, window=480):
     """Level of each stretch above the floor, in dB of RMS: the median of its windows, so that the
     beginning and the end of a steady tone weigh nothing."""

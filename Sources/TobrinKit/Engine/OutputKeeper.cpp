@@ -1,0 +1,78 @@
+#include "Engine/OutputKeeper.h"
+
+#include <utility>
+
+#include "Engine/MachTime.h"
+
+namespace tobrin {
+namespace {
+
+constexpr double retryMs = 1000;
+constexpr SerialQueue::Duration fadeCheckInterval = std::chrono::milliseconds(2);
+constexpr uint64_t fadeFrames = 288;  // the 6 ms in which the mixer releases its voices
+
+}  // namespace
+
+OutputKeeper::OutputKeeper(SerialQueue& queue, std::unique_ptr<AudioOutput> audio)
+    : queue_(queue), audio_(std::move(audio)) {}
+
+void OutputKeeper::start() {
+  if (std::exchange(state_, State::playing) == State::fading) ++fadeNumber_;
+  if (audio_->isRunning() || queue_.now() < retry_) return;
+  if (!audio_->start()) retry_ = queue_.now() + MachTime::ticks(retryMs);
+}
+
+void OutputKeeper::rest() {
+  if (state_ != State::playing) return;
+  const uint64_t fadedAt = audio_->renderedFrames() + fadeFrames;
+  if (!audio_->isRunning() || !fadeOut()) {
+    pause();
+    return;
+  }
+  state_ = State::fading;
+  ++fadeNumber_;
+  const auto deadline = queue_.now() + static_cast<uint64_t>(fadePatience.count());
+  pauseAfter({.renderedAt = fadedAt, .deadline = deadline, .isRendered = false});
+}
+
+void OutputKeeper::pauseAfter(const Fade& fade) {
+  queue_.after(fadeCheckInterval, [weak = weak_from_this(), number = fadeNumber_, fade] {
+    const auto self = weak.lock();
+    if (self && self->fadeNumber_ == number) self->checkFade(fade);
+  });
+}
+
+// A block that was rendered may still be on its way to the device; that the next one is asked for
+// says that it got there.
+void OutputKeeper::checkFade(const Fade& fade) {
+  const uint64_t rendered = audio_->renderedFrames();
+  const bool arrived = rendered >= fade.renderedAt;
+  if (queue_.now() >= fade.deadline || (arrived && fade.isRendered))
+    pause();
+  else if (arrived)
+    pauseAfter({.renderedAt = rendered + 1, .deadline = fade.deadline, .isRendered = true});
+  else
+    pauseAfter(fade);
+}
+
+void OutputKeeper::pause() {
+  state_ = State::paused;
+  ++fadeNumber_;
+  retry_ = 0;
+  audio_->pause();
+  audio_->forgetVoices();
+}
+
+void OutputKeeper::restart() {
+  audio_->pause();
+  audio_->start();
+}
+
+bool OutputKeeper::fadeOut() {
+  if (state_ != State::playing) return true;  // nothing sounds, or it fades already
+  TBCommand release{};
+  release.type = TB_COMMAND_RELEASE_ALL;
+  return tb_mixer_push(audio_->mixer(), &release);
+}
+
+}  // namespace tobrin
