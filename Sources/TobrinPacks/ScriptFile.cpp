@@ -1,15 +1,14 @@
 #include "ScriptFile.h"
 
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
+
+#include "Base/ReadJson.h"
 
 namespace tobrin {
 namespace {
 
 using Json = nlohmann::json;
-
-constexpr int maxDepth = 8;  // the format needs 2
 
 [[noreturn]] void fail(const std::string& text) {
   throw std::runtime_error(text);
@@ -42,21 +41,10 @@ ScriptedKey parseKey(const Json& entry) {
   return key;
 }
 
-Json parseJson(std::string_view text) {
-  try {
-    return Json::parse(text, [](int depth, Json::parse_event_t, const Json&) {
-      if (depth > maxDepth) fail("nested too deeply");
-      return true;
-    });
-  } catch (const Json::exception& error) {
-    fail(std::string("not valid JSON: ") + error.what());
-  }
-}
-
 }  // namespace
 
 std::vector<ScriptedKey> parseScript(std::string_view json) {
-  const Json document = parseJson(json);
+  const Json document = readJson(json);
   if (!document.is_array()) fail("not a list of keys");
   std::vector<ScriptedKey> script;
   script.reserve(document.size());

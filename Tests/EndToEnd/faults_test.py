@@ -143,18 +143,20 @@ class FaultsTest(DesktopTest):
             self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
         print("fault: settings_cannot_be_written: disk full and read-only, nothing lost")
 
-    def test_settings_were_half_written(self):
+    def test_settings_cannot_be_read(self):
         place = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "Tobrin" / "settings.json"
         with record(self.folder / "heard.wav") as recorder:
             program = Tobrin(PROGRAM, self.packs, pack="click")
             program.stop(signal.SIGKILL)
-            half = b'{"engineSettings": {"volume": 0.5, "ena'
-            place.write_bytes(half)
             program.__exit__()
-            with Background([PROGRAM], env=os.environ | {"TOBRIN_PACKS": str(self.packs)}) as program:
-                self.assertTrue(Tobrin.wait_until_heard(program, recorder), program.lines)
-                self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
-            self.assertEqual(place.with_name("settings.json.broken").read_bytes(), half)
+            half = b'{"engineSettings": {"volume": 0.5, "ena'
+            deep = b'{"engineSettings": ' + b"[" * 100_000 + b"]" * 100_000 + b"}"
+            for content, name in ((half, "settings.json.broken"), (deep, "settings.json.broken.2")):
+                place.write_bytes(content)
+                with Background([PROGRAM], env=os.environ | {"TOBRIN_PACKS": str(self.packs)}) as program:
+                    self.assertTrue(Tobrin.wait_until_heard(program, recorder), program.lines)
+                    self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
+                self.assertEqual(place.with_name(name).read_bytes(), content)
 
     def test_the_display_vanishes(self):
         """That session has ended (and this one: this is the last test), so does the program, in order."""

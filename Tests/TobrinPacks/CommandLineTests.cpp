@@ -136,7 +136,7 @@ TEST(ScriptFile, RefusesEntriesOutOfRangeByNumberAndKey) {
       {
           {"{}", "not a list"},
           {"[", "not valid JSON"},
-          {"[[[[[[[[[[", "nested too deeply"},
+          {std::string(33, '['), "nested too deeply"},
           {"[1]", "entry 1: is not an object"},
           {R"([{"time":-1}])", "entry 1: \"time\" is not a number from 0 to 86400"},
           {R"([{"time":0,"code":65536}])", "\"code\" is not"},

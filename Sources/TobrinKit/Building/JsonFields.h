@@ -4,10 +4,10 @@
 
 #include <cmath>
 #include <cstdint>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 
+#include "Base/ReadJson.h"
 #include "Building/RecipeError.h"
 
 namespace tobrin {
@@ -74,18 +74,12 @@ class JsonFields final {
   std::string place_;
 };
 
-/// Parses a document; text that is no JSON, or nested so deeply that writing it could exhaust the
-/// stack, throws `RecipeError`.
+/// As `readJson`, but throws `RecipeError`.
 inline nlohmann::json parsedJson(std::string_view text) {
-  constexpr int maxDepth = 32;  // recipes need 3
   try {
-    return nlohmann::json::parse(
-        text, [](int depth, nlohmann::json::parse_event_t, const nlohmann::json&) {
-          if (depth > maxDepth) throw RecipeError("nested too deeply");
-          return true;
-        });
-  } catch (const nlohmann::json::exception& error) {
-    throw RecipeError(std::string("not valid JSON: ") + error.what());
+    return readJson(text);
+  } catch (const JsonError& error) {
+    throw RecipeError(error.what());
   }
 }
 

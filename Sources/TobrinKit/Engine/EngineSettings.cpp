@@ -3,32 +3,17 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <stdexcept>
+
+#include "Base/ReadJson.h"
 
 namespace tobrin {
 namespace {
 
 using Json = nlohmann::json;
 
-constexpr int maxDepth = 16;  // the format itself needs 2
-
 [[noreturn]] void fail(const std::string& text) {
   throw std::runtime_error(text);
-}
-
-Json parsed(std::string_view text) {
-  const auto refuseDeepNesting = [](int depth, Json::parse_event_t, const Json&) {
-    if (depth > maxDepth) fail("nested too deeply");
-    return true;
-  };
-  try {
-    return Json::parse(text, refuseDeepNesting);
-  } catch (const Json::exception& error) {
-    const std::string reason = error.what();  // "[json.exception.NAME.NUMBER] reason"
-    const auto start = reason.find("] ");
-    fail("not valid JSON: " + (start == std::string::npos ? reason : reason.substr(start + 2)));
-  }
 }
 
 void decode(const Json& json, const std::string& path, bool& value) {
@@ -91,7 +76,7 @@ Json shortest(float value) {
 }  // namespace
 
 EngineSettings EngineSettings::fromJson(std::string_view text) {
-  const Json document = parsed(text);
+  const Json document = readJson(text);
   if (!document.is_object()) fail("not a JSON object");
   EngineSettings settings;
   decodeIfPresent(document, "enabled", settings.enabled);

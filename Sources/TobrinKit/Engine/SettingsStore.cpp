@@ -1,15 +1,18 @@
 #include "Engine/SettingsStore.h"
 
-#include <nlohmann/json.hpp>
+#include "Base/ReadJson.h"
 
 namespace tobrin {
 
 std::optional<std::string> SettingsStore::readText(std::string_view key) const {
   const auto saved = read(key);
   if (!saved) return std::nullopt;
-  const auto value = nlohmann::json::parse(*saved, nullptr, /*allow_exceptions=*/false);
-  if (!value.is_string()) return std::nullopt;
-  return value.get<std::string>();
+  try {
+    const auto value = readJson(*saved);
+    return value.is_string() ? std::optional(value.get<std::string>()) : std::nullopt;
+  } catch (const JsonError&) {
+    return std::nullopt;
+  }
 }
 
 bool SettingsStore::writeText(std::string_view key, std::string_view text) {

@@ -18,7 +18,7 @@ class SettingsStore {
   /// (the reason is logged, and what was saved before stays). Thread: main.
   virtual bool write(std::string_view key, std::string_view json) = 0;
 
-  /// Puts the value kept under `key` aside, so that replacing it loses nothing. Thread: main.
+  /// Forgets the value kept under `key`, but puts it aside, so that nothing is lost. Thread: main.
   virtual void keepAside(std::string_view key) = 0;
 
   /// A text kept as a JSON string; nothing where there is none or it is of another type.

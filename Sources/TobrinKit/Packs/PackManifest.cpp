@@ -1,10 +1,10 @@
 #include "Packs/PackManifest.h"
 
-#include <nlohmann/json.hpp>
 #include <set>
 #include <stdexcept>
 #include <system_error>
 
+#include "Base/ReadJson.h"
 #include "Base/RegularFile.h"
 #include "Packs/LoadedPack.h"
 #include "Packs/PackError.h"
@@ -15,7 +15,6 @@ namespace {
 using Json = nlohmann::json;
 
 constexpr uint64_t maxManifestBytes = 4u << 20;  // a starter pack's manifest has 3 KiB
-constexpr int maxDepth = 64;                     // the format itself needs 4
 
 constexpr const char* knownKeys[] = {"formatVersion", "id",     "name",    "kind",
                                      "summary",       "author", "license", "groups"};
@@ -24,12 +23,11 @@ constexpr const char* knownKeys[] = {"formatVersion", "id",     "name",    "kind
   throw std::runtime_error(text);
 }
 
-/// Watches the parser: refuses deep nesting, and names written twice where one of the two would be
-/// lost silently. Names that the format does not know are free (some authors repeat "comment").
+/// Watches the parser: refuses names written twice where one of the two would be lost silently.
+/// Names that the format does not know are free (some authors repeat "comment").
 class ParseGuard {
  public:
   bool operator()(int depth, Json::parse_event_t event, Json& parsed) {
-    if (depth > maxDepth) fail("nested too deeply");
     if (event == Json::parse_event_t::object_start) names_.emplace_back();
     if (event == Json::parse_event_t::object_end) names_.pop_back();
     if (event == Json::parse_event_t::key) note(depth, parsed.get_ref<const std::string&>());
@@ -48,16 +46,6 @@ class ParseGuard {
   std::vector<std::set<std::string>> names_;  // of the open objects, outermost first
   bool inGroups_ = false;
 };
-
-Json parsed(std::string_view text) {
-  try {
-    return Json::parse(text, ParseGuard());
-  } catch (const Json::exception& error) {
-    const std::string reason = error.what();  // "[json.exception.NAME.NUMBER] reason"
-    const auto start = reason.find("] ");
-    fail("not valid JSON: " + (start == std::string::npos ? reason : reason.substr(start + 2)));
-  }
-}
 
 const Json& required(const Json& object, const std::string& path, const char* key) {
   const auto found = object.find(key);
@@ -119,7 +107,7 @@ Json groupJson(const PackManifest::Group& group) {
 }  // namespace
 
 PackManifest PackManifest::fromJson(std::string_view text) {
-  const Json document = parsed(text);
+  const Json document = readJson(text, ParseGuard());
   if (!document.is_object()) fail("not a JSON object");
   PackManifest manifest;
   manifest.formatVersion = integerValue(required(document, "", "formatVersion"), "formatVersion");

@@ -1,8 +1,9 @@
 #include "Desktop/JsonSettingsStore.h"
 
-#include <fstream>
-#include <nlohmann/json.hpp>
+#include <system_error>
 
+#include "Base/ReadJson.h"
+#include "Base/RegularFile.h"
 #include "Building/AtomicFile.h"
 #include "Engine/Log.h"
 #include "Files/FlushToDisk.h"
@@ -10,33 +11,26 @@
 namespace tobrin {
 namespace {
 
+namespace fs = std::filesystem;
 using Json = nlohmann::json;
 
-constexpr std::uintmax_t largestFile = 1 << 20;  // far beyond any choices a user can make
-
-std::optional<std::string> contents(const std::filesystem::path& file) {
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(file, error)) return std::nullopt;
-  if (std::filesystem::file_size(file, error) > largestFile) return std::string();
-  std::ifstream stream(file, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(stream), {});
-}
-
-std::filesystem::path asideOf(std::filesystem::path file) {
-  return file += ".broken";
-}
+constexpr uint64_t largestFile = 1 << 20;  // bytes, far beyond any choices a user can make
 
 }  // namespace
 
-JsonSettingsStore::JsonSettingsStore(std::filesystem::path file) : file_(std::move(file)) {
-  const auto text = contents(file_);
-  if (!text) return;
-  const Json document = Json::parse(*text, nullptr, /*allow_exceptions=*/false);
-  if (!document.is_object()) {
-    copyAside();
-    Log::line("settings file " + file_.string() + " is broken; kept as " + asideOf(file_).string());
-    return;
+JsonSettingsStore::JsonSettingsStore(fs::path file) : file_(std::move(file)) {
+  try {
+    load();
+  } catch (const std::system_error& error) {
+    if (error.code() != std::errc::no_such_file_or_directory) moveAside(error.what());
+  } catch (const JsonError& error) {
+    moveAside(error.what());
   }
+}
+
+void JsonSettingsStore::load() {
+  const Json document = readJson(RegularFile(file_).readText(largestFile));
+  if (!document.is_object()) throw JsonError("not a JSON object");
   for (const auto& [key, value] : document.items())
     values_[key] = value.dump();
 }
@@ -59,21 +53,42 @@ bool JsonSettingsStore::write(std::string_view key, std::string_view json) {
 }
 
 void JsonSettingsStore::keepAside(std::string_view key) {
-  if (values_.contains(key)) copyAside();
+  const auto found = values_.find(key);
+  if (found == values_.end()) return;
+  const fs::path aside = nameAside();
+  try {
+    writeFileAtomically(aside, RegularFile(file_).readText(largestFile), flushToDisk);
+    values_.erase(found);
+    save();
+    Log::line("the settings as they were are kept as " + aside.string());
+  } catch (const std::exception& error) {
+    Log::line("settings can't be kept aside: " + std::string(error.what()));
+  }
 }
 
-void JsonSettingsStore::copyAside() const {
+void JsonSettingsStore::moveAside(const std::string& reason) const {
+  const fs::path aside = nameAside();
   std::error_code error;
-  std::filesystem::copy_file(file_, asideOf(file_),
-                             std::filesystem::copy_options::overwrite_existing, error);
-  if (error) Log::line("can't keep " + asideOf(file_).string() + ": " + error.message());
+  fs::rename(file_, aside, error);
+  Log::line("settings file " + file_.string() + " can't be read: " + reason +
+            (error ? "; nor renamed: " + error.message() : "; kept as " + aside.string()));
+}
+
+/// Beside the file, and of nothing that was kept before.
+fs::path JsonSettingsStore::nameAside() const {
+  const fs::path first = file_.string() + ".broken";
+  fs::path aside = first;
+  std::error_code none;
+  for (int number = 2; fs::exists(fs::symlink_status(aside, none)); ++number)
+    aside = (first.string() + ".").append(std::to_string(number));
+  return aside;
 }
 
 void JsonSettingsStore::save() const {
   Json document = Json::object();
   for (const auto& [key, json] : values_)
-    document[key] = Json::parse(json);
-  std::filesystem::create_directories(file_.parent_path());
+    document[key] = readJson(json);
+  fs::create_directories(file_.parent_path());
   writeFileAtomically(file_, document.dump(2) + "\n", flushToDisk);
 }
 

@@ -12,7 +12,8 @@ namespace tobrin {
 
 class JsonSettingsStore final : public SettingsStore {
  public:
-  /// Reads the file if it exists. One that is no JSON object is kept aside as "*.broken", and the
+  /// Reads the file if it exists. One that cannot be read, or is no JSON object, is renamed to
+  /// "*.broken" ("*.broken.2" and so on where there is one from before), which is logged, and the
   /// store starts empty.
   explicit JsonSettingsStore(std::filesystem::path file);
 
@@ -21,7 +22,9 @@ class JsonSettingsStore final : public SettingsStore {
   void keepAside(std::string_view key) override;
 
  private:
-  void copyAside() const;
+  void load();
+  void moveAside(const std::string& reason) const;
+  [[nodiscard]] std::filesystem::path nameAside() const;
   void save() const;  // throws what went wrong
 
   std::filesystem::path file_;

@@ -55,15 +55,27 @@ TEST(JsonSettingsStore, KeepsChoicesWhatItDoesNotKnowAndABrokenFileAside) {
   EXPECT_EQ(reread.readText("pack"), "a \"ü\"");
   EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()), {}), 1) << "nothing else";
 
-  for (const std::string broken : {"{\"engine\": ", "", "[1]", "{\"a\": \"\xff\"}"}) {
-    SCOPED_TRACE(broken);
+  std::string aside = file.string() + ".broken";
+  int kept = 1;
+  const std::string deep = "{\"a\": " + std::string(100'000, '[') + std::string(100'000, ']') + "}";
+  for (const std::string& broken : {std::string("{\"engine\": "), std::string(), std::string("[1]"),
+                                    std::string("{\"a\": \"\xff\"}"), deep}) {
+    SCOPED_TRACE(broken.substr(0, 20));
     folder.write("Tobrin/settings.json", broken);
     JsonSettingsStore fresh(file);
     EXPECT_EQ(fresh.read("engine"), std::nullopt);
     EXPECT_TRUE(fresh.writeText("pack", "new"));
-    EXPECT_EQ(testing::contentOf(file.string() + ".broken"), broken);
+    EXPECT_EQ(testing::contentOf(aside), broken);
     EXPECT_EQ(JsonSettingsStore(file).readText("pack"), "new");
+    aside = file.string() + ".broken." + std::to_string(++kept);
   }
+  JsonSettingsStore odd(file);
+  EXPECT_TRUE(odd.write("engine", "17"));
+  odd.keepAside("engine");
+  EXPECT_EQ(JsonSettingsStore(aside).read("engine"), "17");
+  EXPECT_EQ(JsonSettingsStore(file).read("engine"), std::nullopt)
+      << "put aside once, not each time";
+  EXPECT_EQ(JsonSettingsStore(file).readText("pack"), "new");
 }
 
 }  // namespace

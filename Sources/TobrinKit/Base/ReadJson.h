@@ -1,0 +1,24 @@
+/// Parses JSON text that others wrote, within bounds: what is nested without end would exhaust the
+/// stack of whoever writes it again, or the memory with its indentation. For sources that parse;
+/// keeps the JSON library out of every other header. Thread: any.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string_view>
+
+namespace tobrin {
+
+/// What is wrong with a JSON text, in a few words.
+class JsonError final : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Throws `JsonError` where `text` is no JSON, is longer than 16 MiB or has more than 32 arrays and
+/// objects in each other (no format of ours needs more than 4). `watch` sees the parser's events and
+/// may throw.
+[[nodiscard]] nlohmann::json readJson(std::string_view text,
+                                      const nlohmann::json::parser_callback_t& watch = nullptr);
+
+}  // namespace tobrin
