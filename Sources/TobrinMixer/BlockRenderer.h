@@ -25,6 +25,9 @@ class BlockRenderer final {
   /// Carries out one command. Returns whether a voice started.
   bool apply(const TBCommand& command) noexcept { return pool_.apply(command); }
 
+  /// Ends every voice at once.
+  void silence() noexcept { pool_.silence(); }
+
   /// Overwrites `frames` frames, with the master gain moving to `master` across them.
   void render(const OutputChannels& output, uint32_t frames, float master) noexcept;
 

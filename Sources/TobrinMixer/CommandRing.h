@@ -12,6 +12,7 @@ namespace tobrin {
 
 static_assert(std::is_trivially_copyable_v<TBCommand>);
 static_assert(std::atomic<uint32_t>::is_always_lock_free);
+static_assert(std::atomic<uint64_t>::is_always_lock_free);
 
 /// The queue between the one producer of commands and the render thread.
 ///
@@ -33,12 +34,31 @@ class CommandRing final {
     return true;
   }
 
-  /// Hands every waiting command to `apply`, oldest first. Thread: render.
-  template <typename Apply>
-  void drain(Apply&& apply) noexcept {
+  /// Has what waits now dropped instead of applied. Thread: producer.
+  void forget() noexcept {
+    const uint64_t order = forgotten_.load(std::memory_order_relaxed) + (uint64_t{1} << 32);
+    const uint64_t end = write_.load(std::memory_order_relaxed);
+    // Publishes the slots below `end` too, for a consumer that has not seen their count yet; pairs
+    // with the acquire load in drain().
+    forgotten_.store((order & ~uint64_t{UINT32_MAX}) | end, std::memory_order_release);
+  }
+
+  /// Calls `onForget` where something was to be forgotten since the last time, then hands every
+  /// waiting command to `apply`, oldest first. Thread: render.
+  template <typename Apply, typename OnForget>
+  void drain(Apply&& apply, OnForget&& onForget) noexcept {
     uint32_t read = read_.load(std::memory_order_relaxed);
-    // Pairs with the release store in push(): the slots below this count are filled.
-    const uint32_t end = write_.load(std::memory_order_acquire);
+    // Pairs with the release store in push(): the slots below this count are filled. Read before
+    // the order to forget, so that an order that came before a command is never overlooked.
+    uint32_t end = write_.load(std::memory_order_acquire);
+    const uint64_t order = forgotten_.load(std::memory_order_acquire);
+    if (order != obeyed_) {
+      obeyed_ = order;
+      onForget();
+      read = static_cast<uint32_t>(order);
+      if (end - read > TB_RING_CAPACITY) end = read;  // the order is the newer of the two
+      read_.store(read, std::memory_order_release);
+    }
     if (read == end) return;
     for (; read != end; ++read)
       apply(slots_[read % TB_RING_CAPACITY]);
@@ -52,7 +72,10 @@ class CommandRing final {
   static constexpr size_t cacheLine = 64;
 
   alignas(cacheLine) std::atomic<uint32_t> write_;
+  // The producer's: the number of the order to forget, and the count below which it holds.
+  std::atomic<uint64_t> forgotten_ = 0;
   alignas(cacheLine) std::atomic<uint32_t> read_;
+  uint64_t obeyed_ = 0;  // the consumer's
   alignas(cacheLine) std::array<TBCommand, TB_RING_CAPACITY> slots_{};
 };
 

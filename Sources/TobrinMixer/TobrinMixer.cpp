@@ -50,9 +50,11 @@ void count(std::atomic<uint64_t>& counter, uint64_t more) noexcept {
 }
 
 void applyCommands(TBMixer& mixer) noexcept {
-  mixer.ring.drain([&mixer](const TBCommand& command) {
-    if (mixer.renderer.apply(command)) count(mixer.startedVoices, 1);
-  });
+  mixer.ring.drain(
+      [&mixer](const TBCommand& command) {
+        if (mixer.renderer.apply(command)) count(mixer.startedVoices, 1);
+      },
+      [&mixer] { mixer.renderer.silence(); });
 }
 
 }  // namespace
@@ -71,6 +73,10 @@ bool tb_mixer_push(TBMixer* mixer, const TBCommand* command) noexcept {
   if (mixer->ring.push(*command)) return true;
   mixer->droppedCommands.fetch_add(1, std::memory_order_relaxed);
   return false;
+}
+
+void tb_mixer_forget(TBMixer* mixer) noexcept {
+  mixer->ring.forget();
 }
 
 void tb_mixer_set_master(TBMixer* mixer, float gain) noexcept {

@@ -19,6 +19,9 @@ class VoicePool final {
   /// Carries out one command. Returns whether a voice started.
   bool apply(const TBCommand& command) noexcept;
 
+  /// Ends every voice at once.
+  void silence() noexcept { active_ = 0; }
+
   [[nodiscard]] bool silent() const noexcept { return active_ == 0; }
   [[nodiscard]] uint32_t activeCount() const noexcept {
     return static_cast<uint32_t>(std::popcount(active_));

@@ -63,6 +63,23 @@ TEST(VoiceMixer, NewWeightsTakeTheCrossfadesTime) {
   }
 }
 
+TEST(VoiceMixer, ForgetsWhatSoundsAndWaitsButNothingThatComesLater) {
+  const std::vector<float> sound(9000, 0.5F), next(9000, 0.1F);
+  const MixerHandle mixer = makeMixer();
+  for (const uint32_t waiting : {0U, 3U, static_cast<uint32_t>(TB_RING_CAPACITY)}) {
+    push(mixer.get(), startOf(sound));
+    renderBlock(mixer.get(), 64);
+    for (uint32_t i = 0; i < waiting; ++i)
+      push(mixer.get(), startOf(sound));
+    tb_mixer_forget(mixer.get());
+    if (waiting < TB_RING_CAPACITY) push(mixer.get(), startOf(next));
+    const float expected = waiting < TB_RING_CAPACITY ? 0.1F : 0;
+    for (int block = 0; block < 2; ++block)
+      EXPECT_NEAR(renderBlock(mixer.get(), 64).left[63], expected, 1e-6) << waiting;
+    tb_mixer_forget(mixer.get());
+  }
+}
+
 TEST(VoiceMixer, PlaysForCallersInC) {
   const std::vector<float> sound(100, 0.5F);
   const MixerHandle mixer = makeMixer();
@@ -108,12 +125,14 @@ TEST(CommandRing, HandsEveryCommandOverWholeAndInOrderAcrossTheWrapOfItsCounts) 
   uint32_t received = 0;
   bool whole = true;
   while (received < total) {
-    ring.drain([&](const TBCommand& command) {
-      ++received;
-      whole = whole && command.type == received && command.tag == ~received &&
-              command.weights[0] == static_cast<float>(received) &&
-              command.layers[3].frames == received;
-    });
+    ring.drain(
+        [&](const TBCommand& command) {
+          ++received;
+          whole = whole && command.type == received && command.tag == ~received &&
+                  command.weights[0] == static_cast<float>(received) &&
+                  command.layers[3].frames == received;
+        },
+        [&] { whole = false; });
   }
   producer.join();
   EXPECT_TRUE(whole);

@@ -1,6 +1,5 @@
 #include "Engine/AudioOutput.h"
 
-#include <array>
 #include <cstdlib>
 #include <utility>
 
@@ -73,15 +72,11 @@ void AudioOutput::deviceChanged() {
 }
 
 void AudioOutput::forgetVoices() {
+  tb_mixer_forget(mixer_);
   MutexLock lock(mutex_);
-  if (isWanted_) return;  // the render thread has the mixer
-  std::array<float, 512> unheard{};
-  static_assert(unheard.size() > sampleRate * 0.006, "the mixer fades out over 6 ms");
-  tb_mixer_render(mixer_, unheard.data(), nullptr, 0);  // a full ring has room again
-  TBCommand release{};
-  release.type = TB_COMMAND_RELEASE_ALL;
-  tb_mixer_push(mixer_, &release);
-  tb_mixer_render(mixer_, unheard.data(), nullptr, unheard.size());
+  if (isWanted_) return;  // the render thread has the mixer and begins its next block with it
+  float unheard = 0;
+  tb_mixer_render(mixer_, &unheard, nullptr, 0);
 }
 
 bool AudioOutput::isRunning() const {

@@ -35,9 +35,9 @@ class AudioOutput final {
   /// until the next `start`.
   void pause();
 
-  /// Ends every voice and takes all waiting commands while paused, so that neither an old sound nor
-  /// a pointer into an old pack waits for the next start. Does nothing unless paused. The frames of
-  /// the fade count as rendered. Thread: the mixer's producer.
+  /// Ends every voice and drops all waiting commands, so that neither an old sound nor a pointer
+  /// into an old pack waits for the next block: for an output that is paused or stalled. Thread:
+  /// the mixer's producer.
   void forgetVoices();
 
   /// Never waits, also while a start does.

@@ -122,8 +122,9 @@ void ConductorCore::keyUp(const KeyEvent& event) {
 }
 
 void ConductorCore::playRelease(uint16_t code, float relative) {
-  if (settings_.enabled && settings_.releaseSounds && !devices_->isSuspended())
-    player_.release(code, relative, rng_);
+  if (!settings_.enabled || !settings_.releaseSounds || devices_->isSuspended()) return;
+  devices_->wake();
+  player_.release(code, relative, rng_);
 }
 
 void ConductorCore::apply(const EngineSettings& settings, bool wakeNow) {

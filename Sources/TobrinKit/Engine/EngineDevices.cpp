@@ -34,6 +34,7 @@ void EngineDevices::checkIdleness() {
 
 void EngineDevices::wake() {
   output_->start();
+  output_->expectSound();
   if (std::exchange(isSuspended_, false)) watchIdleness();
 }
 

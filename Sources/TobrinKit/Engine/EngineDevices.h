@@ -27,7 +27,8 @@ class EngineDevices final : public std::enable_shared_from_this<EngineDevices> {
   /// A key went down at `time`, in host ticks.
   void noteKey(uint64_t time) { lastActivity_ = time; }
 
-  /// Ends a suspension and starts the output if it does not run, as patiently as its keeper.
+  /// Ends a suspension and starts the output if it does not run, as patiently as its keeper. To be
+  /// called before anything that is to sound.
   void wake();
 
   /// Fades out, stops the sensor, and pauses the output once the fade has been played.

@@ -9,6 +9,9 @@ namespace {
 
 constexpr double retryMs = 1000;
 constexpr SerialQueue::Duration fadeCheckInterval = std::chrono::milliseconds(2);
+// Blocks of 8192 frames, the longest that sound servers use, take 171 ms.
+constexpr SerialQueue::Duration stallLimit = std::chrono::milliseconds(200);
+constexpr SerialQueue::Duration startLimit = std::chrono::milliseconds(1000);  // cards sleep deeply
 constexpr uint64_t fadeFrames = 288;  // the 6 ms in which the mixer releases its voices
 
 }  // namespace
@@ -19,7 +22,35 @@ OutputKeeper::OutputKeeper(SerialQueue& queue, std::unique_ptr<AudioOutput> audi
 void OutputKeeper::start() {
   if (std::exchange(state_, State::playing) == State::fading) ++fadeNumber_;
   if (audio_->isRunning() || queue_.now() < retry_) return;
-  if (!audio_->start()) retry_ = queue_.now() + MachTime::ticks(retryMs);
+  if (audio_->start())
+    watchFlow(startLimit);
+  else
+    retry_ = queue_.now() + MachTime::ticks(retryMs);
+}
+
+void OutputKeeper::expectSound() {
+  if (!audio_->isRunning()) return;
+  isExpecting_ = true;
+  watchFlow(stallLimit);
+}
+
+void OutputKeeper::watchFlow(SerialQueue::Duration limit) {
+  if (std::exchange(isWatching_, true)) return;
+  queue_.after(limit, [weak = weak_from_this(), rendered = audio_->renderedFrames()] {
+    if (const auto self = weak.lock()) self->checkFlow(rendered);
+  });
+}
+
+// A server that goes away or a card that hangs is noticed late or not at all, and keys are pushed
+// meanwhile. They must not all sound at once when it plays again.
+void OutputKeeper::checkFlow(uint64_t renderedBefore) {
+  isWatching_ = false;
+  const bool expecting = std::exchange(isExpecting_, false);
+  if (state_ == State::paused) return;
+  if (audio_->renderedFrames() == renderedBefore)
+    audio_->forgetVoices();
+  else if (expecting || audio_->activeVoices() > 0)
+    watchFlow(stallLimit);
 }
 
 void OutputKeeper::rest() {

@@ -1,5 +1,6 @@
-/// The output as the engine runs it: started when something is to sound, and paused only once what
-/// sounded has faded out. Thread: the conductor's queue, but for the constructor.
+/// The output as the engine runs it: started when something is to sound, rid of what comes too late
+/// to be played, and paused only once what sounded has faded out. Thread: the conductor's queue,
+/// but for the constructor.
 #pragma once
 
 #include <cstdint>
@@ -19,6 +20,10 @@ class OutputKeeper final : public std::enable_shared_from_this<OutputKeeper> {
   /// failed a moment ago is not asked again at once: its answer may take longer than a key may
   /// wait.
   void start();
+
+  /// Something is about to sound: forgets all sounds should the output play nothing for so long
+  /// that they come too late.
+  void expectSound();
 
   /// Fades out and pauses once the fade has been played, without waiting for that. An output that
   /// plays nothing is paused after `fadePatience`.
@@ -41,7 +46,6 @@ class OutputKeeper final : public std::enable_shared_from_this<OutputKeeper> {
  private:
   enum class State { playing, fading, paused };
 
-  /// Blocks of 8192 frames, the longest that sound servers use, take 171 ms.
   static constexpr SerialQueue::Duration fadePatience = std::chrono::milliseconds(400);
 
   struct Fade {
@@ -52,12 +56,16 @@ class OutputKeeper final : public std::enable_shared_from_this<OutputKeeper> {
 
   void pauseAfter(const Fade& fade);
   void checkFade(const Fade& fade);
+  void watchFlow(SerialQueue::Duration limit);
+  void checkFlow(uint64_t renderedBefore);
 
   SerialQueue& queue_;                        // fixed after construction
   const std::unique_ptr<AudioOutput> audio_;  // fixed after construction
   State state_ = State::playing;
-  uint64_t fadeNumber_ = 0;  // timers of earlier fades do nothing
-  uint64_t retry_ = 0;       // host ticks; not asked again before
+  uint64_t fadeNumber_ = 0;   // timers of earlier fades do nothing
+  uint64_t retry_ = 0;        // host ticks; not asked again before
+  bool isWatching_ = false;   // a look at the flow is due
+  bool isExpecting_ = false;  // something was to sound since the last look
 };
 
 }  // namespace tobrin

@@ -61,6 +61,11 @@ void tb_mixer_destroy(TBMixer* mixer) TB_NOEXCEPT;
 /// Returns false when all 512 slots are taken; the command is then lost and counted as dropped.
 bool tb_mixer_push(TBMixer* mixer, const TBCommand* command) TB_NOEXCEPT;
 
+/// Ends every voice without a fade and drops the commands that wait, before the next render does
+/// anything else: for an output that has been silent too long to go on where it was. No sample that
+/// was pushed before is read any more. Thread: the one producer; never blocks.
+void tb_mixer_forget(TBMixer* mixer) TB_NOEXCEPT;
+
 /// Sets the master gain, linear, clamped to [0, 4]; reached across the next rendered block.
 void tb_mixer_set_master(TBMixer* mixer, float gain) TB_NOEXCEPT;
 

@@ -331,6 +331,21 @@ TEST_F(ConductorTest, GoesOnWithoutAnOutputAndSavesNothingUpForIt) {
   EXPECT_GT(level(), 0);
 }
 
+TEST_F(ConductorTest, DropsWhatAStalledOutputDoesNotPlayInTime) {
+  conductor_->setPack(testing::TestPack::simple(480'000));
+  press();
+  listen(400);
+  for (const double stallMs : {60'000.0, 150.0}) {
+    for (int i = 0; i < 16; ++i) {
+      press(i % 2 == 0 ? KeyAction::down : KeyAction::up);
+      advance(1);
+    }
+    advance(stallMs);
+    EXPECT_EQ(level() > 0, stallMs < 200) << "neither keys nor the rest of an old sound";
+  }
+  EXPECT_EQ(conductor_->audio().startedVoices(), 1u + 16u);
+}
+
 TEST_F(ConductorTest, GoesOnWithoutASensor) {
   sensor_->stop();
   motion_.work(false);
