@@ -49,7 +49,7 @@ class Conductor final {
   void apply(const EngineSettings& settings, bool wakeNow);
   /// Fades what sounds, then plays from `pack` (null: silence). The old pack is kept alive for 2 s.
   void setPack(std::shared_ptr<const LoadedPack> pack);
-  /// Plays a short demonstration phrase.
+  /// Plays a short demonstration phrase, until the next one or another pack.
   void audition();
   void resetCalibration();
   /// Takes sensor and output up again after the machine slept.

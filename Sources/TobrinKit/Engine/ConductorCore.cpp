@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "Engine/Conductor.h"
-#include "Engine/DemonstrationPhrase.h"
 
 namespace tobrin {
 namespace {
@@ -48,7 +47,7 @@ void ConductorCore::handle(const KeyEvent& event) {
 void ConductorCore::keyDown(const KeyEvent& event) {
   held_.release(event.code);  // its key-up was lost
   if (!settings_.enabled || !player_.hasPack()) return;
-  devices_->noteKey(event.time);
+  devices_->noteActivity(event.time);
   devices_->wake();
   if (settings_.forceSensing && devices_->canSense())
     strikeSensed(event);
@@ -151,6 +150,7 @@ void ConductorCore::wake() {
 }
 
 void ConductorCore::suspend() {
+  ++phrase_;
   devices_->suspend();
   held_.clear();
 }
@@ -162,6 +162,7 @@ void ConductorCore::shutdown() {
 
 void ConductorCore::setPack(std::shared_ptr<const LoadedPack> pack) {
   assert(queue_.isCurrent());
+  ++phrase_;
   retire(player_.exchangePack(std::move(pack)));
 }
 
@@ -189,14 +190,27 @@ void ConductorCore::audition() {
   assert(queue_.isCurrent());
   if (!settings_.enabled) return;
   wake();
+  ++phrase_;
   if (!player_.hasPack()) return;
   for (const PhraseKey& key : demonstrationPhrase(rng_)) {
-    after(ticks(key.press), [key](ConductorCore& self) {
-      if (!self.devices_->isSuspended()) self.player_.press(key.code, {key.position, 1}, {});
-    });
-    after(ticks(key.press + phraseKeyHeld),
-          [code = key.code](ConductorCore& self) { self.playRelease(code, 1); });
+    inPhrase(key.press, [key](ConductorCore& self) { self.strikeDemonstrated(key); });
+    inPhrase(key.press + phraseKeyHeld,
+             [code = key.code](ConductorCore& self) { self.playRelease(code, 1); });
   }
+}
+
+/// Runs `task` later, if the phrase of now still lasts.
+template <typename Task>
+void ConductorCore::inPhrase(PhraseKey::Seconds delay, Task task) {
+  after(ticks(delay), [phrase = phrase_, run = std::move(task)](ConductorCore& self) {
+    if (self.phrase_ == phrase) run(self);
+  });
+}
+
+void ConductorCore::strikeDemonstrated(const PhraseKey& key) {
+  devices_->noteActivity(queue_.now());
+  devices_->wake();
+  player_.press(key.code, {key.position, 1}, {});
 }
 
 void ConductorCore::report(const ForceReading& reading) const {

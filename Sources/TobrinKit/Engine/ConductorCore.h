@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 
+#include "Engine/DemonstrationPhrase.h"
 #include "Engine/EngineDevices.h"
 #include "Engine/EngineSettings.h"
 #include "Engine/ForceStage.h"
@@ -58,8 +59,11 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   void suspend();
   void report(const ForceReading& reading) const;
   void showStage(const KeyEvent& event, double delayMs, const StrokeMeter::Reading& reading) const;
+  void strikeDemonstrated(const PhraseKey& key);
   template <typename Task>
   void after(SerialQueue::Duration delay, Task task);
+  template <typename Task>
+  void inPhrase(PhraseKey::Seconds delay, Task task);
 
   SerialQueue& queue_;
   EngineSettings settings_;
@@ -69,6 +73,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   StrokeMeter meter_;
   PressStrengths held_;
   SplitMix64 rng_;
+  uint64_t phrase_ = 0;  // number of the demonstration; what is left of earlier ones is not played
   ForceCallback onForce_;
   ForceStageCallback onStage_;
 };

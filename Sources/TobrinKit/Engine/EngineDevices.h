@@ -25,7 +25,7 @@ class EngineDevices final : public std::enable_shared_from_this<EngineDevices> {
   void watchIdleness();
 
   /// A key went down at `time`, in host ticks.
-  void noteKey(uint64_t time) { lastActivity_ = time; }
+  void noteActivity(uint64_t time) { lastActivity_ = time; }
 
   /// Ends a suspension and starts the output if it does not run, as patiently as its keeper. To be
   /// called before anything that is to sound.

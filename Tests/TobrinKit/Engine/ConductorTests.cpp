@@ -331,6 +331,34 @@ TEST_F(ConductorTest, GoesOnWithoutAnOutputAndSavesNothingUpForIt) {
   EXPECT_GT(level(), 0);
 }
 
+TEST_F(ConductorTest, AnAuditionKeepsItAwakeAndEndsTheOneBefore) {
+  constexpr int phraseBlocks = 563;  // 3 s, of which it takes 2
+  constexpr uint64_t phraseVoices = 2 * 16;
+  const auto auditioned = [this](int blocks) {
+    const uint64_t before = conductor_->audio().startedVoices();
+    conductor_->audition();
+    advance(0);
+    listen(blocks);
+    return conductor_->audio().startedVoices() - before;
+  };
+  advance(200'000);
+  EXPECT_FALSE(device_->running);
+  EXPECT_EQ(auditioned(phraseBlocks), phraseVoices);
+  const int pauses = device_->pauses;
+  advance(11'500);
+  EXPECT_EQ(auditioned(phraseBlocks), phraseVoices);
+  EXPECT_EQ(device_->pauses, pauses) << "after a look for idleness";
+  const uint64_t begun = auditioned(20);
+  EXPECT_LT(begun, 5u);
+  EXPECT_EQ(auditioned(phraseBlocks), phraseVoices) << "twice at once";
+  auditioned(20);
+  conductor_->setPack(testing::TestPack::simple());
+  const uint64_t before = conductor_->audio().startedVoices();
+  advance(0);
+  listen(phraseBlocks);
+  EXPECT_EQ(conductor_->audio().startedVoices(), before) << "another pack";
+}
+
 TEST_F(ConductorTest, DropsWhatAStalledOutputDoesNotPlayInTime) {
   conductor_->setPack(testing::TestPack::simple(480'000));
   press();
