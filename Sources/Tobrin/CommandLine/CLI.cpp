@@ -47,9 +47,8 @@ double CLI::seconds(const std::optional<std::string>& text, double fallback) {
   double value = 0;
   const char* end = text->data() + text->size();
   const auto [parsedTo, error] = std::from_chars(text->data(), end, value);
-  const bool isUsable =
-      error == std::errc() && parsedTo == end && std::isfinite(value) && value > 0;
-  return isUsable ? std::min(value, year) : fallback;
+  const bool isNumber = error == std::errc() && parsedTo == end && std::isfinite(value);
+  return isNumber ? std::clamp(value, 0.0, year) : fallback;
 }
 
 const char* CLI::usage() {

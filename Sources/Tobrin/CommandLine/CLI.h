@@ -12,8 +12,8 @@ struct CLI {
   /// exit status; nothing where the application is to start.
   static std::optional<int> run(const std::vector<std::string>& arguments);
 
-  /// A duration in seconds as people type it; text that is no positive finite number gives
-  /// `fallback`. At most a year.
+  /// A duration in seconds as people type it, from none to a year; text that is no finite number
+  /// gives `fallback`.
   static double seconds(const std::optional<std::string>& text, double fallback);
 
   static const char* usage();
