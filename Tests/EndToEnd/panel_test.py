@@ -122,6 +122,9 @@ class PanelTest(PanelDriver):
         self.click("Dome, Silent tactile")
         broken = eventually(lambda: next((each for each in screenreader.showing() if "couldn't load" in each.name), None))
         self.assertTrue(broken and broken.role == "alert" and broken.name.startswith("Dome couldn't load: "), broken)
+        shutil.copytree(PACKS / "dome", packs / "dome", dirs_exist_ok=True)
+        self.click("Dome, Silent tactile")
+        self.assertTrue(eventually(lambda: not named(broken.name)), "mended, and chosen again")
 
     def test_nothing_is_cut_in_large_type(self):
         os.environ.update(QT_FONT_DPI="192", QT_SCALE_FACTOR="1.5")

@@ -35,7 +35,7 @@ TEST_F(AppModelTest, ChoosesAPackAtTheStart) {
     if (row.writes > 0) {
       EXPECT_EQ(settings_.readText(AppModel::selectedPackKey), std::string(row.loaded));
     }
-    EXPECT_FALSE(isHeard()) << "the start is silent";
+    EXPECT_EQ(isHeard(), row.writes > 0) << "only another choice than the user's is auditioned";
   }
 }
 
@@ -63,9 +63,33 @@ TEST_F(AppModelTest, ADamagedPackIsNamedAndSilent) {
   model.audition();
   EXPECT_FALSE(isHeard()) << "another pack must not play under this one's name";
 
-  model.setSelectedPackID("alpha");
-  EXPECT_TRUE(isHeard());
+  damaged_.clear();
+  model.setSelectedPackID("omega");
+  EXPECT_TRUE(isHeard()) << "mended, and chosen again";
   EXPECT_EQ(model.packError(), std::nullopt);
+  damaged_ = {"omega"};
+  model.setSelectedPackID("omega");
+  advance(0);
+  EXPECT_EQ(loadedPack(), "omega") << "it is there already";
+}
+
+TEST_F(AppModelTest, OpeningThePanelLoadsWhatIsNot) {
+  const auto late = std::exchange(found_, {});
+  settings_.values[AppModel::selectedPackKey] = "\"omega\"";
+  AppModel& model = start();
+  advance(0);
+  EXPECT_EQ(model.packError(), "No sound packs found.");
+  found_ = late;
+  model.menuOpened();
+  EXPECT_FALSE(isHeard()) << "nothing was chosen";
+  EXPECT_EQ(loadedPack(), "omega");
+  EXPECT_EQ(model.packError(), std::nullopt);
+
+  damaged_ = {"omega"};
+  found_.back().directory = "elsewhere";  // another of that id
+  model.menuOpened();
+  advance(0);
+  EXPECT_EQ(loadedPack(), "none");
 }
 
 TEST_F(AppModelTest, BrokenSettingsAreKeptAsideAndUnchangedOnesNotWritten) {

@@ -96,7 +96,7 @@ void AppModel::wireCallbacks() {
 
 void AppModel::start() {
   refreshPacks();
-  loadSelectedPack(false);
+  if (!packOfLoad_) loadSelectedPack(false);  // else another was chosen, for the user to hear
   if (preview_) return;
   conductor_->apply(effectiveSettings(), true);
   keyAccess_->start();
@@ -214,7 +214,10 @@ const PackInfo* AppModel::selectedPack() const {
 }
 
 void AppModel::setSelectedPackID(const std::string& id) {
-  if (id == selectedPackID_) return;
+  if (id == selectedPackID_) {
+    loadWhereMissing(true);
+    return;
+  }
   selectedPackID_ = id;
   if (!preview_) services_.settings.writeText(selectedPackKey, id);
   emit selectedPackChanged();
@@ -232,9 +235,15 @@ void AppModel::refreshPacks() {
   if (selectedPack() == nullptr && !packs_.empty()) select(packs_.front());
 }
 
+void AppModel::loadWhereMissing(bool audition) {
+  const PackInfo* selected = selectedPack();
+  if (selected != nullptr && packOfLoad_ != *selected) loadSelectedPack(audition);
+}
+
 void AppModel::loadSelectedPack(bool audition) {
   const uint64_t number = ++loadNumber_;
   const PackInfo* selected = selectedPack();
+  packOfLoad_ = selected != nullptr ? std::optional(*selected) : std::nullopt;
   if (selected == nullptr) {
     install(nullptr, false);
     setPackError(packs_.empty() ? std::optional<std::string>("No sound packs found.")
@@ -252,6 +261,7 @@ void AppModel::loadSelectedPack(bool audition) {
     }
     main.async([this, self, number, audition, pack, problem] {
       if (*self == nullptr || number != loadNumber_) return;
+      if (pack == nullptr) packOfLoad_.reset();
       install(pack, audition && pack != nullptr);
       setPackError(pack != nullptr ? std::nullopt : std::optional(problem));
     });
@@ -262,7 +272,7 @@ void AppModel::install(std::shared_ptr<const LoadedPack> pack, bool audition) {
   manifest_ = pack != nullptr ? std::optional(pack->manifest()) : std::nullopt;
   conductor_->setPack(std::move(pack));
   emit selectedPackChanged();
-  if (audition) conductor_->audition();
+  if (audition && !preview_) conductor_->audition();
 }
 
 void AppModel::setPackError(std::optional<std::string> text) {
@@ -276,6 +286,7 @@ void AppModel::setPackError(std::optional<std::string> text) {
 
 void AppModel::menuOpened() {
   refreshPacks();
+  loadWhereMissing(false);
   lookForKeyAccess();
   registerShortcut();
 }

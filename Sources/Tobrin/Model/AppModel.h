@@ -43,6 +43,8 @@ class AppModel final : public QObject {
   [[nodiscard]] const EngineSettings& settings() const { return settings_; }
   void setSettings(const EngineSettings& settings);
   [[nodiscard]] const std::string& selectedPackID() const { return selectedPackID_; }
+  /// Chooses a pack, loads and auditions it. The one that is chosen already is loaded again only
+  /// where that has failed or has become another.
   void setSelectedPackID(const std::string& id);
   void select(const PackInfo& pack) { setSelectedPackID(pack.id); }
 
@@ -111,6 +113,9 @@ class AppModel final : public QObject {
   void micChanged(bool inUse);
   void lookForKeyAccess();
   void loadSelectedPack(bool audition);
+  /// Loads the selected pack unless it is loaded, or on its way, as it was found last: one that
+  /// appeared late, was mended or was replaced by another of its id.
+  void loadWhereMissing(bool audition);
   /// Plays from `pack` from now on; null: from none, so that no other pack sounds under its name.
   void install(std::shared_ptr<const LoadedPack> pack, bool audition);
   void setPackError(std::optional<std::string> text);
@@ -134,6 +139,7 @@ class AppModel final : public QObject {
   bool micInUse_ = false;
   GlobalHotkey::Status shortcutStatus_;
 
+  std::optional<PackInfo> packOfLoad_;  // what is loaded or on its way; none where that failed
   uint64_t loadNumber_ = 0;  // the newest pack load; older ones are dropped when they end
 
   std::shared_ptr<AppModel*> self_;  // null inside once the model is gone; shared with posted tasks

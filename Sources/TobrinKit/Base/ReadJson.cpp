@@ -25,8 +25,8 @@ std::string reasonOf(const Json::exception& error) {
 Json readJson(std::string_view text, const Json::parser_callback_t& watch) {
   if (text.size() > longestText) throw JsonError("longer than 16 MiB");
   const auto guard = [&watch](int depth, Json::parse_event_t event, Json& parsed) {
-    const bool opens = event == Json::parse_event_t::array_start ||
-                       event == Json::parse_event_t::object_start;
+    const bool opens =
+        event == Json::parse_event_t::array_start || event == Json::parse_event_t::object_start;
     if (opens && depth >= mostNested) throw JsonError("nested too deeply");
     return !watch || watch(depth, event, parsed);
   };

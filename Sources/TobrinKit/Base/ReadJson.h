@@ -16,8 +16,8 @@ class JsonError final : public std::runtime_error {
 };
 
 /// Throws `JsonError` where `text` is no JSON, is longer than 16 MiB or has more than 32 arrays and
-/// objects in each other (no format of ours needs more than 4). `watch` sees the parser's events and
-/// may throw.
+/// objects in each other (no format of ours needs more than 4). `watch` sees the parser's events
+/// and may throw.
 [[nodiscard]] nlohmann::json readJson(std::string_view text,
                                       const nlohmann::json::parser_callback_t& watch = nullptr);
 
