@@ -5,10 +5,13 @@
 #include "Application/Application.h"
 #include "CommandLine/CLI.h"
 #include "Confinement/Confinement.h"
+#include "Engine/Log.h"
+#include "SystemLog/SystemLog.h"
 
 int main(int argc, char** argv) {
   // Whoever reads our output through a pipe gets each line as it is written.
   static_cast<void>(std::setvbuf(stdout, nullptr, _IOLBF, 0));
+  tobrin::Log::setSink(tobrin::systemLog());
   tobrin::Confinement::keepNoCore();
   const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
   if (const auto status = tobrin::CLI::run(arguments)) return *status;

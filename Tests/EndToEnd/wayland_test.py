@@ -3,6 +3,7 @@
 
 import os
 import pathlib
+import socket
 import subprocess
 import sys
 import unittest
@@ -12,7 +13,7 @@ sys.path.insert(0, str(TOOLS))
 from desktopclients import screenreader  # noqa: E402
 from desktopclients.traywatcher import TrayWatcher  # noqa: E402
 from listening import Background, panels, xdotool  # noqa: E402
-from listening.panel import PanelDriver, eventually, focused, named  # noqa: E402
+from listening.panel import PATIENCE, PanelDriver, eventually, focused, named  # noqa: E402
 
 PACKS, PROGRAM = pathlib.Path(sys.argv.pop()), pathlib.Path(sys.argv.pop())
 LOCKED, SKIPPED = TOOLS / "with-locked-keyboard", 77
@@ -76,12 +77,18 @@ class WaylandTest(PanelDriver):
         self.shows("Blue Click · Fixed strength", "Ctrl+Alt+Super+K in any app to turn sounds on or off")
 
         program.stop()
-        self.within = (LOCKED, "sh", "-c", 'rm -r /dev/input; exec "$0"')
+        log = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+        log.bind(str(self.folder / "log"))
+        log.settimeout(PATIENCE)
+        self.within = (LOCKED, "sh", "-c", f'rm -r /dev/input; ln -s {self.folder}/log /dev/log; exec "$0"')
         program = self.start_with_panel()
         (self.folder / "asked").unlink()
         eventually(lambda: named("Allow Access…")).press()
         self.shows(TITLE, "Access to keys can't be set up: this system has no input devices")
         self.assertFalse((self.folder / "asked").exists(), "nobody is asked in vain")
+        while not log.recv(1000).endswith(b": Tobrin: Access to keys can't be set up: this system has no input devices"):
+            pass
+        log.close()
 
     def test_the_panel_is_a_small_window_that_moves_closes_and_comes_back(self):
         program = self.start_with_panel()

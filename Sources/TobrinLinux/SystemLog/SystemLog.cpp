@@ -1,0 +1,60 @@
+#include "SystemLog/SystemLog.h"
+
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "Motion/FileDescriptor.h"
+
+namespace tobrin {
+namespace {
+
+class Daemon final {
+ public:
+  explicit Daemon(const std::filesystem::path& socket)
+      : socket_(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
+    address_.sun_family = AF_UNIX;
+    socket.native().copy(address_.sun_path, sizeof address_.sun_path - 1);
+  }
+
+  /// To the address, not over a connection: a daemon that starts again gets the next line.
+  void send(const std::string& line) const {
+    std::string text = "<";
+    text.append(std::to_string(LOG_MAKEPRI(LOG_USER, LOG_NOTICE))).append(">tobrin[");
+    text.append(std::to_string(getpid())).append("]: ").append(line);
+    ::sendto(socket_.get(), text.data(), text.size(), MSG_NOSIGNAL,
+             reinterpret_cast<const sockaddr*>(&address_), sizeof address_);
+  }
+
+ private:
+  FileDescriptor socket_;
+  sockaddr_un address_{};
+};
+
+/// A service's or a desktop's programs are often started so; each line would be there twice.
+bool standardErrorIsTheJournal() {
+  const char* stream = std::getenv("JOURNAL_STREAM");  // NOLINT(concurrency-mt-unsafe)
+  struct stat status {};
+  if (stream == nullptr || fstat(STDERR_FILENO, &status) != 0) return false;
+  return stream == std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
+}
+
+}  // namespace
+
+Log::Sink systemLog(const std::filesystem::path& socket) {
+  const auto daemon =
+      standardErrorIsTheJournal() ? nullptr : std::make_shared<const Daemon>(socket);
+  return [daemon](const std::string& line) {
+    static_cast<void>(std::fprintf(stderr, "%s\n", line.c_str()));
+    if (daemon != nullptr) daemon->send(line);
+  };
+}
+
+}  // namespace tobrin

@@ -1,0 +1,14 @@
+/// The program's diagnostics, on standard error and in the system's log (journal or syslog).
+#pragma once
+
+#include <filesystem>
+
+#include "Engine/Log.h"
+
+namespace tobrin {
+
+/// For `Log::setSink`. It sends to the log daemon's socket and never waits: a daemon that hangs or
+/// is missing costs lines, not keys.
+[[nodiscard]] Log::Sink systemLog(const std::filesystem::path& socket = "/dev/log");
+
+}  // namespace tobrin
