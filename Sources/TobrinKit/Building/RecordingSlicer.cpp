@@ -60,11 +60,15 @@ Fate fateOf(const Hit& hit, float faintest) {
 std::vector<Fate> fatesOf(const std::vector<Hit>& hits, std::size_t mergeDistance) {
   const float faintest = faintestEnergy(hits);
   std::vector<Fate> fates;
-  std::size_t freeFrom = 0;
-  for (const Hit& hit : hits) {
-    // Refinement may have moved an onset onto the hit before.
-    fates.push_back(hit.onset < freeFrom ? Fate::repeated : fateOf(hit, faintest));
-    freeFrom = std::max(freeFrom, hit.onset + mergeDistance);
+  std::size_t last = 0;  // that is no twin
+  for (std::size_t i = 0; i < hits.size(); ++i) {
+    fates.push_back(fateOf(hits[i], faintest));
+    // Refinement may have moved an onset onto its neighbour's, a release onto the next press as
+    // well: the sound is that of the stronger one.
+    const bool isTwin = i > 0 && hits[i].onset < hits[last].onset + mergeDistance;
+    const std::size_t weaker = isTwin && hits[i].energy > hits[last].energy ? last : i;
+    if (isTwin) fates[weaker] = Fate::repeated;
+    if (weaker != i || !isTwin) last = i;
   }
   return fates;
 }
@@ -120,10 +124,10 @@ std::string reportOf(const RecordingSlicer::Result& result) {
   char text[256];
   (void)std::snprintf(text, sizeof text,
                       "%zu hits: %td presses, %td big presses, %td releases, %td clipped, "
-                      "%td overlapping, %td too faint; noise floor %.1f dB",
+                      "%td overlapping, %td too faint, %td repeated; noise floor %.1f dB",
                       result.hits.size(), count(Fate::press), count(Fate::bigPress),
-                      count(Fate::release), count(Fate::clipped),
-                      count(Fate::overlapping) + count(Fate::repeated), count(Fate::faint),
+                      count(Fate::release), count(Fate::clipped), count(Fate::overlapping),
+                      count(Fate::faint), count(Fate::repeated),
                       20 * std::log10(static_cast<double>(result.noiseFloor)));
   return text;
 }

@@ -72,7 +72,7 @@ struct RecordingSlicer {
     clipped,
     overlapping,  ///< begun while something else sounded
     faint,        ///< residue far below any key, as a noise gate leaves it
-    repeated      ///< within the merge distance of the hit before
+    repeated      ///< within the merge distance of a stronger neighbour
   };
 
   struct Result {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -134,6 +135,24 @@ TEST(RecordingSlicer, MergesWhatIsCloserThanTheMergeDistance) {
     piece.add(0.5 + apart, 0.3, 1, 0.2);
     EXPECT_EQ(piece.slice().hits.size(), hits) << apart;
   }
+}
+
+TEST(RecordingSlicer, KeepsThePressThatAReleaseWasMovedOnto) {
+  Composition piece(15);
+  std::ptrdiff_t presses = 0;
+  for (double at = 0.5; at < 14; at += 0.3, ++presses) {
+    piece.add(at, 0.003, 1.3, 0.6);
+    piece.add(at + 0.06, 0.1 + 0.1 * piece.rng().unit());
+  }
+  using Fate = RecordingSlicer::Fate;
+  const auto result = piece.slice();
+  const auto count = [&](Fate fate) {
+    return std::count(result.fates.begin(), result.fates.end(), fate);
+  };
+  EXPECT_EQ(count(Fate::press) + count(Fate::bigPress), presses) << result.report;
+  EXPECT_GT(count(Fate::repeated), 0);
+  EXPECT_NE(result.report.find(", " + std::to_string(count(Fate::repeated)) + " repeated;"),
+            std::string::npos);
 }
 
 /// Expected is what looking through all nodes for every edge gave: none may be taken for another.
