@@ -17,11 +17,13 @@
 #include "PrintableText.h"
 #include "Progress.h"
 #include "ScriptFile.h"
+#include "Warnings.h"
 
 namespace tobrin {
 namespace {
 
 constexpr int engineRate = 48000;
+constexpr const char* exampleScript = R"([{"time":0,"code":0,"action":"","position":0}])";
 
 struct Options {
   std::string pack;
@@ -37,19 +39,23 @@ struct Options {
   std::string format = "s16";
 };
 
-/// Reads and parses a file; a fault in its content names the file.
+/// Reads and parses a file; a fault in its content names the file. `example` as for
+/// `unknownNames`.
 template <typename Parse>
-auto parseFile(const std::string& path, Parse parse) {
+auto parseFile(const std::string& path, Parse parse, std::string_view example, std::ostream& err) {
   const std::string content = readInputFile(path);
   try {
-    return parse(content);
+    auto parsed = parse(content);
+    warnOfUnknownNames(path, content, example, err);
+    return parsed;
   } catch (const std::runtime_error& error) {
     throw std::runtime_error("Can't read " + path + ": " + error.what());
   }
 }
 
-std::vector<ScriptedKey> scriptOf(const Options& options) {
-  if (!options.scriptFile.empty()) return parseFile(options.scriptFile, parseScript);
+std::vector<ScriptedKey> scriptOf(const Options& options, std::ostream& err) {
+  if (!options.scriptFile.empty())
+    return parseFile(options.scriptFile, parseScript, exampleScript, err);
   const std::string text = options.text ? *options.text : readInputFile(options.textFile);
   const auto strength = static_cast<float>(options.strength);
   return typingScript(text, options.wpm, options.seed,
@@ -96,11 +102,12 @@ void report(const OfflineRenderer::Sound& sound, const Options& options, std::os
 }
 
 void run(const Options& options, const CommandStreams& streams) {
-  const std::vector<ScriptedKey> script = scriptOf(options);
+  const std::vector<ScriptedKey> script = scriptOf(options, streams.err);
   demandRoom(script, options);
   const EngineSettings settings = options.settingsFile.empty()
                                       ? EngineSettings()
-                                      : parseFile(options.settingsFile, EngineSettings::fromJson);
+                                      : parseFile(options.settingsFile, EngineSettings::fromJson,
+                                                  EngineSettings().toJson(), streams.err);
   const auto pack = LoadedPack::load(PackInfo::read(options.pack, false), engineRate);
   OfflineRenderer::Sound sound;
   {

@@ -95,11 +95,28 @@ std::string PackRecipe::licenseText() const {
   return "Recordings: " + lines + ". Sliced and leveled for Tobrin.";
 }
 
+void PackRecipe::resolvePaths(const std::filesystem::path& folder) {
+  const auto resolve = [&](std::vector<Source>& list) {
+    for (Source& source : list) {
+      const auto file = source.file();
+      if (file && file->is_relative()) source.previewURL = (folder / *file).string();
+    }
+  };
+  resolve(sources);
+  if (enterSources) resolve(*enterSources);
+}
+
+bool PackRecipe::isOne(std::string_view text) {
+  const Json document = parsedJson(text);
+  return document.is_object() && document.contains("sources");
+}
+
 PackRecipe PackRecipe::fromJson(std::string_view text) {
   const Json document = parsedJson(text);
   const JsonFields fields(document, "");
   PackRecipe recipe;
   recipe.id = fields.text("id");
+  if (recipe.id.empty()) fields.fail("id", "must not be empty");
   recipe.name = fields.text("name");
   recipe.kind = fields.text("kind");
   recipe.summary = fields.text("summary");

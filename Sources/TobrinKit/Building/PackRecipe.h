@@ -19,7 +19,7 @@ struct PackRecipe {
     std::string user;         ///< its author
     std::string title;
     std::string license;
-    std::string previewURL;       ///< what is fetched: an http, https or file address
+    std::string previewURL;       ///< what is fetched: an http, https or file address, or a path
     std::optional<double> start;  ///< seconds; absent: from the beginning
     std::optional<double> end;    ///< seconds; absent: to the end
 
@@ -49,6 +49,11 @@ struct PackRecipe {
   /// The pack's licence text: every recording's credit line.
   [[nodiscard]] std::string licenseText() const;
 
+  /// Relative paths of recordings lead on from `folder`, where the recipe lies.
+  void resolvePaths(const std::filesystem::path& folder);
+
+  /// Whether a JSON document is a recipe rather than slicer options alone. Throws `RecipeError`.
+  static bool isOne(std::string_view text);
   /// Throws `RecipeError` that names the key at fault and what is wrong with it.
   static PackRecipe fromJson(std::string_view text);
   [[nodiscard]] std::string toJson() const;

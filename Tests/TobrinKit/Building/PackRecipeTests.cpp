@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Building/UnknownNames.h"
 #include "Support/Failure.h"
 
 namespace tobrin {
@@ -38,6 +39,7 @@ TEST(PackRecipe, RefusesWhatIsWrongByItsKey) {
           {"[]", "object"},
           {"{\"id\": 3}", "\"id\" must be a text"},
           {"{}", "\"id\" is missing"},
+          {"{\"id\": \"\"}", "\"id\" must not be empty"},
           {recipe(R"(, "options": {"gainDb": "loud"})"), "\"gainDb\" must be a number"},
           {recipe(R"(, "options": {"alphaVariants": 2.5})"), "\"alphaVariants\" must be a whole"},
           {recipe(R"(, "options": {"bigKeyShare": 1e300})"), "\"bigKeyShare\" must lie between"},
@@ -48,6 +50,24 @@ TEST(PackRecipe, RefusesWhatIsWrongByItsKey) {
                   "}"),
            "nested too deeply"},
       });
+}
+
+TEST(UnknownNames, SayWhatMayHaveBeenMeant) {
+  const std::string manifest =
+      R"({"id": "", "groups": {"aplha": {}, "space": {"down": {"slma": [], "Soft": []}, "Up": []}}})";
+  const std::string slips = recipe(R"(, "options": {"alphaVariant": 8, "noReleases": true})");
+  using Lines = std::vector<std::string>;
+  EXPECT_EQ(unknownNames(recipe(), exampleRecipe()), Lines());
+  EXPECT_EQ(unknownNames(slips, exampleRecipe()),
+            (Lines{"\"options.alphaVariant\" is not known and has no effect; is it "
+                   "\"alphaVariants\"?"}));
+  EXPECT_EQ(unknownNames(manifest, exampleManifest()),
+            (Lines{"\"groups.aplha\" is not known and has no effect; is it \"alpha\"?",
+                   "\"groups.space.Up\" is not known and has no effect; is it \"up\"?",
+                   "\"groups.space.down.slma\" is not known and has no effect; is it \"slam\"?"}));
+  EXPECT_EQ(unknownNames(R"([{"comment": 1}, {"tiem": 2}])", R"([{"time": 0}])"),
+            (Lines{"\"[0].comment\" is not known and has no effect",
+                   "\"[1].tiem\" is not known and has no effect; is it \"time\"?"}));
 }
 
 }  // namespace
