@@ -12,6 +12,7 @@
 #include "JsonOutput.h"
 #include "Packs/LoadedPack.h"
 #include "Process/SpawningProcessRunner.h"
+#include "Warnings.h"
 
 namespace tobrin {
 namespace {
@@ -36,9 +37,13 @@ fs::path defaultCache() {
   return (home.empty() ? fs::temp_directory_path() : home / ".cache") / "tobrin";
 }
 
-PackRecipe recipeFrom(const std::string& file) {
+PackRecipe recipeFrom(const std::string& file, std::ostream& err) {
+  const std::string content = readInputFile(file);
   try {
-    return PackRecipe::fromJson(readInputFile(file));
+    PackRecipe recipe = PackRecipe::fromJson(content);
+    recipe.resolvePaths(fs::path(file).parent_path());
+    warnOfUnknownNames(file, content, exampleRecipe(), err);
+    return recipe;
   } catch (const RecipeError& error) {
     throw std::runtime_error(file + ": " + error.what());
   }
@@ -54,7 +59,7 @@ void printResult(const fs::path& folder, std::ostream& out) {
 }
 
 void run(const Options& options, const CommandStreams& streams) {
-  const PackRecipe recipe = recipeFrom(options.recipe);
+  const PackRecipe recipe = recipeFrom(options.recipe, streams.err);
   const fs::path cache = options.cache.empty() ? defaultCache() : fs::path(options.cache);
   std::ostream& progress = options.json ? streams.err : streams.out;
   progress << "building " << recipe.name << std::endl;
@@ -65,8 +70,8 @@ void run(const Options& options, const CommandStreams& streams) {
 }
 
 constexpr const char* footer = R"(
-Recordings are fetched once and kept in the cache; "previewURL" may be a file address. A failed
-build leaves the folder as it was.
+Recordings are fetched once and kept in the cache; "previewURL" may be a file address or a path,
+relative to the recipe. A failed build leaves the folder as it was.
 
 Examples:
   tobrin-packs build mine.json --into ~/.local/share/Tobrin/Packs/mine

@@ -1,7 +1,6 @@
 #include "ListCommand.h"
 
 #include <algorithm>
-#include <iomanip>
 
 #include "JsonOutput.h"
 #include "Packs/PackLibrary.h"
@@ -10,16 +9,19 @@
 namespace tobrin {
 namespace {
 
+constexpr std::size_t widestColumn = 40;
+
 void printList(const std::vector<PackInfo>& packs, std::ostream& out) {
   std::size_t idWidth = 0;
   std::size_t nameWidth = 0;
   for (const PackInfo& pack : packs) {
-    idWidth = std::max(idWidth, pack.id.size());
-    nameWidth = std::max(nameWidth, pack.name.size());
+    idWidth = std::max(idWidth, widthOf(pack.id));
+    nameWidth = std::max(nameWidth, widthOf(pack.name));
   }
   const auto column = [&out](const std::string& text, std::size_t width) {
-    out << std::left << std::setw(static_cast<int>(std::min<std::size_t>(width, 40)))
-        << printable(text) << "  ";
+    const std::size_t filled = widthOf(text);
+    width = std::min(width, widestColumn);
+    out << printable(text) << std::string(filled < width ? width - filled : 0, ' ') << "  ";
   };
   for (const PackInfo& pack : packs) {
     column(pack.id, idWidth);

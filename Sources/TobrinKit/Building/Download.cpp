@@ -14,8 +14,7 @@ constexpr long connectSeconds = 15;
 constexpr long stalledSeconds = 30;
 constexpr long stalledBytesPerSecond = 100;
 constexpr long mostRedirects = 10;
-constexpr const char* protocols = "http,https,file";
-constexpr const char* redirectProtocols = "http,https";  // no server points into our files
+constexpr const char* protocols = "http,https";  // no server points into our files
 
 std::size_t append(const char* data, std::size_t size, std::size_t count, void* into) {
   auto& content = *static_cast<std::string*>(into);
@@ -50,7 +49,7 @@ void Download::fetch(const std::string& url, const std::filesystem::path& file) 
   curl_easy_setopt(curl, CURLOPT_URL, url.c_str());
   curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, detail);
   curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, protocols);
-  curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, redirectProtocols);
+  curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, protocols);
   curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
   curl_easy_setopt(curl, CURLOPT_MAXREDIRS, mostRedirects);
   curl_easy_setopt(curl, CURLOPT_FAILONERROR, 1L);

@@ -17,7 +17,7 @@ class DownloadError final : public std::runtime_error {
 struct Download {
   static constexpr int64_t largestBytes = 512LL << 20;  ///< more is refused
 
-  /// Fetches http, https and file addresses, following redirects, and moves the result to `file`
+  /// Fetches http and https addresses, following redirects, and moves the result to `file`
   /// only when it is complete. A server that stalls is given up after half a minute. Throws
   /// `DownloadError`, or `std::filesystem::filesystem_error` where it cannot be kept. Thread: any.
   static void fetch(const std::string& url, const std::filesystem::path& file);

@@ -11,17 +11,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A folder that is no pack is somebody's own: it is not for us to replace.
-void refuseForeignFolder(const fs::path& target) {
-  if (!fs::exists(target)) return;
-  const bool isOurs = fs::is_directory(target) &&
-                      (fs::is_empty(target) || fs::exists(target / PackManifest::fileName));
-  if (isOurs) return;
-  throw std::runtime_error(target.string() + " exists and is no sound pack; it was left alone");
+[[noreturn]] void leaveAlone(const fs::path& target, const char* reason) {
+  throw std::runtime_error(target.string() + " " + reason + "; it was left alone");
+}
+
+/// Whether this process works in the folder or below it: it would stand in a folder that is gone,
+/// and so would the shell that it was started from.
+bool isUnderfoot(const fs::path& folder) {
+  std::error_code gone;
+  const fs::path here = fs::current_path(gone);
+  return !gone && *here.lexically_relative(folder).begin() != "..";
 }
 
 fs::path folderBeside(const fs::path& target) {
-  refuseForeignFolder(target);
   fs::create_directories(target.parent_path());
   std::string prefix(1, '.');
   prefix.append(target.filename().string()).append(".building-");
@@ -34,9 +36,21 @@ fs::path folderBeside(const fs::path& target) {
 
 }  // namespace
 
+fs::path PackFolder::replaceable(const fs::path& wanted) {
+  fs::path target = fs::weakly_canonical(fs::absolute(wanted));
+  if (!target.has_filename()) target = target.parent_path();
+  if (fs::is_symlink(target)) leaveAlone(target, "is a link that leads nowhere");
+  if (!fs::exists(target)) return target;
+  // A folder that is no pack is somebody's own.
+  const bool isOurs = fs::is_directory(target) &&
+                      (fs::is_empty(target) || fs::exists(target / PackManifest::fileName));
+  if (!isOurs) leaveAlone(target, "exists and is no sound pack");
+  if (isUnderfoot(target)) leaveAlone(target, "is in use: this runs in it");
+  return target;
+}
+
 PackFolder::PackFolder(const fs::path& target)
-    : target_(fs::absolute(target.has_filename() ? target : target.parent_path())),
-      aside_(folderBeside(target_)) {}
+    : target_(replaceable(target)), aside_(folderBeside(target_)) {}
 
 PackFolder::~PackFolder() {
   std::error_code ignored;

@@ -13,7 +13,12 @@ using FolderExchange =
 
 class PackFolder final {
  public:
-  /// Makes an empty folder beside `target`. Throws `std::filesystem::filesystem_error`.
+  /// The folder that a pack built into `wanted` replaces: its full path, links followed. Throws
+  /// `std::runtime_error` where that is not for us to replace. Changes nothing.
+  static std::filesystem::path replaceable(const std::filesystem::path& wanted);
+
+  /// Makes an empty folder beside `target`, which must be `replaceable`. Throws
+  /// `std::filesystem::filesystem_error`.
   explicit PackFolder(const std::filesystem::path& target);
 
   /// Removes what was not moved into place.

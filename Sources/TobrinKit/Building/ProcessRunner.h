@@ -12,9 +12,9 @@ class ProcessRunner {
   virtual ~ProcessRunner() = default;
 
   /// Runs `program` with `arguments` as they are, never through a shell, with this process's
-  /// environment and no standard input. Returns its exit status, 128 and the signal's number where
-  /// a signal ended it. Throws `std::system_error` where it cannot be started. Thread: any, several
-  /// at once.
+  /// environment, no standard input, and nowhere to print. Returns its exit status, 128 and the
+  /// signal's number where a signal ended it. Throws `std::system_error` where it cannot be
+  /// started. Thread: any, several at once.
   [[nodiscard]] virtual int run(const std::filesystem::path& program,
                                 const std::vector<std::string>& arguments) const = 0;
 };

@@ -26,43 +26,24 @@ using Options = RecordingSlicer::Options;
 
 constexpr double toleratedLu = 0.2;
 
-/// The part of a recording that its source names.
-struct Excerpt {
-  std::unique_ptr<SampleBuffer> buffer;
-  std::span<const float> left;
-  std::span<const float> right;
-};
-
 /// Where recordings are kept, and what converts them.
 struct Workplace {
   const fs::path& cache;
   const ProcessRunner& programs;
 };
 
-Excerpt excerpt(const PackRecipe::Source& source, const Workplace& workplace) {
-  Excerpt result;
-  result.buffer = RecordedPackBuilder::load(source, workplace.cache, workplace.programs);
-  const std::size_t frames = result.buffer->frames();
-  const auto place = [&](double seconds) {
-    return std::min(static_cast<std::size_t>(seconds * RecordedPackBuilder::rate), frames);
-  };
-  const std::size_t begin = place(source.start.value_or(0));
-  const std::size_t end = source.end ? std::max(place(*source.end), begin) : frames;
-  result.left = {result.buffer->left() + begin, end - begin};
-  result.right = {result.buffer->right() + begin, end - begin};
-  return result;
-}
-
 RecordingSlicer::Result sliced(const PackRecipe::Source& source, const Workplace& workplace,
                                const Options& options) {
-  const Excerpt part = excerpt(source, workplace);
+  const auto recording = RecordedPackBuilder::load(source, workplace.cache, workplace.programs);
+  const auto part = RecordedPackBuilder::part(*recording, source);
   return RecordingSlicer::slice(part.left, part.right, RecordedPackBuilder::rate, options);
 }
 
 /// Every press of a recording of the return key alone, as many as wide keys have variants.
 std::vector<Take> enterTakes(const PackRecipe::Source& source, const Workplace& workplace,
                              const Options& options) {
-  const Excerpt part = excerpt(source, workplace);
+  const auto recording = RecordedPackBuilder::load(source, workplace.cache, workplace.programs);
+  const auto part = RecordedPackBuilder::part(*recording, source);
   const double rate = RecordedPackBuilder::rate;
   const auto found = RecordingSlicer::detect(part.left, part.right, rate, options);
   const TakeCutter cutter({part.left, part.right, {}, rate}, options);
@@ -151,7 +132,9 @@ class TakeWriter {
 
 std::string authors(const PackRecipe& recipe) {
   std::set<std::string> users;
-  for (const auto& source : recipe.credits())
+  for (const auto& source : recipe.sources)
+    users.insert(source.user);
+  for (const auto& source : recipe.enterSources.value_or(std::vector<PackRecipe::Source>()))
     users.insert(source.user);
   std::string list;
   for (const std::string& user : users)
@@ -227,8 +210,9 @@ void RecordedPackBuilder::build(const PackRecipe& recipe, const fs::path& cache,
                                 const FolderExchange& exchange) {
   if (recipe.sources.empty()) throw RecipeError("\"sources\" must name at least one recording");
   refuseSharedNumbers(recipe);
+  const fs::path target = PackFolder::replaceable(into);
   const TakeCollection takes = collected(recipe, {cache, programs}, log);
-  PackFolder folder(into);
+  PackFolder folder(target);
   std::size_t count = writePack(recipe, takes, folder.aside(), 1.0f);
   double loudness = demoLoudness(folder.aside());
   if (std::isfinite(loudness) && std::abs(loudness - targetLoudness) > toleratedLu) {
@@ -237,7 +221,24 @@ void RecordedPackBuilder::build(const PackRecipe& recipe, const fs::path& cache,
     loudness = demoLoudness(folder.aside());
   }
   folder.moveIntoPlace(exchange);
-  log(summary(count, into, loudness));
+  log(summary(count, target, loudness));
+}
+
+RecordedPackBuilder::Part RecordedPackBuilder::part(const SampleBuffer& recording,
+                                                    const PackRecipe::Source& source) {
+  const std::size_t frames = recording.frames();
+  const auto place = [&](double seconds) {
+    return std::min(static_cast<std::size_t>(seconds * rate), frames);
+  };
+  const std::size_t begin = place(source.start.value_or(0));
+  if (source.start && begin == frames) {
+    char text[96];
+    (void)std::snprintf(text, sizeof text, ": \"start\" is %.6g s, but it lasts %.6g s",
+                        *source.start, recording.duration());
+    throw RecipeError(source.title + text);
+  }
+  const std::size_t end = source.end ? std::max(place(*source.end), begin) : frames;
+  return {{recording.left() + begin, end - begin}, {recording.right() + begin, end - begin}};
 }
 
 }  // namespace tobrin

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "Building/PackFolder.h"
@@ -24,7 +25,8 @@ struct RecordedPackBuilder {
 
   /// Builds the pack into the folder `into`, which is replaced whole once the new pack is complete;
   /// a failure or an interruption leaves it as it was. Converted recordings stay in `cache`.
-  /// Throws `RecipeError`, `DownloadError`, `PackError`, or the file system's own error.
+  /// Throws `RecipeError`, `DownloadError`, `PackError`, or the file system's own error; what is
+  /// wrong with `recipe` and `into` is found before anything is fetched.
   static void build(const PackRecipe& recipe, const std::filesystem::path& cache,
                     const std::filesystem::path& into, const Log& log,
                     const ProcessRunner& programs, const FolderExchange& exchange = {});
@@ -34,6 +36,16 @@ struct RecordedPackBuilder {
   static std::filesystem::path fetch(const PackRecipe::Source& source,
                                      const std::filesystem::path& cache,
                                      const ProcessRunner& programs);
+
+  /// Both channels of a part of a recording, which outlives it.
+  struct Part {
+    std::span<const float> left;
+    std::span<const float> right;
+  };
+
+  /// The part of a decoded recording that its source names by `start` and `end`. Throws
+  /// `RecipeError` where the recording is over by then.
+  static Part part(const SampleBuffer& recording, const PackRecipe::Source& source);
 
   /// One whole recording, decoded at `rate`.
   static std::unique_ptr<SampleBuffer> load(const PackRecipe::Source& source,

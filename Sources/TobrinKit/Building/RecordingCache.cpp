@@ -6,6 +6,7 @@
 #include "Building/AtomicFile.h"
 #include "Building/Download.h"
 #include "Building/RecordedPackBuilder.h"
+#include "Building/RecordingConversion.h"
 #include "Packs/PackError.h"
 
 namespace tobrin {
@@ -14,7 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 using Source = PackRecipe::Source;
 
-constexpr int programNotFound = 127;  // of env
 constexpr uint64_t longestNote = 64u << 10;
 
 /// What tells a recording from every other, in two lines: its address, and for a file of this
@@ -89,16 +89,30 @@ class ChangeMark {
   fs::path file_;
 };
 
-void convert(const CacheEntry& entry, const ProcessRunner& programs) {
-  const int status = programs.run("/usr/bin/env", {"ffmpeg", "-nostdin", "-loglevel", "error", "-y",
-                                                   "-i", entry.preview.string(), "-ar", "48000",
-                                                   "-c:a", "pcm_f32le", entry.wav.string()});
-  if (status == 0) return;
+void obtain(const Source& source, const fs::path& preview) {
+  const auto file = source.file();
+  if (!file) return Download::fetch(source.previewURL, preview);
+  const auto fail = [&](const std::string& why) {
+    throw DownloadError("Can't read " + source.previewURL + ": " + why);
+  };
+  std::string content;
+  try {
+    content = RegularFile(*file).readText(Download::largestBytes);
+  } catch (const std::system_error& error) {
+    fail(error.code().message());
+  }
+  if (content.empty()) fail("it is empty");
+  writeFileAtomically(preview, content);
+}
+
+void convert(const Source& source, const CacheEntry& entry, const ProcessRunner& programs) {
+  const Conversion outcome = convertRecording(entry.preview, entry.wav, programs);
+  if (outcome == Conversion::done) return;
   std::error_code ignored;
   fs::remove(entry.wav, ignored);
   // Fetched again next time, unless it is the converter that is missing.
-  if (status != programNotFound) entry.remove();
-  throw PackError::decode(entry.preview, "ffmpeg failed (is ffmpeg installed?)");
+  if (outcome != Conversion::noConverter) entry.remove();
+  throw PackError::decode(source.file().value_or(source.previewURL), conversionFailed);
 }
 
 }  // namespace
@@ -112,10 +126,10 @@ fs::path RecordedPackBuilder::fetch(const Source& source, const fs::path& cache,
   fs::create_directories(cache);
   const ChangeMark mark(entry.mark);
   if (!isKnown || !fs::exists(entry.preview)) {
-    Download::fetch(source.previewURL, entry.preview);
+    obtain(source, entry.preview);
     writeFileAtomically(entry.note, recording.address + recording.state);
   }
-  convert(entry, programs);
+  convert(source, entry, programs);
   return entry.wav;
 }
 

@@ -17,6 +17,8 @@ class FileActions {
   FileActions() {
     posix_spawn_file_actions_init(&actions_);
     posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    for (const int output : {STDOUT_FILENO, STDERR_FILENO})
+      posix_spawn_file_actions_addopen(&actions_, output, "/dev/null", O_WRONLY, 0);
   }
   ~FileActions() { posix_spawn_file_actions_destroy(&actions_); }
   FileActions(const FileActions&) = delete;

@@ -61,5 +61,27 @@ TEST(PackFolder, TheOldPackStaysUntilTheNewOneIsWhole) {
   EXPECT_EQ(entriesIn(folder.path()), 2) << "nothing else is left behind";
 }
 
+TEST(PackFolder, ReplacesPacksByWhateverNameAndNothingElse) {
+  const testing::TempFolder folder;
+  const fs::path pack = folder.write("mine/pack.json", "").parent_path();
+  folder.write("letters/first.txt", "dear");
+  const fs::path link = folder.path() / "link";
+  fs::create_symlink("mine", link);
+  fs::create_symlink("nothing", folder.path() / "astray");
+  for (const fs::path& name : {pack, pack / "", link, link / "", pack / "." / ".." / "mine"})
+    EXPECT_EQ(PackFolder::replaceable(name), pack) << name;
+  const fs::path before = fs::current_path();
+  fs::create_directory(pack / "below");
+  fs::current_path(pack / "below");
+  for (const auto& [name, reason] : {std::pair<fs::path, const char*>{"..", "this runs in it"},
+                                     {folder.path() / "letters", "is no sound pack"},
+                                     {pack / "pack.json", "is no sound pack"},
+                                     {folder.path() / "astray", "leads nowhere"}}) {
+    const auto failure = testing::failureOf([&] { (void)PackFolder::replaceable(name); });
+    EXPECT_NE(failure.find(reason), std::string::npos) << failure;
+  }
+  fs::current_path(before);
+}
+
 }  // namespace
 }  // namespace tobrin

@@ -1,0 +1,27 @@
+/// Brings recordings of every format that ffmpeg reads into the one that packs are built from.
+/// Thread: any.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+
+#include "Building/ProcessRunner.h"
+
+namespace tobrin {
+
+enum class Conversion : uint8_t {
+  done,
+  failed,      ///< the recording cannot be read
+  noConverter  ///< ffmpeg is not installed
+};
+
+/// Writes `recording` to `wav` as a float WAV file at 48 kHz; what is there after a failure is not
+/// whole. Throws `std::system_error` where no program can be started.
+[[nodiscard]] Conversion convertRecording(const std::filesystem::path& recording,
+                                          const std::filesystem::path& wav,
+                                          const ProcessRunner& programs);
+
+/// The reason for people where it was not done.
+inline constexpr const char* conversionFailed = "ffmpeg failed (is ffmpeg installed?)";
+
+}  // namespace tobrin
