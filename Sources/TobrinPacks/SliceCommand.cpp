@@ -1,14 +1,25 @@
 #include "SliceCommand.h"
 
+#include <stdlib.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
 #include <nlohmann/json.hpp>
+#include <system_error>
 
 #include "Building/AtomicFile.h"
 #include "Building/PackRecipe.h"
 #include "Building/RecipeError.h"
+#include "Building/RecordedPackBuilder.h"
+#include "Building/RecordingConversion.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
+#include "Packs/PackError.h"
 #include "Packs/SampleBuffer.h"
+#include "Process/SpawningProcessRunner.h"
 #include "SlicePlot.h"
+#include "Warnings.h"
 
 namespace tobrin {
 namespace {
@@ -22,7 +33,7 @@ struct Options {
   bool json = false;
 };
 
-constexpr double rate = 48000;  // that packs are built at
+constexpr double rate = RecordedPackBuilder::rate;
 
 Json asJson(const RecordingSlicer::Hit& hit) {
   return {{"onset", hit.onset},         {"peak", hit.peak},
@@ -57,23 +68,95 @@ void printSummary(const RecordingSlicer::Result& result, std::ostream& out) {
   out << "takes for releases: " << result.up.size() << '\n';
 }
 
-RecordingSlicer::Options slicerOptions(const std::string& file) {
+/// What a build would do with the recording.
+struct Plan {
+  RecordingSlicer::Options options;
+  PackRecipe::Source part;  // its `start` and `end`
+};
+
+/// The source of the recipe that is this recording; of several parts the first.
+PackRecipe::Source partOf(const PackRecipe& recipe, const Options& options, std::ostream& err) {
+  const auto isMeant = [&](const PackRecipe::Source& source) {
+    const auto file = source.file();
+    std::error_code missing;
+    return file && std::filesystem::equivalent(*file, options.recording, missing);
+  };
+  const auto found = std::find_if(recipe.sources.begin(), recipe.sources.end(), isMeant);
+  const std::string whole = options.optionsFile + " is a whole recipe: its options are taken";
+  if (found == recipe.sources.end()) {
+    warn(err, whole + "; it does not name this recording");
+    return {};
+  }
+  const bool isOnly = std::none_of(found + 1, recipe.sources.end(), isMeant);
+  warn(err, whole + (isOnly ? ", and the part of the recording that it names"
+                            : ", and the first of the parts that it names"));
+  return *found;
+}
+
+Plan planOf(const Options& options, std::ostream& err) {
+  const std::string& file = options.optionsFile;
   if (file.empty()) return {};
+  const std::string content = readInputFile(file);
   try {
-    return slicerOptionsFromJson(readInputFile(file));
+    if (!PackRecipe::isOne(content)) {
+      const Plan plan{slicerOptionsFromJson(content), {}};
+      warnOfUnknownNames(file, content, toJson(plan.options), err);
+      return plan;
+    }
+    PackRecipe recipe = PackRecipe::fromJson(content);
+    warnOfUnknownNames(file, content, exampleRecipe(), err);
+    recipe.resolvePaths(std::filesystem::path(file).parent_path());
+    return {recipe.options.value_or(RecordingSlicer::Options()), partOf(recipe, options, err)};
   } catch (const RecipeError& error) {
     throw std::runtime_error(file + ": " + error.what());
   }
 }
 
+/// A folder that goes with this object.
+class TemporaryFolder {
+ public:
+  TemporaryFolder() {
+    std::string name = (std::filesystem::temp_directory_path() / "tobrin-slice-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr)
+      throw std::system_error(errno, std::generic_category(), "no temporary folder");
+    path = name;
+  }
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  std::filesystem::path path;
+};
+
+/// Converted as for a build: another converter would not find quite the same onsets, and reads
+/// other formats.
+std::unique_ptr<SampleBuffer> decoded(const std::string& recording, std::ostream& err) {
+  const auto file = std::filesystem::absolute(recording);  // no option, and no address
+  if (!std::filesystem::exists(file)) throw PackError::decode(file, "there is no such file");
+  const TemporaryFolder folder;
+  const auto wav = folder.path / "recording.wav";
+  switch (convertRecording(file, wav, SpawningProcessRunner())) {
+    case Conversion::done:
+      return SampleBuffer::load(wav, rate);
+    case Conversion::failed:
+      break;
+    case Conversion::noConverter:
+      warn(err, "ffmpeg is not installed; a build needs it");
+      return SampleBuffer::load(file, rate);
+  }
+  throw PackError::decode(file, conversionFailed);
+}
+
 void run(const Options& options, const CommandStreams& streams) {
-  const auto slicing = slicerOptions(options.optionsFile);
-  const auto recording = SampleBuffer::load(options.recording, rate);
-  const std::span left(recording->left(), recording->frames());
-  const std::span right(recording->right(), recording->frames());
-  const auto result = RecordingSlicer::slice(left, right, rate, slicing);
+  const Plan plan = planOf(options, streams.err);
+  const auto recording = decoded(options.recording, streams.err);
+  const auto [left, right] = RecordedPackBuilder::part(*recording, plan.part);
+  const auto result = RecordingSlicer::slice(left, right, rate, plan.options);
   if (!options.plotFile.empty()) {
-    writeFileAtomically(options.plotFile, slicePlot(result, left, right, rate, slicing));
+    writeFileAtomically(options.plotFile, slicePlot(result, left, right, rate, plan.options));
   }
   if (options.json) {
     printJson(asJson(result), streams.out);
@@ -83,12 +166,14 @@ void run(const Options& options, const CommandStreams& streams) {
 }
 
 constexpr const char* footer = R"(
-Positions are samples at 48 kHz, whatever the recording's own rate.
+The recording is converted as for a build, by ffmpeg. Positions are samples at 48 kHz, whatever its
+own rate. FILE may be a whole recipe: its options are taken, and the part of the recording that it
+names by "start" and "end"; positions count from there.
 
 Examples:
   tobrin-packs slice typing.flac
   tobrin-packs slice typing.flac --plot typing.svg      look at every hit
-  tobrin-packs slice typing.flac --options slicer.json --json
+  tobrin-packs slice typing.flac --options mine.json --json
 )";
 
 }  // namespace
@@ -98,7 +183,8 @@ void addSliceCommand(CLI::App& app, const CommandStreams& streams) {
   auto* const command =
       app.add_subcommand("slice", "Find the keystrokes of a recording and what becomes of them");
   command->add_option("RECORDING", options->recording, "An audio file")->required();
-  command->add_option("--options", options->optionsFile, "Slicer options as a JSON file");
+  command->add_option("--options", options->optionsFile,
+                      "Slicer options, or a recipe, as a JSON file");
   command->add_option("--plot", options->plotFile, "Draw waveform, hits and tiers as an SVG file");
   command->add_flag("--json", options->json, "One JSON document with every hit");
   command->footer(footer);

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "Building/HitDetector.h"
 #include "Building/TierAssignment.h"
 #include "SvgDocument.h"
 
@@ -50,13 +51,19 @@ constexpr double rowGap = 30;
 constexpr double fewestSecondsARow = 5;
 constexpr double mostSecondsARow = 15;
 constexpr double quietestDb = -96;  // of 16 bits
+constexpr double silenceDb = -120;
 
 const FateStyle& styleOf(Fate fate) {
   return styles[static_cast<std::size_t>(fate)];
 }
 
-double decibels(float amplitude) {
-  return 20 * std::log10(std::max(static_cast<double>(amplitude), 1e-6));
+constexpr double strokeSeconds = 0.015;  // within which a hit is loudest
+
+std::vector<float> mixed(std::span<const float> left, std::span<const float> right) {
+  std::vector<float> mono(left.size());
+  for (std::size_t i = 0; i < left.size(); ++i)
+    mono[i] = (left[i] + right[i]) * 0.5f;
+  return mono;
 }
 
 class Drawing {
@@ -64,20 +71,16 @@ class Drawing {
   Drawing(const Result& result, std::span<const float> left, std::span<const float> right,
           double rate, const RecordingSlicer::Options& options)
       : result_(result),
-        left_(left),
-        right_(right),
         rate_(rate),
         options_(options),
+        levels_(HitDetector::levels(mixed(left, right), rate)),
         secondsARow_(std::clamp(static_cast<double>(left.size()) / rate, fewestSecondsARow,
                                 mostSecondsARow)),
         rows_(static_cast<std::size_t>(
             std::max(1.0, std::ceil(static_cast<double>(left.size()) / rate / secondsARow_)))),
         svg_(plotWidth + 2 * margin,
              waveTop + static_cast<double>(rows_) * (rowHeight + rowGap) + 12) {
-    float loudest = 0;
-    for (std::size_t i = 0; i < left.size(); ++i)
-      loudest = std::max(loudest, std::abs(mono(i)));
-    highDb_ = std::max(decibels(loudest), quietestDb + 24);
+    highDb_ = std::max(levelWithin(0, static_cast<double>(left.size()) / rate), quietestDb + 24);
     lowDb_ = std::max({decibels(result.noiseFloor) - 6, quietestDb, highDb_ - 80});
   }
 
@@ -89,9 +92,10 @@ class Drawing {
     ranking(Fate::bigPress, KeyGroup::space, "wide keys, by energy", margin + plotWidth - half,
             options_.bigVariants);
     svg_.label(margin, waveTop - 22,
-               SvgDocument::formatted("Level of the recording, %.0f to %.0f dB: presses point up, "
+               SvgDocument::formatted("Level above 700 Hz%s, %.0f to %.0f dB: presses point up, "
                                       "releases down, what is dropped both ways",
-                                      lowDb_, std::round(highDb_) + 0.0));  // no "-0"
+                                      gainText().c_str(), lowDb_,
+                                      std::round(highDb_) + 0.0));  // no "-0"
     svg_.label(margin + plotWidth, waveTop - 22,
                SvgDocument::formatted("- - noise floor %.1f dB", decibels(result_.noiseFloor)),
                noiseColor, Anchor::end);
@@ -103,14 +107,32 @@ class Drawing {
   }
 
  private:
-  float mono(std::size_t i) const { return (left_[i] + right_[i]) * 0.5f; }
   static double middleOf(std::size_t row) {
     return waveTop + static_cast<double>(row) * (rowHeight + rowGap) + rowHeight / 2;
   }
+  /// With the gain that the takes get.
+  double decibels(float amplitude) const {
+    return 20 * std::log10(std::max(static_cast<double>(amplitude), 1e-6)) + options_.gainDb;
+  }
+  std::string gainText() const {
+    return options_.gainDb == 0 ? "" : SvgDocument::formatted(", %+.1f dB gain", options_.gainDb);
+  }
+
+  /// The highest level in a part of the recording.
+  double levelWithin(double beginSeconds, double endSeconds) const {
+    const auto place = [this](double seconds) {
+      return std::min(static_cast<std::size_t>(seconds / HitDetector::levelSeconds),
+                      levels_.size());
+    };
+    double highest = silenceDb;
+    for (std::size_t i = place(beginSeconds); i < place(endSeconds); ++i)
+      highest = std::max(highest, static_cast<double>(levels_[i]) + options_.gainDb);
+    return highest;
+  }
+
   /// How far from the middle of its row a level is drawn.
-  double reach(float amplitude) const {
-    const double part = (decibels(amplitude) - lowDb_) / (highDb_ - lowDb_);
-    return std::clamp(part, 0.0, 1.0) * rowHeight / 2;
+  double reach(double db) const {
+    return std::clamp((db - lowDb_) / (highDb_ - lowDb_), 0.0, 1.0) * rowHeight / 2;
   }
 
   void legend() {
@@ -129,21 +151,17 @@ class Drawing {
     const double middle = middleOf(row);
     svg_.rectangle({margin, middle - rowHeight / 2, plotWidth, rowHeight}, "#f4f4f8");
     const double begin = static_cast<double>(row) * secondsARow_;
-    const double framesAPixel = secondsARow_ * rate_ / plotWidth;
+    const double secondsAPixel = secondsARow_ / plotWidth;
     std::string path;
     for (std::size_t pixel = 0; pixel < static_cast<std::size_t>(plotWidth); ++pixel) {
-      const double from = begin * rate_ + static_cast<double>(pixel) * framesAPixel;
-      const auto end = std::min(static_cast<std::size_t>(from + framesAPixel), left_.size());
-      float loudest = 0;
-      for (auto i = static_cast<std::size_t>(from); i < end; ++i)
-        loudest = std::max(loudest, std::abs(mono(i)));
-      const double half = reach(loudest);
+      const double from = begin + static_cast<double>(pixel) * secondsAPixel;
+      const double half = reach(levelWithin(from, from + secondsAPixel));
       if (half < 0.5) continue;
       path += SvgDocument::formatted("M%.1f %.1fV%.1f", margin + static_cast<double>(pixel) + 0.5,
                                      middle - half, middle + half);
     }
     if (!path.empty()) svg_.stroke(path, "#c3c3ce", 1);
-    const double noise = reach(result_.noiseFloor);
+    const double noise = reach(decibels(result_.noiseFloor));
     svg_.stroke(SvgDocument::formatted("M%.1f %.1fh%.1fM%.1f %.1fh%.1f", margin, middle - noise,
                                        plotWidth, margin, middle + noise, plotWidth),
                 noiseColor, 1, "5 5");
@@ -159,7 +177,7 @@ class Drawing {
     const auto row = std::min(static_cast<std::size_t>(seconds / secondsARow_), rows_ - 1);
     const double x =
         margin + (seconds - static_cast<double>(row) * secondsARow_) / secondsARow_ * plotWidth;
-    const double half = std::max(reach(hit.peak), 8.0);
+    const double half = std::max(reach(levelWithin(seconds, seconds + strokeSeconds)), 8.0);
     const bool isPress = fate == Fate::press || fate == Fate::bigPress;
     const double top = middleOf(row) - (fate == Fate::release ? 0 : half);
     const double bottom = middleOf(row) + (isPress ? 0 : half);
@@ -228,10 +246,9 @@ class Drawing {
   }
 
   const Result& result_;
-  std::span<const float> left_;
-  std::span<const float> right_;
   double rate_;
   const RecordingSlicer::Options& options_;
+  const std::vector<float> levels_;  // as `HitDetector` has them
   double secondsARow_;
   std::size_t rows_;
   double highDb_ = 0;  // of the waveform's scale

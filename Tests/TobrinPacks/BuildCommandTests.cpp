@@ -66,13 +66,15 @@ TEST_F(BuildCommand, MakesASoundPackAtTheTargetLoudnessWithTheSameBytesEveryTime
   parts[0]["end"] = 30;
   parts[1]["start"] = 30;
   enter["end"] = 5;
+  parts[1]["user"] = "a friend";
+  enter["user"] = "me";
   const auto built = build(parts, pack, {enter});
   ASSERT_EQ(built.status, 0) << built.err;
   const Json result = Json::parse(built.out);
   EXPECT_NEAR(result["lufs"].get<double>(), -28, 0.3);
   EXPECT_GT(result["takes"].get<int>(), 12);
   const Json manifest = Json::parse(contentOf(pack / "pack.json"));
-  EXPECT_EQ(manifest["author"], "somebody");
+  EXPECT_EQ(manifest["author"], "a friend, me, somebody");
   EXPECT_EQ(manifest["groups"]["enter"]["down"]["medium"][0], "enter-1.wav");
   EXPECT_EQ(filesIn(cache).size(), 6u) << "two previews, two conversions, and what they are of";
   const auto checked = run({"check", pack});
@@ -96,16 +98,41 @@ TEST_F(BuildCommand, NeverTakesOneRecordingForAnotherWithItsNumber) {
     return takes;
   };
   const std::string bytes = contentOf(recording);
-  const std::string other =
-      "file://" + folder.write("other.wav", bytes.substr(0, 3'000'000)).string();
+  const fs::path file = folder.write("my 100% take.wav", bytes.substr(0, 3'000'000));
+  const std::string other = "file://" + file.string();
   const auto whole = takesOf(fileURL());
   EXPECT_FALSE(takesOf(other) == whole);
   EXPECT_TRUE(takesOf(fileURL()) == whole);
-  folder.write("other.wav", bytes);
+  folder.write("my 100% take.wav", bytes);
   EXPECT_TRUE(takesOf(other) == whole) << "recorded again";
+  std::string escaped = other;
+  escaped.replace(escaped.find(' '), 1, "%20");
+  for (const std::string& address : {escaped, file.string(), std::string("my 100% take.wav")})
+    EXPECT_TRUE(takesOf(address) == whole) << address;
   const auto both = build(Json::array({source(1, fileURL()), source(1, other)}), pack);
   EXPECT_EQ(both.status, 1);
   EXPECT_NE(both.err.find("each recording needs another number"), std::string::npos) << both.err;
+}
+
+TEST_F(BuildCommand, DoesWhatSliceShowedBefore) {
+  const std::string other = folder.path() / "mine.mka";  // at another rate, and no format of ours
+  ASSERT_EQ(std::system(("ffmpeg -loglevel error -i " + recording.string() +
+                         " -ar 44100 -c:a flac " + other)
+                            .c_str()),
+            0);
+  Json part = source(1, "mine.mka");
+  part["start"] = 5.5;
+  part["end"] = 40;
+  const Json recipe = {{"id", "mine"},  {"name", "Mine"},    {"kind", "own"},
+                       {"summary", ""}, {"sources", {part}}, {"options", {{"noReleases", true}}}};
+  const std::string file = folder.write("recipe.json", recipe.dump());
+  const auto sliced = run({"slice", other, "--options", file});
+  EXPECT_NE(sliced.err.find("is a whole recipe"), std::string::npos) << sliced.err;
+  const std::string report = sliced.out.substr(0, sliced.out.find('\n'));
+  const auto built = run({"build", file, "--into", pack / "", "--cache", cache});
+  EXPECT_NE(built.out.find("  typing: " + report + "\n"), std::string::npos)
+      << sliced.out << built.out;
+  EXPECT_NE(built.out.find(" takes to mine/  ("), std::string::npos) << built.out;
 }
 
 TEST_F(BuildCommand, FetchesOverHttpAndSaysWhatWentWrongThere) {
@@ -146,14 +173,20 @@ TEST_F(BuildCommand, LeavesFoldersAloneThatItCannotFill) {
     EXPECT_TRUE(filesIn(folder.path() / into.filename()) == before) << into;
   };
   folder.write("letters/first.txt", "dear");
-  refused(folder.path() / "letters", Json::array({source(1, fileURL())}), "is no sound pack");
+  const Json absent = Json::array({source(1, "file:///no/such.wav")});
+  refused(folder.path() / "letters", absent, "is no sound pack");
   refused(pack, Json::array(), "sources");
-  const auto text = folder.write("text.ogg", "this is no sound");
-  refused(pack, Json::array({source(3, "file://" + text.string())}), "ffmpeg failed");
+  folder.write("text.txt", "this is no sound");
+  ::testing::internal::CaptureStderr();
+  refused(pack, Json::array({source(3, "text.txt")}), "Can't read text.txt: ffmpeg failed");
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "") << "one line says it";
   EXPECT_FALSE(fs::exists(cache / "3.ogg")) << "what is no sound is fetched again next time";
   Json quiet = source(1, fileURL());
   quiet["end"] = 0.01;
   refused(pack, Json::array({quiet}), "mine");
+  quiet = source(1, fileURL());
+  quiet["start"] = 10'000;
+  refused(pack, Json::array({quiet}), "typing: \"start\" is 10000 s, but it lasts");
   EXPECT_FALSE(fs::exists(pack));
 }
 

@@ -24,7 +24,7 @@ class PackWorkshop : public ::testing::Test {
     for (const char* name : {"bundled/one/a.wav", "bundled/one/b.wav"})
       folder_.write(name, testing::wav16({}, std::vector<int16_t>(480, 8000)));
     folder_.write("bundled/bad/pack.json",
-                  R"({"formatVersion":1,"id":"bad","name":"Bad","kind":"k","groups":)"
+                  R"({"formatVersion":1,"id":"bad","name":"B\u00e4d","kind":"k","groups":)"
                   R"({"alpha":{"down":{"soft":["../x\ny.wav"]}}}})");
   }
 
@@ -63,6 +63,10 @@ TEST_F(PackWorkshop, ListsWhatItFinds) {
   EXPECT_EQ(list[1]["name"], "On\033e");
   ASSERT_EQ(run({"list"}), 0);
   EXPECT_EQ(last_.out.find('\x1B'), std::string::npos) << "names do not command the terminal";
+  const std::size_t second = last_.out.find('\n') + 1;
+  EXPECT_EQ(last_.out.find("bundled"), last_.out.find("bundled", second) - second + 1)
+      << "a letter of two bytes takes one column\n"
+      << last_.out;
 }
 
 TEST_F(PackWorkshop, ChecksWhatAPackHolds) {
@@ -74,6 +78,31 @@ TEST_F(PackWorkshop, ChecksWhatAPackHolds) {
     EXPECT_EQ(document["groups"][name], group) << name;
   EXPECT_EQ(document["sampleCount"], 2);
   EXPECT_EQ(document["memoryBytes"], 2 * 480 * 4);
+  EXPECT_EQ(document["substituted"][0], "alpha.medium");
+  EXPECT_EQ(document["substituted"].size(), 2u + 4 * 4);
+  ASSERT_EQ(run({"check", path("bundled/one")}), 0);
+  EXPECT_NE(last_.out.find("alpha              1     (1)       2     (2)       0\n"),
+            std::string::npos)
+      << last_.out;
+}
+
+TEST_F(PackWorkshop, WarnsOfNamesThatNobodyReads) {
+  const auto warnsOf = [&](const char* name, const std::vector<std::string>& arguments) {
+    run(arguments);
+    EXPECT_NE(last_.err.find("tobrin-packs: warning: " + path("")), std::string::npos) << last_.err;
+    EXPECT_NE(last_.err.find(name), std::string::npos) << last_.err;
+  };
+  const std::string pack = path("bundled/one"), take = pack + "/a.wav", file = path("slip.json");
+  folder_.write("slip.json", R"({"noRelease": true})");
+  warnsOf("noReleases", {"slice", take, "--options", file});
+  warnsOf("noRelease", {"render", pack, "--text", "a", "--out", path("x.wav"), "--settings", file});
+  folder_.write("slip.json",
+                R"({"id":"x","name":"","kind":"","summary":"","sources":[],"nmae":0})");
+  warnsOf("\"name\"", {"build", file, "--into", path("new")});
+  folder_.write("bundled/one/pack.json",
+                R"({"formatVersion":1,"id":"one","name":"","kind":"k","groups":)"
+                R"({"aplha":{"down":{"soft":["a.wav"]}}}})");
+  warnsOf("\"alpha\"", {"check", pack});
 }
 
 TEST_F(PackWorkshop, RendersTheSameSoundEveryTime) {

@@ -12,7 +12,7 @@ namespace {
 constexpr double detectionHz = 700;
 constexpr double butterworthQ = 0.7071;
 constexpr double frameSeconds = 0.001;
-constexpr double hopSeconds = 0.0005;
+constexpr double hopSeconds = HitDetector::levelSeconds;
 constexpr float silenceDb = -120;
 constexpr double floorPercentile = 0.2;
 constexpr float riseDb = 12;  // over the quietest of the last 3 ms
@@ -130,6 +130,10 @@ std::size_t refined(std::span<const float> signal, std::size_t onset, std::size_
 }
 
 }  // namespace
+
+std::vector<float> HitDetector::levels(std::span<const float> mono, double rate) {
+  return envelope(highPassed(mono, rate), rate);
+}
 
 HitDetector::Onsets HitDetector::find(std::span<const float> mono, double rate,
                                       double mergeWithinMs) {

@@ -15,6 +15,12 @@ struct HitDetector {
     float floor = 0;                   ///< its noise floor, as an amplitude
   };
 
+  static constexpr double levelSeconds = 0.0005;  ///< from one level to the next
+
+  /// The levels above 700 Hz that onsets and noise floor are measured on: of each millisecond in
+  /// dB, one every `levelSeconds`.
+  static std::vector<float> levels(std::span<const float> mono, double rate);
+
   /// `mono` at `rate` samples a second; onsets closer than `mergeWithinMs` count as one.
   static Onsets find(std::span<const float> mono, double rate, double mergeWithinMs);
 };
