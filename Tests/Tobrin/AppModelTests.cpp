@@ -100,6 +100,34 @@ TEST_F(AppModelTest, BrokenSettingsAreKeptAsideAndUnchangedOnesNotWritten) {
   EXPECT_EQ(settings_.writes, 0) << "nothing changed";
 }
 
+TEST_F(AppModelTest, SavesOnceTheHandRestsAndAtTheEnd) {
+  start();
+  const auto drag = [this](float from) {
+    for (int i = 1; i <= 20; ++i) {
+      change([&](EngineSettings& settings) {
+        settings.volume = from + 0.01F * static_cast<float>(i);
+      });
+      advance(50);
+    }
+  };
+  const auto savedVolume = [this] {
+    return EngineSettings::fromJson(settings_.values.at(AppModel::settingsKey)).volume;
+  };
+  drag(0);
+  EXPECT_EQ(settings_.writes, 0);
+  advance(250);
+  EXPECT_EQ(settings_.writes, 1);
+  EXPECT_FLOAT_EQ(savedVolume(), 0.2F);
+  drag(0.3F);
+  desktop_.onTerminate();
+  EXPECT_FLOAT_EQ(savedVolume(), 0.5F);
+  drag(0.6F);
+  model_.reset();
+  EXPECT_FLOAT_EQ(savedVolume(), 0.8F);
+  advance(1000);
+  EXPECT_EQ(settings_.writes, 3) << "nothing is left to do";
+}
+
 TEST_F(AppModelTest, SaysWhyTheShortcutDoesNotWork) {
   using Result = ShortcutGrab::Result;
   const std::tuple<ShortcutGrab, bool, std::string> rows[] = {

@@ -12,6 +12,8 @@ AppModel::AppModel(AppServices services, std::optional<Preview> preview)
     : services_(std::move(services)),
       preview_(preview.has_value()),
       sensorAvailable_(services_.motionSource != nullptr || (preview && preview->reading)),
+      saver_(services_.main,
+             [this] { return services_.settings.write(settingsKey, settings_.toJson()); }),
       self_(std::make_shared<AppModel*>(this)) {
   readSavedState(preview);
   auto sensor = services_.motionSource != nullptr
@@ -91,7 +93,10 @@ void AppModel::wireCallbacks() {
     conductor_->systemDidWake();
     micMonitor_->refresh();
   });
-  services_.workspace.setOnTerminate([this] { conductor_->shutdown(); });
+  services_.workspace.setOnTerminate([this] {
+    conductor_->shutdown();
+    saver_.save();
+  });
 }
 
 void AppModel::start() {
@@ -110,7 +115,7 @@ void AppModel::start() {
 void AppModel::setSettings(const EngineSettings& settings) {
   if (settings == settings_) return;
   const EngineSettings old = std::exchange(settings_, settings);
-  persistSettings();
+  if (!preview_) saver_.saveSoon();
   if (old.shortcutEnabled != settings_.shortcutEnabled || old.shortcut != settings_.shortcut) {
     registerShortcut();
   }
@@ -118,10 +123,6 @@ void AppModel::setSettings(const EngineSettings& settings) {
   if (!preview_) conductor_->apply(effectiveSettings(), true);
   emit settingsChanged();
   emit statusChanged();
-}
-
-void AppModel::persistSettings() {
-  if (!preview_) services_.settings.write(settingsKey, settings_.toJson());
 }
 
 void AppModel::toggleEnabled() {

@@ -18,6 +18,7 @@
 #include "Mic/MicMonitor.h"
 #include "Model/AppServices.h"
 #include "Model/KeyAccessWatch.h"
+#include "Model/SettingsSaver.h"
 
 namespace tobrin {
 
@@ -107,7 +108,6 @@ class AppModel final : public QObject {
   void readSavedState(const std::optional<Preview>& preview);
   void wireCallbacks();
   void start();
-  void persistSettings();
   void registerShortcut();
   void updateMicMonitor();
   void micChanged(bool inUse);
@@ -129,6 +129,7 @@ class AppModel final : public QObject {
   bool sensorAvailable_;  // fixed after construction
 
   EngineSettings settings_;
+  SettingsSaver saver_;
   std::string selectedPackID_;
   std::vector<PackInfo> packs_;
   std::optional<PackManifest> manifest_;
