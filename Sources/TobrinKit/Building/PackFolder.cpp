@@ -45,7 +45,7 @@ fs::path PackFolder::replaceable(const fs::path& wanted) {
   const bool isOurs = fs::is_directory(target) &&
                       (fs::is_empty(target) || fs::exists(target / PackManifest::fileName));
   if (!isOurs) leaveAlone(target, "exists and is no sound pack");
-  if (isUnderfoot(target)) leaveAlone(target, "is in use: this runs in it");
+  if (isUnderfoot(target)) leaveAlone(target, "is the folder this command runs in, or above it");
   return target;
 }
 

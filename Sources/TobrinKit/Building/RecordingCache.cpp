@@ -44,10 +44,11 @@ class CacheEntry {
         mark(named(cache, source, ".converting")) {}
 
   /// Whether the files are those of that recording: recipes are free to give one number to
-  /// different recordings. Files without a note were put there by hand.
+  /// different recordings. Files without a note were put there by hand, or are older than notes:
+  /// they pass for what is published, and for a file that is gone.
   [[nodiscard]] bool holds(const Identity& recording) const {
     if (fs::exists(mark)) return false;
-    if (!fs::exists(note)) return true;
+    if (!fs::exists(note)) return recording.state.empty();
     try {
       const std::string noted = RegularFile(note).readText(longestNote);
       return noted.starts_with(recording.address) &&

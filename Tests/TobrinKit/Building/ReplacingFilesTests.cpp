@@ -73,7 +73,7 @@ TEST(PackFolder, ReplacesPacksByWhateverNameAndNothingElse) {
   const fs::path before = fs::current_path();
   fs::create_directory(pack / "below");
   fs::current_path(pack / "below");
-  for (const auto& [name, reason] : {std::pair<fs::path, const char*>{"..", "this runs in it"},
+  for (const auto& [name, reason] : {std::pair<fs::path, const char*>{"..", "this command runs in"},
                                      {folder.path() / "letters", "is no sound pack"},
                                      {pack / "pack.json", "is no sound pack"},
                                      {folder.path() / "astray", "leads nowhere"}}) {
