@@ -160,6 +160,7 @@ TEST_F(AppModelTest, SaysWhyTheShortcutDoesNotWork) {
   EXPECT_FALSE(shortcuts_.pressed);
   late();  // pressed just before the program ends
   model_.reset();
+  EXPECT_FALSE(shortcuts_.reservedChanged) << "its thread may outlive the model's parts";
   advance(0);
 }
 

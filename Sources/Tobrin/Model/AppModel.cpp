@@ -33,6 +33,7 @@ AppModel::~AppModel() {
   *self_ = nullptr;
   services_.workspace.setOnWake(nullptr);
   services_.workspace.setOnTerminate(nullptr);
+  services_.shortcutService->setOnReservedChanged(nullptr);
   hotkey_->unregister();
   monitor_->stop();
   micMonitor_->stop();

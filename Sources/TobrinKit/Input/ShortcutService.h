@@ -39,7 +39,8 @@ class ShortcutService {
   [[nodiscard]] virtual bool isReserved(const Hotkey& hotkey) = 0;
 
   /// `changed` is called on a thread of the service where those settings were slow to come, and are
-  /// not as `isReserved` had to assume: the shortcut is then to be registered again.
+  /// not as `isReserved` had to assume: the shortcut is then to be registered again. When this
+  /// returns, the last call of an earlier `changed` has ended.
   virtual void setOnReservedChanged(std::function<void()> changed) = 0;
 
   /// Asks to be told of each press of `hotkey`, once a press however long it is held. An earlier
