@@ -8,7 +8,7 @@ namespace tobrin::keyboards {
 [[nodiscard]] bool applyRules();
 
 /// Takes back what single users were given of the keyboards' event devices. Rules that give access
-/// to one of them for another purpose do so again when they are applied. Programs that have a
+/// to one of them for another purpose do so again when they are applied. Other programs that have a
 /// keyboard open keep it.
 void takeBackAccess();
 

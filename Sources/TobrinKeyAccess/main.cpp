@@ -64,7 +64,7 @@ int remove(const RuleFile& file, bool isReal) {
   if (!isReal || !wasThere) return done;
   keyboards::takeBackAccess();
   if (!keyboards::applyRules()) std::puts("It takes effect with the next start.");
-  std::puts("Programs that have a keyboard open keep it until they end.");
+  std::puts("Other programs that have a keyboard open keep it until they end.");
   return done;
 }
 

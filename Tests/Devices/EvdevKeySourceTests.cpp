@@ -199,5 +199,26 @@ TEST_F(EvdevKeySourceTest, AKeyboardThatMayBeReadLaterIsTakenUpThen) {
   EXPECT_EQ(exitStatus(listener), 11);
 }
 
+TEST_F(EvdevKeySourceTest, AKeyboardThatMayNoLongerBeReadIsLetGo) {
+  VirtualKeyboard lent("Lent");
+  std::this_thread::sleep_for(milliseconds(500));
+  chmod(lent.node().c_str(), 0644);
+  const pid_t listener = startAsNobody([] {
+    alarm(20);  // ends a listener that holds on to it
+    EvdevKeySource source;
+    if (!source.open()) return 2;
+    std::string told;
+    source.run([&](const KeySource::Event& event) {
+      told += event.type == KeySource::EventType::keyDown ? '+' : '-';
+    });
+    return told == "+-" && !source.problem().empty() && !source.hasPermission() ? 0 : 3;
+  });
+  std::this_thread::sleep_for(milliseconds(500));
+  lent.press({KEY_A});
+  std::this_thread::sleep_for(milliseconds(100));
+  chmod(lent.node().c_str(), 0600);
+  EXPECT_EQ(exitStatus(listener), 0);
+}
+
 }  // namespace
 }  // namespace tobrin

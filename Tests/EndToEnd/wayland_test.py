@@ -74,6 +74,11 @@ class WaylandTest(PanelDriver):
         self.assertTrue(eventually(lambda: not named(TITLE)))
         asked = (self.folder / "asked").read_text(encoding="utf-8").splitlines()
         self.assertEqual(asked, [str(PROGRAM.parent / "tobrin-key-access"), "grant"])
+        keyboard = pathlib.Path(f"/proc/{program.process.pid}/root/dev/input/event0")
+        keyboard.chmod(0)
+        self.shows(TITLE, "Needs access to the keyboard")
+        keyboard.chmod(0o600)
+        self.assertTrue(eventually(lambda: not named(TITLE)), "taken away and given back")
         self.shows("Blue Click · Fixed strength", "Ctrl+Alt+Super+K in any app to turn sounds on or off")
 
         program.stop()

@@ -1,6 +1,7 @@
 #include "Model/AppModel.h"
 
 #include "AppModelFixture.h"
+#include "Support/Eventually.h"
 
 namespace tobrin::testing {
 namespace {
@@ -213,6 +214,18 @@ TEST_F(AppModelTest, WaitsForAccessToKeys) {
   EXPECT_TRUE(model.listening());
   advance(0);
   EXPECT_EQ(main_.nextDue(), std::nullopt) << "and no more once it hears";
+
+  keys_.allowed = false;
+  keys_.lose();
+  EXPECT_TRUE(eventually([&] {
+    advance(0);
+    return model.statusLine() == "Needs access to the keyboard";
+  }));
+  EXPECT_FALSE(model.listening());
+  EXPECT_EQ(keys_.requests, 1);
+  keys_.allowed = true;
+  advance(1500);
+  EXPECT_TRUE(model.listening()) << "given back";
 }
 
 TEST_F(AppModelTest, AsksToBeStartedAgain) {

@@ -76,7 +76,8 @@ void AppModel::wireCallbacks() {
       std::move(services_.keySource), [this](const KeyEvent& event) { conductor_->handle(event); },
       KeyMonitorOptions{
           .onThreadStart = services_.onThreadStart,
-          .observer = [this](const KeyEvent& e) { services_.shortcutService->observe(e); }});
+          .observer = [this](const KeyEvent& e) { services_.shortcutService->observe(e); },
+          .onChange = [this] { onMain([this] { keyAccess_->monitorChanged(); }); }});
   keyAccess_ = std::make_unique<KeyAccessWatch>(*monitor_, services_.main, [this] {
     emit permissionChanged();
     emit statusChanged();

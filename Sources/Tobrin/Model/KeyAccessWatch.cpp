@@ -20,15 +20,22 @@ KeyAccessWatch::KeyAccessWatch(KeyMonitor& monitor, SerialQueue& main,
     : monitor_(monitor), main_(main), onChange_(std::move(onChange)) {}
 
 void KeyAccessWatch::start() {
-  if (monitor_.start()) {
-    grantedWithoutKeys_.reset();
-    publish({.hasPermission = true, .listening = true});
-    return;
-  }
+  if (monitor_.start()) return publishListening();
   const bool granted = monitor_.hasPermission();
   publish({.hasPermission = granted, .needsRelaunch = state_.needsRelaunch});
   if (!granted) monitor_.requestPermission();
   lookLater();
+}
+
+void KeyAccessWatch::monitorChanged() {
+  if (monitor_.isRunning()) return publishListening();
+  publish({.hasPermission = monitor_.hasPermission()});
+  lookLater();
+}
+
+void KeyAccessWatch::publishListening() {
+  grantedWithoutKeys_.reset();
+  publish({.hasPermission = true, .listening = true});
 }
 
 void KeyAccessWatch::lookLater() {

@@ -1,5 +1,6 @@
 /// Starts the key monitor, and where access to keys is missing asks for it once and looks every
-/// 1.5 s until keys are heard. Knows when only a new start of the program will help. Main thread.
+/// 1.5 s until keys are heard; so, without asking, where it is lost later. Knows when only a new
+/// start of the program will help. Main thread.
 #pragma once
 
 #include <cstdint>
@@ -30,11 +31,14 @@ class KeyAccessWatch final {
   void start();
   /// Looks at once whether access has been granted.
   void look();
+  /// To be called after the monitor has lost its keyboards or has taken them up again.
+  void monitorChanged();
 
   [[nodiscard]] const State& state() const { return state_; }
 
  private:
   void lookLater();
+  void publishListening();
   void publish(const State& state);
 
   KeyMonitor& monitor_;

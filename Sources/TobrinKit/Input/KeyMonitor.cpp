@@ -60,22 +60,27 @@ void KeyMonitor::run(std::promise<bool> opened) {
     running_.store(false, std::memory_order_release);
     source_->close();
     isOpen = openAgain();
-    running_.store(isOpen, std::memory_order_release);
   }
 }
 
 /// After `run` has ended: false if it was told to, else waits until the source opens again. The
 /// order matters: `close` forgets an interrupt, and whoever interrupts has set `stopping_` before.
 bool KeyMonitor::openAgain() {
-  auto pause = options_.firstRetry;
-  for (;;) {
-    {
-      std::unique_lock lock(stopMutex_);
-      if (stopChanged_.wait_for(lock, pause, [this] { return stopping_; })) return false;
-    }
-    if (source_->open()) return true;
-    pause = std::min(pause * 2, options_.longestRetry);
+  if (stopsWithin({})) return false;
+  if (options_.onChange) options_.onChange();
+  for (auto pause = options_.firstRetry; !stopsWithin(pause);
+       pause = std::min(pause * 2, options_.longestRetry)) {
+    if (!source_->open()) continue;
+    running_.store(true, std::memory_order_release);
+    if (options_.onChange) options_.onChange();
+    return true;
   }
+  return false;
+}
+
+bool KeyMonitor::stopsWithin(std::chrono::milliseconds time) {
+  std::unique_lock lock(stopMutex_);
+  return stopChanged_.wait_for(lock, time, [this] { return stopping_; });
 }
 
 void KeyMonitor::handle(const KeySource::Event& event) {

@@ -30,6 +30,9 @@ struct KeyMonitorOptions {
   /// Receives every event, also those too old to be handed on, after the handler: which keys are
   /// held follows from all of them. Called as the handler is.
   std::function<void(const KeyEvent&)> observer = nullptr;
+  /// Called when a source in use was lost and when it is open again, that is, whenever `isRunning`
+  /// changes by itself. Thread: the monitor's.
+  std::function<void()> onChange = nullptr;
   /// The clock events are stamped with on delivery, in `MachTime` ticks.
   std::function<uint64_t()> now = &MachTime::now;
   /// The first pause before a lost source is opened again; doubles up to `longestRetry`.
@@ -71,6 +74,7 @@ class KeyMonitor final {
  private:
   void run(std::promise<bool> opened);
   bool openAgain();
+  bool stopsWithin(std::chrono::milliseconds time);
   void handle(const KeySource::Event& event);
   void endThread() TOBRIN_REQUIRES(control_);
 

@@ -87,10 +87,12 @@ void EvdevKeySource::run(const Sink& sink) {
     if (waits[seatWait].revents != 0) changed |= takeSeatChange(sink);
     if (waits[hotplugWait].revents != 0 || waits[permissionWait].revents != 0) {
       watches_->changes.clear();
+      dropWhatMayNotBeRead(sink);
       changed = true;
     }
     if (!changed) continue;
     takeUpKeyboards();
+    if (refused_) return;
     waits = everythingToWaitFor();
   }
 }
@@ -119,6 +121,15 @@ bool EvdevKeySource::takeKeys(const std::vector<pollfd>& waits, const Sink& sink
   const bool anyGone = removed != keyboards_.end();
   keyboards_.erase(removed, keyboards_.end());
   return anyGone;
+}
+
+/// Who takes the access back means it: an open device could be read on.
+void EvdevKeySource::dropWhatMayNotBeRead(const Sink& sink) {
+  std::erase_if(keyboards_, [&](const auto& keyboard) {
+    if (isReadable(keyboard->node())) return false;
+    keyboard->releaseAll(sink);
+    return true;
+  });
 }
 
 /// Whether the seat has changed hands. Keyboards are closed while they are not ours.

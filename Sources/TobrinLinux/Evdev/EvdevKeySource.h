@@ -27,6 +27,7 @@ class EvdevKeySource final : public KeySource {
 
   /// False where there are keyboards and none may be read. Without any keyboard it waits for one.
   bool open() override;
+  /// Ends, too, once there are keyboards and none may be read any more.
   void run(const Sink& sink) override;
   void close() override;
   void interrupt() override;
@@ -42,6 +43,7 @@ class EvdevKeySource final : public KeySource {
   void setProblem(const std::string& problem);
   void takeUpKeyboards();
   bool takeKeys(const std::vector<pollfd>& waits, const Sink& sink);
+  void dropWhatMayNotBeRead(const Sink& sink);
   bool takeSeatChange(const Sink& sink);
   [[nodiscard]] std::vector<pollfd> everythingToWaitFor() const;
 
