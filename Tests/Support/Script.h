@@ -21,6 +21,10 @@ class Script {
   }
   /// Whether the source opens.
   void work(bool works) { set(works_, works); }
+  bool works() {
+    const std::scoped_lock lock(mutex_);
+    return works_;
+  }
   /// Ends the current run as a vanished device or server would.
   void lose() { set(lost_, true); }
   /// Waits until `open` was called this often in all.

@@ -22,7 +22,9 @@ class ScriptedMotionSource final : public MotionSource {
   }
   void close() override { script_.close(); }
   void interrupt() override { script_.interrupt(); }
-  [[nodiscard]] std::string problem() const override { return "the test says no"; }
+  [[nodiscard]] std::string problem() const override {
+    return script_.works() ? "" : "the test says no";
+  }
   [[nodiscard]] std::string description() const override { return "a scripted source"; }
 
  private:

@@ -72,6 +72,8 @@ void AppModel::wireCallbacks() {
       emit lastForceChanged();
     });
   });
+  conductor_->setOnSensorProblem(
+      [this](const std::string& problem) { onMain([this, problem] { sensorChanged(problem); }); });
   monitor_ = std::make_unique<KeyMonitor>(
       std::move(services_.keySource), [this](const KeyEvent& event) { conductor_->handle(event); },
       KeyMonitorOptions{
@@ -152,7 +154,8 @@ std::string AppModel::statusLine() const {
       {.hasPermission = hasPermission(),
        .gate = gate(),
        .packName = pack != nullptr ? std::optional(pack->name) : std::nullopt,
-       .forceSensing = settings_.forceSensing && sensorAvailable_},
+       .forceSensing = settings_.forceSensing && sensorAvailable_,
+       .sensorWorks = sensorProblem_.empty()},
       services_.words);
 }
 
@@ -173,6 +176,14 @@ void AppModel::micChanged(bool inUse) {
   micInUse_ = inUse;
   if (gate().state() != before) conductor_->apply(effectiveSettings(), false);
   emit micInUseChanged();
+  emit statusChanged();
+}
+
+// Motion sensor
+
+void AppModel::sensorChanged(const std::string& problem) {
+  sensorProblem_ = problem;
+  if (!problem.empty()) Log::line("force can't be sensed: " + problem);
   emit statusChanged();
 }
 

@@ -64,6 +64,8 @@ class AppModel final : public QObject {
   [[nodiscard]] bool micInUse() const { return micInUse_; }
   [[nodiscard]] GlobalHotkey::Status shortcutStatus() const { return shortcutStatus_; }
   [[nodiscard]] bool sensorAvailable() const { return sensorAvailable_; }
+  /// Why the sensor that is there does not work, in words; empty while it does.
+  [[nodiscard]] const std::string& sensorProblem() const { return sensorProblem_; }
 
   [[nodiscard]] std::string statusLine() const;
   /// Why the shortcut does not work, in words; nothing while it does or is off.
@@ -102,7 +104,7 @@ class AppModel final : public QObject {
   void micInUseChanged();
   void shortcutStatusChanged();
   void outputChanged();  ///< what the sound goes through, or why it does not
-  void statusChanged();  ///< statusLine or the gate's state may differ
+  void statusChanged();  ///< statusLine, the gate's state or sensorProblem may differ
 
  private:
   void readSavedState(const std::optional<Preview>& preview);
@@ -111,6 +113,7 @@ class AppModel final : public QObject {
   void registerShortcut();
   void updateMicMonitor();
   void micChanged(bool inUse);
+  void sensorChanged(const std::string& problem);
   void lookForKeyAccess();
   void loadSelectedPack(bool audition);
   /// Loads the selected pack unless it is loaded, or on its way, as it was found last: one that
@@ -135,6 +138,7 @@ class AppModel final : public QObject {
   std::optional<PackManifest> manifest_;
   std::optional<std::string> packError_;
   std::string keyAccessProblem_;
+  std::string sensorProblem_;
   std::optional<ForceReading> lastForce_;
   bool launchAtLogin_ = false;
   bool micInUse_ = false;

@@ -12,8 +12,10 @@ std::string StatusTexts::statusLine(const State& state, const PlatformWords& wor
     case PlaybackGate::State::playing:
       break;
   }
-  return state.packName.value_or("No pack") + " · " +
-         (state.forceSensing ? "Force sensing on" : "Fixed strength");
+  const char* const strength = !state.forceSensing ? "Fixed strength"
+                               : state.sensorWorks ? "Force sensing on"
+                                                   : "Fixed strength, sensor fails";
+  return state.packName.value_or("No pack") + " · " + strength;
 }
 
 std::optional<std::string> StatusTexts::shortcutProblem(const GlobalHotkey::Status& status,

@@ -16,6 +16,7 @@ struct StatusTexts {
     PlaybackGate gate;
     std::optional<std::string> packName;  ///< absent: no pack
     bool forceSensing = false;            ///< wanted, and a sensor is there
+    bool sensorWorks = true;
   };
 
   static std::string statusLine(const State& state, const PlatformWords& words);

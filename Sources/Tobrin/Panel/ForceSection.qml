@@ -7,7 +7,8 @@ ColumnLayout {
     id: section
 
     required property PanelModel model
-    readonly property bool measuring: model.sensorAvailable && model.forceSensing
+    readonly property bool wanted: model.sensorAvailable && model.forceSensing
+    readonly property bool measuring: wanted && model.sensorProblem === ""
 
     spacing: Theme.unit * 1.5
 
@@ -26,8 +27,8 @@ ColumnLayout {
             Layout.fillWidth: true
             Layout.topMargin: Theme.unit * 1.5
             Layout.bottomMargin: Theme.gap
-            visible: !section.model.sensorAvailable
-            text: section.model.noSensorNote
+            visible: !section.model.sensorAvailable || (section.wanted && !section.measuring)
+            text: section.model.sensorAvailable ? "The motion sensor does not work: " + section.model.sensorProblem + ". Until it does, the strength below is used." : section.model.noSensorNote
             small: true
             secondary: true
         }

@@ -115,6 +115,9 @@ double PanelModel::volume() const {
 bool PanelModel::sensorAvailable() const {
   return model_.sensorAvailable();
 }
+QString PanelModel::sensorProblem() const {
+  return text(model_.sensorProblem());
+}
 bool PanelModel::forceSensing() const {
   return model_.settings().forceSensing;
 }

@@ -35,6 +35,7 @@ class PanelModel final : public QObject {
   Q_PROPERTY(bool soundsOn READ soundsOn WRITE setSoundsOn NOTIFY settingsChanged)
   Q_PROPERTY(double volume READ volume WRITE setVolume NOTIFY settingsChanged)
   Q_PROPERTY(bool sensorAvailable READ sensorAvailable CONSTANT)
+  Q_PROPERTY(QString sensorProblem READ sensorProblem NOTIFY statusChanged)
   Q_PROPERTY(bool forceSensing READ forceSensing WRITE setForceSensing NOTIFY settingsChanged)
   Q_PROPERTY(double sensitivity READ sensitivity WRITE setSensitivity NOTIFY settingsChanged)
   Q_PROPERTY(int fixedTier READ fixedTier WRITE setFixedTier NOTIFY settingsChanged)
@@ -76,6 +77,7 @@ class PanelModel final : public QObject {
   [[nodiscard]] bool soundsOn() const;
   [[nodiscard]] double volume() const;  ///< linear, 0 to 1 on the slider
   [[nodiscard]] bool sensorAvailable() const;
+  [[nodiscard]] QString sensorProblem() const;  ///< empty while there is none
   [[nodiscard]] bool forceSensing() const;
   [[nodiscard]] double sensitivity() const;
   [[nodiscard]] int fixedTier() const;

@@ -16,6 +16,7 @@ Conductor::~Conductor() {
     core_->shutdown();
     core_->setOnForce(nullptr);
     core_->setOnForceStage(nullptr);
+    core_->setOnSensorProblem(nullptr);
   });
 }
 
@@ -25,6 +26,10 @@ void Conductor::setOnForce(ForceCallback onForce) {
 
 void Conductor::setOnForceStage(ForceStageCallback onStage) {
   queue_.async([core = core_, callback = std::move(onStage)] { core->setOnForceStage(callback); });
+}
+
+void Conductor::setOnSensorProblem(SensorProblemCallback onProblem) {
+  queue_.async([core = core_, call = std::move(onProblem)] { core->setOnSensorProblem(call); });
 }
 
 void Conductor::handle(const KeyEvent& event) {

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "Engine/AudioOutput.h"
 #include "Engine/EngineSettings.h"
@@ -30,6 +31,7 @@ class Conductor final {
 
   /// Called on the queue once per key-down.
   using ForceCallback = std::function<void(const ForceReading&)>;
+  using SensorProblemCallback = std::function<void(const std::string& problem)>;
 
   /// The queue outlives the conductor. `sensor` may be null.
   Conductor(SerialQueue& queue, std::unique_ptr<AudioOutput> audio,
@@ -41,6 +43,9 @@ class Conductor final {
 
   /// For strokes handled from now on.
   void setOnForce(ForceCallback onForce);
+  /// Called on the queue each time that it changes why force cannot be sensed though it is wanted
+  /// and there is a sensor: in words, empty while all is well. The fixed strength plays meanwhile.
+  void setOnSensorProblem(SensorProblemCallback onProblem);
   /// For tools that look at each stage of the measurement; for strokes handled from now on.
   void setOnForceStage(ForceStageCallback onStage);
 

@@ -48,8 +48,8 @@ void ConductorCore::keyDown(const KeyEvent& event) {
   held_.release(event.code);  // its key-up was lost
   if (!settings_.enabled || !player_.hasPack()) return;
   devices_->noteActivity(event.time);
-  devices_->wake();
-  if (settings_.forceSensing && devices_->canSense())
+  wake();
+  if (settings_.forceSensing && devices_->sensing().canSense())
     strikeSensed(event);
   else
     strikeFixed(event);
@@ -66,11 +66,6 @@ void ConductorCore::strikeSensed(const KeyEvent& event) {
   if (tag == 0) return;
   showStage(event, 0, reading);
   held_.press(event.code, tag);
-  // Only now: a sensor may take its time to start, and the sound must not wait for it.
-  if (!devices_->startSensor()) {
-    report({.code = event.code, .position = strength.position});
-    return;
-  }
   for (const double delay : Conductor::refineAtMs) {
     after(ticks(std::chrono::duration<double, std::milli>(delay)),
           [stroke = Stroke{tag, event, variation.gain}, delay](ConductorCore& self) {
@@ -135,18 +130,15 @@ void ConductorCore::apply(const EngineSettings& settings, bool wakeNow) {
     suspend();
     return;
   }
-  if (!devices_->isSuspended() && settings.forceSensing != old.forceSensing) {
-    if (settings.forceSensing)
-      devices_->startSensor();
-    else
-      devices_->stopSensor();
-  }
+  if (!settings.forceSensing) devices_->sensing().stop();
+  if (settings.forceSensing && !old.forceSensing && !devices_->isSuspended())
+    devices_->sensing().start();
   if (wakeNow) wake();
 }
 
 void ConductorCore::wake() {
   devices_->wake();
-  if (settings_.forceSensing) devices_->startSensor();
+  if (settings_.forceSensing) devices_->sensing().start();
 }
 
 void ConductorCore::suspend() {

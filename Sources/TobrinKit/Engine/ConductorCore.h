@@ -34,6 +34,9 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   void systemDidWake() { devices_->restart(); }
   void shutdown();
   void setOnForce(ForceCallback onForce) { onForce_ = std::move(onForce); }
+  void setOnSensorProblem(SensorKeeper::ProblemCallback onProblem) {
+    devices_->sensing().setOnProblem(std::move(onProblem));
+  }
   void setOnForceStage(ForceStageCallback onStage) { onStage_ = std::move(onStage); }
 
   [[nodiscard]] const EngineDevices& devices() const { return *devices_; }

@@ -5,17 +5,11 @@
 #include "Engine/MachTime.h"
 
 namespace tobrin {
-namespace {
-
-constexpr double retryMs = 1000;
-
-}  // namespace
-
 EngineDevices::EngineDevices(SerialQueue& queue, std::unique_ptr<AudioOutput> audio,
                              std::unique_ptr<ForceSensor> sensor)
     : queue_(queue),
       output_(std::make_shared<OutputKeeper>(queue, std::move(audio))),
-      sensor_(std::move(sensor)),
+      sensing_(std::make_shared<SensorKeeper>(queue, std::move(sensor))),
       lastActivity_(queue.now()) {}
 
 void EngineDevices::watchIdleness() {
@@ -38,28 +32,12 @@ void EngineDevices::wake() {
   if (std::exchange(isSuspended_, false)) watchIdleness();
 }
 
-bool EngineDevices::startSensor() {
-  if (!canSense()) return false;
-  if (sensor_->isRunning() || sensor_->start()) return true;
-  sensorRetry_ = queue_.now() + MachTime::ticks(retryMs);
-  return false;
-}
-
-bool EngineDevices::canSense() const {
-  return sensor_ && (sensor_->isRunning() || queue_.now() >= sensorRetry_);
-}
-
-void EngineDevices::stopSensor() {
-  if (sensor_) sensor_->stop();
-}
-
 void EngineDevices::suspend() {
   if (isSuspended_) return;
   isSuspended_ = true;
   ++watch_;
   output_->rest();
-  stopSensor();
-  sensorRetry_ = 0;
+  sensing_->stop();
 }
 
 void EngineDevices::shutdown() {
@@ -69,10 +47,7 @@ void EngineDevices::shutdown() {
 
 void EngineDevices::restart() {
   if (isSuspended_) return;
-  if (sensor_ && sensor_->isRunning()) {
-    sensor_->stop();
-    sensor_->start();
-  }
+  sensing_->restart();
   output_->restart();
 }
 

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "Engine/OutputKeeper.h"
+#include "Engine/SensorKeeper.h"
 #include "Engine/SerialQueue.h"
-#include "Force/ForceSensor.h"
 
 namespace tobrin {
 
@@ -40,14 +40,6 @@ class EngineDevices final : public std::enable_shared_from_this<EngineDevices> {
   /// Takes running devices up again: they may have changed while the machine slept.
   void restart();
 
-  /// Starts the sensor if it does not run; returns whether it does. One that failed a moment ago is
-  /// not asked again at once.
-  bool startSensor();
-  void stopSensor();
-
-  /// Whether the sensor runs or may be started now.
-  [[nodiscard]] bool canSense() const;
-
   /// Has every sounding voice fade out; false where the ring is full.
   bool fadeOut() { return output_->fadeOut(); }
 
@@ -57,16 +49,16 @@ class EngineDevices final : public std::enable_shared_from_this<EngineDevices> {
   [[nodiscard]] bool isAtRest() const { return isSuspended_ && output_->isPaused(); }
   [[nodiscard]] AudioOutput& audio() { return output_->audio(); }
   [[nodiscard]] const AudioOutput& audio() const { return std::as_const(*output_).audio(); }
-  [[nodiscard]] const ForceSensor* sensor() const { return sensor_.get(); }
+  [[nodiscard]] SensorKeeper& sensing() { return *sensing_; }
+  [[nodiscard]] const ForceSensor* sensor() const { return sensing_->sensor(); }
 
  private:
   void checkIdleness();
 
-  SerialQueue& queue_;                          // fixed after construction
-  const std::shared_ptr<OutputKeeper> output_;  // shared with its own timers
-  const std::unique_ptr<ForceSensor> sensor_;   // fixed after construction
-  uint64_t lastActivity_;                       // host ticks
-  uint64_t sensorRetry_ = 0;                    // host ticks; not asked again before
+  SerialQueue& queue_;                           // fixed after construction
+  const std::shared_ptr<OutputKeeper> output_;   // shared with its own timers
+  const std::shared_ptr<SensorKeeper> sensing_;  // likewise
+  uint64_t lastActivity_;                        // host ticks
   uint64_t watch_ = 0;  // number of the idle watch; timers of others do nothing
   bool isSuspended_ = false;
 };

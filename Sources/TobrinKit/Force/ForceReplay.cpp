@@ -61,14 +61,17 @@ class Replay {
     return std::make_unique<AudioOutput>(std::move(device));
   }
   std::unique_ptr<ForceSensor> makeSensor(const MotionTrace& motion) {
-    return std::make_unique<ForceSensor>(
+    auto sensor = std::make_unique<ForceSensor>(
         std::make_unique<TraceSource>(motion, "replay", clock_, TraceSource::Times::recorded));
+    sensor_ = sensor.get();
+    return sensor;
   }
   void runUntil(uint64_t time);
 
   std::shared_ptr<VirtualTraceClock> clock_;  // shared with the trace's source
   VirtualQueue queue_;
   SilentDevice* device_ = nullptr;  // owned by the conductor's output
+  ForceSensor* sensor_ = nullptr;   // owned by the conductor
   Conductor conductor_;
 };
 
@@ -106,6 +109,7 @@ void Replay::runUntil(uint64_t time) {
   for (auto due = queue_.nextDue(); due && *due <= time; due = queue_.nextDue()) {
     clock_->advanceTo(*due);
     queue_.runUntil(*due);
+    sensor_->awaitStart();  // the trace's time stands still while it opens
     device_->drain();
   }
   clock_->advanceTo(time);

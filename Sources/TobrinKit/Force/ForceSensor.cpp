@@ -12,18 +12,24 @@
 namespace tobrin {
 
 struct ForceSensor::State {
-  void stream(ForceSensor& sensor, std::promise<bool> opened);
+  enum class Phase { idle, starting, running };
+
+  void launch(ForceSensor& sensor) TOBRIN_REQUIRES(lifeLock);
+  void stream(ForceSensor& sensor, std::promise<void> ended);
+  void enter(Phase next);
 
   // Fixed after construction. While there is a sensor thread, the source is that thread's.
   std::unique_ptr<MotionSource> source;
   std::function<void()> onThreadStart;
+  std::function<void()> onChange;  // fixed before the first start
 
   // Sensor thread; `start` has it while there is none.
   ImpactFilter filter;
 
   Mutex lifeLock;  // serialises start and stop
   std::thread thread TOBRIN_GUARDED_BY(lifeLock);
-  std::atomic<bool> running = false;
+  std::shared_future<void> opened TOBRIN_GUARDED_BY(lifeLock);  // of that thread
+  std::atomic<Phase> phase = Phase::idle;
   std::atomic<uint64_t> reportsReceived = 0;
 
   mutable Mutex ringLock;  // held to write one sample or to copy a window
@@ -41,47 +47,76 @@ ForceSensor::~ForceSensor() {
   stop();
 }
 
+void ForceSensor::setOnChange(std::function<void()> onChange) {
+  state_->onChange = std::move(onChange);
+}
+
 bool ForceSensor::start() {
+  begin();
+  return awaitStart();
+}
+
+void ForceSensor::begin() {
   MutexLock lock(state_->lifeLock);
-  if (isRunning()) return true;
-  if (!state_->source) return false;
-  if (state_->thread.joinable()) state_->thread.join();  // its source ended by itself
-  state_->filter.rest();
-  std::promise<bool> opened;
-  std::future<bool> answer = opened.get_future();
+  const bool isIdle = state_->phase.load(std::memory_order_acquire) == State::Phase::idle;
+  if (state_->source && isIdle) state_->launch(*this);
+}
+
+bool ForceSensor::awaitStart() {
+  MutexLock lock(state_->lifeLock);
+  if (state_->opened.valid()) state_->opened.wait();
+  return isRunning();
+}
+
+void ForceSensor::State::launch(ForceSensor& sensor) {
+  if (thread.joinable()) thread.join();  // its source ended by itself
+  filter.rest();
+  std::promise<void> promise;
+  opened = promise.get_future().share();
+  phase.store(Phase::starting, std::memory_order_relaxed);  // orders nothing
   try {
-    state_->thread = std::thread([this, promise = std::move(opened)]() mutable {
-      state_->stream(*this, std::move(promise));
+    thread = std::thread([this, &sensor, given = std::move(promise)]() mutable {
+      stream(sensor, std::move(given));
     });
   } catch (const std::system_error&) {
-    return false;  // the system has no thread left; the next key asks again
+    opened = {};
+    enter(Phase::idle);  // the system has no thread left; the next start asks again
   }
-  return answer.get();
 }
 
 // The sensor thread. It never owns the sensor, whose destructor ends it: a running sensor that
 // nobody holds any more is switched off.
-void ForceSensor::State::stream(ForceSensor& sensor, std::promise<bool> opened) {
+void ForceSensor::State::stream(ForceSensor& sensor, std::promise<void> ended) {
   if (onThreadStart) onThreadStart();
   const bool open = source->open();
-  running.store(open, std::memory_order_release);  // read by isRunning, which acquires
-  opened.set_value(open);
+  enter(open ? Phase::running : Phase::idle);
+  ended.set_value();
   if (!open) return;
   source->run(
       [&sensor](std::span<const uint8_t> report, uint64_t time) { sensor.ingest(report, time); });
   source->close();
-  running.store(false, std::memory_order_release);
+  enter(Phase::idle);
+}
+
+void ForceSensor::State::enter(Phase next) {
+  phase.store(next, std::memory_order_release);  // read by isRunning, which acquires
+  if (onChange) onChange();
 }
 
 void ForceSensor::stop() {
   MutexLock lock(state_->lifeLock);
   if (!state_->thread.joinable()) return;
-  state_->source->interrupt();
+  state_->opened.wait();  // an interruption before the source is open would be lost
+  if (isRunning()) state_->source->interrupt();
   state_->thread.join();
 }
 
 bool ForceSensor::isRunning() const {
-  return state_->running.load(std::memory_order_acquire);
+  return state_->phase.load(std::memory_order_acquire) == State::Phase::running;
+}
+
+bool ForceSensor::isStarting() const {
+  return state_->phase.load(std::memory_order_acquire) == State::Phase::starting;
 }
 
 std::string ForceSensor::problem() const {

@@ -33,11 +33,22 @@ class ForceSensor final {
   ForceSensor(const ForceSensor&) = delete;
   ForceSensor& operator=(const ForceSensor&) = delete;
 
+  /// `onChange` is called on the sensor thread each time a start has succeeded or failed, and when
+  /// streaming has ended. To be set before the first start.
+  void setOnChange(std::function<void()> onChange);
+
   /// Starts streaming if it does not; returns whether it streams.
   bool start();
-  /// Ends streaming; when it returns the sensor thread has ended. Ring and noise are kept.
+  /// Starts streaming if it does not, without waiting for the device.
+  void begin();
+  /// Waits for the end of what `begin` began; returns whether it streams.
+  bool awaitStart();
+  /// Ends streaming; when it returns the sensor thread has ended. Ring and noise are kept. Waits
+  /// for the end of a start.
   void stop();
   [[nodiscard]] bool isRunning() const;
+  /// Whether a start has yet to end.
+  [[nodiscard]] bool isStarting() const;
   [[nodiscard]] std::string problem() const;
   [[nodiscard]] std::string description() const;
 

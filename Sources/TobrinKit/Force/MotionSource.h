@@ -34,7 +34,8 @@ class MotionSource {
   /// Ends a `run`, also one that has yet to begin. Thread: any.
   virtual void interrupt() = 0;
 
-  /// Why `open` failed, in words. Thread: the sensor's, or any after `open` has returned.
+  /// Why `open` failed, or what keeps `run` waiting, in words; empty while all is well. Thread: the
+  /// sensor's, or any after `open` has returned.
   [[nodiscard]] virtual std::string problem() const = 0;
 
   /// What the reports come from, for people.

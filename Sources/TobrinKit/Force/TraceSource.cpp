@@ -22,6 +22,7 @@ bool TraceSource::open() {
     problem_ = error.what();
     return false;
   }
+  problem_.clear();
   clock_->rearm();
   opened_ = clock_->now();
   return true;

@@ -36,6 +36,8 @@ class ConductorTest : public ::testing::Test {
   }
   void advance(double milliseconds) {
     queue_.runUntil(queue_.now() + MachTime::ticks(milliseconds));
+    sensor_->awaitStart();  // and what comes of it
+    queue_.runUntil(queue_.now());
   }
   void press(KeyAction action = KeyAction::down) {
     conductor_->handle({centredKey, action, queue_.now()});
@@ -374,19 +376,39 @@ TEST_F(ConductorTest, DropsWhatAStalledOutputDoesNotPlayInTime) {
   EXPECT_EQ(conductor_->audio().startedVoices(), 1u + 16u);
 }
 
-TEST_F(ConductorTest, GoesOnWithoutASensor) {
-  sensor_->stop();
+TEST_F(ConductorTest, PlaysTheFixedStrengthWhileTheSensorDoesNotRunAndSaysWhy) {
+  settings_.fixedTier = Tier::slam;
+  settings_.forceSensing = false;
+  apply();
+  std::vector<std::string> problems;
+  conductor_->setOnSensorProblem([&](const std::string& problem) { problems.push_back(problem); });
   motion_.work(false);
-  press();
-  EXPECT_EQ(readings_.size(), 1u);
+  settings_.forceSensing = true;
+  apply();
+  const std::vector<std::string> told = {"the test says no"};
+  EXPECT_EQ(problems, told);
+  for (int i = 0; i < 40; ++i) {
+    press();
+    EXPECT_NEAR(level(), 0.4f, 0.001f) << "key " << i;
+    finishSounds();
+    advance(300);
+  }
+  EXPECT_EQ(readings_.size(), 40u);
+  EXPECT_EQ(motion_.opens, 1 + 4) << "tried again ever less often, but not for a key";
+  EXPECT_EQ(problems, told);
+
   motion_.work(true);
+  advance(10'000);
+  EXPECT_EQ(problems.back(), "");
   press();
-  EXPECT_EQ(readings_.size(), 2u) << "asked again too early";
-  advance(1000);
-  press();
-  EXPECT_TRUE(sensor_->isRunning());
+  EXPECT_NEAR(level(), 0.2f, 0.015f) << "a typical stroke";
   advance(20);
-  EXPECT_EQ(readings_.size(), 2u) << "no sample, no reading";
+  EXPECT_EQ(readings_.size(), 40u) << "no sample, no reading";
+  motion_.work(false);  // it vanished, and its source waits for it
+  finishSounds();
+  press();
+  EXPECT_NEAR(level(), 0.4f, 0.001f);
+  EXPECT_EQ(problems.back(), told.back());
 }
 
 }  // namespace
