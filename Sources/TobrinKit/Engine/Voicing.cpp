@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "Engine/SplitMix64.h"
 #include "Force/ForceClassifier.h"
 #include "Input/KeyLayout.h"
 
@@ -12,22 +11,17 @@ namespace {
 
 static_assert(tierCount == TB_LAYERS, "a voice has one layer a tier");
 
-/// The same for a key on every run: take and pitch hang on it.
-uint64_t hash(uint16_t code) {
-  return SplitMix64(code).next();
-}
-
 }  // namespace
 
 std::size_t Voicing::variant(uint16_t code, const LoadedPack& pack, KeyGroup group) {
   const std::size_t takes = std::max<std::size_t>(pack.variantCount(group), 1);
-  return static_cast<std::size_t>(hash(code) % takes);
+  return static_cast<std::size_t>(KeyLayout::identity(code) % takes);
 }
 
 float Voicing::detune(uint16_t code) {
   constexpr double range = 0.012;
   constexpr int steps = 1000;  // to either side
-  const int step = static_cast<int>((hash(code) >> 24) % (2 * steps + 1)) - steps;
+  const int step = static_cast<int>((KeyLayout::identity(code) >> 24) % (2 * steps + 1)) - steps;
   return static_cast<float>(1 + range * step / steps);
 }
 

@@ -23,11 +23,43 @@ constexpr void placeRow(Columns& columns, double first, double step,
     columns[code] = first + step * i++;
 }
 
-/// A laptop keyboard in the ANSI layout.
+/// What other keyboards have besides, in and around the main block.
+constexpr void placeOtherLayouts(Columns& columns) {
+  columns[10] = 1.75;   // ISO: between left Shift and Z
+  columns[93] = 13.25;  // JIS: Yen, before Delete
+  columns[94] = 12.75;  // JIS: underscore, before right Shift
+  columns[102] = 5.0;   // JIS: left of Space
+  columns[104] = 10.0;  // JIS: right of Space
+  columns[110] = 13.4;  // context menu
+  columns[62] = 14.4;   // right Control
+}
+
+/// What stands right of the main block, squeezed into what is left of its width: the sound of a key
+/// beyond it would leave the stage.
+constexpr void placeRightOfMainBlock(Columns& columns) {
+  placeRow(columns, 14.6, 0.1, {105, 107, 113});  // F13 to F15
+  placeRow(columns, 14.6, 0.1, {114, 115, 116});  // Insert, Home, Page Up
+  placeRow(columns, 14.7, 0.1, {119, 121});       // End, Page Down, beside forward Delete
+
+  constexpr double keypad = 14.85;
+  constexpr double step = 0.05;
+  placeRow(columns, keypad, step, {106, 64, 79, 80});  // F16 to F19
+  placeRow(columns, keypad, step, {71, 75, 67, 78});   // Num Lock / * -
+  placeRow(columns, keypad, step, {89, 91, 92, 69});   // 7 8 9 +
+  placeRow(columns, keypad, step, {86, 87, 88, 95});   // 4 5 6 and a comma
+  placeRow(columns, keypad, step, {83, 84, 85, 76});   // 1 2 3 Enter
+  placeRow(columns, keypad, 2 * step, {82, 65});       // 0, two keys wide, and the point
+  columns[81] = columns[75];                           // = where keypads have one
+  columns[90] = columns[80];                           // F20
+}
+
 constexpr Columns placeKeys() {
   Columns columns{};
   columns.fill(noColumn);
+  placeOtherLayouts(columns);
+  placeRightOfMainBlock(columns);
 
+  // A laptop keyboard in the ANSI layout.
   columns[53] = 0.5;            // Escape
   placeRow(columns, 1.6, 1.08,  // F1 to F12
            {122, 120, 99, 118, 96, 97, 98, 100, 101, 109, 103, 111});
