@@ -25,7 +25,7 @@ class MotionSource {
   virtual bool open() = 0;
 
   /// Hands reports to `sink` until `interrupt`. A device that vanishes is waited for here and taken
-  /// up again.
+  /// up again; where another program takes it this ends, with a `problem`, and may be tried again.
   virtual void run(const Sink& sink) = 0;
 
   /// Switches the device off and closes it.

@@ -42,11 +42,20 @@ std::optional<IioLayout> readLayout(const fs::path& folder) {
   return IioLayout(std::move(elements));
 }
 
-std::string cannotWrite(const fs::path& file, int error) {
+IioReader::Refusal cannotWrite(const fs::path& file, int error) {
   std::string text =
       "cannot write " + file.string() + ": " + std::generic_category().message(error);
   if (error == EBUSY) text += "; another program uses it";
-  return text;
+  return {text, error == EBUSY};
+}
+
+/// The buffer has one switch, which any program may turn that may write it.
+bool isSwitchedOn(const IioDevice& device) {
+  return sysfs::readNumber(device.folder / "buffer" / "enable").value_or(0) != 0;
+}
+
+IioReader::Refusal inUse(const IioDevice& device) {
+  return {device.title() + " is in use by another program", true};
 }
 
 }  // namespace
@@ -59,8 +68,8 @@ std::unique_ptr<IioBufferReader> IioBufferReader::prepare(const IioDevice& devic
     refusal = {device.title() + " has no buffer"};
     return nullptr;
   }
-  if (sysfs::readNumber(device.folder / "buffer" / "enable").value_or(0) != 0) {
-    refusal = {device.title() + " is in use by another program", true};
+  if (isSwitchedOn(device)) {
+    refusal = inUse(device);
     return nullptr;
   }
   FileDescriptor file(::open(device.node.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
@@ -82,22 +91,31 @@ IioBufferReader::IioBufferReader(IioDevice device, const IioCalibration& calibra
       layout_(std::move(layout)),
       bytes_(framesPerRead * layout_.frameBytes()) {}
 
-bool IioBufferReader::start(std::string& reason) {
-  const fs::path buffer = device_.folder / "buffer";
+bool IioBufferReader::start(Refusal& refusal) {
+  if (isSwitchedOn(device_)) {  // since `prepare`
+    refusal = inUse(device_);
+    return false;
+  }
   // What a device does not have or does not take of these only costs accuracy.
   (void)changes_.set(device_.folder / "current_timestamp_clock", "monotonic");
   if (rate_ == Rate::highest) hz_ = chooseRate(device_, changes_);
-  if (!chooseElements(reason)) return false;
+  if (!chooseElements(refusal)) return false;
   chooseTrigger();
+  return switchOn(refusal);
+}
+
+bool IioBufferReader::switchOn(Refusal& refusal) {
+  const fs::path buffer = device_.folder / "buffer";
   (void)changes_.set(buffer / "length", "256");  // a quarter of a second at 1000 Hz
   (void)changes_.set(buffer / "watermark", "1");
-  const int error = changes_.set(buffer / "enable", "1");
-  if (error != 0) reason = cannotWrite(buffer / "enable", error);
+  // What is on by now carries another program's frames.
+  const int error = isSwitchedOn(device_) ? EBUSY : changes_.set(buffer / "enable", "1");
+  if (error != 0) refusal = cannotWrite(buffer / "enable", error);
   return error == 0;
 }
 
 // The axes and the time stamp are part of a frame, everything else the device has is not.
-bool IioBufferReader::chooseElements(std::string& reason) {
+bool IioBufferReader::chooseElements(Refusal& refusal) {
   for (const fs::path& file : sysfs::entries(device_.folder / "scan_elements")) {
     const std::string name = file.filename();
     if (!name.ends_with("_en")) continue;
@@ -106,7 +124,7 @@ bool IioBufferReader::chooseElements(std::string& reason) {
       wanted = wanted || name == std::string(element) + "_en";
     const int error = changes_.set(file, wanted ? "1" : "0");
     if (error != 0) {
-      reason = cannotWrite(file, error);
+      refusal = cannotWrite(file, error);
       return false;
     }
   }
@@ -127,21 +145,25 @@ void IioBufferReader::chooseTrigger() {
 
 IioReader::End IioBufferReader::stream(const MotionSource::Sink& sink, const WakeEvent& interrupt,
                                        DeviceWatch& watch) {
-  constexpr int firstSampleMs = 1500;
-  const uint64_t started = MachTime::now();
+  constexpr int quietMs = 1500;  // longer than any device of use takes to send its first sample
+  uint64_t last = MachTime::now();
   bool heard = false;
   for (;;) {
     // A waiting poll does not notice that the device is removed, but the news of it does.
-    waitForAny({interrupt.fd(), watch.fd(), file_.get()}, heard ? -1 : firstSampleMs);
+    waitForAny({interrupt.fd(), watch.fd(), file_.get()}, quietMs);
     if (isRaised(interrupt)) return End::interrupted;
     const ssize_t length = ::read(file_.get(), bytes_.data(), bytes_.size());
     if (length > 0) {
       heard = true;
-      pass(static_cast<std::size_t>(length) / layout_.frameBytes(), MachTime::now(), sink);
+      last = MachTime::now();
+      pass(static_cast<std::size_t>(length) / layout_.frameBytes(), last, sink);
       continue;
     }
     if (length == 0 || (errno != EAGAIN && errno != EINTR)) return End::gone;
-    if (!heard && MachTime::delta(MachTime::now(), started) >= firstSampleMs) return End::silent;
+    if (MachTime::delta(MachTime::now(), last) >= quietMs) {
+      if (!isSwitchedOn(device_)) return End::taken;
+      if (!heard) return End::silent;
+    }
     watch.note();
   }
 }

@@ -21,19 +21,13 @@ class IioBufferReader final : public IioReader {
     asFound,  ///< what the device runs at
   };
 
-  /// Why the buffer cannot be had.
-  struct Refusal {
-    std::string words;
-    bool inUse = false;  ///< by another program, which single readings would disturb
-  };
-
   /// Opens the device without changing it; null, with a refusal, where it has no buffer, where
   /// another program reads it, or where this one may not.
   static std::unique_ptr<IioBufferReader> prepare(const IioDevice& device,
                                                   const IioCalibration& calibration, Rate rate,
                                                   Refusal& refusal);
 
-  [[nodiscard]] bool start(std::string& reason) override;
+  [[nodiscard]] bool start(Refusal& refusal) override;
   [[nodiscard]] End stream(const MotionSource::Sink& sink, const WakeEvent& interrupt,
                            DeviceWatch& watch) override;
   [[nodiscard]] std::string description() const override;
@@ -41,8 +35,9 @@ class IioBufferReader final : public IioReader {
  private:
   IioBufferReader(IioDevice device, const IioCalibration& calibration, Rate rate,
                   FileDescriptor file, IioLayout layout);
-  [[nodiscard]] bool chooseElements(std::string& reason);
+  [[nodiscard]] bool chooseElements(Refusal& refusal);
   void chooseTrigger();
+  [[nodiscard]] bool switchOn(Refusal& refusal);
   void pass(std::size_t frames, uint64_t readTime, const MotionSource::Sink& sink);
 
   // Fixed after construction.

@@ -16,19 +16,21 @@ namespace tobrin {
 
 std::unique_ptr<IioPollReader> IioPollReader::prepare(const IioDevice& device,
                                                       const IioCalibration& calibration,
-                                                      std::string& reason) {
+                                                      Refusal& refusal) {
   std::array<FileDescriptor, 3> axes;
   for (std::size_t i = 0; i < axes.size(); ++i) {
     const auto file = device.axisFile(i, "raw");
     axes[i].reset(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
     if (axes[i]) continue;
-    reason = cannotOpen(file, errno);
+    refusal.words = cannotOpen(file, errno);
     return nullptr;
   }
   auto reader =
       std::unique_ptr<IioPollReader>(new IioPollReader(device, calibration, std::move(axes)));
   if (reader->readCounts()) return reader;
-  reason = "cannot read " + device.title() + ": " + std::generic_category().message(errno);
+  const int error = errno;
+  refusal.words = "cannot read " + device.title() + ": " + std::generic_category().message(error);
+  refusal.inUse = error == EBUSY;
   return nullptr;
 }
 
@@ -36,7 +38,7 @@ IioPollReader::IioPollReader(IioDevice device, const IioCalibration& calibration
                              std::array<FileDescriptor, 3> axes)
     : device_(std::move(device)), calibration_(calibration), axes_(std::move(axes)) {}
 
-bool IioPollReader::start(std::string&) {
+bool IioPollReader::start(Refusal&) {
   return true;
 }
 
@@ -66,7 +68,8 @@ IioReader::End IioPollReader::stream(const MotionSource::Sink& sink, const WakeE
     const uint64_t before = MachTime::now();
     const auto counts = readCounts();
     const uint64_t after = MachTime::now();
-    if (!counts && (errno == ENODEV || ++failures == mostFailures)) return End::gone;
+    if (!counts && (errno == ENODEV || ++failures == mostFailures))
+      return errno == EBUSY ? End::taken : End::gone;
     if (counts) {
       failures = 0;
       sink(encodeMotionReport(calibration_.apply(*counts)), before + (after - before) / 2);

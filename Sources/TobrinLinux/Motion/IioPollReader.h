@@ -17,9 +17,9 @@ class IioPollReader final : public IioReader {
   /// Nothing, with a reason, where the device does not answer.
   static std::unique_ptr<IioPollReader> prepare(const IioDevice& device,
                                                 const IioCalibration& calibration,
-                                                std::string& reason);
+                                                Refusal& refusal);
 
-  [[nodiscard]] bool start(std::string& reason) override;
+  [[nodiscard]] bool start(Refusal& refusal) override;
   [[nodiscard]] End stream(const MotionSource::Sink& sink, const WakeEvent& interrupt,
                            DeviceWatch& watch) override;
   [[nodiscard]] std::string description() const override;

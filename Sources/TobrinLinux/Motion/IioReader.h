@@ -17,12 +17,19 @@ class IioReader {
     interrupted,
     gone,    ///< the device was removed
     silent,  ///< the device sends nothing
+    taken,   ///< by another program
+  };
+
+  /// Why a device cannot be read.
+  struct Refusal {
+    std::string words;
+    bool inUse = false;  ///< by another program, which must not be disturbed
   };
 
   virtual ~IioReader() = default;
 
-  /// Switches the stream on, which may take some ten milliseconds; false leaves a reason.
-  [[nodiscard]] virtual bool start(std::string& reason) = 0;
+  /// Switches the stream on, which may take some ten milliseconds; false leaves a refusal.
+  [[nodiscard]] virtual bool start(Refusal& refusal) = 0;
 
   /// Hands samples on until something ends it. `watch` has the news of IIO devices.
   [[nodiscard]] virtual End stream(const MotionSource::Sink& sink, const WakeEvent& interrupt,

@@ -19,37 +19,37 @@ bool IioSource::open() {
 }
 
 bool IioSource::findReader() {
-  std::string problem;
+  IioReader::Refusal first;  // of the best device
   for (const IioDevice& device : IioDevice::findAll(paths_)) {
-    std::string reason;
-    reader_ = makeReader(device, reason);
+    IioReader::Refusal refusal;
+    reader_ = makeReader(device, refusal);
     if (reader_) {
       words_.setProblem({});
       words_.setDescription(reader_->description());
       return true;
     }
-    if (problem.empty()) problem = reason;
+    if (first.words.empty()) first = refusal;
   }
-  words_.setProblem(problem.empty() ? "no accelerometer among the IIO devices" : problem);
+  inUse_ = first.inUse;
+  words_.setProblem(first.words.empty() ? "no accelerometer among the IIO devices" : first.words);
   return false;
 }
 
 std::unique_ptr<IioReader> IioSource::makeReader(const IioDevice& device,
-                                                 std::string& reason) const {
-  const auto calibration = device.calibration(reason);
+                                                 IioReader::Refusal& refusal) const {
+  const auto calibration = device.calibration(refusal.words);
   if (!calibration) return nullptr;
   if (way_ != Way::singleReadings) {
     const auto rate =
         way_ == Way::highestRate ? IioBufferReader::Rate::highest : IioBufferReader::Rate::asFound;
-    IioBufferReader::Refusal refusal;
     auto reader = IioBufferReader::prepare(device, *calibration, rate, refusal);
-    if (reader) return reader;
-    reason = refusal.words;
-    if (refusal.inUse) return nullptr;
+    if (reader || refusal.inUse) return reader;
   }
+  IioReader::Refusal second;
+  auto reader = IioPollReader::prepare(device, *calibration, second);
   // The reason why the buffer cannot be used is the one worth telling.
-  std::string ignored;
-  return IioPollReader::prepare(device, *calibration, reason.empty() ? reason : ignored);
+  if (refusal.words.empty() || second.inUse) refusal = second;
+  return reader;
 }
 
 void IioSource::run(const Sink& sink) {
@@ -58,23 +58,27 @@ void IioSource::run(const Sink& sink) {
     if (reader_ || findReader()) {
       const IioReader::End end = startAndStream(sink, watch);
       reader_.reset();
-      if (end == IioReader::End::interrupted) return;
       if (end == IioReader::End::silent && humbler()) continue;
       way_ = Way::highestRate;
+      if (end == IioReader::End::interrupted || end == IioReader::End::taken) return;
+    } else if (inUse_) {
+      return;
     }
     if (!watch.wait(interrupted_)) return;
   }
 }
 
 IioReader::End IioSource::startAndStream(const Sink& sink, DeviceWatch& watch) {
-  std::string reason;
-  const bool started = reader_->start(reason);
-  if (!started) {
-    words_.setProblem(reason);
-    return IioReader::End::silent;
+  IioReader::Refusal refusal;
+  if (!reader_->start(refusal)) {
+    words_.setProblem(refusal.words);
+    return refusal.inUse ? IioReader::End::taken : IioReader::End::silent;
   }
   words_.setDescription(reader_->description());
-  return reader_->stream(sink, interrupted_, watch);
+  const IioReader::End end = reader_->stream(sink, interrupted_, watch);
+  if (end == IioReader::End::taken)
+    words_.setProblem("another program has taken " + reader_->description());
+  return end;
 }
 
 bool IioSource::humbler() {

@@ -31,7 +31,7 @@ class IioSource final : public MotionSource {
 
   bool findReader();
   [[nodiscard]] std::unique_ptr<IioReader> makeReader(const IioDevice& device,
-                                                      std::string& reason) const;
+                                                      IioReader::Refusal& refusal) const;
   [[nodiscard]] IioReader::End startAndStream(const Sink& sink, DeviceWatch& watch);
   [[nodiscard]] bool humbler();
 
@@ -41,6 +41,7 @@ class IioSource final : public MotionSource {
   // Sensor thread.
   Way way_ = Way::highestRate;
   std::unique_ptr<IioReader> reader_;
+  bool inUse_ = false;  // by another program, the last time that no reader was found
 };
 
 }  // namespace tobrin

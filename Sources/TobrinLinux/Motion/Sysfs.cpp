@@ -86,14 +86,16 @@ int AttributeChanges::set(const fs::path& file, std::string_view text) {
   const std::optional<std::string> before = sysfs::read(file);
   if (before == text) return 0;
   const int error = sysfs::write(file, text);
-  if (error == 0 && before) changes_.push_back({file, *before});
+  if (error == 0 && before) changes_.push_back({file, *before, sysfs::read(file)});
   return error;
 }
 
 void AttributeChanges::restore() {
   for (; !changes_.empty(); changes_.pop_back()) {
+    const Change& change = changes_.back();
+    if (sysfs::read(change.file) != change.after) continue;
     // A device that is gone has no attributes left; there is nobody to tell.
-    [[maybe_unused]] const int error = sysfs::write(changes_.back().file, changes_.back().before);
+    [[maybe_unused]] const int error = sysfs::write(change.file, change.before);
   }
 }
 

@@ -35,7 +35,8 @@ namespace sysfs {
 
 }  // namespace sysfs
 
-/// Writes attributes and puts back what they held, last change first. Thread: one.
+/// Writes attributes and puts back what they held, last change first; what others have changed
+/// since is theirs. Thread: one.
 class AttributeChanges final {
  public:
   AttributeChanges() = default;
@@ -53,6 +54,7 @@ class AttributeChanges final {
   struct Change {
     std::filesystem::path file;
     std::string before;
+    std::optional<std::string> after;  // as the device words it
   };
   std::vector<Change> changes_;
 };

@@ -1,8 +1,11 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdlib>
 #include <vector>
 
+#include "Motion/DeviceWatch.h"
 #include "Motion/FindMotionSource.h"
 #include "Motion/HidReportDescriptor.h"
 #include "Motion/IioBufferReader.h"
@@ -118,17 +121,57 @@ TEST(IioBufferReader, PutsBackWhatItChanged) {
     return all;
   };
   const IioDevice device = IioDevice::findAll(tree.paths())[0];
-  std::string reason;
   IioBufferReader::Refusal refusal;
-  {
-    auto reader = IioBufferReader::prepare(device, *device.calibration(reason),
-                                           IioBufferReader::Rate::highest, refusal);
-    ASSERT_TRUE(reader) << refusal.words;
-    EXPECT_EQ(state(), "12 realtime 0 1 0 ") << "not before start";
-    ASSERT_TRUE(reader->start(reason)) << reason;
-    EXPECT_EQ(state(), "200 monotonic 1 0 1 ");
-  }
+  const auto prepared = [&] {
+    return IioBufferReader::prepare(device, *device.calibration(refusal.words),
+                                    IioBufferReader::Rate::highest, refusal);
+  };
+  auto reader = prepared();
+  ASSERT_TRUE(reader) << refusal.words;
+  EXPECT_EQ(state(), "12 realtime 0 1 0 ") << "not before start";
+  ASSERT_TRUE(reader->start(refusal)) << refusal.words;
+  EXPECT_EQ(state(), "200 monotonic 1 0 1 ");
+  reader.reset();
   EXPECT_EQ(state(), "12 realtime 0 1 0 ");
+
+  const auto another = [&](const char* attribute, const char* text) {
+    tree.write(FakeIio::devices + "iio:device0/" + attribute, text);
+  };
+  reader = prepared();
+  another("buffer/enable", "1");
+  EXPECT_FALSE(reader->start(refusal));
+  EXPECT_TRUE(refusal.inUse) << refusal.words;
+  reader.reset();
+  EXPECT_EQ(state(), "12 realtime 0 1 1 ") << "not half used";
+  another("buffer/enable", "0");
+
+  const auto node = tree.paths().dev / "iio:device0";
+  std::filesystem::remove(node);
+  ASSERT_EQ(mkfifo(node.c_str(), 0600), 0);
+  const FileDescriptor silence(open(node.c_str(), O_RDWR));
+  reader = prepared();
+  ASSERT_TRUE(reader->start(refusal)) << refusal.words;
+  another("buffer/enable", "0");
+  another("in_accel_sampling_frequency", "50");
+  DeviceWatch watch("iio");
+  EXPECT_EQ(reader->stream([](auto, auto) {}, WakeEvent(), watch), IioReader::End::taken);
+  reader.reset();
+  EXPECT_EQ(state(), "50 realtime 0 1 0 ") << "what another has changed is its own";
+}
+
+TEST(IioSource, EndsWhereAnotherProgramUsesTheDevice) {
+  FakeIio tree;
+  tree.add(0, {});
+  tree.addBuffer(0);
+  IioSource source(tree.paths());
+  ASSERT_TRUE(source.open()) << source.problem();
+  tree.write(FakeIio::devices + "iio:device0/buffer/enable", "1");
+  source.run([](auto, auto) { FAIL() << "another program's samples"; });
+  source.close();
+  EXPECT_EQ(source.problem(), "accel_0 (iio:device0) is in use by another program");
+  EXPECT_FALSE(source.open());
+  tree.write(FakeIio::devices + "iio:device0/buffer/enable", "0");
+  EXPECT_TRUE(source.open()) << "in turn";
 }
 
 TEST(IioSource, ReadsSinglyWhereThereIsNoBuffer) {
