@@ -99,7 +99,7 @@ Plan planOf(const Options& options, std::ostream& err) {
   const std::string content = readInputFile(file);
   try {
     if (!PackRecipe::isOne(content)) {
-      const Plan plan{slicerOptionsFromJson(content), {}};
+      Plan plan{slicerOptionsFromJson(content), {}};
       warnOfUnknownNames(file, content, toJson(plan.options), err);
       return plan;
     }

@@ -19,7 +19,7 @@ inline void warn(std::ostream& err, const std::string& text) {
 inline void warnOfUnknownNames(const std::string& file, std::string_view content,
                                std::string_view example, std::ostream& err) {
   for (const std::string& line : unknownNames(content, example))
-    warn(err, file + ": " + line);
+    warn(err, std::string(file).append(": ").append(line));
 }
 
 }  // namespace tobrin
