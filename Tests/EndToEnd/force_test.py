@@ -59,7 +59,7 @@ class ForceTest(DesktopTest):
         """Level of the same key typed with that trace as the sensor."""
         wav = self.folder / "heard.wav"
         os.environ["TOBRIN_MOTION_TRACE"] = str(trace)
-        with record(wav) as recorder, Tobrin(PROGRAM, self.folder / "packs", releaseSounds=False,
+        with record(wav) as recorder, Tobrin(PROGRAM, self.folder / "packs", pack="tones", releaseSounds=False,
                                              spatial=0, sensitivity=SENSITIVITY) as program:
             program.wait_for("status:")
             press_keys("--delay", 400, "--text", "a" * PRESSES, "--interval", 400)
@@ -90,7 +90,7 @@ class ForceTest(DesktopTest):
     def test_a_sensor_that_cannot_be_opened_leaves_the_fixed_strength(self):
         wav, trace = self.folder / "heard.wav", self.folder / "trace.csv"
         os.environ["TOBRIN_MOTION_TRACE"] = str(trace)
-        with record(wav) as recorder, Tobrin(PROGRAM, self.folder / "packs", releaseSounds=False, spatial=0,
+        with record(wav) as recorder, Tobrin(PROGRAM, self.folder / "packs", pack="tones", releaseSounds=False, spatial=0,
                                              blendTiers=False, fixedTier=3, volume=1) as program:
             program.wait_for("Fixed strength, sensor fails")
             press_keys("--delay", 400, "--text", "a" * 10, "--interval", 400)
