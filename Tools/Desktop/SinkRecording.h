@@ -1,6 +1,7 @@
 /// The ears of a program in a private desktop session.
 #pragma once
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -36,6 +37,12 @@ class SinkRecording {
       if (pair[0] != 0 || pair[1] != 0) frames.emplace_back(pair[0], pair[1]);
     }
     return frames;
+  }
+
+  /// How often the sound server's clock has jumped: a cycle was missed, by whom is not known.
+  [[nodiscard]] std::ptrdiff_t missedCycles() const {
+    std::ifstream clock(sound_ + ".clock");
+    return std::count(std::istreambuf_iterator<char>(clock), {}, '\n');
   }
 
  private:

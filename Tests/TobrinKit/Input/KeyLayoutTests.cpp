@@ -21,9 +21,9 @@ TEST(KeyLayout, GivesEveryKeyItsGroupAndPlace) {
       none, 14.8, 14.6, 14.7, 14.8, 14.6, 4.84, 14.7, 2.68, 14.8, 1.6, 13.1, 14.9, 14, 14, none,
   };
   // clang-format on
-  std::map<uint16_t, KeyGroup> groups = {
-      {36, KeyGroup::enter},      {76, KeyGroup::enter},     {49, KeyGroup::space},
-      {51, KeyGroup::backspace}, {117, KeyGroup::backspace}, {48, KeyGroup::modifier}};
+  std::map<uint16_t, KeyGroup> groups = {{36, KeyGroup::enter},      {76, KeyGroup::enter},
+                                         {49, KeyGroup::space},      {51, KeyGroup::backspace},
+                                         {117, KeyGroup::backspace}, {48, KeyGroup::modifier}};
   for (uint16_t code = 54; code <= 63; ++code)
     groups[code] = KeyGroup::modifier;
   for (uint16_t code = 0; code < 300; ++code) {
@@ -31,7 +31,8 @@ TEST(KeyLayout, GivesEveryKeyItsGroupAndPlace) {
     EXPECT_NEAR(KeyLayout::column(code).value_or(none), column, 1e-9) << code;
     EXPECT_NEAR(KeyLayout::pan(code), column == none ? 0 : column / 7.5 - 1, 1e-6) << code;
     const auto group = groups.find(code);
-    EXPECT_EQ(KeyLayout::group(code), group == groups.end() ? KeyGroup::alpha : group->second) << code;
+    EXPECT_EQ(KeyLayout::group(code), group == groups.end() ? KeyGroup::alpha : group->second)
+        << code;
   }
 }
 

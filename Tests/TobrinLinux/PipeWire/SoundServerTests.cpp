@@ -36,19 +36,28 @@ class PipeWireOutputTest : public ::testing::Test {
 TEST_F(PipeWireOutputTest, FirstSoundAfterAPauseIsHeardWhole) {
   testing::SinkRecording recording("test_sink");
   constexpr std::size_t pulse = 1000;
-  for (std::size_t round = 1; round <= 5; ++round) {
+  std::size_t before = 0;
+  // Where a cycle was missed, because the machine gives nobody real-time scheduling and has too
+  // much to do, a block of the player or of the recording is lost in it: such a round tells
+  // nothing.
+  for (int whole = 0, rounds = 0; whole < 5; ++rounds) {
+    ASSERT_LT(rounds, 50) << "the machine never has the time";
+    const auto missed = recording.missedCycles();
     player_.pulseFrames = pulse;
     ASSERT_TRUE(output_.start()) << output_.problem();
     EXPECT_TRUE(output_.start());
-    EXPECT_TRUE(eventually([&] { return recording.heard().size() >= round * pulse; }));
+    EXPECT_TRUE(eventually([&] { return player_.pulseFrames == 0; }));
+    const bool isWhole =
+        eventually([&] { return recording.heard().size() == before + pulse; }, 500ms);
     output_.pause();
     const int blocks = player_.blocks;
     std::this_thread::sleep_for(2ms);
     ASSERT_EQ(player_.blocks, blocks) << "silent at once";
+    const std::size_t heard = std::exchange(before, recording.heard().size());
+    if (isWhole) ++whole;
+    ASSERT_TRUE(isWhole || recording.missedCycles() > missed) << before - heard << " frames";
   }
-  const auto heard = recording.heard();
-  ASSERT_EQ(heard.size(), 5 * pulse);
-  for (const auto& [left, right] : heard) {
+  for (const auto& [left, right] : recording.heard()) {
     ASSERT_EQ(left, 0.5F);
     ASSERT_EQ(right, -0.25F);
   }
