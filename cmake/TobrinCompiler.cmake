@@ -28,6 +28,10 @@ target_compile_options(
             $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast;-Wnon-virtual-dtor;-Woverloaded-virtual>
             $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wthread-safety>
             $<$<BOOL:${TOBRIN_WARNINGS_AS_ERRORS}>:-Werror>)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # That compiler takes the joining of two short strings for a copy over itself.
+  target_compile_options(TobrinCompiler INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
+endif()
 # Programs load only the libraries whose functions they call.
 target_link_options(TobrinCompiler INTERFACE -Wl,--as-needed)
 target_compile_definitions(TobrinCompiler INTERFACE TOBRIN_VERSION="${PROJECT_VERSION}")

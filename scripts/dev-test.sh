@@ -1,12 +1,16 @@
-# test [--preset P] [--vm] [--faults] [--all] [FILTER]: everything, or the tests whose names match FILTER.
-# --all is what a change must pass: every preset that checks, kernel devices included.
+# test [--preset P] [--vm] [--faults] [--on SYSTEM] [--all] [FILTER]: everything, or the tests whose names match FILTER.
+# --all is what a change must pass: every preset that checks, kernel devices and other systems included.
 main() {
-  local presets=(release) vm='' preset options=()
+  local presets=(release) vm='' systems=() system preset options=()
   while [ $# -gt 0 ]; do
     case $1 in
       --preset) presets=("${2:?--preset needs a name}"); shift ;;
       --vm) vm=yes ;;
-      --all) presets=(release asan tsan) vm=yes ;;
+      --all) presets=(release asan tsan) vm=yes systems=(arm64 trixie-units) ;;
+      --on)
+        presets=() systems=("${2:?--on needs a system: arm64, bookworm or trixie}")
+        shift
+        ;;
       --faults)
         export TOBRIN_FAULT_ROUNDS=50
         options+=(--verbose -R EndToEndFaults)
@@ -24,6 +28,30 @@ main() {
     run_tests "$preset" "$vm" "${options[@]}"
     vm=''  # the machine measures; sanitizers would only slow it down
   done
+  for system in "${systems[@]}"; do
+    say "on $system"
+    test_on "$system" "${options[@]}"
+  done
+}
+
+# test_on SYSTEM [CTEST_OPTION...]: arm64 is built here and emulated; a Debian is bootstrapped from nothing, where
+# SUITE-units leaves out what needs a desktop, and packages.
+test_on() {
+  local system=$1
+  shift
+  case $system in
+    arm64)
+      dpkg --print-foreign-architectures | grep -qx arm64 || as_root dpkg --add-architecture arm64
+      ensure_packages scripts/packages-arm64.txt
+      build_preset arm64
+      ctest --preset arm64 --parallel "$(nproc)" "$@"
+      ;;
+    bookworm | trixie | bookworm-units | trixie-units)
+      ensure_packages scripts/packages-debian.txt
+      as_root scripts/test-on-debian "${system%-units}" ${system##*[!s]*units}
+      ;;
+    *) die "test: no system '$system'; there are arm64, bookworm and trixie" ;;
+  esac
 }
 
 # leak_check_died PRESET: whether every test that failed did so because the leak sanitizer, which stops all threads to

@@ -2,6 +2,7 @@
 
 #include <set>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 
 #include "Base/ReadJson.h"
@@ -47,9 +48,9 @@ class ParseGuard {
   bool inGroups_ = false;
 };
 
-const Json& required(const Json& object, const std::string& path, const char* key) {
+const Json& required(const Json& object, std::string_view path, const char* key) {
   const auto found = object.find(key);
-  if (found == object.end()) fail("\"" + path + key + "\" is missing");
+  if (found == object.end()) fail("\"" + std::string(path) + key + "\" is missing");
   return *found;
 }
 
@@ -81,8 +82,8 @@ std::vector<std::string> pathList(const Json& value, const std::string& path) {
   return paths;
 }
 
-const Json& objectValue(const Json& value, const std::string& path) {
-  if (!value.is_object()) fail("\"" + path + "\" is not an object");
+const Json& objectValue(const Json& value, std::string_view path) {
+  if (!value.is_object()) fail("\"" + std::string(path) + "\" is not an object");
   return value;
 }
 
