@@ -97,7 +97,7 @@ class PanelTest(PanelDriver):
         self.assertEqual(reached, STOPS)
         xdotool("key", "shift+Tab", "shift+Tab", "Right")
         self.assertTrue(eventually(lambda: focused() == "Shortcut: Ctrl+Alt+Super+S"))
-        self.assertTrue(eventually(lambda: self.saved()["engineSettings"].get("shortcut", {}).get("keyCode") == 1))
+        self.saves("shortcut", {"keyCode": 1, "modifiers": 11})
         xdotool("key", "shift+Tab", "space")
         self.saves("shortcutEnabled", False)
         xdotool("key", *["shift+Tab"] * 5, "Left")
@@ -126,19 +126,34 @@ class PanelTest(PanelDriver):
         self.click("Dome, Silent tactile")
         self.assertTrue(eventually(lambda: not named(broken.name)), "mended, and chosen again")
 
-    def test_nothing_is_cut_in_large_type(self):
-        os.environ.update(QT_FONT_DPI="192", QT_SCALE_FACTOR="1.5")
-        self.start_with_panel()
-        frame = next(each for each in screenreader.showing() if each.role == "frame")
-        _, *controls = [each for each in screenreader.showing() if each.role not in ("application", "panel", "frame")]
+    def test_nothing_is_cut_at_any_size(self):
+        for dpi, factor in ((96, 1), (144, 1), (192, 1.5)):
+            os.environ.update(QT_FONT_DPI=str(dpi), QT_SCALE_FACTOR=str(factor))
+            scale = dpi / 96 * factor  # pixels of the screen in one of the panel's
+            program = self.start_with_panel()
+            for width in (None, 1200, 300 * scale):
+                with self.subTest(dpi=dpi, factor=factor, width=width):
+                    if width is not None:
+                        xdotool("windowsize", "--sync", panels()[0], int(width), 2700)
+                        self.assertTrue(eventually(lambda: abs(self.frame()[2] * scale - width) <= scale), self.frame())
+                    self.assertTrue(eventually(self.fits), screenreader.showing())
+            program.__exit__()
+
+    @staticmethod
+    def frame():
+        return next(each for each in screenreader.showing() if each.role == "frame").place
+
+    def fits(self):
+        left, _, span, _ = self.frame()
+        controls = [each for each in screenreader.showing() if each.role not in ("application", "panel", "frame")]
         lowest = {}
         for control in controls:
             x, y, width, height = control.place
-            self.assertTrue(0 <= x < x + width <= frame.place[0] + frame.place[2] and height > 0, control)
             # What stands in one column stands one below the other.
-            self.assertGreaterEqual(y, lowest.get(x, 0), control)
+            if not (left <= x < x + width <= left + span and height > 0 and y >= lowest.get(x, y)):
+                return False
             lowest[x] = y + height
-        self.assertTrue(named("Quit"), "all of it is there")
+        return bool(named("Quit"))
 
     def test_the_tray_item_comes_late_and_works(self):
         program = self.start()

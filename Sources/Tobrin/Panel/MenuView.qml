@@ -109,11 +109,15 @@ Rectangle {
                 Layout.fillWidth: true
 
                 PanelButton {
+                    Layout.fillWidth: true
+                    Layout.maximumWidth: implicitWidth
                     text: "Packs Folder…"
                     onClicked: panel.model.openPacksFolder()
                 }
                 Item { Layout.fillWidth: true }
                 PanelButton {
+                    Layout.fillWidth: true
+                    Layout.maximumWidth: implicitWidth
                     text: "Quit"
                     onClicked: panel.model.quit()
                 }

@@ -28,7 +28,7 @@ ColumnLayout {
         id: grid
         Layout.fillWidth: true
         visible: tiles.count > 0
-        columns: 3
+        columns: Math.max(1, Math.min(3, Math.floor(width / (Theme.textSize * 6))))
         columnSpacing: Theme.gap
         rowSpacing: Theme.gap
 
@@ -40,11 +40,23 @@ ColumnLayout {
                 required property var modelData
 
                 Layout.fillHeight: true
-                Layout.preferredWidth: (section.width + grid.columnSpacing) / grid.columns - grid.columnSpacing // qmllint disable unqualified
+                // Columns of one width, however wide the names are and the panel is.
+                Layout.fillWidth: true
+                Layout.minimumWidth: 0
+                Layout.preferredWidth: 1
                 // The document's own ids are in reach of a delegate, though the linter doubts it.
                 pack: modelData
                 selected: modelData.id === section.model.selectedPackID // qmllint disable unqualified
                 onChosen: section.model.select(modelData.id) // qmllint disable unqualified
+            }
+        }
+        // Few packs are as wide as many.
+        Repeater {
+            model: Math.max(0, grid.columns - tiles.count)
+
+            Item {
+                Layout.fillWidth: true
+                Layout.preferredWidth: 1
             }
         }
     }

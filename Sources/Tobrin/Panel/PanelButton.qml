@@ -1,5 +1,6 @@
 // A push button, with a symbol where it has one.
 import QtQuick
+import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tobrin
 
@@ -28,7 +29,7 @@ T.Button {
         opacity: control.down ? 0.7 : 1
         FocusRing { control: control }
     }
-    contentItem: Row {
+    contentItem: RowLayout {
         spacing: Theme.unit
 
         Symbol {
@@ -36,13 +37,12 @@ T.Button {
             visible: control.symbol !== ""
             color: control.ink
             size: Math.round(Theme.textSize * 0.9)
-            anchors.verticalCenter: parent.verticalCenter
         }
         PanelText {
             text: control.text
+            Layout.fillWidth: true
             color: control.ink
-            wrapMode: Text.NoWrap
-            anchors.verticalCenter: parent.verticalCenter
+            horizontalAlignment: control.symbol === "" ? Text.AlignHCenter : Text.AlignLeft
             Accessible.ignored: true
         }
     }

@@ -12,8 +12,8 @@ FocusScope {
     property int current: 0
     signal chosen(int index)
 
-    implicitWidth: row.implicitWidth
-    implicitHeight: row.implicitHeight
+    implicitWidth: grid.implicitWidth
+    implicitHeight: grid.implicitHeight
     Accessible.role: Accessible.Grouping
     Accessible.name: label
 
@@ -23,10 +23,20 @@ FocusScope {
         color: Theme.groove
         border.color: Theme.outline
     }
-    RowLayout {
-        id: row
+    // The widest choice decides into how many rows they fall.
+    readonly property real widest: {
+        let width = 0;
+        for (let i = 0; i < segments.count; ++i)
+            width = Math.max(width, segments.itemAt(i)?.implicitWidth ?? 0);
+        return width;
+    }
+
+    GridLayout {
+        id: grid
         anchors.fill: parent
-        spacing: 0
+        columnSpacing: 0
+        rowSpacing: 0
+        columns: picker.columnsFor(Math.floor(width / Math.max(1, picker.widest)))
 
         Repeater {
             id: segments
@@ -39,6 +49,7 @@ FocusScope {
                 required property string modelData
 
                 Layout.fillWidth: true
+                Layout.minimumWidth: 0
                 Layout.preferredWidth: 1
                 implicitWidth: implicitContentWidth + Theme.unit * 2
                 implicitHeight: implicitContentHeight + Theme.unit * 2.5
@@ -53,6 +64,8 @@ FocusScope {
                 onClicked: picker.chosen(index) // qmllint disable unqualified
                 Keys.onLeftPressed: picker.move(-1) // qmllint disable unqualified
                 Keys.onRightPressed: picker.move(1) // qmllint disable unqualified
+                Keys.onUpPressed: picker.move(-grid.columns) // qmllint disable unqualified
+                Keys.onDownPressed: picker.move(grid.columns) // qmllint disable unqualified
 
                 background: Rectangle {
                     anchors.fill: parent
@@ -75,9 +88,18 @@ FocusScope {
         }
     }
 
+    // As many as fit, in rows of one length where that is possible.
+    function columnsFor(fitting) {
+        for (let columns = Math.min(fitting, choices.length); columns > 1; --columns) {
+            if (choices.length % columns === 0)
+                return columns;
+        }
+        return fitting > 1 && choices.length % 2 !== 0 ? Math.min(fitting, choices.length) : 1;
+    }
+
     function move(step) {
-        const next = Math.max(0, Math.min(choices.length - 1, current + step));
-        if (next === current)
+        const next = current + step;
+        if (next < 0 || next >= choices.length)
             return;
         chosen(next);
         segments.itemAt(next).forceActiveFocus(Qt.TabFocusReason);

@@ -18,6 +18,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
+/// Window managers have drawn their frame by then.
+constexpr auto framedAfter = 150ms;
+
 /// One small panel: drawing it in software takes a third of the memory of a GL context. It can be
 /// chosen once a process; this library stays loaded when the panel is let go.
 void drawInSoftware() {
@@ -91,6 +94,7 @@ void PanelWindow::open(const QPoint* anchor) {
   }
   fitToScreen();
   view_->show();
+  QTimer::singleShot(framedAfter, this, &PanelWindow::keepFrameOnScreen);
   view_->raise();
   view_->requestActivate();
 }
@@ -105,7 +109,9 @@ void PanelWindow::setDark(bool dark) {
 
 void PanelWindow::followContent() {
   // A window that the user has sized stays as it is.
-  if (view_->isVisible() && view_->size() == fitted_) fitToScreen();
+  if (!view_->isVisible() || view_->size() != fitted_) return;
+  fitToScreen();
+  keepFrameOnScreen();
 }
 
 void PanelWindow::fitToScreen() {
@@ -118,7 +124,8 @@ void PanelWindow::fitToScreen() {
       screen->availableGeometry().adjusted(edge, edge, -edge, isOnWayland() ? -edge - bars : -edge);
   const QQuickItem* root = view_->rootObject();
   const QSize wanted(qRound(root->implicitWidth()), qRound(root->implicitHeight()));
-  fitted_ = wanted.boundedTo(room.size());
+  const QMargins frame = view_->frameMargins();  // none before it is shown
+  fitted_ = wanted.boundedTo(room.marginsRemoved(frame).size());
   view_->resize(fitted_);
   if (!closesWithFocus_) return;
   const bool below = anchor_.y() < room.center().y();
@@ -126,6 +133,23 @@ void PanelWindow::fitToScreen() {
   const int top = below ? anchor_.y() + edge : anchor_.y() - edge - view_->height();
   view_->setPosition(qBound(room.left(), left, room.right() - view_->width() + 1),
                      qBound(room.top(), top, room.bottom() - view_->height() + 1));
+}
+
+/// The frame that a window manager puts around the window may push an edge of it off the screen.
+void PanelWindow::keepFrameOnScreen() {
+  if (closesWithFocus_ || isOnWayland() || !view_->isVisible() || view_->screen() == nullptr)
+    return;
+  const QRect room = view_->screen()->availableGeometry();
+  if (room.contains(view_->frameGeometry())) return;
+  const QSize frame = view_->frameGeometry().size() - view_->size();
+  const QSize bounded = view_->size().boundedTo(room.size() - frame);
+  if (view_->size() == fitted_) fitted_ = bounded;
+  view_->resize(bounded);
+  const QPoint corner = view_->framePosition();
+  const QSize outer = view_->size() + frame;
+  view_->setFramePosition(
+      {qBound(room.left(), corner.x(), qMax(room.left(), room.right() + 1 - outer.width())),
+       qBound(room.top(), corner.y(), qMax(room.top(), room.bottom() + 1 - outer.height()))});
 }
 
 void PanelWindow::closeOnEscape(const QKeyEvent& key) {

@@ -28,6 +28,7 @@ class PanelWindow final : public QObject, public Panel {
  private:
   bool eventFilter(QObject* watched, QEvent* event) override;
   void fitToScreen();
+  void keepFrameOnScreen();
   void followContent();
   void closeOnEscape(const QKeyEvent& key);
   void leaveWithFocus();
