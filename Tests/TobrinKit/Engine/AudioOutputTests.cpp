@@ -2,11 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "Engine/Log.h"
 #include "Support/HandDrivenDevice.h"
-#include "TobrinMixer/MixerFixture.h"
 
 namespace tobrin {
 namespace {
@@ -18,14 +15,7 @@ class AudioOutputTest : public ::testing::Test {
   }
   ~AudioOutputTest() override { Log::setSink(nullptr); }
 
-  void play(float value, std::size_t frames) {
-    sound_.assign(frames, value);
-    const TBCommand command = startOf(sound_);
-    ASSERT_TRUE(tb_mixer_push(output_.mixer(), &command));
-  }
-
   std::vector<std::string> logged_;
-  std::vector<float> sound_;
   std::shared_ptr<testing::HandDrivenDevice::Controls> device_ =
       std::make_shared<testing::HandDrivenDevice::Controls>();
   AudioOutput output_{std::make_unique<testing::HandDrivenDevice>(device_)};
@@ -61,18 +51,6 @@ TEST_F(AudioOutputTest, LogsEachCauseOfFailureOnce) {
                                                "Tobrin: audio engine failed to start: no device"}));
   output_.pause();  // ends the device's own attempts
   EXPECT_EQ(device_->pauses, 1);
-}
-
-TEST_F(AudioOutputTest, ForgetsAtOnceWhilePausedAlsoWithAFullRing) {
-  output_.start();
-  for (uint32_t i = 0; i < TB_RING_CAPACITY; ++i)
-    play(0.5f, 48000);
-  output_.pause();
-  output_.forgetVoices();
-  output_.start();
-  play(0, 1);
-  const auto block = device_->render(512).first;
-  EXPECT_TRUE(std::all_of(block.begin(), block.end(), [](float sample) { return sample == 0; }));
 }
 
 }  // namespace
