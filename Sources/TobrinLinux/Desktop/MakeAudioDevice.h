@@ -13,7 +13,8 @@ class PipeWireLoop;
 /// library cannot be used.
 std::shared_ptr<PipeWireLoop> makePipeWireLoop();
 
-/// PipeWire, and ALSA while no PipeWire server has answered yet. `loop` may be null.
+/// PipeWire, and ALSA while no PipeWire server has answered yet or the one that does has no output
+/// device. `loop` may be null.
 std::unique_ptr<AudioDevice> makeAudioDevice(std::shared_ptr<PipeWireLoop> loop);
 
 }  // namespace tobrin

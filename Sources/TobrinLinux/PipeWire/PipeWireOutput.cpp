@@ -4,6 +4,7 @@
 #include <cassert>
 #include <chrono>
 #include <stdexcept>
+#include <utility>
 
 #include "PipeWire/PipeWireConnection.h"
 #include "PipeWire/PipeWireDeviceName.h"
@@ -22,6 +23,8 @@ constexpr std::chrono::milliseconds longestPause{1000};
 // A session manager that was restarted may overlook the streams that were there before it.
 constexpr std::chrono::milliseconds firstLinkPatience{1000};
 constexpr std::chrono::milliseconds longestLinkPatience{30000};
+// A session manager that starts with its server has made the devices by then.
+constexpr std::chrono::milliseconds devicePatience{3000};
 constexpr auto noDevice = "PipeWire has no output device";
 
 }  // namespace
@@ -32,6 +35,7 @@ PipeWireOutput::PipeWireOutput(std::shared_ptr<PipeWireLoop> loop)
       notifier_(std::make_unique<AsioQueue>("Tobrin.Audio")),
       linkPatience_(firstLinkPatience) {
   linkWatch_ = std::make_unique<PipeWireTimer>(*loop_, [this] { linkIsMissing(); });
+  deviceWatch_ = std::make_unique<PipeWireTimer>(*loop_, [this] { deviceIsMissing(); });
   PipeWireConnection::Events events{.connected = [this](pw_core* core) { connected(core); },
                                     .lost = [this] { lost(); }};
   connection_ = std::make_unique<PipeWireConnection>(*loop_, longestPause, std::move(events));
@@ -68,9 +72,11 @@ bool PipeWireOutput::start() {
   if (connection_->open() && stream_ != nullptr) {
     stream_->setActive(true);
     watchLink();
+    watchDevice();
     if (stream_->hasStreamed()) return true;
     const auto settled = [this] { return stream_ == nullptr || isRunning() || !problem_.empty(); };
-    loop_->wait(settled, linkLimit);
+    // Where no device is expected, whoever falls back need not wait for one at each start.
+    if (expectsDevice()) loop_->wait(settled, linkLimit);
     if (isRunning()) return true;
     if (problem_.empty()) problem_ = noDevice;
   }
@@ -85,6 +91,7 @@ void PipeWireOutput::pause() {
   gate_->isOpen.store(false, std::memory_order_relaxed);
   connection_->rest();
   linkWatch_->stop();
+  deviceWatch_->stop();
   if (stream_ != nullptr) stream_->setActive(false);
   loop_->finishDataCallbacks();
 }
@@ -107,8 +114,9 @@ std::string PipeWireOutput::description() const {
 }
 
 void PipeWireOutput::connected(pw_core* core) {
-  hasMetServer_.store(true, std::memory_order_relaxed);
+  if (!std::exchange(hasMetServer_, true)) expectsDevice_.store(true, std::memory_order_relaxed);
   problem_.clear();
+  if (!std::exchange(isRetry_, false)) watchDevice();
   makeStream(core);
 }
 
@@ -134,14 +142,17 @@ void PipeWireOutput::lost() {
 void PipeWireOutput::streamChanged() {
   if (stream_ == nullptr) return;  // still in its constructor
   const bool streams = stream_->state() == PipeWireStream::State::streaming;
-  isStreaming_.store(streams, std::memory_order_relaxed);
+  const bool streamed = isStreaming_.exchange(streams, std::memory_order_relaxed);
   watchLink();
+  if (streams != streamed) watchDevice();
   if (streams) {
+    expectsDevice_.store(true, std::memory_order_relaxed);
     problem_.clear();
     if (isWanted_ && !startIsAnswered_) notifyChanged();
     startIsAnswered_ = false;
   } else if (stream_->state() == PipeWireStream::State::failed) {
-    problem_ = stream_->error();
+    problem_ = expectsDevice() ? "PipeWire refuses the sound (" + stream_->error() + ")" : noDevice;
+    isRetry_ = isRetry_ || connection_->core() != nullptr;
     connection_->breakOff(problem_);
   }
   loop_->wake();
@@ -154,6 +165,23 @@ void PipeWireOutput::watchLink() {
   } else if (isWanted_) {
     linkWatch_->startIn(linkPatience_);
   }
+}
+
+void PipeWireOutput::watchDevice() {
+  if (isStreaming_.load(std::memory_order_relaxed)) {
+    deviceWatch_->stop();
+  } else if (isWanted_) {
+    deviceWatch_->startIn(devicePatience);
+  }
+}
+
+void PipeWireOutput::deviceIsMissing() {
+  // A server that went away is waited for: with it come its devices.
+  if (connection_->core() == nullptr && !isRetry_) return;
+  expectsDevice_.store(false, std::memory_order_relaxed);
+  problem_ = noDevice;
+  startIsAnswered_ = false;
+  notifyChanged();
 }
 
 void PipeWireOutput::linkIsMissing() {

@@ -37,14 +37,19 @@ class PipeWireOutput final : public AudioDevice {
   [[nodiscard]] std::string problem() const override;
   [[nodiscard]] std::string description() const override;
 
-  /// Whether a server ever answered. Thread: any.
-  [[nodiscard]] bool hasMetServer() const { return hasMetServer_.load(std::memory_order_relaxed); }
+  /// Whether a server that has an output device is there, or likely to return: false before one
+  /// has answered, and once one has had no device for some seconds. Thread: any.
+  [[nodiscard]] bool expectsDevice() const {
+    return expectsDevice_.load(std::memory_order_relaxed);
+  }
 
  private:
   void connected(pw_core* core);
   void makeStream(pw_core* core);
   void watchLink();
+  void watchDevice();
   void linkIsMissing();
+  void deviceIsMissing();
   void lost();
   void streamChanged();
   void notifyChanged();
@@ -55,13 +60,16 @@ class PipeWireOutput final : public AudioDevice {
   // Calls `changed` off the loop thread: what it leads to may wait for the loop.
   std::unique_ptr<AsioQueue> notifier_;  // fixed after construction
   std::atomic<bool> isClosing_ = false;
-  std::atomic<bool> isStreaming_ = false;  // written under the loop's lock
-  std::atomic<bool> hasMetServer_ = false;
+  std::atomic<bool> isStreaming_ = false;    // written under the loop's lock
+  std::atomic<bool> expectsDevice_ = false;  // written under the loop's lock
 
   // Guarded by the loop's lock.
   std::unique_ptr<PipeWireStream> stream_;
-  std::unique_ptr<PipeWireTimer> linkWatch_;  // runs while the stream should play and does not
+  std::unique_ptr<PipeWireTimer> linkWatch_;    // runs while the stream should play and does not
+  std::unique_ptr<PipeWireTimer> deviceWatch_;  // so does this, while a server answers
   std::chrono::milliseconds linkPatience_;
+  bool hasMetServer_ = false;
+  bool isRetry_ = false;  // the next connection is to a server that refused the stream before
   bool isWanted_ = false;
   bool startIsAnswered_ = false;  // the owner knows that the stream runs or is about to
   std::string problem_;

@@ -23,6 +23,7 @@ namespace tobrin {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::ChildProcess;
 using testing::eventually;
 using testing::tellDesktop;
 using testing::wakeUps;
@@ -136,6 +137,43 @@ TEST_F(MakeAudioDeviceTest, UsesAlsaUntilAServerAnswersAndNeverAfter) {
   device_->pause();
 }
 
+TEST_F(MakeAudioDeviceTest, UsesAlsaWhileTheServerHasNoSink) {
+  const auto shell = [](const char* line) { return ChildProcess({"sh", "-c", line}).wait(); };
+  const auto played = folder_.path() / "played.raw";
+  configureAlsa("pcm.default { type file slave.pcm { type null } format raw file \"" +
+                played.string() + "\" }");
+  tellDesktop("start-sound");
+  ASSERT_EQ(shell("pactl unload-module module-always-sink && pw-cli destroy test_sink"), 0);
+  const auto isOnAlsa = [&] { return device_->description() == "ALSA, default"; };
+  for (int round = 0; round < 2; ++round) {
+    player_.pulseFrames = 1000;
+    // As its owner does: whenever the device has news.
+    for (int seen = -1; seen != player_.changes || !isOnAlsa();) {
+      seen = player_.changes;
+      device_->start();
+      ASSERT_TRUE(eventually([&] { return player_.changes > seen || isOnAlsa(); })) << round;
+    }
+    EXPECT_TRUE(eventually([&] { return player_.pulseFrames == 0; }));
+    device_->pause();
+    EXPECT_GT(std::filesystem::file_size(played), 8000U);
+    const auto began = std::chrono::steady_clock::now();
+    ASSERT_TRUE(device_->start());
+    EXPECT_TRUE(isOnAlsa());
+    EXPECT_LT(std::chrono::steady_clock::now() - began, 400ms) << "no key waits for a sink";
+    if (round == 0) {
+      ASSERT_EQ(shell("pactl load-module module-null-sink sink_name=test_sink "
+                      "sink_properties=device.description=test_sink"),
+                0);
+      EXPECT_TRUE(eventually([&] { return isOnPipeWire(); }));
+      ASSERT_EQ(shell("pactl unload-module module-null-sink"), 0);
+    }
+  }
+  tellDesktop("kill-sound");
+  device_->pause();
+  EXPECT_TRUE(device_->start()) << "with the server gone";
+  EXPECT_FALSE(player_.overlapped);
+}
+
 TEST_F(MakeAudioDeviceTest, DoesNotReachForTheMissingServerThroughAlsa) {
   configureAlsa("pcm.default { type pipewire }");
   EXPECT_FALSE(device_->start());
@@ -145,7 +183,6 @@ TEST_F(MakeAudioDeviceTest, DoesNotReachForTheMissingServerThroughAlsa) {
   EXPECT_TRUE(eventually([&] { return isOnPipeWire(); }));
 }
 
-using testing::ChildProcess;
 using Processes = std::vector<int32_t>;
 
 class PipeWireMicSourceTest : public ::testing::Test {
