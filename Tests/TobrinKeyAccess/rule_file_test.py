@@ -42,6 +42,7 @@ class RuleFileTest(unittest.TestCase):
         self.run_as_user("grant")
         self.file.write_text("older", encoding="utf-8")
         self.file.parent.chmod(0o555)
+        self.addCleanup(self.file.parent.chmod, 0o755)  # or nobody but root can clean up
         failed = self.run_as_user("grant")
         self.assertEqual(failed.returncode, 1)
         self.assertIn("Permission denied", failed.stderr)
