@@ -76,7 +76,8 @@ struct ShortcutDesk {
   ShortcutGrab answer;
   bool reserved = false;
   std::function<void()> pressed;  ///< empty while nothing is grabbed
-  std::function<void()> reservedChanged;
+  ShortcutRoute route = ShortcutRoute::exclusive;
+  std::function<void()> changed;
 };
 
 class DeskShortcuts final : public ShortcutService {
@@ -90,11 +91,9 @@ class DeskShortcuts final : public ShortcutService {
   }
   void release() override { desk_.pressed = nullptr; }
   std::optional<std::string> keyName(uint32_t) override { return "k"; }
-  void setOnReservedChanged(std::function<void()> changed) override {
-    desk_.reservedChanged = std::move(changed);
-  }
+  void setOnChanged(std::function<void()> changed) override { desk_.changed = std::move(changed); }
   void observe(const KeyEvent&) override {}
-  [[nodiscard]] std::string description() const override { return "a desk"; }
+  [[nodiscard]] ShortcutRoute route() const override { return desk_.route; }
 
  private:
   ShortcutDesk& desk_;

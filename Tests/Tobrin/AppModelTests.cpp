@@ -153,15 +153,20 @@ TEST_F(AppModelTest, SaysWhyTheShortcutDoesNotWork) {
                         : "Tobrin: shortcut Ctrl+Alt+Super+K unavailable: " + problem + "\n");
   }
   shortcuts_.answer = {};
-  shortcuts_.reservedChanged();  // the settings were slow to come: nothing is reserved
+  shortcuts_.changed();  // the settings were slow to come: nothing is reserved
   advance(0);
+  const std::string hint = "Ctrl+Alt+Super+K in any app to turn sounds on or off";
+  EXPECT_EQ(model.shortcutHint(), hint);
+  shortcuts_.route = ShortcutRoute::shared;
+  EXPECT_EQ(model.shortcutHint(), hint + ". Other apps see these keys too.");
   const auto late = shortcuts_.pressed;
   change([](EngineSettings& settings) { settings.shortcutEnabled = false; });
   EXPECT_EQ(model.shortcutProblem(), std::nullopt);
+  EXPECT_EQ(model.shortcutHint(), hint);
   EXPECT_FALSE(shortcuts_.pressed);
   late();  // pressed just before the program ends
   model_.reset();
-  EXPECT_FALSE(shortcuts_.reservedChanged) << "its thread may outlive the model's parts";
+  EXPECT_FALSE(shortcuts_.changed) << "its thread may outlive the model's parts";
   advance(0);
 }
 

@@ -2,8 +2,12 @@
 #pragma once
 
 #include <atomic>
+#include <map>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "Tools/Desktop/PrivateBus.h"
 
@@ -11,17 +15,35 @@ namespace tobrin::testing {
 
 class FakePortal final {
  public:
-  /// `answer` is what the user says to the shortcut: 0 agrees, 1 refuses.
-  explicit FakePortal(uint32_t answer) : answer_(answer) {}
+  /// What is listed, by id, and the combinations as the desktop describes them.
+  using Listing = std::map<std::string, std::string>;
+  static inline const Listing ours = {{"toggle-sounds", "Meta+K"}};
+
+  struct Behaviour {
+    bool answers = true;   // to what is asked of the user
+    uint32_t code = 0;     // the user agrees; 1: refuses
+    Listing known = {};    // before anything is asked
+    Listing bound = ours;  // in the answer
+  };
+
+  explicit FakePortal(Behaviour behaviour) : behaviour_(std::move(behaviour)) {}
 
   /// The user presses the combination.
   void activate() { activations_.fetch_add(1); }
 
-  /// The combination last asked for; empty where none was.
-  [[nodiscard]] std::string trigger() const {
+  /// The user changes the combinations in the desktop's settings.
+  void change(Listing listing) {
     const std::scoped_lock lock(mutex_);
-    return trigger_;
+    changed_ = std::move(listing);
   }
+
+  /// The combinations asked for so far.
+  [[nodiscard]] std::vector<std::string> asked() const {
+    const std::scoped_lock lock(mutex_);
+    return asked_;
+  }
+
+  [[nodiscard]] bool hasListed() const { return hasListed_; }
 
  private:
   static constexpr const char* path = "/org/freedesktop/portal/desktop";
@@ -32,20 +54,49 @@ class FakePortal final {
     static const sd_bus_vtable result[] = {
         SD_BUS_VTABLE_START(0),
         SD_BUS_METHOD("CreateSession", "a{sv}", "o", onCreate, SD_BUS_VTABLE_UNPRIVILEGED),
+        SD_BUS_METHOD("ListShortcuts", "oa{sv}", "o", onList, SD_BUS_VTABLE_UNPRIVILEGED),
         SD_BUS_METHOD("BindShortcuts", "oa(sa{sv})sa{sv}", "o", onBind, SD_BUS_VTABLE_UNPRIVILEGED),
-        SD_BUS_SIGNAL("Activated", "osta{sv}", 0), SD_BUS_VTABLE_END};
+        SD_BUS_SIGNAL("Activated", "osta{sv}", 0),
+        SD_BUS_VTABLE_END};
     return result;
   }
 
-  static void respond(sd_bus_message* call, const char* token, uint32_t code) {
+  static void append(sd_bus_message* message, const Listing& listing) {
+    sd_bus_message_open_container(message, 'a', "(sa{sv})");
+    for (const auto& [id, trigger] : listing) {
+      sd_bus_message_append(message, "(sa{sv})", id.c_str(), 2, "description", "s", "Something",
+                            "trigger_description", "s", trigger.c_str());
+    }
+    sd_bus_message_close_container(message);
+  }
+
+  static void respond(sd_bus_message* call, const char* token, uint32_t code,
+                      const Listing& listing = {}) {
     const std::string request = std::string(path) + "/request/1_1/" + token;
-    sd_bus* bus = sd_bus_message_get_bus(call);
     sd_bus_reply_method_return(call, "o", request.c_str());
-    sd_bus_emit_signal(bus, request.c_str(), "org.freedesktop.portal.Request", "Response", "ua{sv}",
-                       code, 2, "other", "u", 7U, "session_handle", "s", session);
+    sd_bus_message* response = nullptr;
+    sd_bus_message_new_signal(sd_bus_message_get_bus(call), &response, request.c_str(),
+                              "org.freedesktop.portal.Request", "Response");
+    sd_bus_message_append(response, "u", code);
+    sd_bus_message_open_container(response, 'a', "{sv}");
+    sd_bus_message_append(response, "{sv}{sv}", "other", "u", 7U, "session_handle", "s", session);
+    sd_bus_message_open_container(response, 'e', "sv");
+    sd_bus_message_append(response, "s", "shortcuts");
+    sd_bus_message_open_container(response, 'v', "a(sa{sv})");
+    append(response, listing);
+    for (int open = 0; open < 3; ++open)
+      sd_bus_message_close_container(response);
+    sd_bus_send(nullptr, response, nullptr);
+    sd_bus_message_unref(response);
   }
   static int onCreate(sd_bus_message* call, void*, sd_bus_error*) {
     respond(call, "create", 0);
+    return 1;
+  }
+  static int onList(sd_bus_message* call, void* self, sd_bus_error*) {
+    auto* portal = static_cast<FakePortal*>(self);
+    respond(call, "list", 0, portal->behaviour_.known);
+    portal->hasListed_ = true;
     return 1;
   }
   static int onBind(sd_bus_message* call, void* self, sd_bus_error*) {
@@ -58,14 +109,24 @@ class FakePortal final {
     sd_bus_message_enter_container(call, 'a', "{sv}");
     sd_bus_message_skip(call, "{sv}");
     sd_bus_message_read(call, "{sv}", &ignored, "s", &trigger);
-    {
-      const std::scoped_lock lock(portal->mutex_);
-      portal->trigger_ = trigger;
-    }
-    respond(call, "bind", portal->answer_);
+    const Behaviour& behaviour = portal->behaviour_;
+    if (behaviour.answers) respond(call, "bind", behaviour.code, behaviour.bound);
+    const std::scoped_lock lock(portal->mutex_);
+    portal->asked_.emplace_back(trigger);
     return 1;
   }
 
+  void tellChanges(sd_bus* bus) {
+    const std::scoped_lock lock(mutex_);
+    if (!changed_) return;
+    sd_bus_message* signal = nullptr;
+    sd_bus_message_new_signal(bus, &signal, path, shortcuts, "ShortcutsChanged");
+    sd_bus_message_append(signal, "o", session);
+    append(signal, *changed_);
+    sd_bus_send(nullptr, signal, nullptr);
+    sd_bus_message_unref(signal);
+    changed_.reset();
+  }
   void tellActivations(sd_bus* bus) {
     for (; activations_ > 0; --activations_) {
       sd_bus_emit_signal(bus, path, shortcuts, "Activated", "osta{sv}", session, "toggle-sounds",
@@ -73,10 +134,12 @@ class FakePortal final {
     }
   }
 
-  const uint32_t answer_;
+  const Behaviour behaviour_;
   std::atomic<int> activations_{0};
+  std::atomic<bool> hasListed_{false};
   mutable std::mutex mutex_;
-  std::string trigger_;  // guarded by mutex_
+  std::vector<std::string> asked_;  // guarded by mutex_
+  std::optional<Listing> changed_;  // guarded by mutex_
   // Last: its thread uses the rest.
   BusService service_{sd_bus_open_user,
                       "org.freedesktop.portal.Desktop",
@@ -84,7 +147,10 @@ class FakePortal final {
                       shortcuts,
                       table(),
                       this,
-                      [this](sd_bus* bus) { tellActivations(bus); }};
+                      [this](sd_bus* bus) {
+                        tellChanges(bus);
+                        tellActivations(bus);
+                      }};
 };
 
 }  // namespace tobrin::testing

@@ -23,6 +23,16 @@ namespace {
 // By then the replaced pack is gone, and what decoding and starting needed besides.
 constexpr std::chrono::seconds settleTime{3};
 
+/// For each desktop: each has its own answer.
+DesktopShortcuts::Memory portalMemory(SettingsStore& settings, SerialQueue& main) {
+  const std::string key = "portalShortcut." + processEnvironment("XDG_CURRENT_DESKTOP");
+  return {.read = [&settings, key] { return settings.readText(key).value_or(""); },
+          .write =
+              [&settings, &main, key](const std::string& text) {
+                main.async([&settings, key, text] { settings.writeText(key, text); });
+              }};
+}
+
 }  // namespace
 
 Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> preview)
@@ -47,7 +57,7 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
       .audioDevice = makeAudioDevice(soundServer),
       .motionSource = findMotionSource(),
       .keySource = makeKeySource(),
-      .shortcutService = std::make_unique<DesktopShortcuts>(),
+      .shortcutService = std::make_unique<DesktopShortcuts>(portalMemory(settings_, main_)),
       .micSource = makeMicSource(soundServer),
       .onThreadStart = prepareTimelyThread,
       .discoverPacks = [] { return PackLibrary::discover(); },

@@ -33,7 +33,7 @@ AppModel::~AppModel() {
   *self_ = nullptr;
   services_.workspace.setOnWake(nullptr);
   services_.workspace.setOnTerminate(nullptr);
-  services_.shortcutService->setOnReservedChanged(nullptr);
+  services_.shortcutService->setOnChanged(nullptr);
   hotkey_->unregister();
   monitor_->stop();
   micMonitor_->stop();
@@ -86,8 +86,7 @@ void AppModel::wireCallbacks() {
   });
   hotkey_ = std::make_unique<GlobalHotkey>(*services_.shortcutService,
                                            [this] { onMain([this] { toggleEnabled(); }); });
-  services_.shortcutService->setOnReservedChanged(
-      [this] { onMain([this] { registerShortcut(); }); });
+  services_.shortcutService->setOnChanged([this] { onMain([this] { registerShortcut(); }); });
   micMonitor_ = std::make_unique<MicMonitor>(services_.micQueue, services_.main,
                                              std::move(services_.micSource));
   micMonitor_->setOnChange([this, self = self_](bool inUse) {
@@ -211,6 +210,13 @@ std::vector<Hotkey> AppModel::offeredShortcuts() const {
     offered.push_back(settings_.shortcut);
   }
   return offered;
+}
+
+std::string AppModel::shortcutHint() const {
+  const bool isActive = shortcutStatus_.kind == GlobalHotkey::Status::Kind::active;
+  return StatusTexts::shortcutHint(
+      display(settings_.shortcut),
+      isActive ? services_.shortcutService->route() : ShortcutRoute::exclusive);
 }
 
 std::optional<std::string> AppModel::shortcutProblem() const {

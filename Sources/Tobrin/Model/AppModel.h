@@ -70,6 +70,8 @@ class AppModel final : public QObject {
   [[nodiscard]] std::string statusLine() const;
   /// Why the shortcut does not work, in words; nothing while it does or is off.
   [[nodiscard]] std::optional<std::string> shortcutProblem() const;
+  /// What the shortcut does, and what to know of the way it takes.
+  [[nodiscard]] std::string shortcutHint() const;
   /// A shortcut as the user reads it, in the current keyboard layout.
   [[nodiscard]] std::string display(const Hotkey& shortcut) const;
   [[nodiscard]] const PlatformWords& words() const { return services_.words; }

@@ -36,4 +36,17 @@ std::optional<std::string> StatusTexts::shortcutProblem(const GlobalHotkey::Stat
   return std::nullopt;
 }
 
+std::string StatusTexts::shortcutHint(const std::string& shortcut, ShortcutRoute route) {
+  const std::string hint = shortcut + " in any app to turn sounds on or off";
+  switch (route) {
+    case ShortcutRoute::exclusive:
+      break;
+    case ShortcutRoute::desktop:
+      return hint + ". The desktop's settings can change the keys.";
+    case ShortcutRoute::shared:
+      return hint + ". Other apps see these keys too.";
+  }
+  return hint;
+}
+
 }  // namespace tobrin

@@ -25,6 +25,8 @@ struct StatusTexts {
   static std::optional<std::string> shortcutProblem(const GlobalHotkey::Status& status,
                                                     const std::string& shortcut,
                                                     const PlatformWords& words);
+
+  static std::string shortcutHint(const std::string& shortcut, ShortcutRoute route);
 };
 
 }  // namespace tobrin

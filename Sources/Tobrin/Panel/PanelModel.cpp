@@ -221,7 +221,7 @@ QString PanelModel::shortcutProblem() const {
 }
 
 QString PanelModel::shortcutHint() const {
-  return text(model_.display(model_.settings().shortcut)) + " in any app to turn sounds on or off";
+  return text(model_.shortcutHint());
 }
 
 // Actions

@@ -25,6 +25,13 @@ struct ShortcutGrab {
   bool operator==(const ShortcutGrab&) const = default;
 };
 
+/// The way by which presses of a shortcut are learnt of.
+enum class ShortcutRoute : uint8_t {
+  exclusive,  ///< nobody else sees the combination
+  desktop,    ///< the desktop tells; its settings may have made it another combination
+  shared      ///< other programs see the combination too
+};
+
 class ShortcutService {
  public:
   /// The error where the desktop has no way at all to offer a shortcut.
@@ -39,9 +46,9 @@ class ShortcutService {
   [[nodiscard]] virtual bool isReserved(const Hotkey& hotkey) = 0;
 
   /// `changed` is called on a thread of the service where those settings were slow to come, and are
-  /// not as `isReserved` had to assume: the shortcut is then to be registered again. When this
-  /// returns, the last call of an earlier `changed` has ended.
-  virtual void setOnReservedChanged(std::function<void()> changed) = 0;
+  /// not as `isReserved` had to assume, or where the route is another now: the shortcut is then to
+  /// be registered again. When this returns, the last call of an earlier `changed` has ended.
+  virtual void setOnChanged(std::function<void()> changed) = 0;
 
   /// Asks to be told of each press of `hotkey`, once a press however long it is held. An earlier
   /// grab is given back, also where this one fails. `pressed` is called on a thread of the service
@@ -58,8 +65,8 @@ class ShortcutService {
   /// desktop offers nothing better; other programs then see the combination too. Thread: key.
   virtual void observe(const KeyEvent& event) = 0;
 
-  /// What the shortcut goes through, for people.
-  [[nodiscard]] virtual std::string description() const = 0;
+  /// Of the combination that is grabbed.
+  [[nodiscard]] virtual ShortcutRoute route() const = 0;
 };
 
 }  // namespace tobrin

@@ -3,18 +3,17 @@
 #include <algorithm>
 #include <utility>
 
+#include "Engine/MachTime.h"
 #include "Evdev/KeyCodes.h"
 
 namespace tobrin {
 
-DesktopShortcuts::DesktopShortcuts(const Environment& environment)
-    : kind_(sessionKind(environment)),
+DesktopShortcuts::DesktopShortcuts(Memory memory, const Environment& environment)
+    : memory_(std::move(memory)),
+      kind_(sessionKind(environment)),
       display_(kind_ == SessionKind::x11 ? environment("DISPLAY") : ""),
       names_(display_),
-      system_(environment, [this] {
-        const MutexLock lock(mutex_);
-        if (reservedChanged_) reservedChanged_();
-      }) {}
+      system_(environment, [this] { tellChange(); }) {}
 
 DesktopShortcuts::~DesktopShortcuts() {
   release();
@@ -40,7 +39,7 @@ ShortcutGrab DesktopShortcuts::grab(const Hotkey& hotkey, std::function<void()> 
   if (const auto outcome = grabFromServer(hotkey)) return *outcome;
   if (kind_ == SessionKind::wayland && askedOfPortal_ != hotkey) askPortal(hotkey);
   chords_.set(hotkey, [this] {
-    if (!portalBound_.load(std::memory_order_acquire)) press();
+    if (!portalBound_.load(std::memory_order_acquire)) press(ShortcutRoute::shared);
   });
   return {};
 }
@@ -49,7 +48,8 @@ ShortcutGrab DesktopShortcuts::grab(const Hotkey& hotkey, std::function<void()> 
 std::optional<ShortcutGrab> DesktopShortcuts::grabFromServer(const Hotkey& hotkey) {
   server_.reset();
   if (display_.empty()) return std::nullopt;
-  auto shortcut = std::make_unique<XShortcut>(display_, hotkey, [this] { press(); });
+  auto shortcut =
+      std::make_unique<XShortcut>(display_, hotkey, [this] { press(ShortcutRoute::exclusive); });
   const ShortcutGrab outcome = shortcut->outcome();
   if (outcome.error == unavailable) return std::nullopt;
   chords_.clear();
@@ -61,16 +61,31 @@ void DesktopShortcuts::askPortal(const Hotkey& hotkey) {
   portal_.reset();
   askedOfPortal_ = hotkey;
   portal_ = std::make_unique<PortalShortcut>(
-      PortalShortcut::trigger(hotkey, names_.naming(hotkey.keyCode)),
-      PortalShortcut::Listener{
-          .pressed = [this] { press(); },
-          .boundChanged =
-              [this](bool bound) { portalBound_.store(bound, std::memory_order_release); }});
+      PortalShortcut::trigger(hotkey, names_.naming(hotkey.keyCode)), memory_.read(),
+      PortalShortcut::Listener{.pressed = [this] { press(ShortcutRoute::desktop); },
+                               .boundChanged = [this](bool bound) { portalBoundChanged(bound); },
+                               .remember = memory_.write});
 }
 
-void DesktopShortcuts::press() {
+void DesktopShortcuts::portalBoundChanged(bool bound) {
+  portalBound_.store(bound, std::memory_order_release);
+  tellChange();
+}
+
+// A portal that tells of presses without having said that it would is found out by the first one,
+// which our own key events then have told of as well.
+void DesktopShortcuts::press(ShortcutRoute route) {
+  constexpr double samePressMs = 200;
   const MutexLock lock(mutex_);
+  const uint64_t before = std::exchange(pressedAt_, MachTime::now());
+  const bool isOther = std::exchange(pressedBy_, route) != route;
+  if (isOther && before != 0 && MachTime::delta(pressedAt_, before) < samePressMs) return;
   if (pressed_) pressed_();
+}
+
+void DesktopShortcuts::tellChange() {
+  const MutexLock lock(mutex_);
+  if (changed_) changed_();
 }
 
 void DesktopShortcuts::release() {
@@ -88,14 +103,15 @@ std::optional<std::string> DesktopShortcuts::keyName(uint32_t keyCode) {
   return label;
 }
 
-void DesktopShortcuts::setOnReservedChanged(std::function<void()> changed) {
+void DesktopShortcuts::setOnChanged(std::function<void()> changed) {
   const MutexLock lock(mutex_);
-  reservedChanged_ = std::move(changed);
+  changed_ = std::move(changed);
 }
 
-std::string DesktopShortcuts::description() const {
-  if (server_) return "X server";
-  return portalBound_.load(std::memory_order_acquire) ? "desktop portal" : "key events";
+ShortcutRoute DesktopShortcuts::route() const {
+  if (server_) return ShortcutRoute::exclusive;
+  return portalBound_.load(std::memory_order_acquire) ? ShortcutRoute::desktop
+                                                      : ShortcutRoute::shared;
 }
 
 }  // namespace tobrin

@@ -21,23 +21,33 @@ namespace tobrin {
 
 class DesktopShortcuts final : public ShortcutService {
  public:
-  explicit DesktopShortcuts(const Environment& environment = processEnvironment);
+  /// Keeps what became of asking the portal, so that nobody is asked at each start. `read` is
+  /// called on the main thread, `write` on any.
+  struct Memory {
+    std::function<std::string()> read;
+    std::function<void(const std::string&)> write;
+  };
+
+  explicit DesktopShortcuts(Memory memory, const Environment& environment = processEnvironment);
   ~DesktopShortcuts() override;
 
   [[nodiscard]] bool isReserved(const Hotkey& hotkey) override;
   ShortcutGrab grab(const Hotkey& hotkey, std::function<void()> pressed) override;
   void release() override;
   [[nodiscard]] std::optional<std::string> keyName(uint32_t keyCode) override;
-  void setOnReservedChanged(std::function<void()> changed) override;
+  void setOnChanged(std::function<void()> changed) override;
   void observe(const KeyEvent& event) override { chords_.observe(event); }
-  [[nodiscard]] std::string description() const override;
+  [[nodiscard]] ShortcutRoute route() const override;
 
  private:
   std::optional<ShortcutGrab> grabFromServer(const Hotkey& hotkey);
   void askPortal(const Hotkey& hotkey);
-  void press();
+  void portalBoundChanged(bool bound);
+  void press(ShortcutRoute route);
+  void tellChange();
 
   // fixed after construction
+  const Memory memory_;
   const SessionKind kind_;
   const std::string display_;  // of an X11 session; else empty
 
@@ -51,8 +61,10 @@ class DesktopShortcuts final : public ShortcutService {
   std::atomic<bool> portalBound_{false};  // written by the portal's thread, read by the key thread
 
   Mutex mutex_;
+  uint64_t pressedAt_ TOBRIN_GUARDED_BY(mutex_) = 0;  // ticks
+  ShortcutRoute pressedBy_ TOBRIN_GUARDED_BY(mutex_) = ShortcutRoute::exclusive;
   std::function<void()> pressed_ TOBRIN_GUARDED_BY(mutex_);
-  std::function<void()> reservedChanged_ TOBRIN_GUARDED_BY(mutex_);
+  std::function<void()> changed_ TOBRIN_GUARDED_BY(mutex_);
 
   SystemShortcuts system_;  // main; the last, as its thread calls
 };

@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -24,6 +25,9 @@ constexpr const char* sessions = "org.freedesktop.portal.Session";
 constexpr const char* registry = "org.freedesktop.host.portal.Registry";
 constexpr const char* applicationId = "app.tobrin.Tobrin";
 constexpr const char* shortcutId = "toggle-sounds";
+// Before the combination, in what is kept between runs.
+constexpr const char* asked = "asked ";
+constexpr const char* granted = "granted ";
 constexpr const char* portalOwnerMatch =
     "type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
     "member='NameOwnerChanged',arg0='org.freedesktop.portal.Desktop'";
@@ -35,9 +39,10 @@ struct UnrefMessage {
   void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
 };
 
-/// The text under `key` in the dictionary that comes next in `message`; empty where there is none.
-std::string textInDictionary(sd_bus_message* message, std::string_view key) {
-  std::string result;
+/// The text under `key` in the dictionary that comes next in `message`; nothing where there is
+/// none.
+std::optional<std::string> textInDictionary(sd_bus_message* message, std::string_view key) {
+  std::optional<std::string> result;
   if (sd_bus_message_enter_container(message, 'a', "{sv}") < 0) return result;
   while (sd_bus_message_enter_container(message, 'e', "sv") > 0) {
     const char* name = nullptr;
@@ -50,7 +55,38 @@ std::string textInDictionary(sd_bus_message* message, std::string_view key) {
     }
     sd_bus_message_exit_container(message);
   }
+  sd_bus_message_exit_container(message);
   return result;
+}
+
+/// Enters the list of shortcuts in the dictionary that comes next; false where there is none.
+bool enterShortcuts(sd_bus_message* message) {
+  if (sd_bus_message_enter_container(message, 'a', "{sv}") < 0) return false;
+  while (sd_bus_message_enter_container(message, 'e', "sv") > 0) {
+    const char* name = nullptr;
+    sd_bus_message_read(message, "s", &name);
+    if (name != nullptr && std::string_view(name) == "shortcuts")
+      return sd_bus_message_enter_container(message, 'v', "a(sa{sv})") > 0;
+    sd_bus_message_skip(message, "v");
+    sd_bus_message_exit_container(message);
+  }
+  return false;
+}
+
+/// Whether the list of shortcuts that comes next has ours. Some desktops list it while no
+/// combination belongs to it yet; then nothing would be told.
+bool listsOurs(sd_bus_message* message) {
+  bool found = false;
+  if (sd_bus_message_enter_container(message, 'a', "(sa{sv})") < 0) return found;
+  while (sd_bus_message_enter_container(message, 'r', "sa{sv}") > 0) {
+    const char* id = nullptr;
+    sd_bus_message_read(message, "s", &id);
+    const bool isOurs = id != nullptr && std::string_view(id) == shortcutId;
+    const auto combination = textInDictionary(message, "trigger_description");
+    found = found || (isOurs && combination != "");
+    sd_bus_message_exit_container(message);
+  }
+  return found;
 }
 
 /// For poll: until the bus wants to be called whatever happens; -1 for never.
@@ -65,20 +101,29 @@ int waitLimitMs(sd_bus* bus) {
 
 }  // namespace
 
-/// The talk with the portal: a session is created, the combination bound in it, presses follow.
-/// Each of the two requests is answered by a signal on an object named by our token. Thread: its
-/// own.
+/// The talk with the portal: a session is created and what it has listed, the combination bound in
+/// it where that is still to be asked for, presses follow. Each of the requests is answered by a
+/// signal on an object named by our token. Thread: its own.
 struct PortalShortcut::Dialogue {
-  Dialogue(std::string wantedTrigger, Listener to, WakeEvent& stopEvent)
-      : trigger(std::move(wantedTrigger)), listener(std::move(to)), stop(stopEvent) {}
+  Dialogue(std::string wantedTrigger, std::string knownBefore, Listener to, WakeEvent& stopEvent)
+      : trigger(std::move(wantedTrigger)),
+        listener(std::move(to)),
+        stop(stopEvent),
+        known(std::move(knownBefore)) {}
 
   void run();
   [[nodiscard]] bool subscribe();
   void createSession();
+  void listShortcuts();
   void bindShortcut();
+  void takeListing(bool hasOurs);
+  void takeChange(bool hasOurs);
   void setBound(bool now);
+  void remember(const char* outcome);
   void takeResponse(std::string_view token, uint32_t code, sd_bus_message* results);
 
+  static int onNoListing(sd_bus_message* message, void* self, sd_bus_error*);
+  static int onShortcutsChanged(sd_bus_message* message, void* self, sd_bus_error*);
   static int onResponse(sd_bus_message* message, void* self, sd_bus_error*);
   static int onActivated(sd_bus_message* message, void* self, sd_bus_error*);
   static int onSessionClosed(sd_bus_message* message, void* self, sd_bus_error*);
@@ -88,6 +133,7 @@ struct PortalShortcut::Dialogue {
   const Listener listener;
   WakeEvent& stop;
   std::unique_ptr<sd_bus, CloseBus> bus;
+  std::string known;    // what became of the last request, as it is kept between runs
   std::string session;  // its object path; empty while there is none
   bool bound = false;
 };
@@ -125,6 +171,8 @@ bool PortalShortcut::Dialogue::subscribe() {
                              this) >= 0 &&
          sd_bus_match_signal(on, nullptr, portal, portalPath, shortcuts, "Activated", onActivated,
                              this) >= 0 &&
+         sd_bus_match_signal(on, nullptr, portal, portalPath, shortcuts, "ShortcutsChanged",
+                             onShortcutsChanged, this) >= 0 &&
          sd_bus_add_match(on, nullptr, portalOwnerMatch, onPortalOwnerChanged, this) >= 0;
 }
 
@@ -137,11 +185,42 @@ void PortalShortcut::Dialogue::createSession() {
                            "session_handle_token", "s", "tobrin");
 }
 
+void PortalShortcut::Dialogue::listShortcuts() {
+  sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, shortcuts, "ListShortcuts",
+                           onNoListing, this, "oa{sv}", session.c_str(), 1, "handle_token", "s",
+                           "list");
+}
+
 void PortalShortcut::Dialogue::bindShortcut() {
+  // First, as the answer may never come: nobody is to be asked at each start.
+  remember(asked);
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, shortcuts, "BindShortcuts",
                            nullptr, nullptr, "oa(sa{sv})sa{sv}", session.c_str(), 1, shortcutId, 2,
                            "description", "s", "Turn sounds on or off", "preferred_trigger", "s",
                            trigger.c_str(), "", 1, "handle_token", "s", "bind");
+}
+
+// Some desktops keep what was bound, others want to be asked in each session and then agree by
+// themselves: only what was asked for in vain is not asked for again.
+void PortalShortcut::Dialogue::takeListing(bool hasOurs) {
+  const bool isForOther = !known.empty() && known != asked + trigger && known != granted + trigger;
+  if (hasOurs && !isForOther) {
+    takeChange(true);
+  } else if (known != asked + trigger) {
+    bindShortcut();
+  }
+}
+
+void PortalShortcut::Dialogue::takeChange(bool hasOurs) {
+  remember(hasOurs ? granted : asked);
+  setBound(hasOurs);
+}
+
+void PortalShortcut::Dialogue::remember(const char* outcome) {
+  std::string now = outcome + trigger;
+  if (now == known) return;
+  known = std::move(now);
+  listener.remember(known);
 }
 
 void PortalShortcut::Dialogue::setBound(bool now) {
@@ -151,11 +230,28 @@ void PortalShortcut::Dialogue::setBound(bool now) {
 void PortalShortcut::Dialogue::takeResponse(std::string_view token, uint32_t code,
                                             sd_bus_message* results) {
   if (token == "create" && code == 0) {
-    session = textInDictionary(results, "session_handle");
-    if (!session.empty()) bindShortcut();
+    session = textInDictionary(results, "session_handle").value_or("");
+    if (!session.empty()) listShortcuts();
+  } else if (token == "list") {
+    takeListing(code == 0 && enterShortcuts(results) && listsOurs(results));
   } else if (token == "bind") {
-    setBound(code == 0);
+    takeChange(code == 0 && enterShortcuts(results) && listsOurs(results));
   }
+}
+
+int PortalShortcut::Dialogue::onNoListing(sd_bus_message* message, void* self, sd_bus_error*) {
+  if (sd_bus_message_is_method_error(message, nullptr) > 0)
+    static_cast<Dialogue*>(self)->takeListing(false);
+  return 0;
+}
+
+int PortalShortcut::Dialogue::onShortcutsChanged(sd_bus_message* message, void* self,
+                                                 sd_bus_error*) {
+  auto* dialogue = static_cast<Dialogue*>(self);
+  const char* session = nullptr;
+  if (sd_bus_message_read(message, "o", &session) > 0 && dialogue->session == session)
+    dialogue->takeChange(listsOurs(message));
+  return 0;
 }
 
 int PortalShortcut::Dialogue::onResponse(sd_bus_message* message, void* self, sd_bus_error*) {
@@ -167,11 +263,12 @@ int PortalShortcut::Dialogue::onResponse(sd_bus_message* message, void* self, sd
 }
 
 int PortalShortcut::Dialogue::onActivated(sd_bus_message* message, void* self, sd_bus_error*) {
-  const auto* dialogue = static_cast<Dialogue*>(self);
+  auto* dialogue = static_cast<Dialogue*>(self);
   const char* session = nullptr;
   const char* id = nullptr;
   if (sd_bus_message_read(message, "os", &session, &id) > 0 && dialogue->session == session &&
       std::string_view(id) == shortcutId) {
+    dialogue->setBound(true);  // whatever was listed
     dialogue->listener.pressed();
   }
   return 0;
@@ -213,8 +310,9 @@ std::string PortalShortcut::trigger(const Hotkey& hotkey, const KeyNaming& namin
   return result + naming.symbol;
 }
 
-PortalShortcut::PortalShortcut(std::string trigger, Listener listener)
-    : dialogue_(std::make_unique<Dialogue>(std::move(trigger), std::move(listener), stop_)),
+PortalShortcut::PortalShortcut(std::string trigger, std::string known, Listener listener)
+    : dialogue_(std::make_unique<Dialogue>(std::move(trigger), std::move(known),
+                                           std::move(listener), stop_)),
       thread_([this] { dialogue_->run(); }) {}
 
 PortalShortcut::~PortalShortcut() {

@@ -17,8 +17,11 @@ class PortalShortcut final {
  public:
   struct Listener {
     std::function<void()> pressed;
-    /// Whether the desktop now tells of presses; once it has agreed, and again when it goes.
+    /// Whether the desktop now tells of presses: it says so by listing the shortcut, which it may
+    /// do later or take back.
     std::function<void(bool bound)> boundChanged;
+    /// What to hand to the next of these as `known`, also in another run.
+    std::function<void(const std::string& known)> remember;
   };
 
   /// The combination in the portal's words ("CTRL+ALT+LOGO+k"), with the key named as the layout
@@ -26,8 +29,9 @@ class PortalShortcut final {
   static std::string trigger(const Hotkey& hotkey, const KeyNaming& naming);
 
   /// Starts asking; never waits. The listener is called on a thread of this object's. Where no
-  /// portal answers nothing is ever said. A portal that comes or returns later is asked then.
-  PortalShortcut(std::string trigger, Listener listener);
+  /// portal answers nothing is ever said. A portal that comes or returns later is asked then, but
+  /// none for what `known` says was asked for in vain; empty: nothing was asked for before.
+  PortalShortcut(std::string trigger, std::string known, Listener listener);
 
   /// When it returns, the last call of the listener has ended and the combination is given back.
   ~PortalShortcut();

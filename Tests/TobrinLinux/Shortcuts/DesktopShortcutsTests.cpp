@@ -38,38 +38,108 @@ void typeChord(ShortcutService& service) {
     service.observe({code, KeyAction::up, 0});
 }
 
-TEST(DesktopShortcuts, AWaylandSessionHearsItsOwnKeysUntilThePortalAgrees) {
-  const testing::PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
-  std::atomic<int> presses{0};
-  DesktopShortcuts service(environmentOf({{"XDG_SESSION_TYPE", "wayland"}}));
-  GlobalHotkey hotkey(service, [&] { ++presses; });
-  EXPECT_EQ(hotkey.registerHotkey(Hotkey{200, {}}).kind, Kind::failed) << "no keyboard has it";
-  EXPECT_EQ(hotkey.registerHotkey(toggle).kind, Kind::active);
-  typeChord(service);
-  EXPECT_EQ(presses, 1);
+class PortalTest : public ::testing::Test {
+ protected:
+  /// As one run of the program after the other does, with what was kept in between.
+  void startAgain() {
+    hotkey_.reset();
+    service_.emplace(DesktopShortcuts::Memory{[this] { return kept_; },
+                                              [this](const std::string& text) { kept_ = text; }},
+                     environmentOf({{"XDG_SESSION_TYPE", "wayland"}}));
+    hotkey_.emplace(*service_, [this] { ++presses_; });
+    EXPECT_EQ(hotkey_->registerHotkey(toggle).kind, Kind::active);
+  }
+  [[nodiscard]] bool isBound() const { return service_->route() == ShortcutRoute::desktop; }
+  [[nodiscard]] int pressesOfOneChord() {
+    const int before = presses_;
+    typeChord(*service_);
+    return presses_ - before;
+  }
 
-  std::optional<FakePortal> portal(std::in_place, 0U);  // comes later
-  const auto isBound = [&] { return service.description() == "desktop portal"; };
-  ASSERT_TRUE(eventually(isBound));
-  EXPECT_EQ(portal->trigger(), "CTRL+ALT+LOGO+k");
-  typeChord(service);
-  EXPECT_EQ(presses, 1) << "now the portal's to tell";
-  hotkey.registerHotkey(toggle);  // the same again
+  testing::PrivateBus bus_{"DBUS_SESSION_BUS_ADDRESS"};
+  std::atomic<int> presses_{0};
+  std::string kept_;  // written by the service's thread, read when that has ended
+  std::optional<DesktopShortcuts> service_;
+  std::optional<GlobalHotkey> hotkey_;
+};
+
+TEST_F(PortalTest, OwnKeysAreHeardUntilThePortalAgrees) {
+  startAgain();
+  EXPECT_EQ(hotkey_->registerHotkey(Hotkey{200, {}}).kind, Kind::failed) << "no keyboard has it";
+  EXPECT_EQ(hotkey_->registerHotkey(toggle).kind, Kind::active);
+  EXPECT_EQ(pressesOfOneChord(), 1);
+
+  std::optional<FakePortal> portal(std::in_place, FakePortal::Behaviour{});  // comes later
+  ASSERT_TRUE(eventually([&] { return isBound(); }));
+  EXPECT_EQ(portal->asked(), std::vector<std::string>{"CTRL+ALT+LOGO+k"});
+  EXPECT_EQ(pressesOfOneChord(), 0) << "now the portal's to tell";
+  hotkey_->registerHotkey(toggle);  // the same again
   EXPECT_TRUE(isBound()) << "nobody is asked twice";
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));  // not the press of before
   portal->activate();
-  EXPECT_TRUE(eventually([&] { return presses == 2; }));
+  EXPECT_TRUE(eventually([&] { return presses_ == 2; }));
 
   portal.reset();
   ASSERT_TRUE(eventually([&] { return !isBound(); }));
-  typeChord(service);
-  EXPECT_EQ(presses, 3);
-  portal.emplace(1U);
-  ASSERT_TRUE(eventually([&] { return !portal->trigger().empty(); }));
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  EXPECT_FALSE(isBound()) << "refused";
-  hotkey.unregister();
-  typeChord(service);
-  EXPECT_EQ(presses, 3);
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  EXPECT_EQ(pressesOfOneChord(), 1);
+  hotkey_->unregister();
+  EXPECT_EQ(pressesOfOneChord(), 0);
+}
+
+TEST_F(PortalTest, BindsOnlyWhatIsListedAndAsksOnce) {
+  using Listing = FakePortal::Listing;
+  const Listing none, ours = FakePortal::ours, other = {{"else", "Meta+L"}};
+  const Listing unassigned = {{"toggle-sounds", ""}};
+  struct Row {
+    const char* what;
+    FakePortal::Behaviour behaviour;
+    bool isBound;              // also in the runs after the first
+    std::size_t asksOnReturn;  // in the second run
+  };
+  const Row rows[] = {{"an empty answer", {.bound = none}, false, 0},
+                      {"another's id", {.bound = other}, false, 0},
+                      {"no combination yet", {.bound = unassigned}, false, 0},
+                      {"denied", {.code = 1}, false, 0},
+                      {"no answer", {.answers = false}, false, 0},
+                      {"agrees again without the user", {}, true, 1},
+                      {"remembers by itself", {.known = ours}, true, 0}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    kept_.clear();
+    for (const bool isReturn : {false, true}) {
+      FakePortal portal(row.behaviour);
+      startAgain();
+      const std::size_t asks =
+          isReturn ? row.asksOnReturn : (row.behaviour.known.empty() ? 1U : 0U);
+      ASSERT_TRUE(eventually([&] { return portal.hasListed() && portal.asked().size() >= asks; }));
+      EXPECT_TRUE(eventually([&] { return isBound() == row.isBound; }));
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+      EXPECT_EQ(isBound(), row.isBound);
+      EXPECT_EQ(portal.asked().size(), asks);
+      EXPECT_EQ(pressesOfOneChord(), row.isBound ? 0 : 1);
+      for (const Listing& change : {ours, none}) {
+        portal.change(change);
+        EXPECT_TRUE(eventually([&] { return isBound() == (change == ours); }));
+      }
+      if (row.isBound) portal.change(ours);
+      EXPECT_TRUE(eventually([&] { return isBound() == row.isBound; }));
+      hotkey_->unregister();  // its thread has ended
+    }
+  }
+}
+
+TEST_F(PortalTest, APressOfBothWaysCountsOnce) {
+  FakePortal portal({.bound = {}});
+  startAgain();
+  std::atomic<int> changes{0};
+  service_->setOnChanged([&] { ++changes; });
+  ASSERT_TRUE(eventually([&] { return !portal.asked().empty(); }));
+  typeChord(*service_);
+  portal.activate();
+  ASSERT_TRUE(eventually([&] { return isBound() && changes > 0; })) << "it tells all the same";
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_EQ(presses_, 1);
 }
 
 TEST(SystemShortcuts, AreThoseOfTheDesktopThatRuns) {
@@ -96,7 +166,8 @@ esac
   const auto desktop = [&](const char* name) {
     return environmentOf({{"XDG_CURRENT_DESKTOP", name}, {"XDG_CONFIG_HOME", config}});
   };
-  DesktopShortcuts gnome(desktop("ubuntu:GNOME")), kde(desktop("KDE")), sway(desktop("sway"));
+  DesktopShortcuts gnome({}, desktop("ubuntu:GNOME")), kde({}, desktop("KDE")),
+      sway({}, desktop("sway"));
   // The machine may be slow to run a program: then the answer comes later.
   const auto comesToBe = [&](bool reserved) {
     return eventually([&] { return isReserved(gnome, 1) == reserved; });
@@ -112,7 +183,7 @@ esac
   EXPECT_TRUE(comesToBe(false));
 
   std::atomic<int> changes{0};
-  gnome.setOnReservedChanged([&] { ++changes; });
+  gnome.setOnChanged([&] { ++changes; });
   trouble("sleep 0.5");
   EXPECT_FALSE(isReserved(gnome, 1)) << "is not waited for";
   EXPECT_TRUE(eventually([&] { return changes == 1; }));
