@@ -10,8 +10,15 @@ install(TARGETS TobrinTray TobrinPanel LIBRARY DESTINATION ${TOBRIN_MODULES_DIR}
 # The desktop: entry, icons, description.
 install(FILES ${resources}/desktop/app.tobrin.Tobrin.desktop DESTINATION ${share}/applications)
 install(FILES ${resources}/icons/app.tobrin.Tobrin.svg DESTINATION ${share}/icons/hicolor/scalable/apps)
-install(FILES ${resources}/icons/app.tobrin.Tobrin-symbolic.svg ${resources}/icons/app.tobrin.Tobrin-off-symbolic.svg
-        DESTINATION ${share}/icons/hicolor/symbolic/apps)
+# Those of the tray in two forms: as they are, and for bars that draw them in their own colour. Of the
+# symbolic folders the common index of older systems lists this one alone.
+set(symbolic ${share}/icons/hicolor/symbolic/apps)
+foreach(state playing silent)
+  install(FILES ${resources}/icons/app.tobrin.Tobrin-${state}.svg DESTINATION ${share}/icons/hicolor/scalable/status)
+  install(FILES ${resources}/icons/app.tobrin.Tobrin-${state}-symbolic.svg DESTINATION ${symbolic})
+endforeach()
+install(FILES ${resources}/icons/app.tobrin.Tobrin-playing-symbolic.svg DESTINATION ${symbolic}
+        RENAME app.tobrin.Tobrin-symbolic.svg)
 include(TobrinReleases)
 configure_file(${resources}/desktop/app.tobrin.Tobrin.metainfo.xml.in ${made}/app.tobrin.Tobrin.metainfo.xml @ONLY)
 install(FILES ${made}/app.tobrin.Tobrin.metainfo.xml DESTINATION ${share}/metainfo)

@@ -14,12 +14,14 @@ import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
 from desktopclients import screenreader  # noqa: E402
+from desktopclients.legibility import BARS, legible_share  # noqa: E402
 from desktopclients.traywatcher import TrayWatcher  # noqa: E402
 from desktopclients.xclient import KeyGrab  # noqa: E402
 from listening import panels, record, types_audibly, xdotool  # noqa: E402
 from listening.panel import PATIENCE, PanelDriver, eventually, focused, named  # noqa: E402
 
 PACKS, PROGRAM = pathlib.Path(sys.argv.pop()), sys.argv.pop()
+ICONS = pathlib.Path(__file__).resolve().parents[2] / "Resources/icons"
 CHORD = "ctrl+alt+super+"
 # In the order of the Tab key; of a group, the chosen one.
 STOPS = ["Sounds", "Preview", "Blue Click, Clicky", "Cream, Linear", "Dome, Silent tactile", "Panda, Tactile",
@@ -155,16 +157,28 @@ class PanelTest(PanelDriver):
             lowest[x] = y + height
         return bool(named("Quit"))
 
+    def legible_pictures(self, tray):
+        pictures = tray.look("IconPixmap")
+        for width, _, argb in pictures:
+            for bar, colour in BARS.items():
+                self.assertGreater(legible_share(argb, colour), 0.2, (bar, width))
+        return [argb for _, _, argb in pictures]
+
     def test_the_tray_item_comes_late_and_works(self):
+        themed = pathlib.Path(os.environ["XDG_DATA_HOME"]) / "icons/hicolor/scalable/status"
+        shutil.copytree(ICONS, themed)
         program = self.start()
         time.sleep(1)
         tray = TrayWatcher()
         self.addCleanup(lambda: tray.close())
         self.assertTrue(eventually(lambda: tray.items, 20))
-        playing = tray.look("IconPixmap")
+        self.assertEqual(tray.look("IconName"), "app.tobrin.Tobrin-playing")
+        playing = self.legible_pictures(tray)
         tray.choose("Sounds")
         self.saves("enabled", False)
-        self.assertTrue(eventually(lambda: tray.look("IconPixmap") != playing))
+        self.assertTrue(eventually(lambda: tray.look("IconName") == "app.tobrin.Tobrin-silent"))
+        for one, other in zip(playing, self.legible_pictures(tray)):
+            self.assertGreater(sum(a != b for a, b in zip(one, other)) / len(one), 0.1, "told apart")
         tray.choose("Panda")
         program.wait_for("pack: Panda")
         self.assertEqual([name for name, entry in tray.menu().items() if entry[1].get("toggle-state") == 1], ["Panda"])

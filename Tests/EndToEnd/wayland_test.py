@@ -131,6 +131,7 @@ class WaylandTest(PanelDriver):
         self.addCleanup(tray.close)
         self.start()
         self.assertTrue(eventually(lambda: tray.items))
+        self.assertEqual(tray.look("IconName"), "", "no theme has it here")
         tray.click()
         self.assertTrue(eventually(self.is_open))
         self.assertTrue(eventually(self.is_active))

@@ -42,6 +42,9 @@ class Installation(unittest.TestCase):
         packs = json.loads(output(self.root / "bin/tobrin-packs", "list", "--json"))
         folders = {pathlib.Path(pack["folder"]).parent for pack in packs if pack["bundled"]}
         self.assertEqual(folders, {self.root / "share/tobrin/Packs"})
+        icons = {path.stem for path in self.root.glob("share/icons/hicolor/*/*/*.svg")}
+        self.assertLessEqual({f"app.tobrin.Tobrin-{each}" for each in ("playing", "silent", "playing-symbolic",
+                                                                       "silent-symbolic")}, icons)
         with subprocess.Popen([self.root / "bin/tobrin"], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                               text=True) as program:
             subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--name", "^Tobrin$"],

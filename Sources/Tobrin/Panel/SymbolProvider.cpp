@@ -1,6 +1,6 @@
 #include "Panel/SymbolProvider.h"
 
-#include "Tray/SymbolPixmap.h"
+#include "Panel/SymbolPixmap.h"
 
 namespace tobrin {
 

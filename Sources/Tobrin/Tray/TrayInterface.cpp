@@ -2,13 +2,12 @@
 
 #include <QApplication>
 #include <QCursor>
-#include <QIcon>
 #include <QLoggingCategory>
 
 #include "Application/Modules.h"
 #include "Memory/UnusedMemory.h"
 #include "Model/AppModel.h"
-#include "Tray/SymbolPixmap.h"
+#include "Tray/TrayIcon.h"
 
 namespace tobrin {
 namespace {
@@ -20,14 +19,6 @@ constexpr std::chrono::milliseconds trayPatience =
 constexpr std::chrono::milliseconds embeddingTrayAfter = 1s;
 constexpr auto sameClick = 200ms;
 constexpr auto unloadAfter = 60s;
-
-QIcon symbolIcon(const QString& name, const QColor& color) {
-  QIcon icon;
-  for (const int pixels : {16, 22, 24, 32, 48, 64}) {
-    icon.addPixmap(symbolPixmap(":/Tray/" + name + ".svg", color, pixels));
-  }
-  return icon;
-}
 
 /// On Wayland the toolkit loads the graphics drivers for its first window, whatever that is drawn
 /// with; ours is drawn in software, and they would double the memory of the whole program.
@@ -104,14 +95,11 @@ void TrayInterface::makeTrayItem() {
 
 void TrayInterface::applyColors() {
   if (panel_) panel_->setDark(colors_->isDark());
-  updateItem();
 }
 
 void TrayInterface::updateItem() {
   if (!item_) return;
-  const bool playing = model_->gate().isPlaying();
-  const QColor ink = colors_->isDark() ? QColor("#f2f2f5") : QColor("#2b2b31");
-  item_->setIcon(symbolIcon(playing ? "keyboard-fill" : "keyboard", ink));
+  item_->setIcon(trayIcon(model_->gate().isPlaying()));
   item_->setToolTip("Tobrin\n" + QString::fromStdString(model_->statusLine()));
 }
 

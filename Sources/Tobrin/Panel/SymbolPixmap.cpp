@@ -1,4 +1,4 @@
-#include "Tray/SymbolPixmap.h"
+#include "Panel/SymbolPixmap.h"
 
 #include <QPainter>
 #include <QSvgRenderer>
