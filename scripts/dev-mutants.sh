@@ -9,7 +9,7 @@ main() {
   trap "rm -rf '$copy'" EXIT
   git ls-files -z --cached --others --exclude-standard |
     tar -c --null --ignore-failed-read -T - | tar -x -C "$copy"
-  cd "$copy"
+  cd "$copy" || return
   export CCACHE_BASEDIR=$copy PYTHONDONTWRITEBYTECODE=1
   cmake --preset $preset >/dev/null
   Tools/Mutants/mutants --build build/$preset "$@"

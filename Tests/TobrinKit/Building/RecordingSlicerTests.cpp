@@ -6,8 +6,12 @@
 #include <cmath>
 #include <numbers>
 
+#include "Building/RecordedPackBuilder.h"
 #include "Building/TypingLattice.h"
 #include "Engine/SplitMix64.h"
+#include "Support/AudioFiles.h"
+#include "Support/KeptText.h"
+#include "Support/TempFolder.h"
 
 namespace tobrin {
 namespace {
@@ -35,10 +39,20 @@ class Composition {
     }
   }
 
+  /// Something that grows for 0.3 s, too slowly for a hit, and dies away in the last 9 ms.
+  void swell(double until, double amplitude) {
+    for (double t = 0; t < 0.309; t += 1 / rate) {
+      const double shape = t < 0.3 ? std::pow(10, 10 * (t - 0.3)) : (0.309 - t) / 0.009;
+      samples_[static_cast<std::size_t>((until - 0.31 + t) * rate)] +=
+          static_cast<float>(amplitude * shape * std::sin(9000 * t));
+    }
+  }
+
   RecordingSlicer::Result slice(const RecordingSlicer::Options& options = {}) const {
     return RecordingSlicer::slice(samples_, samples_, rate, options);
   }
   SplitMix64& rng() { return rng_; }
+  [[nodiscard]] const std::vector<float>& samples() const { return samples_; }
 
  private:
   SplitMix64 rng_{7};
@@ -109,25 +123,6 @@ TEST(RecordingSlicer, TellsPressesFromReleasesAndRanksThemByStrength) {
   }
 }
 
-TEST(RecordingSlicer, TakesFadeAtBothEndsAndEndBeforeTheNextHit) {
-  Composition piece(20);
-  type(piece, 20);
-  const auto result = piece.slice();
-  std::size_t takes = 0;
-  for (const auto& [group, tiers] : result.down)
-    for (const auto& [tier, list] : tiers)
-      for (const auto& take : list) {
-        ++takes;
-        ASSERT_EQ(take.left.size(), take.right.size());
-        EXPECT_EQ(take.left.front(), 0.0f);
-        EXPECT_EQ(take.left.back(), 0.0f);
-        EXPECT_LE(static_cast<double>(take.left.size()), (0.11 + 0.0015) * rate)
-            << "the release comes after 110 ms at the latest";
-      }
-  EXPECT_GT(takes, 0u);
-  EXPECT_FALSE(result.up.empty());
-}
-
 TEST(RecordingSlicer, MergesWhatIsCloserThanTheMergeDistance) {
   for (const auto& [apart, hits] : {std::pair{0.020, 1u}, {0.035, 2u}}) {
     Composition piece(2);
@@ -153,6 +148,107 @@ TEST(RecordingSlicer, KeepsThePressThatAReleaseWasMovedOnto) {
   EXPECT_GT(count(Fate::repeated), 0);
   EXPECT_NE(result.report.find(", " + std::to_string(count(Fate::repeated)) + " repeated;"),
             std::string::npos);
+}
+
+/// Presses and releases of ordinary and wide keys, and what else may happen while somebody types.
+Composition everything() {
+  Composition piece(40);
+  SplitMix64& rng = piece.rng();
+  double at = 0.4;
+  for (int i = 0; at < 38.5; ++i) {
+    const bool wide = i % 7 == 3;
+    const double press = 0.09 * std::pow(10, 9 * rng.signedUnit() / 20);
+    const double hold = i % 9 == 5 ? 0.046 : wide ? 0.45 : 0.12 + 0.2 * rng.unit();
+    piece.add(at, i % 13 == 6 ? 1.5 : press, wide ? 0.5 : 1, wide ? 2 : 1);
+    if (i % 11 == 4) piece.add(at + 0.03, 1.4 * press);
+    if (i % 10 == 8) piece.add(at - 0.08, 0.0007);
+    if (i % 10 == 9) piece.add(at - 0.014, 0.06 * press, 1.2, 0.3);
+    if (i % 12 == 7) piece.swell(at, 0.8 * press);
+    if (i % 12 == 9) piece.swell(at + hold, 0.3 * press);
+    if (i % 4 != 2) piece.add(at + hold, 0.2 * press, 1.3, 0.6);
+    at += hold + 0.09 + 0.12 * rng.unit();
+  }
+  return piece;
+}
+
+/// Recordings are what the converter would make of them.
+struct NoConverter final : ProcessRunner {
+  int run(const std::filesystem::path&, const std::vector<std::string>& arguments) const override {
+    const auto from = std::ranges::find(arguments, "-i");
+    return std::filesystem::copy_file(*(from + 1), arguments.back()) ? 0 : 1;
+  }
+};
+
+std::string line(const char* format, auto... values) {
+  char text[256];
+  (void)std::snprintf(text, sizeof text, format, values...);
+  return text;
+}
+
+std::string describe(const RecordingSlicer::Result& result) {
+  constexpr const char* fates[] = {"press",       "bigPress", "release", "clipped",
+                                   "overlapping", "faint",    "repeated"};
+  const auto takes = [](const std::string& of, const std::vector<RecordingSlicer::Take>& list) {
+    std::string text;
+    for (const auto& take : list) {
+      const auto peak =
+          std::ranges::max_element(take.left, {}, [](float x) { return std::abs(x); });
+      text += of + line(": %zu frames, level %.4g, peak %.4g at %td\n", take.left.size(),
+                        static_cast<double>(take.level), static_cast<double>(*peak),
+                        peak - take.left.begin());
+    }
+    return text;
+  };
+  std::string text = result.report + "\n";
+  for (std::size_t i = 0; i < result.hits.size(); ++i) {
+    const auto& hit = result.hits[i];
+    text += line("%zu %s: peak %.4g, energy %.4g, brightness %.3g, %.4g ms, before %.3g, gap %zu\n",
+                 hit.onset, fates[static_cast<std::size_t>(result.fates[i])],
+                 static_cast<double>(hit.peak), static_cast<double>(hit.energy),
+                 static_cast<double>(hit.brightness), hit.decayMs,
+                 static_cast<double>(hit.preActivity), hit.gapAfter);
+  }
+  for (const auto& [group, tiers] : result.down)
+    for (const auto& [tier, list] : tiers)
+      text += takes(std::string(rawValue(group)) + " " + std::string(name(tier)), list);
+  return text + takes("up", result.up);
+}
+
+TEST(RecordedPack, EveryHitTakeAndWordOfAComposedRecordingIsAsItWas) {
+  const Composition piece = everything();
+  const testing::TempFolder folder;
+  const auto file = folder.write("typing.wav", testing::wavFloat({}, piece.samples()));
+  const auto source = [&](int64_t number, const char* user, double start, double end) {
+    return PackRecipe::Source{number, user, "Keys", "CC0", file.string(), start, end};
+  };
+  const PackRecipe recipe{"own",
+                          "Own",
+                          "Tactile",
+                          "Sums up",
+                          {source(1, "zoe", 0, 30), source(1, "ann", 12, 40)},
+                          {{source(2, "me", 3, 9)}},
+                          {}};
+  const auto pack = folder.path() / "own";
+  std::string text = describe(piece.slice());
+  RecordedPackBuilder::build(
+      recipe, folder.path() / "cache", pack,
+      [&](const std::string& logged) { text += logged + "\n"; }, NoConverter());
+  for (const auto& [name, content] : testing::filesIn(pack)) {
+    if (name == "pack.json") {
+      text += content + "\n";
+      continue;
+    }
+    const auto sound = SampleBuffer::load(pack / name, rate);
+    double sum = 0, slopes = 0;
+    for (std::size_t i = 1; i < sound->frames(); ++i) {
+      const double x = static_cast<double>(sound->left()[i]);
+      sum += x * x;
+      slopes += std::abs(x - static_cast<double>(sound->left()[i - 1]));
+    }
+    text += line("%s: %zu frames, power %.4g, slopes %.4g\n", name.c_str(), sound->frames(), sum,
+                 slopes);
+  }
+  testing::expectKeptText(text, "TobrinKit/Building/composed-recording.txt");
 }
 
 /// Expected is what looking through all nodes for every edge gave: none may be taken for another.

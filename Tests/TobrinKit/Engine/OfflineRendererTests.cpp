@@ -7,6 +7,7 @@
 #include "Engine/OfflineRenderer.h"
 #include "Engine/SplitMix64.h"
 #include "Engine/TypingScript.h"
+#include "PlainVoicing.h"
 #include "Support/TestPack.h"
 
 namespace tobrin {
@@ -48,17 +49,46 @@ TEST(OfflineRenderer, StartsKeysWithTheirBlockAndLastsUntilTheTailAfterTheLast) 
   EXPECT_EQ(last.left.back(), 0) << "a key at the end of the render comes too late for it";
 }
 
-TEST(OfflineRenderer, PlaysTheLevelsOfTiersAndReleases) {
-  // The takes of `simple` have levels 0.1 to 0.4 by tier, the release 0.05.
-  const std::tuple<float, float, float> table[] = {
-      {-3, 0.1f, 0.4f}, {0.6f, 0.2f, 1.0f}, {2, 0.3f, 2.2f}, {9, 0.4f, 4.0f}};
-  for (const auto& [position, level, relative] : table) {
-    const auto sound = render({down(0, position), up(0.1, position)});
-    EXPECT_NEAR(sound.left[100], level, 0.06f * level) << position;
-    EXPECT_EQ(sound.left, sound.right) << position;
-    const float release = std::clamp(std::sqrt(relative), 0.5f, 1.3f) * 0.05f * 0.8f;
-    EXPECT_NEAR(sound.left[4900], release, 0.06f * release) << position;
+TEST(OfflineRenderer, PlaysEveryKeyAsItMustSound) {
+  std::vector<ScriptedKey> script;
+  for (uint16_t code = 0; code < 130; ++code) {
+    const float position = 0.03f * static_cast<float>(code) - 0.4f;  // beyond both ends, too
+    script.push_back(down(0.1 * code, position, code));
+    script.push_back(up(0.1 * code + 0.05, position, code));
   }
+  const EngineSettings settings;
+  testing::PlainVoicing plain(settings);
+  plain.mixer.setMaster(0.7f);
+  SplitMix64 rng(42);
+  const auto [left, right] =
+      OfflineRenderer::render(*testing::PlainVoicing::pack(), script, settings, 0.05, rate);
+  auto key = script.begin();
+  for (std::size_t from = 0; from < left.size(); from += 64) {
+    const std::size_t to = std::min(from + 64, left.size());
+    for (; key != script.end() && key->time * rate < static_cast<double>(to); ++key) {
+      SCOPED_TRACE("key " + std::to_string(key->code));
+      constexpr std::array<double, 4> centers = {0.4, 1.0, 2.2, 4.0};
+      const double tier = std::clamp(std::round(key->position), 0.0f, 3.0f);
+      const double relative = centers[static_cast<std::size_t>(tier)];
+      const double gain = 1 + 0.06 * rng.signedUnit();
+      const double pitch = 1 + 0.004 * rng.signedUnit();
+      if (key->action == KeyAction::down)
+        plain.press(key->code, static_cast<double>(key->position), relative, gain, pitch);
+      else
+        plain.release(key->code, relative, gain, pitch);
+    }
+    const auto part = [&](const std::vector<float>& channel) {
+      return std::vector<float>(channel.begin() + static_cast<std::ptrdiff_t>(from),
+                                channel.begin() + static_cast<std::ptrdiff_t>(to));
+    };
+    ASSERT_NO_FATAL_FAILURE(plain.expectSound(part(left), part(right))) << "block at " << from;
+  }
+}
+
+TEST(SplitMix64, IsThePublishedGenerator) {
+  SplitMix64 rng(0);
+  EXPECT_EQ(rng.next(), 0xE220A8397B1DCDAFu);
+  EXPECT_EQ(rng.next(), 0x6E789E6AA1B965F4u);
 }
 
 TEST(OfflineRenderer, DrawsForEveryKeyInTimeOrderWhetherItSoundsOrNot) {
