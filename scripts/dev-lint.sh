@@ -1,12 +1,18 @@
 # lint: format and static analysis of all C++ and C (of the tests by cppcheck alone), of panel and scripts; goes on
 # past findings and fails in the end. lint FILTER: clang-tidy alone, on the files whose paths hold FILTER. A second
-# run takes up what is left.
+# run takes up what is left. lint --changed [BASE]: clang-tidy on the sources that differ from BASE (main's last commit
+# before yours: origin/main), as a change must pass it.
 main() {
   local filter=${1:-} failed=()
+  if [ "$filter" = --changed ]; then
+    check_changed "${2:-origin/main}"
+    return
+  fi
   ensure_packages scripts/packages.txt
   ensure_packages scripts/packages-lint.txt
   check_sources "$filter" || failed+=(clang-tidy)
   if [ -z "$filter" ]; then
+    check_names || failed+=(names)
     check_format || failed+=(clang-format)
     check_flow || failed+=(cppcheck)
     check_panel || failed+=(qmllint)
@@ -38,6 +44,24 @@ check_sources() {
     FILTER=$filter awk '{ path = $0; sub(/CMakeFiles\/[^\/]*\.dir\//, "", path) } index(path, ENVIRON["FILTER"])')
   [ ${#objects[@]} -gt 0 ] || die "no source's path holds '$filter'"
   ninja -C build/lint -k 0 "${objects[@]}"
+}
+
+# check_changed BASE
+check_changed() {
+  local file failed=''
+  ensure_packages scripts/packages.txt
+  ensure_packages scripts/packages-lint.txt
+  for file in $(git diff --name-only --diff-filter=d "$1" -- 'Sources/*.cpp' 'Tools/*.cpp' 'Benchmarks/*.cpp' 'Fuzz/*.cpp'); do
+    check_sources "${file%.cpp}" || failed=yes
+  done
+  check_format && [ -z "$failed" ] || die "findings in what has changed"
+  say "no findings in what has changed"
+}
+
+# Two types of one name in two sources are one type to the linker; the one that it drops is wrong wherever it was meant.
+check_names() {
+  say "one name, one type"
+  cmake --preset names >/dev/null && cmake --build --preset names --target tobrin tobrin-packs tobrin-force TobrinPanel TobrinTray
 }
 
 check_format() {

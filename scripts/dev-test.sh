@@ -1,12 +1,12 @@
 # test [--preset P] [--vm] [--faults] [--on SYSTEM] [--all] [FILTER]: everything, or the tests whose names match FILTER.
 # --all is what a change must pass: every preset that checks, kernel devices and other systems included.
 main() {
-  local presets=(release) vm='' systems=() system preset options=()
+  local presets=(release) vm='' all='' systems=() system preset options=()
   while [ $# -gt 0 ]; do
     case $1 in
       --preset) presets=("${2:?--preset needs a name}"); shift ;;
       --vm) vm=yes ;;
-      --all) presets=(release asan tsan) vm=yes systems=(arm64 trixie-units) ;;
+      --all) presets=(release asan tsan) all=yes vm=yes systems=(arm64 trixie-units) ;;
       --on)
         presets=() systems=("${2:?--on needs a system: arm64, bookworm or trixie}")
         shift
@@ -28,16 +28,25 @@ main() {
     run_tests "$preset" "$vm" "${options[@]}"
     vm=''  # the machine measures; sanitizers would only slow it down
   done
+  [ -z "$all" ] || test_assertions
   for system in "${systems[@]}"; do
     say "on $system"
     test_on "$system" "${options[@]}"
   done
 }
 
+# test_assertions: the unit tests and a life of typing with every assertion on.
+test_assertions() {
+  say "preset debug"
+  build_preset debug
+  ctest --preset debug --parallel "$(nproc)" --label-exclude '^(vm|desktop)$'
+  ctest --preset debug --tests-regex '^EndToEndTyping$'
+}
+
 # test_on SYSTEM [CTEST_OPTION...]: arm64 is built here and emulated; a Debian is bootstrapped from nothing, where
 # SUITE-units leaves out what needs a desktop, and packages.
 test_on() {
-  local system=$1
+  local system=$1 part=''
   shift
   case $system in
     arm64)
@@ -48,7 +57,8 @@ test_on() {
       ;;
     bookworm | trixie | bookworm-units | trixie-units)
       ensure_packages scripts/packages-debian.txt
-      as_root scripts/test-on-debian "${system%-units}" ${system##*[!s]*units}
+      [ "$system" = "${system%-units}" ] || part=units
+      as_root scripts/test-on-debian "${system%-units}" $part
       ;;
     *) die "test: no system '$system'; there are arm64, bookworm and trixie" ;;
   esac

@@ -37,7 +37,7 @@ bootstrap() {
   from=$(mirror)
   [ -n "$from" ] || die "apt knows no archive of Debian's"
   say "bootstrapping Debian's $suite"
-  logged debootstrap --variant=minbase "$suite" "$root" "$from"
+  logged debootstrap --variant=minbase "$suite" "$root" "$from" || logged debootstrap --variant=minbase "$suite" "$root" "$from"
   apt-config dump Acquire >"$root/etc/apt/apt.conf.d/90acquire"
   mount -t proc proc "$root/proc"
   mount -t tmpfs tmpfs "$root/dev/shm"

@@ -83,7 +83,7 @@ class AudioThreadTest(DesktopTest):
             tracer.communicate()
             self.assertEqual(program.stop(signal.SIGTERM), 0, program.lines)
         asked = collections.Counter(re.findall(r"^\w+", log.read_text(encoding="utf-8"), re.MULTILINE))
-        self.assertGreater(asked["write"], 20)
+        self.assertGreater(asked["write"], 20, asked)
         self.assertEqual(set(asked) - {"epoll_wait", "epoll_pwait", "read", "write", "restart_syscall"}, set())
 
 
