@@ -22,6 +22,7 @@
 #include "Support/HandDrivenDevice.h"
 #include "Support/ScriptedKeySource.h"
 #include "Support/ScriptedMicSource.h"
+#include "Support/ScriptedMotionSource.h"
 #include "Support/TestPack.h"
 
 namespace tobrin::testing {
@@ -117,22 +118,23 @@ class AppModelTest : public ::testing::Test {
   AppModel& start(std::optional<AppModel::Preview> preview = std::nullopt) {
     model_.reset();
     model_ = std::make_unique<AppModel>(
-        AppServices{.main = main_,
-                    .loader = loader_,
-                    .conductorQueue = conductorQueue_,
-                    .micQueue = micQueue_,
-                    .settings = settings_,
-                    .loginItem = desktop_,
-                    .workspace = desktop_,
-                    .words = linuxWords,
-                    .audioDevice = std::make_unique<HandDrivenDevice>(device_),
-                    .motionSource = nullptr,
-                    .keySource = std::make_unique<ScriptedKeySource>(keys_),
-                    .shortcutService = std::make_unique<DeskShortcuts>(shortcuts_),
-                    .micSource = std::make_unique<ScriptedMicSource>(microphone_),
-                    .onThreadStart = nullptr,
-                    .discoverPacks = [this] { return found_; },
-                    .loadPack = [this](const PackInfo& info) { return load(info); }},
+        AppServices{
+            .main = main_,
+            .loader = loader_,
+            .conductorQueue = conductorQueue_,
+            .micQueue = micQueue_,
+            .settings = settings_,
+            .loginItem = desktop_,
+            .workspace = desktop_,
+            .words = linuxWords,
+            .audioDevice = std::make_unique<HandDrivenDevice>(device_),
+            .motionSource = hasSensor_ ? std::make_unique<ScriptedMotionSource>(motion_) : nullptr,
+            .keySource = std::make_unique<ScriptedKeySource>(keys_),
+            .shortcutService = std::make_unique<DeskShortcuts>(shortcuts_),
+            .micSource = std::make_unique<ScriptedMicSource>(microphone_),
+            .onThreadStart = nullptr,
+            .discoverPacks = [this] { return found_; },
+            .loadPack = [this](const PackInfo& info) { return load(info); }},
         std::move(preview));
     return *model_;
   }
@@ -172,10 +174,15 @@ class AppModelTest : public ::testing::Test {
     return loudest > 0;
   }
 
-  VirtualQueue main_{"main"}, loader_{"loader"}, conductorQueue_{"conductor"}, micQueue_{"mic"};
+  // The key monitor's clock is the machine's, and the virtual one starts with it.
+  const uint64_t begin_ = MachTime::now();
+  VirtualQueue main_{"main", begin_}, loader_{"loader", begin_},
+      conductorQueue_{"conductor", begin_}, micQueue_{"mic", begin_};
   MemorySettings settings_;
   TestDesktop desktop_;
   KeyScript keys_;
+  MotionScript motion_;
+  bool hasSensor_ = false;
   ShortcutDesk shortcuts_;
   std::shared_ptr<MicState> microphone_ = std::make_shared<MicState>();
   std::shared_ptr<HandDrivenDevice::Controls> device_ =

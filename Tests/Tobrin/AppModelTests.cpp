@@ -170,6 +170,48 @@ TEST_F(AppModelTest, SaysWhyTheShortcutDoesNotWork) {
   advance(0);
 }
 
+TEST_F(AppModelTest, SensesForceWhereThereIsASensor) {
+  start();
+  advance(0);
+  EXPECT_EQ(model_->statusLine(), "The leopold · Fixed strength");
+  EXPECT_FALSE(model_->effectiveSettings().forceSensing || model_->sensorAvailable());
+
+  hasSensor_ = true;
+  AppModel& model = start();
+  advance(0);
+  EXPECT_EQ(model.statusLine(), "The leopold · Force sensing on");
+  motion_.awaitOpens(1);
+  const uint64_t now = MachTime::now();
+  motion_.send({{0, 0, 1}, now - 1});
+  for (int i = 0; i < 1000; ++i)  // shakes evenly for some seconds
+    motion_.send({{0, 0, 1 + (i % 2 == 0 ? 0.05 : -0.05)}, now + MachTime::ticks(5.0 * i)});
+  advance(5000);
+  const auto stroke = [&] {
+    keys_.press(0);
+    keys_.release(0);
+    advance(20);
+    return model.lastForce().value_or(ForceReading());
+  };
+  const ForceReading strong = stroke();
+  EXPECT_TRUE(strong.sensed);
+  EXPECT_NEAR(strong.peak, 0.05, 0.004);
+  EXPECT_GT(strong.relative, 1.8f);
+  change([](EngineSettings& settings) { settings.sensitivity = 0.5f; });
+  EXPECT_NEAR(stroke().relative / strong.relative, 0.5, 0.05);
+
+  change([](EngineSettings& settings) { settings.forceSensing = false; });
+  EXPECT_EQ(model.statusLine(), "The leopold · Fixed strength");
+  EXPECT_FALSE(stroke().sensed);
+  EXPECT_EQ(motion_.closes, 1);
+  motion_.work(false);
+  change([](EngineSettings& settings) { settings.forceSensing = true; });
+  EXPECT_TRUE(eventually([&] {
+    advance(0);
+    return model.statusLine() == "The leopold · Fixed strength, sensor fails";
+  }));
+  EXPECT_NE(log_.find("Tobrin: force can't be sensed: the test says no\n"), std::string::npos);
+}
+
 TEST_F(AppModelTest, PausesDuringCalls) {
   AppModel& model = start();
   advance(0);
@@ -208,6 +250,8 @@ TEST_F(AppModelTest, WaitsForAccessToKeys) {
   keys_.allowed = false;
   AppModel& model = start();
   EXPECT_EQ(model.statusLine(), "Needs access to the keyboard");
+  change([](EngineSettings& settings) { settings.enabled = false; });
+  EXPECT_EQ(model.statusLine(), "Needs access to the keyboard") << "before it says \"Off\"";
   EXPECT_EQ(keys_.requests, 1);
   advance(3000);
   EXPECT_EQ(keys_.requests, 1) << "asks once, not at every look";

@@ -22,5 +22,19 @@ TEST(CLI, TakesOnlyItsOwnWords) {
   EXPECT_EQ(CLI::run({}), std::nullopt);
 }
 
+TEST(CLI, SaysHowItIsUsed) {
+  for (const char* word : {"--help", "-h"}) {
+    ::testing::internal::CaptureStdout();
+    EXPECT_EQ(CLI::run({word}), 0);
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(),
+              "Tobrin, velocity-sensitive keyboard sounds.\n"
+              "  (no arguments)   run the menu-bar app\n"
+              "  --probe [secs]   measure how your keystrokes register on the motion sensor\n"
+              "  --selftest       check key capture, audio engine and sensor (muted)\n"
+              "  --micwatch [secs] show when apps take and release the microphone (\"Quiet during "
+              "calls\")\n");
+  }
+}
+
 }  // namespace
 }  // namespace tobrin

@@ -10,6 +10,10 @@ namespace tobrin {
 namespace {
 
 TEST(EngineSettings, SurviveTheFileAndMissingFieldsTakeTheirDefaults) {
+  EXPECT_EQ(EngineSettings().toJson(),
+            R"({"enabled":true,"volume":0.7,"forceSensing":true,"sensitivity":1.0,"fixedTier":1,)"
+            R"("blendTiers":true,"releaseSounds":true,"spatial":0.5,"quietDuringCalls":true,)"
+            R"("shortcutEnabled":true,"shortcut":{"keyCode":40,"modifiers":11}})");
   EngineSettings quiet;
   quiet.volume = 0.2f;
   EXPECT_EQ(EngineSettings::fromJson(R"({"volume": 0.2, "tray": [1, {}], "spatial": null})"),

@@ -56,8 +56,7 @@ class PlainVoicing final {
     TBCommand command = start(code, rate);
     const KeyGroup group = KeyLayout::group(code);
     command.layers[0] = sample(group, 4, variant(code) % releases(group));
-    command.weights[0] =
-        static_cast<float>(std::clamp(std::sqrt(relative), 0.5, 1.3) * 0.8 * gain);
+    command.weights[0] = static_cast<float>(std::clamp(std::sqrt(relative), 0.5, 1.3) * 0.8 * gain);
     mixer.push(command);
   }
 
@@ -92,9 +91,8 @@ class PlainVoicing final {
   TBSample sample(KeyGroup group, std::size_t tier, std::size_t take) {
     auto& sound = sounds_[place(group, tier, take)];
     sound.assign(frames(group, tier, take), level(group, tier, take));
-    return {.left = sound.data(),
-            .right = sound.data(),
-            .frames = static_cast<uint32_t>(sound.size())};
+    return {
+        .left = sound.data(), .right = sound.data(), .frames = static_cast<uint32_t>(sound.size())};
   }
 
   static uint64_t hash(uint16_t code) { return SplitMix64(code).next(); }

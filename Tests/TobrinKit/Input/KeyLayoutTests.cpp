@@ -4,6 +4,8 @@
 
 #include <map>
 
+#include "Input/ModifierTracker.h"
+
 namespace tobrin {
 namespace {
 
@@ -33,6 +35,17 @@ TEST(KeyLayout, GivesEveryKeyItsGroupAndPlace) {
     const auto group = groups.find(code);
     EXPECT_EQ(KeyLayout::group(code), group == groups.end() ? KeyGroup::alpha : group->second)
         << code;
+  }
+}
+
+TEST(ModifierTracker, EverySideHasItsFlag) {
+  const std::map<uint16_t, uint32_t> flags = {{54, 0x10}, {55, 0x8},    {56, 0x2},
+                                              {58, 0x20}, {59, 0x1},    {60, 0x4},
+                                              {61, 0x40}, {62, 0x2000}, {63, 0x800000}};
+  for (uint16_t code = 0; code < 300; ++code) {
+    const auto flag = flags.find(code);
+    EXPECT_EQ(ModifierTracker::mask(code), flag == flags.end() ? 0 : flag->second) << code;
+    EXPECT_EQ(ModifierTracker::isModifier(code), code == 57 || flag != flags.end()) << code;
   }
 }
 
