@@ -16,7 +16,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "
 from desktopclients import screenreader  # noqa: E402
 from desktopclients.legibility import BARS, legible_share  # noqa: E402
 from desktopclients.traywatcher import TrayWatcher  # noqa: E402
-from desktopclients.xclient import KeyGrab  # noqa: E402
+from desktopclients.xclient import KeyGrab, OtherWindow  # noqa: E402
 from listening import panels, record, types_audibly, xdotool  # noqa: E402
 from listening.panel import PATIENCE, PanelDriver, eventually, focused, named  # noqa: E402
 
@@ -200,6 +200,31 @@ class PanelTest(PanelDriver):
         tray.choose("Quit")
         self.assertEqual(program.process.wait(PATIENCE), 0)
 
+    def test_focus_that_follows_the_pointer_leaves_the_panel_open(self):
+        tray = TrayWatcher()
+        self.addCleanup(tray.close)
+        self.start()
+        self.assertTrue(eventually(lambda: tray.items))
+        other = OtherWindow()
+        self.addCleanup(other.close)
+        inside, away, focus = ("mousemove", 1300, 200), ("mousemove", 1390, 5), ("windowfocus", other.id)
+        pause = ("sleep", 0.5)
+        for case, words, stays in (("pointer first", (*inside, *pause, *away, *focus), True),
+                                   ("focus first", (*inside, *pause, *focus, *away), True),
+                                   ("on its way to the panel", (*away, *pause, *focus, *pause, *inside), True),
+                                   ("a click elsewhere", (*inside, *pause, *away, *pause, *focus), False),
+                                   ("by another program", (*inside, *pause, *focus), False),
+                                   ("by keyboard", (*inside, *pause, "keydown", "alt", *focus, *away, *pause, "keyup", "alt"), False)):
+            with self.subTest(case):
+                xdotool(*away)
+                tray.click()
+                self.assertTrue(eventually(lambda: panels() and xdotool("getwindowfocus").split() == panels()))
+                xdotool(*words, "sleep", 2 if stays else 0)
+                self.assertTrue(eventually(lambda: bool(panels()) == stays, 4))
+                if stays:
+                    tray.click()
+                self.assertTrue(eventually(lambda: not panels()))
+                time.sleep(0.3)  # a click sooner than that is the one that closed it
 
 
 if __name__ == "__main__":

@@ -3,6 +3,7 @@
 
 import os
 import pathlib
+import re
 import socket
 import subprocess
 import sys
@@ -96,8 +97,12 @@ class WaylandTest(PanelDriver):
         log.close()
 
     def test_the_panel_is_a_small_window_that_moves_closes_and_comes_back(self):
+        self.within = ("sh", "-c", f'WAYLAND_DEBUG=1 exec "$0" 2>{self.folder}/said')
         program = self.start_with_panel()
         self.assertEqual(panels(), [], "not by way of X11")
+        said = (self.folder / "said").read_text(encoding="utf-8")
+        least, most = (re.findall(rf"set_{each}_size\((\d\d+, \d\d+)\)", said) for each in ("min", "max"))
+        self.assertTrue(least and least[-1:] == most[-1:], f"one size, so that tiling desktops let it float: {least} {most}")
         maps = pathlib.Path(f"/proc/{program.process.pid}/maps").read_text(encoding="utf-8")
         self.assertNotRegex(maps, "libLLVM|_dri.so|libEGL_", "no graphics drivers for a panel drawn in software")
         self.assertTrue(eventually(self.is_active))

@@ -9,6 +9,7 @@
 #include <mutex>
 
 #include "Engine/Log.h"
+#include "Panel/DesktopFrames.h"
 #include "Panel/InputFocus.h"
 #include "Panel/SymbolProvider.h"
 
@@ -28,11 +29,16 @@ void drawInSoftware() {
   std::call_once(chosen, [] { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); });
 }
 
-/// There no window can place or raise itself, nobody says what of the screen is covered, and many
-/// desktops leave the frame to the program. The toolkit draws one by way of the graphics drivers
-/// only, which this program does without.
+/// There no window can place or raise itself, and nobody says what of the screen is covered.
 bool isOnWayland() {
   return QGuiApplication::platformName().startsWith("wayland");
+}
+
+/// Many Wayland desktops leave the frame to the program. The toolkit draws one by way of the
+/// graphics drivers only, which this program does without.
+bool drawsOwnFrame() {
+  static const bool draws = isOnWayland() && !desktopDrawsFrames();
+  return draws;
 }
 
 void layOut(QQuickItem& item) {
@@ -84,12 +90,13 @@ void PanelWindow::open(const QPoint* anchor) {
   if (isOpen() && !view_->isActive() && isOnWayland()) view_->hide();
   closesWithFocus_ = anchor != nullptr;
   anchor_ = anchor != nullptr ? *anchor : QPoint();
-  view_->setFlags(closesWithFocus_ ? Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint
-                  : isOnWayland()  ? Qt::Window | Qt::FramelessWindowHint
-                                   : Qt::Window);
+  focusLoss_.opened();
+  view_->setFlags(closesWithFocus_  ? Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint
+                  : drawsOwnFrame() ? Qt::Window | Qt::FramelessWindowHint
+                                    : Qt::Window);
   if (QQuickItem* root = view_->rootObject()) {
-    root->setProperty("framed", closesWithFocus_ || isOnWayland());
-    root->setProperty("titled", isOnWayland());
+    root->setProperty("framed", closesWithFocus_ || drawsOwnFrame());
+    root->setProperty("titled", drawsOwnFrame());
     settle(*root);
   }
   fitToScreen();
@@ -127,12 +134,20 @@ void PanelWindow::fitToScreen() {
   const QMargins frame = view_->frameMargins();  // none before it is shown
   fitted_ = wanted.boundedTo(room.marginsRemoved(frame).size());
   view_->resize(fitted_);
+  if (isOnWayland()) keepThatSize();
   if (!closesWithFocus_) return;
   const bool below = anchor_.y() < room.center().y();
   const int left = anchor_.x() - view_->width() / 2;
   const int top = below ? anchor_.y() + edge : anchor_.y() - edge - view_->height();
   view_->setPosition(qBound(room.left(), left, room.right() - view_->width() + 1),
                      qBound(room.top(), top, room.bottom() - view_->height() + 1));
+}
+
+/// Tiling desktops let a window float that has one size only.
+void PanelWindow::keepThatSize() {
+  view_->setMinimumSize({});
+  view_->setMaximumSize(fitted_);
+  view_->setMinimumSize(fitted_);
 }
 
 /// The frame that a window manager puts around the window may push an edge of it off the screen.
@@ -157,8 +172,17 @@ void PanelWindow::closeOnEscape(const QKeyEvent& key) {
   if (key.key() == Qt::Key_Escape && !key.isAutoRepeat()) view_->hide();
 }
 
+void PanelWindow::loseFocus() {
+  constexpr auto switching = Qt::AltModifier | Qt::ControlModifier | Qt::MetaModifier;
+  focusLoss_.focusLost(FocusLoss::Time::clock::now(),
+                       QGuiApplication::queryKeyboardModifiers().testAnyFlags(switching));
+  const auto patience = focusLoss_.patience();
+  if (patience == patience.zero()) return leaveWithFocus();
+  QTimer::singleShot(patience, this, &PanelWindow::leaveWithFocus);
+}
+
 void PanelWindow::leaveWithFocus() {
-  if (!view_->isVisible() || view_->isActive()) return;
+  if (!view_->isVisible() || view_->isActive() || focusLoss_.wentWithPointer()) return;
   if (!keepsInputFocus(*view_)) return view_->hide();
   // A grab hides from us where the focus goes meanwhile, so it is asked for until the grab ends.
   constexpr auto lookAgainAfter = 200ms;
@@ -168,7 +192,13 @@ void PanelWindow::leaveWithFocus() {
 bool PanelWindow::eventFilter(QObject* watched, QEvent* event) {
   switch (event->type()) {
     case QEvent::FocusOut:
-      if (closesWithFocus_) leaveWithFocus();
+      if (closesWithFocus_) loseFocus();
+      break;
+    case QEvent::Enter:
+      focusLoss_.pointerEntered();
+      break;
+    case QEvent::Leave:
+      focusLoss_.pointerLeft(FocusLoss::Time::clock::now());
       break;
     case QEvent::KeyPress:
       closeOnEscape(*static_cast<QKeyEvent*>(event));

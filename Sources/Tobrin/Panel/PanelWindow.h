@@ -1,5 +1,5 @@
 /// The panel in a window of its own: a pop-up beside the tray item that closes when it loses the
-/// focus, or an ordinary window. Thread: main.
+/// focus to anything but a pointer that passes, or an ordinary window. Thread: main.
 #pragma once
 
 #include <QQuickView>
@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "Application/UserInterface.h"
+#include "Panel/FocusLoss.h"
 #include "Panel/PanelModel.h"
 
 namespace tobrin {
@@ -28,15 +29,18 @@ class PanelWindow final : public QObject, public Panel {
  private:
   bool eventFilter(QObject* watched, QEvent* event) override;
   void fitToScreen();
+  void keepThatSize();
   void keepFrameOnScreen();
   void followContent();
   void closeOnEscape(const QKeyEvent& key);
+  void loseFocus();
   void leaveWithFocus();
 
   std::unique_ptr<PanelModel> model_;  // before the view, which binds to it
   std::unique_ptr<QQuickView> view_;
   std::function<void()> onClosed_;
   bool closesWithFocus_ = false;
+  FocusLoss focusLoss_;
   QPoint anchor_;  // where it opened, if it closes with the focus
   QSize fitted_;   // the size last chosen for it
 };

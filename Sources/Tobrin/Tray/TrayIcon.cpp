@@ -45,8 +45,8 @@ class TrayIconEngine final : public QIconEngine {
 }  // namespace
 
 QIcon trayIcon(bool playing) {
-  return QIcon(new TrayIconEngine(playing ? "app.tobrin.Tobrin-playing"
-                                          : "app.tobrin.Tobrin-silent"));
+  return QIcon(
+      new TrayIconEngine(playing ? "app.tobrin.Tobrin-playing" : "app.tobrin.Tobrin-silent"));
 }
 
 }  // namespace tobrin

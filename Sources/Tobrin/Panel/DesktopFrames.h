@@ -1,0 +1,11 @@
+/// Who draws the frames of windows on a Wayland desktop.
+#pragma once
+
+namespace tobrin {
+
+/// True where the compositor offers to draw title bar and frame; then a program's own would be a
+/// second one. Asks over a connection of its own and waits for the answer, a few milliseconds.
+/// False without a compositor. Thread: main.
+bool desktopDrawsFrames();
+
+}  // namespace tobrin
