@@ -48,13 +48,14 @@ check_sources() {
 
 # check_changed BASE
 check_changed() {
-  local file failed=''
+  local file found=''
   ensure_packages scripts/packages.txt
   ensure_packages scripts/packages-lint.txt
   for file in $(git diff --name-only --diff-filter=d "$1" -- 'Sources/*.cpp' 'Tools/*.cpp' 'Benchmarks/*.cpp' 'Fuzz/*.cpp'); do
-    check_sources "${file%.cpp}" || failed=yes
+    check_sources "${file%.cpp}" || found=yes
   done
-  check_format && [ -z "$failed" ] || die "findings in what has changed"
+  check_format || found=yes
+  [ -z "$found" ] || die "findings in what has changed"
   say "no findings in what has changed"
 }
 

@@ -23,7 +23,7 @@ main() {
   lintian --allow-root --fail-on error,warning,info --display-info --suppress-tags arch-dep-package-has-big-usr-share \
     "$package"
   say "all checks passed"
-  [ -z "$test" ] || as_root scripts/package-test "$package" "$(. /etc/os-release && echo "$VERSION_CODENAME")"
+  [ -z "$test" ] || as_root scripts/package-test "$package" "$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)"
 }
 
 # check_parts: each part of the desktop's and the shell's by the program that knows its kind.

@@ -1,5 +1,6 @@
 # A freshly bootstrapped Debian in a folder, entered with mounts and processes that end with the script; sourced by
-# scripts that need one, after common.sh, in a name space of their own. They set `root`, its folder.
+# scripts that need one, after common.sh, in name spaces made for them. They set `root`, its folder.
+# shellcheck disable=SC2154
 
 # The archive that this machine itself installs from.
 mirror() {
