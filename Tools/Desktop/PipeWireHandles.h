@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "PipeWire/ClientConfiguration.h"
 #include "StreamFormat.h"
 
 namespace tobrin::testing {
@@ -27,9 +28,9 @@ using PipeWireHandle = std::unique_ptr<T, PipeWireDelete>;
 /// A context whose streams run on a real-time thread, which the default client configuration does
 /// not give.
 inline PipeWireHandle<pw_context> realTimeContext(pw_main_loop* loop) {
-  return PipeWireHandle<pw_context>(
-      pw_context_new(pw_main_loop_get_loop(loop),
-                     pw_properties_new(PW_KEY_CONFIG_NAME, "client-rt.conf", nullptr), 0));
+  return PipeWireHandle<pw_context>(pw_context_new(
+      pw_main_loop_get_loop(loop),
+      pw_properties_new(PW_KEY_CONFIG_NAME, realTimeClientConfiguration(), nullptr), 0));
 }
 
 /// Asks for interleaved stereo floats, to be processed on the real-time thread. Returns false where

@@ -8,6 +8,7 @@
 #include <string>
 #include <system_error>
 
+#include "PipeWire/ClientConfiguration.h"
 #include "Threads/RealtimeScheduling.h"
 #include "Threads/ThreadName.h"
 
@@ -38,11 +39,10 @@ PipeWireLoop::PipeWireLoop() {
   pw_init(nullptr, nullptr);
   loop_ = pw_thread_loop_new("Tobrin.PipeWire", nullptr);
   if (loop_ != nullptr) {
-    // The stock client configuration leaves the data thread without real-time scheduling.
     context_ =
         pw_context_new(pw_thread_loop_get_loop(loop_),
-                       pw_properties_new(PW_KEY_CONFIG_NAME, "client-rt.conf", PW_KEY_APP_NAME,
-                                         "Tobrin", PW_KEY_APP_ID, "app.tobrin",
+                       pw_properties_new(PW_KEY_CONFIG_NAME, realTimeClientConfiguration(),
+                                         PW_KEY_APP_NAME, "Tobrin", PW_KEY_APP_ID, "app.tobrin",
                                          PW_KEY_APP_ICON_NAME, "app.tobrin.Tobrin", nullptr),
                        0);
   }
