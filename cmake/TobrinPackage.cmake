@@ -28,9 +28,10 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(modules qtqml qtqml-workerscript qtquick qtquick-layouts qtquick-templates qtquick-window)
 list(TRANSFORM modules PREPEND qml6-module-)
 list(JOIN modules ", " CPACK_DEBIAN_PACKAGE_DEPENDS)
-# ffmpeg opens recordings for the workshop; without PipeWire sounds go to ALSA; pkexec asks for the
-# access to keyboards.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "ffmpeg, pipewire, pkexec, qt6-wayland")
+# ffmpeg opens recordings for the workshop; pkexec asks for the access to keyboards.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "ffmpeg, pkexec, qt6-wayland")
+# Which sound server there is, is the user's choice: a second one beside it takes the card from it.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "pipewire, pulseaudio")
 
 set(made ${PROJECT_BINARY_DIR}/Resources/package)
 set(origin ${PROJECT_SOURCE_DIR}/Resources/package)

@@ -17,7 +17,7 @@ from desktopclients import screenreader  # noqa: E402
 from desktopclients.legibility import BARS, legible_share  # noqa: E402
 from desktopclients.traywatcher import TrayWatcher  # noqa: E402
 from desktopclients.xclient import KeyGrab, OtherWindow  # noqa: E402
-from listening import panels, record, types_audibly, xdotool  # noqa: E402
+from listening import control, panels, record, types_audibly, xdotool  # noqa: E402
 from listening.panel import PATIENCE, PanelDriver, eventually, focused, named  # noqa: E402
 
 PACKS, PROGRAM = pathlib.Path(sys.argv.pop()), sys.argv.pop()
@@ -127,6 +127,11 @@ class PanelTest(PanelDriver):
         shutil.copytree(PACKS / "dome", packs / "dome", dirs_exist_ok=True)
         self.click("Dome, Silent tactile")
         self.assertTrue(eventually(lambda: not named(broken.name)), "mended, and chosen again")
+        control("kill-sound")
+        silent = eventually(lambda: next((each for each in screenreader.showing() if "No sound" in each.name), None))
+        self.assertEqual((silent.role, silent.name), ("alert", "No sound: the PipeWire server went away."))
+        control("start-sound")
+        self.assertTrue(eventually(lambda: not named(silent.name)), "it plays again")
 
     def test_nothing_is_cut_at_any_size(self):
         for dpi, factor in ((96, 1), (144, 1), (192, 1.5)):

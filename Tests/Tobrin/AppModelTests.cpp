@@ -212,6 +212,19 @@ TEST_F(AppModelTest, SensesForceWhereThereIsASensor) {
   EXPECT_NE(log_.find("Tobrin: force can't be sensed: the test says no\n"), std::string::npos);
 }
 
+TEST_F(AppModelTest, SaysWhyNothingIsHeard) {
+  device_->refusal = "no server";
+  AppModel& model = start();
+  advance(0);
+  EXPECT_EQ(model.soundProblem(), "No sound: no server.");
+  device_->recover();
+  advance(0);
+  EXPECT_EQ(model.soundProblem(), "");
+  device_->lose("no sink");
+  advance(0);
+  EXPECT_EQ(model.soundProblem(), "No sound: no sink.");
+}
+
 TEST_F(AppModelTest, PausesDuringCalls) {
   AppModel& model = start();
   advance(0);

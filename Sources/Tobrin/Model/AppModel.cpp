@@ -22,9 +22,12 @@ AppModel::AppModel(AppServices services, std::optional<Preview> preview)
                                                       if (onStart) onStart(ForceSensor::threadName);
                                                     })
                     : nullptr;
-  conductor_ = std::make_unique<Conductor>(
-      services_.conductorQueue, std::make_unique<AudioOutput>(std::move(services_.audioDevice)),
-      std::move(sensor));
+  auto output = std::make_unique<AudioOutput>(std::move(services_.audioDevice));
+  output->setOnProblem([this](const std::string& problem) {
+    onMain([this, problem] { outputProblemChanged(problem); });
+  });
+  conductor_ =
+      std::make_unique<Conductor>(services_.conductorQueue, std::move(output), std::move(sensor));
   wireCallbacks();
   start();
 }
@@ -184,6 +187,13 @@ void AppModel::sensorChanged(const std::string& problem) {
   sensorProblem_ = problem;
   if (!problem.empty()) Log::line("force can't be sensed: " + problem);
   emit statusChanged();
+}
+
+// Output
+
+void AppModel::outputProblemChanged(const std::string& problem) {
+  soundProblem_ = problem.empty() ? "" : "No sound: " + problem + ".";
+  emit outputChanged();
 }
 
 // Shortcut

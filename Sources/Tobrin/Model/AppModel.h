@@ -67,6 +67,9 @@ class AppModel final : public QObject {
   /// Why the sensor that is there does not work, in words; empty while it does.
   [[nodiscard]] const std::string& sensorProblem() const { return sensorProblem_; }
 
+  /// Why nothing can be heard, in a sentence; empty while it can.
+  [[nodiscard]] const std::string& soundProblem() const { return soundProblem_; }
+
   [[nodiscard]] std::string statusLine() const;
   /// Why the shortcut does not work, in words; nothing while it does or is off.
   [[nodiscard]] std::optional<std::string> shortcutProblem() const;
@@ -105,7 +108,7 @@ class AppModel final : public QObject {
   void launchAtLoginChanged();
   void micInUseChanged();
   void shortcutStatusChanged();
-  void outputChanged();  ///< what the sound goes through, or why it does not
+  void outputChanged();  ///< what the sound goes through, or soundProblem
   void statusChanged();  ///< statusLine, the gate's state or sensorProblem may differ
 
  private:
@@ -116,6 +119,7 @@ class AppModel final : public QObject {
   void updateMicMonitor();
   void micChanged(bool inUse);
   void sensorChanged(const std::string& problem);
+  void outputProblemChanged(const std::string& problem);
   void lookForKeyAccess();
   void loadSelectedPack(bool audition);
   /// Loads the selected pack unless it is loaded, or on its way, as it was found last: one that
@@ -141,6 +145,7 @@ class AppModel final : public QObject {
   std::optional<std::string> packError_;
   std::string keyAccessProblem_;
   std::string sensorProblem_;
+  std::string soundProblem_;
   std::optional<ForceReading> lastForce_;
   bool launchAtLogin_ = false;
   bool micInUse_ = false;

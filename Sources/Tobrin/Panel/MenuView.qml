@@ -65,6 +65,10 @@ Rectangle {
                 Layout.fillWidth: true
                 model: panel.model
             }
+            WarningLine {
+                Layout.fillWidth: true
+                text: panel.model.soundProblem
+            }
             PermissionCard {
                 visible: !panel.model.hasPermission
                 model: panel.model

@@ -23,6 +23,7 @@ QString textOrNone(const std::optional<std::string>& utf8) {
 PanelModel::PanelModel(AppModel& model, QObject* parent) : QObject(parent), model_(model) {
   connect(&model, &AppModel::statusChanged, this, &PanelModel::statusChanged);
   connect(&model, &AppModel::permissionChanged, this, &PanelModel::permissionChanged);
+  connect(&model, &AppModel::outputChanged, this, &PanelModel::soundProblemChanged);
   connect(&model, &AppModel::packsChanged, this, &PanelModel::packsChanged);
   connect(&model, &AppModel::packsChanged, this, &PanelModel::selectedPackChanged);
   connect(&model, &AppModel::selectedPackChanged, this, &PanelModel::selectedPackChanged);
@@ -67,6 +68,10 @@ bool PanelModel::needsRelaunch() const {
 
 QString PanelModel::keyAccessProblem() const {
   return text(model_.keyAccessProblem());
+}
+
+QString PanelModel::soundProblem() const {
+  return text(model_.soundProblem());
 }
 
 // Packs

@@ -27,6 +27,8 @@ class PanelModel final : public QObject {
   Q_PROPERTY(bool needsRelaunch READ needsRelaunch NOTIFY permissionChanged)
   Q_PROPERTY(QString keyAccessProblem READ keyAccessProblem NOTIFY permissionChanged)
 
+  Q_PROPERTY(QString soundProblem READ soundProblem NOTIFY soundProblemChanged)
+
   Q_PROPERTY(QVariantList packs READ packs NOTIFY packsChanged)
   Q_PROPERTY(QString selectedPackID READ selectedPackID NOTIFY selectedPackChanged)
   Q_PROPERTY(QVariantMap selectedPack READ selectedPack NOTIFY selectedPackChanged)
@@ -69,7 +71,8 @@ class PanelModel final : public QObject {
   [[nodiscard]] bool hasPermission() const;
   [[nodiscard]] bool needsRelaunch() const;
   [[nodiscard]] QString keyAccessProblem() const;
-  [[nodiscard]] QVariantList packs() const;  ///< maps of id, name, kind
+  [[nodiscard]] QString soundProblem() const;  ///< empty while there is none
+  [[nodiscard]] QVariantList packs() const;    ///< maps of id, name, kind
   [[nodiscard]] QString selectedPackID() const;
   [[nodiscard]] QVariantMap selectedPack()
       const;  ///< name, kind, summary, author, license; or empty
@@ -118,6 +121,7 @@ class PanelModel final : public QObject {
  signals:
   void statusChanged();
   void permissionChanged();
+  void soundProblemChanged();
   void packsChanged();
   void selectedPackChanged();
   void packErrorChanged();

@@ -29,25 +29,11 @@ ColumnLayout {
             current: section.model.shortcutIndex
             onChosen: index => section.model.shortcutIndex = index
         }
-        RowLayout {
+        WarningLine {
             Layout.fillWidth: true
             Layout.topMargin: Theme.gap
             Layout.bottomMargin: Theme.unit
-            visible: section.model.shortcutProblem !== ""
-            spacing: Theme.unit * 1.5
-
-            Symbol {
-                Layout.alignment: Qt.AlignTop
-                name: "warning"
-                color: Theme.warning
-            }
-            PanelText {
-                Layout.fillWidth: true
-                text: section.model.shortcutProblem
-                small: true
-                color: Theme.warning
-                Accessible.role: Accessible.AlertMessage
-            }
+            text: section.model.shortcutProblem
         }
         ShortcutHint {
             Layout.fillWidth: true

@@ -48,14 +48,20 @@ bool AudioOutput::startLocked() {
   isRunning_.store(false, std::memory_order_relaxed);
   const bool runs = device_->start();
   isRunning_.store(runs, std::memory_order_relaxed);
-  if (runs) {
-    loggedProblem_.reset();
-    return true;
-  }
-  std::string problem = device_->problem();
-  if (loggedProblem_ != problem) Log::line("audio engine failed to start: " + problem);
-  loggedProblem_ = std::move(problem);
-  return false;
+  tellProblem(runs ? std::string() : device_->problem());
+  return runs;
+}
+
+void AudioOutput::tellProblem(std::string problem) {
+  if (toldProblem_ == problem) return;
+  if (!problem.empty()) Log::line("audio engine failed to start: " + problem);
+  toldProblem_ = std::move(problem);
+  if (onProblem_) onProblem_(*toldProblem_);
+}
+
+void AudioOutput::setOnProblem(std::function<void(const std::string& problem)> onProblem) {
+  MutexLock lock(mutex_);
+  onProblem_ = std::move(onProblem);
 }
 
 void AudioOutput::pause() {
@@ -68,7 +74,7 @@ void AudioOutput::pause() {
 // A device that could not start says so as well once it can.
 void AudioOutput::deviceChanged() {
   MutexLock lock(mutex_);
-  if (isWanted_) startLocked();
+  if (isWanted_ && startLocked() && onProblem_) onProblem_("");
 }
 
 void AudioOutput::forgetVoices() {

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -26,6 +27,11 @@ class AudioOutput final {
   ~AudioOutput();
   AudioOutput(const AudioOutput&) = delete;
   AudioOutput& operator=(const AudioOutput&) = delete;
+
+  /// `onProblem` gets why the output does not run, in words, empty while all is well: when that
+  /// changes, and when the device has. It is called on the thread that starts or on the device's,
+  /// and must only post. To be set before the first start.
+  void setOnProblem(std::function<void(const std::string& problem)> onProblem);
 
   /// Starts the output if it does not run; returns whether it runs. A failure is logged
   /// ("Tobrin: audio engine failed to start: ...") once per cause and leaves all as it was.
@@ -62,13 +68,15 @@ class AudioOutput final {
   static void render(void* mixer, float* left, float* right, uint32_t frames) noexcept;
   void deviceChanged();
   bool startLocked() TOBRIN_REQUIRES(mutex_);
+  void tellProblem(std::string problem) TOBRIN_REQUIRES(mutex_);
 
   TBMixer* const mixer_;
   std::unique_ptr<AudioDevice> device_;  // fixed after construction; mutex_ serialises its calls
   Mutex mutex_;
   bool isWanted_ TOBRIN_GUARDED_BY(mutex_) = false;  // started and not paused since
   std::atomic<bool> isRunning_ = false;  // and the last attempt succeeded; written under mutex_
-  std::optional<std::string> loggedProblem_ TOBRIN_GUARDED_BY(mutex_);
+  std::optional<std::string> toldProblem_ TOBRIN_GUARDED_BY(mutex_);
+  std::function<void(const std::string&)> onProblem_ TOBRIN_GUARDED_BY(mutex_);
 };
 
 }  // namespace tobrin

@@ -5,7 +5,8 @@
 
 namespace tobrin {
 
-/// Whether the device of this name hands its sound to a PipeWire server. Thread: any.
-bool alsaDeviceLeadsToPipeWire(const std::string& name);
+/// Whether the device of this name hands its sound to one of this type ("pipewire", "jack").
+/// Thread: any.
+bool alsaDeviceLeadsTo(const std::string& type, const std::string& name);
 
 }  // namespace tobrin

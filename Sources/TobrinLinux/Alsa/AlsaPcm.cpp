@@ -6,21 +6,20 @@
 #include <stdexcept>
 #include <utility>
 
+#include "Alsa/AlsaConfiguration.h"
+#include "Alsa/QuietLibraries.h"
+
 namespace tobrin {
 
 namespace {
 
 constexpr unsigned sampleRate = 48000;
 
-// The library prints each failed attempt; this program says itself what matters.
-// NOLINTNEXTLINE(cert-dcl50-cpp): the library's handlers are variadic
-void sayNothing(const char* /*file*/, int /*line*/, const char* /*function*/, int /*error*/,
-                const char* /*format*/, ...) {}
-
 }  // namespace
 
 AlsaPcm::AlsaPcm(const std::string& name) : name_(name) {
-  snd_lib_error_set_handler(sayNothing);
+  quietenAlsa();
+  if (alsaDeviceLeadsTo("jack", name)) quietenJack();
   const int result = snd_pcm_open(&pcm_, name.c_str(), SND_PCM_STREAM_PLAYBACK, SND_PCM_NONBLOCK);
   if (result < 0) fail("cannot be opened", result);
   try {

@@ -52,7 +52,7 @@ std::string FallbackAudioDevice::problem() const {
   std::string first = preferred_.device->problem();
   if (!fallback_.isInCharge) return first;
   const std::string second = fallback_.device->problem();
-  return second.empty() ? second : first + "; " + second;
+  return second.empty() ? second : first + ", and " + second;
 }
 
 std::string FallbackAudioDevice::description() const {

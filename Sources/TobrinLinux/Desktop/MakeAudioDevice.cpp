@@ -38,7 +38,7 @@ std::unique_ptr<AudioDevice> makeAudioDevice(std::shared_ptr<PipeWireLoop> loop)
   // device that leads to the same server is no way round it.
   const PipeWireOutput& output = *server;
   return std::make_unique<FallbackAudioDevice>(std::move(server), makeAlsa, [&output] {
-    return !output.expectsDevice() && !alsaDeviceLeadsToPipeWire(alsaDevice);
+    return !output.expectsDevice() && !alsaDeviceLeadsTo("pipewire", alsaDevice);
   });
 }
 

@@ -4,6 +4,7 @@
 
 #include <cassert>
 #include <cerrno>
+#include <cstdlib>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -37,6 +38,9 @@ int doNothing(spa_loop* /*loop*/, bool /*async*/, uint32_t /*sequence*/, const v
 
 PipeWireLoop::PipeWireLoop() {
   pw_init(nullptr, nullptr);
+  // The library reports what this program says itself.
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): only read
+  if (std::getenv("PIPEWIRE_DEBUG") == nullptr) pw_log_set_level(SPA_LOG_LEVEL_NONE);
   loop_ = pw_thread_loop_new("Tobrin.PipeWire", nullptr);
   if (loop_ != nullptr) {
     context_ =

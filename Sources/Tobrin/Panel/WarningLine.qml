@@ -1,0 +1,26 @@
+// What does not work, in a sentence; takes no room while all is well.
+import QtQuick
+import QtQuick.Layouts
+import Tobrin
+
+RowLayout {
+    property alias text: sentence.text
+
+    visible: text !== ""
+    spacing: Theme.unit * 1.5
+
+    Symbol {
+        Layout.alignment: Qt.AlignTop
+        name: "warning"
+        color: Theme.warning
+    }
+    PanelText {
+        id: sentence
+        Layout.fillWidth: true
+        // However long: the lines follow from the width, and not the other way round.
+        Layout.preferredWidth: 1
+        small: true
+        color: Theme.warning
+        Accessible.role: Accessible.AlertMessage
+    }
+}
