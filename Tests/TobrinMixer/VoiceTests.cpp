@@ -35,20 +35,6 @@ TEST(VoiceMixer, PlaysAtItsOwnRateWhatHasNone) {
   }
 }
 
-TEST(VoiceMixer, TheOldestVoiceIsTakenOverAtOnceEvenWhileItFades) {
-  const std::vector<float> quiet(5000, 0.01F), loud(5000, 0.3F);
-  const MixerHandle mixer = makeMixer();
-  for (uint32_t tag = 1; tag <= TB_VOICES; ++tag)
-    push(mixer.get(), startOf(tag == 1 ? loud : quiet, tag));
-  renderBlock(mixer.get(), 1);
-  push(mixer.get(), commandOf(TB_COMMAND_RELEASE_ALL));
-  push(mixer.get(), startOf(quiet, 99));
-  EXPECT_NEAR(renderBlock(mixer.get(), 1).left[0], 32 * 0.01F, 1e-6);
-  EXPECT_EQ(tb_mixer_started_voices(mixer.get()), 33U);
-  renderBlock(mixer.get(), 400);
-  EXPECT_EQ(tb_mixer_active_voices(mixer.get()), 1U) << "only the new voice outlives the release";
-}
-
 TEST(VoiceMixer, NewWeightsTakeTheCrossfadesTime) {
   const std::vector<float> sound(5000, 0.5F);
   const std::tuple<float, float, uint32_t> rows[] = {

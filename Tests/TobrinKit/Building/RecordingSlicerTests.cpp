@@ -123,33 +123,6 @@ TEST(RecordingSlicer, TellsPressesFromReleasesAndRanksThemByStrength) {
   }
 }
 
-TEST(RecordingSlicer, MergesWhatIsCloserThanTheMergeDistance) {
-  for (const auto& [apart, hits] : {std::pair{0.020, 1u}, {0.035, 2u}}) {
-    Composition piece(2);
-    piece.add(0.5, 0.05, 1, 0.2);
-    piece.add(0.5 + apart, 0.3, 1, 0.2);
-    EXPECT_EQ(piece.slice().hits.size(), hits) << apart;
-  }
-}
-
-TEST(RecordingSlicer, KeepsThePressThatAReleaseWasMovedOnto) {
-  Composition piece(15);
-  std::ptrdiff_t presses = 0;
-  for (double at = 0.5; at < 14; at += 0.3, ++presses) {
-    piece.add(at, 0.003, 1.3, 0.6);
-    piece.add(at + 0.06, 0.1 + 0.1 * piece.rng().unit());
-  }
-  using Fate = RecordingSlicer::Fate;
-  const auto result = piece.slice();
-  const auto count = [&](Fate fate) {
-    return std::count(result.fates.begin(), result.fates.end(), fate);
-  };
-  EXPECT_EQ(count(Fate::press) + count(Fate::bigPress), presses) << result.report;
-  EXPECT_GT(count(Fate::repeated), 0);
-  EXPECT_NE(result.report.find(", " + std::to_string(count(Fate::repeated)) + " repeated;"),
-            std::string::npos);
-}
-
 /// Presses and releases of ordinary and wide keys, and what else may happen while somebody types.
 Composition everything() {
   Composition piece(40);
@@ -258,12 +231,6 @@ TEST(TypingLattice, TellsAllReadingsApart) {
   for (double time = 0; hits.size() < 200; time += 0.03 + 0.2 * rng.unit())
     hits.push_back({time, -14 * rng.unit()});
   EXPECT_NEAR(TypingLattice::read({}, hits).logLikelihood, -453.908303180815, 1e-9);
-}
-
-TEST(RecordingSlicer, PercentilesDropTheFraction) {
-  EXPECT_EQ(RecordingSlicer::percentile({3, 1, 2}, 0.3), 1);
-  EXPECT_EQ(RecordingSlicer::percentile({3, 1, 2}, 1.0), 3);
-  EXPECT_EQ(RecordingSlicer::percentile({}, 0.5), 0);
 }
 
 }  // namespace

@@ -25,12 +25,10 @@ ScriptedKey up(double time, float position = 1, uint16_t code = space) {
   return {time, code, KeyAction::up, position};
 }
 
-OfflineRenderer::Sound render(std::vector<ScriptedKey> script, double tail = 0.1,
-                              bool releaseSounds = true) {
+OfflineRenderer::Sound render(std::vector<ScriptedKey> script, double tail) {
   EngineSettings settings;
   settings.volume = 1;  // so that the master does not move
   settings.blendTiers = false;
-  settings.releaseSounds = releaseSounds;
   return OfflineRenderer::render(*TestPack::simple(2400), std::move(script), settings, tail, rate);
 }
 
@@ -89,14 +87,6 @@ TEST(SplitMix64, IsThePublishedGenerator) {
   SplitMix64 rng(0);
   EXPECT_EQ(rng.next(), 0xE220A8397B1DCDAFu);
   EXPECT_EQ(rng.next(), 0x6E789E6AA1B965F4u);
-}
-
-TEST(OfflineRenderer, DrawsForEveryKeyInTimeOrderWhetherItSoundsOrNot) {
-  const auto sound = render({down(0.2), up(0), down(0.05), up(0.1)}, 0.1, false).left;
-  const auto all = render({up(0), down(0.05), up(0.1), down(0.2)}).left;
-  EXPECT_EQ(sound[1000], 0);
-  EXPECT_EQ(sound[2500], all[2500]);
-  EXPECT_EQ(sound[9700], all[9700]);
 }
 
 std::vector<uint16_t> codes(std::string_view text) {

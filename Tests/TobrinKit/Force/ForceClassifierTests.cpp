@@ -68,23 +68,5 @@ TEST(ForceClassifier, ReferenceIsTheBoundedMedianOfTheNewestPeaks) {
   EXPECT_EQ(classifier.reference(), ForceClassifier::defaultReference) << "history is gone";
 }
 
-TEST(ForceClassifier, WeightsPickOrBlendNeighbours) {
-  const float half = std::sqrt(0.5f);
-  struct {
-    float position;
-    bool blend;
-    std::array<float, tierCount> weights;
-  } const rows[] = {
-      {1.5f, true, {0, half, half, 0}}, {3, true, {0, 0, 0, 1}},     {2.00005f, true, {0, 0, 1, 0}},
-      {2.5f, false, {0, 0, 0, 1}},      {1.4f, false, {0, 1, 0, 0}}, {-2, true, {1, 0, 0, 0}},
-      {9, false, {0, 0, 0, 1}},         {nan, true, {1, 0, 0, 0}},
-  };
-  for (const auto& row : rows) {
-    const auto weights = ForceClassifier::weights(row.position, row.blend);
-    for (std::size_t i = 0; i < tierCount; ++i)
-      EXPECT_NEAR(weights[i], row.weights[i], 1e-6f) << row.position << " layer " << i;
-  }
-}
-
 }  // namespace
 }  // namespace tobrin
