@@ -9,7 +9,7 @@ namespace tobrin {
 
 class PipeWireLoop;
 
-/// Where `loop` is null it is never known who records.
+/// PipeWire, and PulseAudio while PipeWire knows no microphone. `loop` may be null.
 std::unique_ptr<MicSource> makeMicSource(std::shared_ptr<PipeWireLoop> loop);
 
 }  // namespace tobrin

@@ -12,6 +12,7 @@
 #include "PipeWire/PipeWireLoop.h"
 #include "PipeWire/PipeWireMicSource.h"
 #include "PipeWire/PipeWireOutput.h"
+#include "Pulse/PulseMicSource.h"
 #include "Support/AudioPlayer.h"
 #include "Support/Eventually.h"
 #include "Support/TempFolder.h"
@@ -248,6 +249,33 @@ TEST_F(PipeWireMicSourceTest, AttachesAgainAfterTheServerWasGone) {
   program.end();
   EXPECT_TRUE(record(Processes()));
   EXPECT_EQ(changes_, after);
+}
+
+// The sound server's PulseAudio face answers what is asked here as PulseAudio itself does.
+TEST(PulseMicSource, FollowsAServerThatComesAndGoes) {
+  tellDesktop("kill-sound");
+  PulseMicSource source;
+  std::atomic<int> changes = 0;
+  source.start([&] { changes.fetch_add(1); });
+  const auto record = [&](const std::optional<Processes>& processes) {
+    return eventually([&] { return source.read().recordingProcesses == processes; });
+  };
+  EXPECT_TRUE(record(std::nullopt));
+  tellDesktop("start-sound");
+  ASSERT_TRUE(record(Processes()));
+  EXPECT_EQ(source.read().inputDeviceName, "test_mic");
+  ChildProcess monitor({"parec", "-d", "test_sink.monitor"});
+  ChildProcess caller({"parec", "-d", "test_mic"});
+  EXPECT_TRUE(record(Processes{caller.id()}));
+  EXPECT_TRUE(source.read().inputRunningSomewhere);
+  EXPECT_GE(changes, 2);
+  caller.end();
+  EXPECT_TRUE(record(Processes()));
+  tellDesktop("kill-sound");
+  EXPECT_TRUE(record(std::nullopt)) << "nobody can tell";
+  source.stop();
+  tellDesktop("start-sound");
+  EXPECT_TRUE(record(Processes())) << "asked once";
 }
 
 }  // namespace

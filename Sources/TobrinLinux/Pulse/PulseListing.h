@@ -1,0 +1,37 @@
+/// Who records from a microphone, by what a PulseAudio server lists. A plain value; thread: any one
+/// at a time.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "Mic/MicActivity.h"
+
+namespace tobrin {
+
+struct PulseListing {
+  struct Source {
+    std::string name;
+    std::string description;
+    bool isMonitor = false;  // hears what a device plays
+  };
+  struct Recorder {
+    uint32_t source = 0;
+    int32_t process = 0;  // 0: not known
+    bool isCorked = false;
+    bool isLevelMeter = false;
+    bool isModule = false;  // the server's own, as a filter between two devices
+  };
+
+  std::map<uint32_t, Source> sources;  // by the server's index
+  std::vector<Recorder> recorders;
+  std::string defaultSource;  // its name; empty: none
+
+  /// Counts programs, `ownProcess` excepted, that record from a microphone. Level meters do not,
+  /// nor do streams that rest.
+  [[nodiscard]] MicActivity activity(int32_t ownProcess) const;
+};
+
+}  // namespace tobrin

@@ -1,0 +1,64 @@
+#include "Pulse/PulseListing.h"
+
+#include <gtest/gtest.h>
+
+#include "Desktop/FallbackMicSource.h"
+#include "Support/ScriptedMicSource.h"
+
+namespace tobrin {
+namespace {
+
+using Processes = std::vector<int32_t>;
+
+TEST(PulseListing, CountsProgramsThatHearAMicrophone) {
+  constexpr uint32_t monitor = 1, microphone = 2, other = 3;
+  PulseListing listing{.sources = {{monitor, {"out.monitor", "Monitor", true}},
+                                   {microphone, {"mic", "Microphone"}},
+                                   {other, {"other", ""}}},
+                       .recorders = {},
+                       .defaultSource = "mic"};
+  listing.recorders = {{monitor, 10},
+                       {.source = microphone, .process = 11, .isCorked = true},
+                       {.source = microphone, .process = 12, .isLevelMeter = true},
+                       {.source = microphone, .isModule = true},
+                       {microphone, 99},
+                       {17, 13}};
+  const MicActivity quiet = listing.activity(99);
+  EXPECT_EQ(quiet.recordingProcesses, Processes());
+  EXPECT_EQ(quiet.inputDeviceName, "Microphone");
+  EXPECT_FALSE(quiet.micInUse());
+  listing.recorders.push_back({other, 15});
+  EXPECT_EQ(listing.activity(99).recordingProcesses, Processes{15});
+  EXPECT_FALSE(listing.activity(99).inputRunningSomewhere);
+  listing.recorders.push_back({microphone, 14});
+  EXPECT_EQ(listing.activity(99).recordingProcesses, (Processes{14, 15}));
+  EXPECT_TRUE(listing.activity(99).inputRunningSomewhere);
+  listing.defaultSource = "out.monitor";
+  EXPECT_EQ(listing.activity(99).inputDeviceName, std::nullopt);
+}
+
+TEST(FallbackMicSource, AsksTheOtherServerWhereTheFirstKnowsNoMicrophone) {
+  const auto first = std::make_shared<testing::MicState>(),
+             second = std::make_shared<testing::MicState>();
+  FallbackMicSource source(std::make_unique<testing::ScriptedMicSource>(first),
+                           std::make_unique<testing::ScriptedMicSource>(second));
+  second->activity.recordingProcesses = Processes{7};
+  EXPECT_TRUE(source.read().micInUse());
+  EXPECT_FALSE(second->changed) << "not started yet";
+  source.start([] {});
+  first->activity.recordingProcesses = Processes();  // a server for the screen alone
+  EXPECT_TRUE(source.read().micInUse());
+  EXPECT_TRUE(second->changed);
+  first->activity.inputDeviceName = "Microphone";
+  EXPECT_FALSE(source.read().micInUse()) << "it has the microphones now";
+  EXPECT_FALSE(second->changed);
+  first->activity = {};  // it went away
+  second->activity = {};
+  EXPECT_EQ(source.read().recordingProcesses, std::nullopt);
+  EXPECT_TRUE(second->changed);
+  source.stop();
+  EXPECT_FALSE(first->changed || second->changed);
+}
+
+}  // namespace
+}  // namespace tobrin
