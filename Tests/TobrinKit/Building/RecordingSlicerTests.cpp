@@ -70,8 +70,8 @@ Composition everything(double pace, std::vector<std::size_t>& presses) {
     const double hold = i % 9 == 5 ? 0.046 : wide ? 0.45 : pace * (0.12 + 0.2 * rng.unit());
     piece.add(at, i % 13 == 6 ? 1.5 : press, wide ? 0.5 : 1, wide ? 2 : 1);
     if (i % 11 == 4) piece.add(at + 0.03, 1.4 * press);
-    if (i % 10 == 8) piece.add(at - 0.08, 0.0007);
-    if (i % 10 == 9) piece.add(at - 0.014, 0.06 * press, 1.2, 0.3);
+    if (i % 10 == 8) piece.add(at - 0.08, i % 20 == 8 ? 0.0007 : 0.0003);
+    if (i % 10 == 9) piece.add(at - (i % 20 == 9 ? 0.014 : 0.0124), 0.06 * press, 1.2, 0.3);
     if (i % 12 == 7) piece.swell(at, 0.8 * press);
     if (i % 12 == 9) piece.swell(at + hold, 0.3 * press);
     if (i % 4 != 2) piece.add(at + hold, 0.2 * press, 1.3, 0.6);

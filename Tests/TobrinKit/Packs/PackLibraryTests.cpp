@@ -55,6 +55,17 @@ TEST_F(PackLibraryFolders, ListsBundledPacksFirstAndUserPacksInTheirPlace) {
   EXPECT_EQ(names(), "pack 2*;Pack 10*;again;Zeta;") << "the later folder of one id is kept";
 }
 
+TEST_F(PackLibraryFolders, OrdersNamesByTheFirstLocaleThatIsSet) {
+  pack("bundled/1", "a", "z");
+  pack("bundled/2", "b", "ö");
+  EXPECT_EQ(names(), "ö*;z*;");
+  variables_["LC_COLLATE"] = "sv_SE.UTF-8";
+  variables_["LC_ALL"] = "";
+  EXPECT_EQ(names(), "z*;ö*;");
+  variables_["LC_ALL"] = "en_US.UTF-8";
+  EXPECT_EQ(names(), "ö*;z*;");
+}
+
 TEST_F(PackLibraryFolders, FindsTheUsersFolder) {
   const auto folder = [&] { return PackLibrary::userPacksDirectory(environment()).string(); };
   variables_["HOME"] = "/home/me";
