@@ -80,7 +80,8 @@ class WaylandTest(PanelDriver):
         self.shows(TITLE, "Needs access to the keyboard")
         keyboard.chmod(0o600)
         self.assertTrue(eventually(lambda: not named(TITLE)), "taken away and given back")
-        self.shows("Blue Click · Fixed strength", "Ctrl+Alt+Super+K in any app to turn sounds on or off")
+        self.shows("Blue Click · Fixed strength",
+                   "Ctrl+Alt+Super+K in any app to turn sounds on or off. Other apps see these keys too.")
 
         program.stop()
         log = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
