@@ -5,8 +5,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Pointer and focus leave in either order, at most 100 ms apart; on X11 the toolkit tells of the focus
-/// another 100 ms late.
+/// Pointer and focus leave in either order, at most 100 ms apart; on X11 the toolkit tells of the
+/// focus another 100 ms late.
 constexpr FocusLoss::Duration together = 250ms;
 /// A hand takes that long from the tray to the panel; on its way the pointer crosses other windows.
 constexpr FocusLoss::Duration onItsWay = 1500ms;
@@ -36,9 +36,12 @@ void FocusLoss::focusLost(Time now, bool byKeyboard) {
 FocusLoss::Duration FocusLoss::patience() const {
   if (byKeyboard_) return 0ms;
   switch (pointerAtLoss_) {
-    case Pointer::awaited: return onItsWay;
-    case Pointer::inside: return together;
-    case Pointer::outside: return 0ms;
+    case Pointer::awaited:
+      return onItsWay;
+    case Pointer::inside:
+      return together;
+    case Pointer::outside:
+      return 0ms;
   }
   return 0ms;
 }

@@ -11,17 +11,10 @@
 
 #include "PipeWire/ClientConfiguration.h"
 #include "Threads/RealtimeScheduling.h"
-#include "Threads/ThreadName.h"
 
 namespace tobrin {
 
 namespace {
-
-int nameDataThread(spa_loop* /*loop*/, bool /*async*/, uint32_t /*sequence*/, const void* /*data*/,
-                   size_t /*size*/, void* /*context*/) {
-  nameThisThread("Tobrin.Render");
-  return 0;
-}
 
 int askForScheduling(spa_loop* /*loop*/, bool /*async*/, uint32_t /*sequence*/,
                      const void* /*data*/, size_t /*size*/, void* /*context*/) {
@@ -60,8 +53,6 @@ PipeWireLoop::PipeWireLoop() {
   const PipeWireLock locked(*this);
   // It resumes the stream on the first key after a pause, which is heard late where it is late.
   pw_loop_invoke(loop(), askForScheduling, 0, nullptr, 0, false, nullptr);
-  pw_data_loop_invoke(pw_context_get_data_loop(context_), nameDataThread, 0, nullptr, 0, false,
-                      nullptr);
 }
 
 PipeWireLoop::~PipeWireLoop() {

@@ -8,6 +8,9 @@
 #include <cerrno>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
+
+#include "Threads/ThreadName.h"
 
 namespace tobrin {
 
@@ -48,6 +51,19 @@ PipeWireStream::State asState(int state) {
     default:
       return PipeWireStream::State::failed;
   }
+}
+
+int nameThread(spa_loop* /*loop*/, bool /*async*/, uint32_t /*sequence*/, const void* /*data*/,
+               size_t /*size*/, void* /*context*/) {
+  nameThisThread("Tobrin.Render");
+  return 0;
+}
+
+/// Names the thread that plays the stream. The library may start it no earlier than the stream is
+/// to play, and would name its caller before.
+void nameDataThread(pw_stream* stream) {
+  pw_context* const context = pw_core_get_context(pw_stream_get_core(stream));
+  pw_data_loop_invoke(pw_context_get_data_loop(context), nameThread, 0, nullptr, 0, false, nullptr);
 }
 
 }  // namespace
@@ -102,7 +118,8 @@ uint32_t PipeWireStream::nodeId() const {
 void PipeWireStream::changed(void* self, int /*from*/, int to, const char* error) {
   auto& stream = *static_cast<PipeWireStream*>(self);
   stream.state_ = asState(to);
-  if (stream.state_ == State::streaming) stream.hasStreamed_ = true;
+  if (stream.state_ == State::streaming && !std::exchange(stream.hasStreamed_, true))
+    nameDataThread(stream.stream_);
   if (error != nullptr) stream.error_ = error;
   stream.stateChanged_();
 }
