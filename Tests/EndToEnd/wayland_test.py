@@ -39,6 +39,11 @@ class WaylandTest(PanelDriver):
     def is_active(self):
         return any(each.role == "frame" and "active" in each.states for each in screenreader.showing())
 
+    @staticmethod
+    def ends_below_its_contents():
+        _, top, _, height = next(each for each in screenreader.showing() if each.role == "frame").place
+        return 0 <= top + height - named("Quit").at()[1] < 40
+
     def place(self):
         """The panel's left and upper edge on the screen; only a picture of that tells."""
         width, height = map(int, xdotool("getdisplaygeometry").split())
@@ -82,6 +87,7 @@ class WaylandTest(PanelDriver):
         self.assertTrue(eventually(lambda: not named(TITLE)), "taken away and given back")
         self.shows("Blue Click · Fixed strength",
                    "Ctrl+Alt+Super+K in any app to turn sounds on or off. Other apps see these keys too.")
+        self.assertTrue(eventually(self.ends_below_its_contents), screenreader.showing())
 
         program.stop()
         log = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)

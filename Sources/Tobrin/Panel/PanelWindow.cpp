@@ -133,8 +133,7 @@ void PanelWindow::fitToScreen() {
   const QSize wanted(qRound(root->implicitWidth()), qRound(root->implicitHeight()));
   const QMargins frame = view_->frameMargins();  // none before it is shown
   fitted_ = wanted.boundedTo(room.marginsRemoved(frame).size());
-  view_->resize(fitted_);
-  if (isOnWayland()) keepThatSize();
+  takeSize();
   if (!closesWithFocus_) return;
   const bool below = anchor_.y() < room.center().y();
   const int left = anchor_.x() - view_->width() / 2;
@@ -143,10 +142,13 @@ void PanelWindow::fitToScreen() {
                      qBound(room.top(), top, room.bottom() - view_->height() + 1));
 }
 
-/// Tiling desktops let a window float that has one size only.
-void PanelWindow::keepThatSize() {
+void PanelWindow::takeSize() {
+  if (!isOnWayland()) return view_->resize(fitted_);
+  // Tiling desktops let a window float that has one size only; it must give that up to take
+  // another.
   view_->setMinimumSize({});
   view_->setMaximumSize(fitted_);
+  view_->resize(fitted_);
   view_->setMinimumSize(fitted_);
 }
 

@@ -29,7 +29,7 @@ class PanelWindow final : public QObject, public Panel {
  private:
   bool eventFilter(QObject* watched, QEvent* event) override;
   void fitToScreen();
-  void keepThatSize();
+  void takeSize();
   void keepFrameOnScreen();
   void followContent();
   void closeOnEscape(const QKeyEvent& key);
