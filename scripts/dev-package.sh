@@ -17,6 +17,10 @@ main() {
   (cd build/package && cpack >/dev/null)
   package=$(echo build/package/*.deb)
   say "made $package, $(du -k "$package" | cut -f1) KiB"
+  # A second sound server would take the card from the one in use.
+  if dpkg-deb -f "$package" Depends Recommends | grep -qwE 'pipewire|pulseaudio'; then
+    die "the package brings a sound server"
+  fi
   check_parts
   say "lintian"
   # The sounds are most of the package, and made by the very programs that it holds.
