@@ -84,6 +84,25 @@ class ForceTest(DesktopTest):
         self.assertLess(max(map(abs, errors)), 1.0, (positions, heard, predicted))
         print(f"positions {positions}, heard {heard}, off by {errors} dB")
 
+    def test_a_sensor_that_cannot_be_read_stops_no_key(self):
+        self.heard(self.folder)  # as a trace
+
+    def test_a_sensor_that_cannot_be_opened_leaves_the_fixed_strength(self):
+        wav, trace = self.folder / "heard.wav", self.folder / "trace.csv"
+        os.environ["TOBRIN_MOTION_TRACE"] = str(trace)
+        with record(wav) as recorder, Tobrin(PROGRAM, self.folder / "packs", pack="tones", releaseSounds=False, spatial=0,
+                                             blendTiers=False, fixedTier=3, volume=1) as program:
+            program.wait_for("Fixed strength, sensor fails")
+            press_keys("--delay", 400, "--text", "a" * 10, "--interval", 400)
+            recorder.quiet_for(0.5)
+            self.write_shaking(0.03)
+            program.wait_for("Force sensing on")
+            self.assertEqual(program.stop(), 0, program.lines)
+        levels = plateaus_db(wav)
+        self.assertEqual(len(levels), 10, levels)
+        self.assertLess(max(levels) - min(levels), 0.1, levels)
+        self.assertGreater(min(levels), -12, "not that of slam")
+
 
 if __name__ == "__main__":
     unittest.main()
