@@ -152,10 +152,9 @@ class PanelTest(PanelDriver):
 
     def fits(self):
         left, _, span, _ = self.frame()
-        controls = [each for each in screenreader.showing() if each.role not in ("application", "panel", "frame")]
+        places = [each.place for each in screenreader.showing() if each.role not in ("application", "panel", "frame")]
         lowest = {}
-        for control in controls:
-            x, y, width, height = control.place
+        for x, y, width, height in places:
             # What stands in one column stands one below the other.
             if not (left <= x < x + width <= left + span and height > 0 and y >= lowest.get(x, y)):
                 return False

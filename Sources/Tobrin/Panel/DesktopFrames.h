@@ -4,7 +4,7 @@
 namespace tobrin {
 
 /// True where the compositor offers to draw title bar and frame; then a program's own would be a
-/// second one. Asks over a connection of its own and waits for the answer, a few milliseconds.
+/// second one. Asks over a connection made for it and waits for the answer, a few milliseconds.
 /// False without a compositor. Thread: main.
 bool desktopDrawsFrames();
 

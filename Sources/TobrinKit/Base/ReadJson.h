@@ -1,6 +1,6 @@
 /// Parses JSON text that others wrote, within bounds: what is nested without end would exhaust the
-/// stack of whoever writes it again, or the memory with its indentation. For sources that parse;
-/// keeps the JSON library out of every other header. Thread: any.
+/// stack of the code that writes it again, or the memory with its indentation. For sources that
+/// parse; keeps the JSON library out of every other header. Thread: any.
 #pragma once
 
 #include <nlohmann/json.hpp>

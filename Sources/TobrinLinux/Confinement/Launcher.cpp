@@ -110,7 +110,7 @@ void serveOne(Launcher::Command& command, int report) {
   close(report);
 }
 
-/// Takes one request. Whoever has taken the program over may have sent it.
+/// Takes one request, which code that has taken the program over may have sent.
 void takeRequest(Launcher::Commands& commands) {
   Message request;
   const ssize_t length = recvmsg(toProgram, &request.head, MSG_CMSG_CLOEXEC);

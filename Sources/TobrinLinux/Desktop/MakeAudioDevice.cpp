@@ -33,7 +33,7 @@ std::unique_ptr<AudioDevice> makeAudioDevice(std::shared_ptr<PipeWireLoop> loop)
   };
   if (loop == nullptr) return makeAlsa();
   auto server = std::make_unique<PipeWireOutput>(std::move(loop));
-  // Once a server has played, its absence is a restart: whoever takes the card then keeps the
+  // Once a server has played, its absence is a restart: a device that takes the card then keeps the
   // server from it. One without a device, there for the screen's pictures alone, wants no card. A
   // device that leads to the same server is no way round it.
   const PipeWireOutput& output = *server;

@@ -75,7 +75,7 @@ bool PipeWireOutput::start() {
     watchDevice();
     if (stream_->hasStreamed()) return true;
     const auto settled = [this] { return stream_ == nullptr || isRunning() || !problem_.empty(); };
-    // Where no device is expected, whoever falls back need not wait for one at each start.
+    // Where no device is expected, falling back need not wait for one at each start.
     if (expectsDevice()) loop_->wait(settled, linkLimit);
     if (isRunning()) return true;
     if (problem_.empty()) problem_ = noDevice;

@@ -36,7 +36,7 @@ PulseListing::Recorder recorder(const pa_source_output_info& info) {
 
 }  // namespace
 
-/// The library's loop on a thread of its own and a connection to the server on it, made again while
+/// The library's loop on its thread and a connection to the server on it, made again while
 /// it fails. Thread: the loop's, but for making and destroying.
 class PulseMicSource::Connection final {
  public:

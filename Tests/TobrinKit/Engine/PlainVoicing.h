@@ -19,7 +19,7 @@
 
 namespace tobrin::testing {
 
-/// Plays a pack in which every group, tier, take and release has a level and length of its own.
+/// Plays a pack in which every group, tier, take and release has another level and length.
 class PlainVoicing final {
  public:
   static constexpr uint32_t crossfadeFrames = 192;  // 4 ms
