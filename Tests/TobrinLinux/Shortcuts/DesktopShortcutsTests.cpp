@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <map>
+#include <memory>
 #include <optional>
 #include <thread>
 
@@ -132,12 +133,12 @@ TEST_F(PortalTest, BindsOnlyWhatIsListedAndAsksOnce) {
 TEST_F(PortalTest, APressOfBothWaysCountsOnce) {
   FakePortal portal({.bound = {}});
   startAgain();
-  std::atomic<int> changes{0};
-  service_->setOnChanged([&] { ++changes; });
+  const auto changes = std::make_shared<std::atomic<int>>(0);  // the service outlives this test
+  service_->setOnChanged([changes] { ++*changes; });
   ASSERT_TRUE(eventually([&] { return !portal.asked().empty(); }));
   typeChord(*service_);
   portal.activate();
-  ASSERT_TRUE(eventually([&] { return isBound() && changes > 0; })) << "it tells all the same";
+  ASSERT_TRUE(eventually([&] { return isBound() && *changes > 0; })) << "it tells all the same";
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
   EXPECT_EQ(presses_, 1);
 }
@@ -166,6 +167,7 @@ esac
   const auto desktop = [&](const char* name) {
     return environmentOf({{"XDG_CURRENT_DESKTOP", name}, {"XDG_CONFIG_HOME", config}});
   };
+  std::atomic<int> changes{0};  // before the services, whose threads count
   DesktopShortcuts gnome({}, desktop("ubuntu:GNOME")), kde({}, desktop("KDE")),
       sway({}, desktop("sway"));
   // The machine may be slow to run a program: then the answer comes later.
@@ -182,7 +184,6 @@ esac
   trouble("exit 1");
   EXPECT_TRUE(comesToBe(false));
 
-  std::atomic<int> changes{0};
   gnome.setOnChanged([&] { ++changes; });
   trouble("sleep 0.5");
   EXPECT_FALSE(isReserved(gnome, 1)) << "is not waited for";
