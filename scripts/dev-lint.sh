@@ -25,17 +25,12 @@ main() {
 # The lint preset runs clang-tidy with every compilation, so that the build knows what is done, and how
 # many at once. Other checks, or another clang-tidy, make other commands: then it does all again.
 check_sources() {
-  local plugin=build/lint/own-declarations.so version objects
+  local version objects
   say "clang-tidy"
   version=$({
     clang-tidy --version
-    git ls-files -z '*.clang-tidy' scripts/tidy Tools/Lint | xargs -0 cat
+    git ls-files -z '*.clang-tidy' scripts/tidy | xargs -0 cat
   } | sha1sum)
-  mkdir -p build/lint
-  if [ Tools/Lint/OwnDeclarations.cpp -nt $plugin ]; then
-    c++ -std=c++20 -shared -fPIC -fno-rtti -O1 -isystem /usr/lib/llvm-14/include \
-      -o $plugin Tools/Lint/OwnDeclarations.cpp || return
-  fi
   cmake --preset lint -DCMAKE_{C,CXX}_CLANG_TIDY="$PWD/scripts/tidy;${version:0:12}" >/dev/null || return
   # The project's own files, not what is generated from them; nor tests, whose library's macros take the time. An
   # object lies in its target's folder beside what would be its source.
