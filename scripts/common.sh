@@ -33,5 +33,7 @@ build_preset() {
   local preset=$1
   shift
   [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >/dev/null
+  # Editors and language servers look for it here.
+  ln -sfn "build/$preset/compile_commands.json" compile_commands.json
   cmake --build --preset "$preset" "$@"
 }
