@@ -1,4 +1,4 @@
-# desktops: the program in sway with waybar and beside XFCE's panel; pictures and a table of what held.
+# desktops: the program in sway with waybar and with XFCE's panel; pictures and a table of what worked.
 main() {
   ensure_packages scripts/packages.txt
   ensure_packages scripts/packages-desktops.txt
