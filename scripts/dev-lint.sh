@@ -12,6 +12,7 @@ main() {
   ensure_packages scripts/packages-lint.txt
   check_sources "$filter" || failed+=(clang-tidy)
   if [ -z "$filter" ]; then
+    check_rooms || failed+=(rooms)
     check_names || failed+=(names)
     check_format || failed+=(clang-format)
     check_flow || failed+=(cppcheck)
@@ -49,9 +50,16 @@ check_changed() {
   for file in $(git diff --name-only --diff-filter=d "$1" -- 'Sources/*.cpp' 'Tools/*.cpp' 'Benchmarks/*.cpp' 'Fuzz/*.cpp'); do
     check_sources "${file%.cpp}" || found=yes
   done
+  check_rooms || found=yes
   check_format || found=yes
   [ -z "$found" ] || die "findings in what has changed"
   say "no findings in what has changed"
+}
+
+# Arrows between the kit's rooms, and what they may include.
+check_rooms() {
+  say "rooms"
+  cmake -D FOLDER="$PWD/Sources" -P cmake/CheckKitIncludes.cmake
 }
 
 # Two types of one name in two sources are one type to the linker; the one that it drops is wrong wherever it was meant.

@@ -9,8 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "Base/MachTime.h"
 #include "Engine/AudioDevice.h"
-#include "Engine/MachTime.h"
 
 namespace tobrin {
 

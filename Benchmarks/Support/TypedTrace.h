@@ -10,7 +10,7 @@
 #include <numbers>
 #include <vector>
 
-#include "Engine/SplitMix64.h"
+#include "Base/SplitMix64.h"
 #include "Force/KeyTrace.h"
 #include "Force/MotionTrace.h"
 

@@ -2,7 +2,7 @@
 // decodes alike.
 #include "Building/PackRecipe.h"
 
-#include "Building/RecipeError.h"
+#include "Base/RecipeError.h"
 #include "FuzzInput.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {

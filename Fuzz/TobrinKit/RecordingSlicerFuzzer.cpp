@@ -4,8 +4,8 @@
 #include <cmath>
 #include <vector>
 
+#include "Base/RecipeError.h"
 #include "Building/PackRecipe.h"
-#include "Building/RecipeError.h"
 #include "FuzzInput.h"
 
 namespace {

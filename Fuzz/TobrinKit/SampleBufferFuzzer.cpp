@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "Packs/PackError.h"
+#include "Base/PackError.h"
 #include "Packs/SampleBuffer.h"
 
 namespace {

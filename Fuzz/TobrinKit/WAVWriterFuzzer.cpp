@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "Building/Loudness.h"
-#include "Building/WAVWriter.h"
 #include "FuzzInput.h"
+#include "Packs/WAVWriter.h"
 
 using namespace tobrin;
 

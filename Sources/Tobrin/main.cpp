@@ -3,9 +3,9 @@
 #include <vector>
 
 #include "Application/Application.h"
+#include "Base/Log.h"
 #include "CommandLine/CLI.h"
 #include "Confinement/Confinement.h"
-#include "Engine/Log.h"
 #include "SystemLog/SystemLog.h"
 
 int main(int argc, char** argv) {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "CommandLine.h"
-#include "Force/ForceReplay.h"
+#include "Engine/ForceReplay.h"
 
 namespace CLI {  // NOLINT(readability-identifier-naming): another library's name
 class App;

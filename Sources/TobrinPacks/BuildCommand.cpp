@@ -4,10 +4,10 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "Base/ExchangeFolders.h"
+#include "Base/RecipeError.h"
 #include "Building/DemoLoudness.h"
-#include "Building/RecipeError.h"
 #include "Building/RecordedPackBuilder.h"
-#include "Files/ExchangeFolders.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
 #include "Packs/LoadedPack.h"

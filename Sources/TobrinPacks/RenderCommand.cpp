@@ -8,12 +8,12 @@
 #include <stdexcept>
 #include <string>
 
-#include "Building/FloatWAVWriter.h"
-#include "Building/WAVWriter.h"
 #include "Engine/OfflineRenderer.h"
 #include "InputFile.h"
 #include "Memory/LargePages.h"
 #include "NumberRange.h"
+#include "Packs/FloatWAVWriter.h"
+#include "Packs/WAVWriter.h"
 #include "PrintableText.h"
 #include "Progress.h"
 #include "ScriptFile.h"

@@ -8,14 +8,14 @@
 #include <nlohmann/json.hpp>
 #include <system_error>
 
-#include "Building/AtomicFile.h"
+#include "Base/AtomicFile.h"
+#include "Base/PackError.h"
+#include "Base/RecipeError.h"
 #include "Building/PackRecipe.h"
-#include "Building/RecipeError.h"
 #include "Building/RecordedPackBuilder.h"
 #include "Building/RecordingConversion.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
-#include "Packs/PackError.h"
 #include "Packs/SampleBuffer.h"
 #include "Process/SpawningProcessRunner.h"
 #include "SlicePlot.h"

@@ -8,8 +8,8 @@
 #include <mutex>
 #include <thread>
 
+#include "Base/MachTime.h"
 #include "Engine/Conductor.h"
-#include "Engine/MachTime.h"
 #include "RealTimeGuard.h"
 #include "Support/HandDrivenDevice.h"
 #include "Support/InChild.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "Engine/KeyEvent.h"
+#include "Base/KeyEvent.h"
 #include "Input/KeyMonitor.h"
 
 namespace tobrin::testing {

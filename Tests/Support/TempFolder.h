@@ -28,6 +28,12 @@ inline std::map<std::string, std::string> filesIn(const std::filesystem::path& f
   return files;
 }
 
+/// How many entries a folder has.
+inline std::ptrdiff_t entriesIn(const std::filesystem::path& folder) {
+  return std::distance(std::filesystem::directory_iterator(folder),
+                       std::filesystem::directory_iterator());
+}
+
 class TempFolder final {
  public:
   TempFolder() {

@@ -14,10 +14,10 @@
 #include <string>
 #include <vector>
 
+#include "Base/Log.h"
+#include "Base/MachTime.h"
+#include "Base/VirtualQueue.h"
 #include "Desktop/LinuxWords.h"
-#include "Engine/Log.h"
-#include "Engine/MachTime.h"
-#include "Engine/VirtualQueue.h"
 #include "Model/AppModel.h"
 #include "Support/HandDrivenDevice.h"
 #include "Support/ScriptedKeySource.h"

@@ -9,8 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "Base/MachTime.h"
 #include "Engine/Conductor.h"
-#include "Engine/MachTime.h"
 #include "Force/MotionReport.h"
 #include "Support/HandDrivenDevice.h"
 #include "Support/ScriptedMotionSource.h"

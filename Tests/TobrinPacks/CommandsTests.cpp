@@ -5,8 +5,8 @@
 #include <cmath>
 #include <numbers>
 
-#include "Building/WAVWriter.h"
 #include "Packs/PackLibrary.h"
+#include "Packs/WAVWriter.h"
 #include "RunWorkshop.h"
 #include "Support/AudioFiles.h"
 #include "Support/TempFolder.h"

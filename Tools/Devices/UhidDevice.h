@@ -18,7 +18,7 @@
 #include <thread>
 #include <vector>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 
 namespace tobrin::testing {
 

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "Base/SplitMix64.h"
 #include "Building/RecordingSlicer.h"
 #include "ComposedTyping.h"
-#include "Engine/SplitMix64.h"
 #include "Support/Report.h"
 
 namespace tobrin {

@@ -8,8 +8,8 @@
 #include <optional>
 #include <tuple>
 
-#include "Engine/SplitMix64.h"
-#include "Synth/Biquad.h"
+#include "Base/Biquad.h"
+#include "Base/SplitMix64.h"
 #include "Synth/KeySynth.h"
 
 namespace tobrin {

@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <vector>
 
+#include "Base/SplitMix64.h"
 #include "Building/Loudness.h"
-#include "Engine/SplitMix64.h"
 #include "Support/Interleaved.h"
 #include "Support/Report.h"
 

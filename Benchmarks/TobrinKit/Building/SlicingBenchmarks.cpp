@@ -6,8 +6,8 @@
 #include <numbers>
 #include <vector>
 
+#include "Base/SplitMix64.h"
 #include "Building/RecordingSlicer.h"
-#include "Engine/SplitMix64.h"
 #include "Support/Interleaved.h"
 #include "Support/Report.h"
 

@@ -8,8 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "Base/MachTime.h"
 #include "Engine/Conductor.h"
-#include "Engine/MachTime.h"
 #include "Packs/LoadedPack.h"
 #include "Packs/PackLibrary.h"
 #include "Support/PacedDevice.h"

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "Engine/Conductor.h"
-#include "Force/ForceReplay.h"
+#include "Engine/ForceReplay.h"
 #include "Support/TypedTrace.h"
 
 namespace tobrin {

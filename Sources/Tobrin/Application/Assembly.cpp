@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "Application/TimelyThread.h"
+#include "Base/SystemFolders.h"
 #include "Desktop/LinuxWords.h"
 #include "Desktop/MakeAudioDevice.h"
 #include "Desktop/MakeKeySource.h"
@@ -12,7 +13,6 @@
 #include "Memory/UnusedMemory.h"
 #include "Motion/FindMotionSource.h"
 #include "Packs/PackLibrary.h"
-#include "Packs/SystemFolders.h"
 #include "PipeWire/PipeWireLoop.h"
 #include "Shortcuts/DesktopShortcuts.h"
 #include "Threads/RealtimeScheduling.h"

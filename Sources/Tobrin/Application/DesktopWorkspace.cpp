@@ -10,9 +10,9 @@
 #include <stdexcept>
 
 #include "Application/Application.h"
+#include "Base/SystemFolders.h"
 #include "Evdev/KeyboardList.h"
 #include "Packs/PackLibrary.h"
-#include "Packs/SystemFolders.h"
 
 namespace tobrin {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
-#include "Engine/Log.h"
-#include "Packs/SystemFolders.h"
+#include "Base/Log.h"
+#include "Base/SystemFolders.h"
 
 namespace tobrin {
 namespace {

@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-#include "Engine/SerialQueue.h"
+#include "Base/SerialQueue.h"
 #include "Input/PlatformWords.h"
 #include "Mic/MicMonitor.h"
 

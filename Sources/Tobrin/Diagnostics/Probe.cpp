@@ -10,7 +10,7 @@
 #include <system_error>
 #include <thread>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 
 namespace tobrin::probe {
 namespace {

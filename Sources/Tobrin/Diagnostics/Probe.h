@@ -9,8 +9,8 @@
 #include <memory>
 #include <vector>
 
+#include "Base/Mutex.h"
 #include "Diagnostics/ProbeReport.h"
-#include "Engine/Mutex.h"
 #include "Force/ForceSensor.h"
 #include "Input/KeyMonitor.h"
 #include "Input/PlatformWords.h"

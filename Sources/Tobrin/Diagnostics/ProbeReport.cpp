@@ -5,7 +5,7 @@
 #include <cassert>
 #include <charconv>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 #include "Input/KeyLayout.h"
 
 namespace tobrin::probe {

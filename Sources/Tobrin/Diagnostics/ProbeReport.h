@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Engine/KeyEvent.h"
+#include "Base/KeyEvent.h"
 #include "Force/ForceRing.h"
 
 namespace tobrin::probe {

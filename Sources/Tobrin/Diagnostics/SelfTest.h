@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "Base/SerialQueue.h"
 #include "Engine/AudioDevice.h"
-#include "Engine/SerialQueue.h"
 #include "Force/ForceSensor.h"
 #include "Input/KeyMonitor.h"
 #include "Input/KeyTyper.h"

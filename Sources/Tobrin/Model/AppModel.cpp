@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "Engine/Log.h"
+#include "Base/Log.h"
 #include "Model/StatusTexts.h"
 #include "Packs/PackLibrary.h"
 

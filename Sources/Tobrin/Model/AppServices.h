@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "Base/SerialQueue.h"
 #include "Engine/AudioDevice.h"
 #include "Engine/DesktopServices.h"
-#include "Engine/SerialQueue.h"
 #include "Engine/SettingsStore.h"
 #include "Force/MotionSource.h"
 #include "Input/KeySource.h"

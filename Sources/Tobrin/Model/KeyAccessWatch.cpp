@@ -3,7 +3,7 @@
 #include <chrono>
 #include <utility>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 
 namespace tobrin {
 namespace {

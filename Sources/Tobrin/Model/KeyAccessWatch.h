@@ -8,7 +8,7 @@
 #include <memory>
 #include <optional>
 
-#include "Engine/SerialQueue.h"
+#include "Base/SerialQueue.h"
 #include "Input/KeyMonitor.h"
 
 namespace tobrin {

@@ -4,7 +4,7 @@
 #include <QTimer>
 #include <cassert>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 
 namespace tobrin {
 

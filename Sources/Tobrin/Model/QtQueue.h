@@ -4,7 +4,7 @@
 #include <QObject>
 #include <string>
 
-#include "Engine/SerialQueue.h"
+#include "Base/SerialQueue.h"
 
 namespace tobrin {
 

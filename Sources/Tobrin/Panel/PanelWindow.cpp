@@ -8,7 +8,7 @@
 #include <QTimer>
 #include <mutex>
 
-#include "Engine/Log.h"
+#include "Base/Log.h"
 #include "Panel/DesktopFrames.h"
 #include "Panel/InputFocus.h"
 #include "Panel/SymbolProvider.h"

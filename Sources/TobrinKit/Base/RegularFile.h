@@ -1,6 +1,5 @@
 /// Opens files that others supplied: only regular ones, so that a FIFO or a device in a pack folder
-/// can neither hang a load nor feed it without end. Owns its descriptor. The platform supplies the
-/// functions. Thread: any.
+/// can neither hang a load nor feed it without end. Owns its descriptor. Thread: any.
 #pragma once
 
 #include <cstdint>

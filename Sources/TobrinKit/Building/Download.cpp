@@ -5,7 +5,7 @@
 #include <memory>
 #include <string_view>
 
-#include "Building/AtomicFile.h"
+#include "Base/AtomicFile.h"
 
 namespace tobrin {
 namespace {

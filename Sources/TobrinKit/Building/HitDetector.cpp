@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Base/Biquad.h"
 #include "Building/RecordingSlicer.h"
-#include "Synth/Biquad.h"
 
 namespace tobrin {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "Synth/Biquad.h"
+#include "Base/Biquad.h"
 
 namespace tobrin {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "Building/JsonFields.h"
+#include "Base/JsonFields.h"
 #include "Building/RecordingAddress.h"
 
 namespace tobrin {

@@ -5,17 +5,17 @@
 #include <cstdio>
 #include <set>
 
-#include "Building/AtomicFile.h"
+#include "Base/AtomicFile.h"
+#include "Base/PackError.h"
+#include "Base/ParallelFor.h"
+#include "Base/RecipeError.h"
 #include "Building/DemoLoudness.h"
 #include "Building/HitFeatures.h"
 #include "Building/PackFolder.h"
-#include "Building/RecipeError.h"
 #include "Building/TakeCollection.h"
 #include "Building/TakeCutter.h"
-#include "Building/WAVWriter.h"
-#include "Packs/PackError.h"
 #include "Packs/PackManifest.h"
-#include "Synth/ParallelFor.h"
+#include "Packs/WAVWriter.h"
 
 namespace tobrin {
 namespace {

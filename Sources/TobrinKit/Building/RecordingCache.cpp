@@ -2,12 +2,12 @@
 #include <string>
 #include <system_error>
 
+#include "Base/AtomicFile.h"
+#include "Base/PackError.h"
 #include "Base/RegularFile.h"
-#include "Building/AtomicFile.h"
 #include "Building/Download.h"
 #include "Building/RecordedPackBuilder.h"
 #include "Building/RecordingConversion.h"
-#include "Packs/PackError.h"
 
 namespace tobrin {
 namespace {

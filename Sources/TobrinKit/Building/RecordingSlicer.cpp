@@ -5,13 +5,13 @@
 #include <cstdio>
 #include <utility>
 
+#include "Base/SplitMix64.h"
 #include "Building/HitDetector.h"
 #include "Building/HitFeatures.h"
 #include "Building/ReleaseMarking.h"
 #include "Building/TakeCutter.h"
 #include "Building/TierAssignment.h"
 #include "Building/WideKeyMarking.h"
-#include "Engine/SplitMix64.h"
 
 namespace tobrin {
 namespace {

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "Engine/KeyEvent.h"
+#include "Base/KeyEvent.h"
 
 namespace tobrin {
 

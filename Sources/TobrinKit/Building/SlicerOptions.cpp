@@ -1,4 +1,4 @@
-#include "Building/JsonFields.h"
+#include "Base/JsonFields.h"
 #include "Building/PackRecipe.h"
 
 namespace tobrin {

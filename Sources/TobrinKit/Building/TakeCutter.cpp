@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "Synth/Biquad.h"
+#include "Base/Biquad.h"
 
 namespace tobrin {
 namespace {

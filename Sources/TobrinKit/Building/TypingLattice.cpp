@@ -9,7 +9,7 @@
 #include <limits>
 #include <utility>
 
-#include "Engine/SplitMix64.h"
+#include "Base/SplitMix64.h"
 
 namespace tobrin {
 namespace {

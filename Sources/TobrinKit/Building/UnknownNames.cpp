@@ -4,9 +4,9 @@
 #include <numeric>
 #include <optional>
 
-#include "Building/JsonFields.h"
+#include "Base/JsonFields.h"
+#include "Base/KeyEvent.h"
 #include "Building/PackRecipe.h"
-#include "Engine/KeyEvent.h"
 #include "Packs/PackManifest.h"
 
 namespace tobrin {

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "Engine/Log.h"
+#include "Base/Log.h"
 
 namespace tobrin {
 namespace {

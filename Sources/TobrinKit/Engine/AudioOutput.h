@@ -10,8 +10,8 @@
 #include <optional>
 #include <string>
 
+#include "Base/Mutex.h"
 #include "Engine/AudioDevice.h"
-#include "Engine/Mutex.h"
 #include "TobrinMixer.h"
 
 namespace tobrin {

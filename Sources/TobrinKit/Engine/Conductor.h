@@ -11,11 +11,11 @@
 #include <memory>
 #include <string>
 
+#include "Base/KeyEvent.h"
+#include "Base/SerialQueue.h"
 #include "Engine/AudioOutput.h"
 #include "Engine/EngineSettings.h"
 #include "Engine/ForceStage.h"
-#include "Engine/KeyEvent.h"
-#include "Engine/SerialQueue.h"
 #include "Force/ForceSensor.h"
 #include "Packs/LoadedPack.h"
 

@@ -5,14 +5,14 @@
 #include <functional>
 #include <memory>
 
+#include "Base/KeyEvent.h"
+#include "Base/SerialQueue.h"
+#include "Base/SplitMix64.h"
 #include "Engine/DemonstrationPhrase.h"
 #include "Engine/EngineDevices.h"
 #include "Engine/EngineSettings.h"
 #include "Engine/ForceStage.h"
-#include "Engine/KeyEvent.h"
 #include "Engine/PressStrengths.h"
-#include "Engine/SerialQueue.h"
-#include "Engine/SplitMix64.h"
 #include "Engine/StrokeMeter.h"
 #include "Engine/VoicePlayer.h"
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "Engine/SplitMix64.h"
+#include "Base/SplitMix64.h"
 
 namespace tobrin {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 
 namespace tobrin {
 EngineDevices::EngineDevices(SerialQueue& queue, std::unique_ptr<AudioOutput> audio,

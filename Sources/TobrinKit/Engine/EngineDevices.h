@@ -6,9 +6,9 @@
 #include <memory>
 #include <utility>
 
+#include "Base/SerialQueue.h"
 #include "Engine/OutputKeeper.h"
 #include "Engine/SensorKeeper.h"
-#include "Engine/SerialQueue.h"
 
 namespace tobrin {
 

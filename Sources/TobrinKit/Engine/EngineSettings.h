@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "Engine/KeyEvent.h"
+#include "Base/KeyEvent.h"
 #include "Input/Hotkey.h"
 
 namespace tobrin {

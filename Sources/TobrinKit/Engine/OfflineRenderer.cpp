@@ -7,7 +7,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "Engine/SplitMix64.h"
+#include "Base/SplitMix64.h"
 #include "Engine/Voicing.h"
 #include "Force/ForceClassifier.h"
 #include "Input/KeyLayout.h"

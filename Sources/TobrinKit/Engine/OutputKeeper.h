@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "Base/SerialQueue.h"
 #include "Engine/AudioOutput.h"
-#include "Engine/SerialQueue.h"
 
 namespace tobrin {
 

@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-#include "Engine/SerialQueue.h"
+#include "Base/SerialQueue.h"
 #include "Force/ForceSensor.h"
 
 namespace tobrin {

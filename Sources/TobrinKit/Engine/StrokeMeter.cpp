@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 
 namespace tobrin {
 namespace {

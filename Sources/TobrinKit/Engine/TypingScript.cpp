@@ -3,7 +3,7 @@
 #include <array>
 #include <optional>
 
-#include "Engine/SplitMix64.h"
+#include "Base/SplitMix64.h"
 
 namespace tobrin {
 namespace {

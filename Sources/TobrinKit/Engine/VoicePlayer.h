@@ -7,9 +7,9 @@
 #include <memory>
 #include <optional>
 
+#include "Base/SplitMix64.h"
 #include "Engine/AudioOutput.h"
 #include "Engine/EngineSettings.h"
-#include "Engine/SplitMix64.h"
 #include "Engine/StrokeMeter.h"
 #include "Engine/Voicing.h"
 #include "Packs/LoadedPack.h"

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <span>
 
+#include "Base/KeyEvent.h"
 #include "Engine/EngineSettings.h"
-#include "Engine/KeyEvent.h"
 #include "Packs/LoadedPack.h"
 #include "TobrinMixer.h"
 

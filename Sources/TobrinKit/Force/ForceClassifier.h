@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "Engine/KeyEvent.h"
+#include "Base/KeyEvent.h"
 
 namespace tobrin {
 

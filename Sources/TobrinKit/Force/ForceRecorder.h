@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "Engine/Mutex.h"
+#include "Base/Mutex.h"
 #include "Force/ForceSensor.h"
 #include "Force/KeyTrace.h"
 #include "Force/MotionTrace.h"

@@ -5,7 +5,7 @@
 #include <system_error>
 #include <thread>
 
-#include "Engine/Mutex.h"
+#include "Base/Mutex.h"
 #include "Force/ImpactFilter.h"
 #include "Force/MotionReport.h"
 

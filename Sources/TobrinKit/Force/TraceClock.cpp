@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 
 namespace tobrin {
 

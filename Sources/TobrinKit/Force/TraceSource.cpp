@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 #include "Force/TraceCsv.h"
 
 namespace tobrin {

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <functional>
 
-#include "Engine/KeyEvent.h"
-#include "Engine/Mutex.h"
+#include "Base/KeyEvent.h"
+#include "Base/Mutex.h"
 #include "Input/Hotkey.h"
 
 namespace tobrin {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <initializer_list>
 
-#include "Engine/SplitMix64.h"
+#include "Base/SplitMix64.h"
 
 namespace tobrin {
 namespace {

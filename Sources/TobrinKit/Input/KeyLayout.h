@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "Engine/KeyEvent.h"
+#include "Base/KeyEvent.h"
 
 namespace tobrin {
 

@@ -15,9 +15,9 @@
 #include <string_view>
 #include <thread>
 
-#include "Engine/KeyEvent.h"
-#include "Engine/MachTime.h"
-#include "Engine/Mutex.h"
+#include "Base/KeyEvent.h"
+#include "Base/MachTime.h"
+#include "Base/Mutex.h"
 #include "Input/KeySource.h"
 #include "Input/ModifierTracker.h"
 

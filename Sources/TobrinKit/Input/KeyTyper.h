@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "Engine/KeyEvent.h"
+#include "Base/KeyEvent.h"
 
 namespace tobrin {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "Engine/KeyEvent.h"
+#include "Base/KeyEvent.h"
 
 namespace tobrin {
 

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "Engine/KeyEvent.h"
+#include "Base/KeyEvent.h"
 #include "Input/Hotkey.h"
 
 namespace tobrin {

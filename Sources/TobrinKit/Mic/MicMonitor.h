@@ -7,7 +7,7 @@
 #include <functional>
 #include <memory>
 
-#include "Engine/SerialQueue.h"
+#include "Base/SerialQueue.h"
 #include "Mic/MicActivity.h"
 #include "Mic/MicSource.h"
 

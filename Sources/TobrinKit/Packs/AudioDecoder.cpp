@@ -9,9 +9,9 @@
 #include <shared_mutex>
 #include <system_error>
 
+#include "Base/PackError.h"
 #include "Base/RegularFile.h"
 #include "Packs/FrameStore.h"
-#include "Packs/PackError.h"
 #include "Packs/Resampler.h"
 
 namespace tobrin {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "Packs/PackError.h"
+#include "Base/PackError.h"
 
 namespace tobrin {
 namespace {

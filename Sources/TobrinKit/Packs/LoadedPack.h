@@ -11,7 +11,7 @@
 #include <optional>
 #include <vector>
 
-#include "Engine/KeyEvent.h"
+#include "Base/KeyEvent.h"
 #include "Packs/PackManifest.h"
 #include "Packs/SampleBuffer.h"
 #include "TobrinMixer.h"

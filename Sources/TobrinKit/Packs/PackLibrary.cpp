@@ -5,9 +5,9 @@
 #include <map>
 #include <stdexcept>
 
+#include "Base/PackError.h"
+#include "Base/SystemFolders.h"
 #include "Packs/NameOrder.h"
-#include "Packs/PackError.h"
-#include "Packs/SystemFolders.h"
 
 namespace tobrin {
 namespace {

@@ -5,9 +5,9 @@
 #include <system_error>
 #include <thread>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
+#include "Base/PackError.h"
 #include "Packs/AudioDecoder.h"
-#include "Packs/PackError.h"
 
 namespace tobrin {
 namespace {

@@ -5,10 +5,10 @@
 #include <string_view>
 #include <system_error>
 
+#include "Base/PackError.h"
 #include "Base/ReadJson.h"
 #include "Base/RegularFile.h"
 #include "Packs/LoadedPack.h"
-#include "Packs/PackError.h"
 
 namespace tobrin {
 namespace {

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "Base/PackError.h"
 #include "Packs/AudioDecoder.h"
-#include "Packs/PackError.h"
 
 namespace tobrin {
 namespace {

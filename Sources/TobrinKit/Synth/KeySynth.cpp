@@ -6,7 +6,7 @@
 #include <numbers>
 #include <string>
 
-#include "Engine/SplitMix64.h"
+#include "Base/SplitMix64.h"
 #include "Synth/StereoRoom.h"
 #include "Synth/StrikeBuffer.h"
 #include "Synth/TakeSeed.h"

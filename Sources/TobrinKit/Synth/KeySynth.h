@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "Engine/KeyEvent.h"
+#include "Base/KeyEvent.h"
 #include "Synth/SynthProfile.h"
 
 namespace tobrin {

@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "Building/AtomicFile.h"
-#include "Building/WAVWriter.h"
+#include "Base/AtomicFile.h"
+#include "Base/ParallelFor.h"
 #include "Packs/PackManifest.h"
+#include "Packs/WAVWriter.h"
 #include "Synth/KeySynth.h"
-#include "Synth/ParallelFor.h"
 
 namespace tobrin {
 namespace {

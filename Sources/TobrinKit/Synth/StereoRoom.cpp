@@ -6,7 +6,7 @@
 #include <numbers>
 #include <utility>
 
-#include "Synth/Biquad.h"
+#include "Base/Biquad.h"
 #include "Synth/StrikeBuffer.h"
 
 namespace tobrin {

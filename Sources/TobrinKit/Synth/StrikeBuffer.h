@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "Engine/SplitMix64.h"
-#include "Synth/Biquad.h"
+#include "Base/Biquad.h"
+#include "Base/SplitMix64.h"
 
 namespace tobrin {
 

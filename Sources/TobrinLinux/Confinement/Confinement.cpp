@@ -11,7 +11,7 @@
 #include <string>
 #include <system_error>
 
-#include "Engine/Log.h"
+#include "Base/Log.h"
 
 namespace tobrin {
 namespace {

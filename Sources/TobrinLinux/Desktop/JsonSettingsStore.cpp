@@ -2,11 +2,11 @@
 
 #include <system_error>
 
+#include "Base/AtomicFile.h"
+#include "Base/FlushToDisk.h"
+#include "Base/Log.h"
 #include "Base/ReadJson.h"
 #include "Base/RegularFile.h"
-#include "Building/AtomicFile.h"
-#include "Engine/Log.h"
-#include "Files/FlushToDisk.h"
 
 namespace tobrin {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "Alsa/AlsaConfiguration.h"
 #include "Alsa/AlsaOutput.h"
+#include "Base/Log.h"
 #include "Desktop/FallbackAudioDevice.h"
-#include "Engine/Log.h"
 #include "PipeWire/PipeWireLoop.h"
 #include "PipeWire/PipeWireOutput.h"
 #include "Threads/RealtimeScheduling.h"

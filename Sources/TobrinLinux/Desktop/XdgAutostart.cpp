@@ -2,8 +2,8 @@
 
 #include <fstream>
 
-#include "Building/AtomicFile.h"
-#include "Files/FlushToDisk.h"
+#include "Base/AtomicFile.h"
+#include "Base/FlushToDisk.h"
 
 namespace tobrin {
 namespace {

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "Packs/SystemFolders.h"
+#include "Base/SystemFolders.h"
 
 namespace tobrin {
 namespace {

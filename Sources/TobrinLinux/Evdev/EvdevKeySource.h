@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "Engine/Mutex.h"
+#include "Base/Mutex.h"
 #include "Evdev/Keyboard.h"
 #include "Evdev/KeyboardList.h"
 #include "Evdev/SeatWatch.h"

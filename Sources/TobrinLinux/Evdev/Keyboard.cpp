@@ -8,7 +8,7 @@
 #include <ctime>
 #include <utility>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 
 namespace tobrin {
 namespace {

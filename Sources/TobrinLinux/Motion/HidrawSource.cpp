@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 #include "Motion/DeviceWatch.h"
 #include "Motion/Sysfs.h"
 #include "Motion/Waiting.h"

@@ -8,7 +8,7 @@
 #include <system_error>
 #include <utility>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 #include "Motion/DeviceWatch.h"
 #include "Motion/IioRate.h"
 #include "Motion/Waiting.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "Engine/Mutex.h"
+#include "Base/Mutex.h"
 
 namespace tobrin {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 #include "Evdev/KeyCodes.h"
 
 namespace tobrin {

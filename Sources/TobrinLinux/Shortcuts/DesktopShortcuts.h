@@ -8,8 +8,8 @@
 #include <optional>
 #include <string>
 
+#include "Base/Mutex.h"
 #include "Desktop/SessionKind.h"
-#include "Engine/Mutex.h"
 #include "Input/ChordRecognizer.h"
 #include "Input/ShortcutService.h"
 #include "Shortcuts/KeyNames.h"

@@ -8,7 +8,7 @@
 #include <fstream>
 #include <utility>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 #include "Evdev/KeyCodes.h"
 #include "X11/XConnection.h"
 

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <utility>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 #include "Threads/ThreadName.h"
 
 namespace tobrin {

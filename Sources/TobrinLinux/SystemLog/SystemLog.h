@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "Engine/Log.h"
+#include "Base/Log.h"
 
 namespace tobrin {
 

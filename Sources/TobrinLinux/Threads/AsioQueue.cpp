@@ -8,7 +8,7 @@
 #include <future>
 #include <thread>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 #include "Threads/ThreadName.h"
 
 namespace tobrin {

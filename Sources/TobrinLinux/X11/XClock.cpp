@@ -1,6 +1,6 @@
 #include "X11/XClock.h"
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 #include "X11/XConnection.h"
 
 namespace tobrin {

@@ -1,6 +1,6 @@
 #include "X11/XConnection.h"
 
-#include "Engine/Mutex.h"
+#include "Base/Mutex.h"
 
 namespace tobrin {
 

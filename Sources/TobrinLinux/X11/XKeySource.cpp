@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 #include "Evdev/KeyCodes.h"
 
 namespace tobrin {

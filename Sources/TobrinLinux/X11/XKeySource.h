@@ -7,7 +7,7 @@
 #include <map>
 #include <string>
 
-#include "Engine/Mutex.h"
+#include "Base/Mutex.h"
 #include "Evdev/HeldKeys.h"
 #include "Input/KeySource.h"
 #include "Threads/WakeEvent.h"

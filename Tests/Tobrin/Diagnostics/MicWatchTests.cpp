@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "Engine/MachTime.h"
-#include "Engine/VirtualQueue.h"
+#include "Base/MachTime.h"
+#include "Base/VirtualQueue.h"
 #include "Support/ScriptedMicSource.h"
 
 namespace tobrin {

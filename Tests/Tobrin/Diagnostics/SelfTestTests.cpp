@@ -4,9 +4,9 @@
 
 #include <sstream>
 
-#include "Engine/Log.h"
-#include "Engine/MachTime.h"
-#include "Engine/VirtualQueue.h"
+#include "Base/Log.h"
+#include "Base/MachTime.h"
+#include "Base/VirtualQueue.h"
 #include "Support/HandDrivenDevice.h"
 #include "Support/KeptText.h"
 #include "Support/ScriptedKeySource.h"

@@ -6,9 +6,9 @@
 #include <cmath>
 #include <numbers>
 
+#include "Base/SplitMix64.h"
 #include "Building/RecordedPackBuilder.h"
 #include "Building/TypingLattice.h"
-#include "Engine/SplitMix64.h"
 #include "Support/AudioFiles.h"
 #include "Support/KeptText.h"
 #include "Support/TempFolder.h"

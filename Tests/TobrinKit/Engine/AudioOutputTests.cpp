@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Engine/Log.h"
+#include "Base/Log.h"
 #include "Support/HandDrivenDevice.h"
 
 namespace tobrin {

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
-#include "Engine/Log.h"
-#include "Engine/MachTime.h"
-#include "Engine/VirtualQueue.h"
+#include "Base/Log.h"
+#include "Base/MachTime.h"
+#include "Base/VirtualQueue.h"
 #include "Force/MotionReport.h"
 #include "PlainVoicing.h"
 #include "Support/HandDrivenDevice.h"

@@ -11,8 +11,8 @@
 #include <numbers>
 #include <vector>
 
+#include "Base/SplitMix64.h"
 #include "Engine/EngineSettings.h"
-#include "Engine/SplitMix64.h"
 #include "Input/KeyLayout.h"
 #include "Support/TestPack.h"
 #include "TobrinMixer/ReferenceMixer.h"

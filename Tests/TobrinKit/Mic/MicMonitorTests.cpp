@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "Engine/MachTime.h"
-#include "Engine/VirtualQueue.h"
+#include "Base/MachTime.h"
+#include "Base/VirtualQueue.h"
 #include "Support/ScriptedMicSource.h"
 
 namespace tobrin {

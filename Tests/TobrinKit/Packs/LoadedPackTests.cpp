@@ -5,7 +5,7 @@
 #include <cmath>
 #include <random>
 
-#include "Packs/PackError.h"
+#include "Base/PackError.h"
 #include "Packs/PackLoader.h"
 #include "Support/AudioFiles.h"
 #include "Support/Failure.h"

@@ -1,4 +1,4 @@
-#include "Engine/KeyEvent.h"
+#include "Base/KeyEvent.h"
 
 #include <algorithm>
 #include <string>

@@ -1,4 +1,4 @@
-#include "Engine/MachTime.h"
+#include "Base/MachTime.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "Packs/SystemFolders.h"
+#include "Base/SystemFolders.h"
 
 #include <pwd.h>
 #include <unistd.h>

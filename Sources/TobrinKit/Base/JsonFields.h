@@ -8,7 +8,7 @@
 #include <string>
 
 #include "Base/ReadJson.h"
-#include "Building/RecipeError.h"
+#include "Base/RecipeError.h"
 
 namespace tobrin {
 

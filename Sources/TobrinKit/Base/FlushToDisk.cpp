@@ -1,4 +1,4 @@
-#include "Files/FlushToDisk.h"
+#include "Base/FlushToDisk.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "Files/Retried.h"
+#include "Base/Retried.h"
 
 namespace tobrin {
 namespace {

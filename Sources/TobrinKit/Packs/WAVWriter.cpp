@@ -1,12 +1,12 @@
-#include "Building/WAVWriter.h"
+#include "Packs/WAVWriter.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 
-#include "Building/AtomicFile.h"
-#include "Engine/SplitMix64.h"
+#include "Base/AtomicFile.h"
+#include "Base/SplitMix64.h"
 
 namespace tobrin {
 namespace {

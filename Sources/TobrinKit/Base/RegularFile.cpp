@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "Files/Retried.h"
+#include "Base/Retried.h"
 
 namespace tobrin {
 namespace {

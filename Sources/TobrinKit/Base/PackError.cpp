@@ -1,4 +1,4 @@
-#include "Packs/PackError.h"
+#include "Base/PackError.h"
 
 #include <system_error>
 

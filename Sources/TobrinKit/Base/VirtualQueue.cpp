@@ -1,4 +1,4 @@
-#include "Engine/VirtualQueue.h"
+#include "Base/VirtualQueue.h"
 
 #include <algorithm>
 #include <cassert>

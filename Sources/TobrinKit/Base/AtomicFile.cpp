@@ -1,4 +1,4 @@
-#include "Building/AtomicFile.h"
+#include "Base/AtomicFile.h"
 
 #include <atomic>
 #include <cerrno>

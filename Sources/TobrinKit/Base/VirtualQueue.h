@@ -8,8 +8,8 @@
 #include <string>
 #include <utility>
 
-#include "Engine/Mutex.h"
-#include "Engine/SerialQueue.h"
+#include "Base/Mutex.h"
+#include "Base/SerialQueue.h"
 
 namespace tobrin {
 

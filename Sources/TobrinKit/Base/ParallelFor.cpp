@@ -1,4 +1,4 @@
-#include "Synth/ParallelFor.h"
+#include "Base/ParallelFor.h"
 
 #include <algorithm>
 #include <atomic>

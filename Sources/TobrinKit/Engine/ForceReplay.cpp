@@ -1,4 +1,4 @@
-#include "Force/ForceReplay.h"
+#include "Engine/ForceReplay.h"
 
 #include <algorithm>
 #include <array>
@@ -7,9 +7,9 @@
 #include <memory>
 #include <utility>
 
+#include "Base/MachTime.h"
+#include "Base/VirtualQueue.h"
 #include "Engine/Conductor.h"
-#include "Engine/MachTime.h"
-#include "Engine/VirtualQueue.h"
 #include "Force/TraceSource.h"
 
 namespace tobrin {

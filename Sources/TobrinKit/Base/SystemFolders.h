@@ -1,5 +1,4 @@
-/// What only the system knows about this process. The platform supplies both functions. Thread:
-/// any.
+/// What only the system knows about this process. Thread: any.
 #pragma once
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "Building/FloatWAVWriter.h"
+#include "Packs/FloatWAVWriter.h"
 
 #include <sndfile.h>
 
@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "Building/AtomicFile.h"
+#include "Base/AtomicFile.h"
 
 namespace tobrin {
 namespace {

@@ -1,9 +1,9 @@
-#include "Engine/Log.h"
+#include "Base/Log.h"
 
 #include <cstdio>
 #include <utility>
 
-#include "Engine/Mutex.h"
+#include "Base/Mutex.h"
 
 namespace tobrin {
 namespace {

@@ -1,4 +1,4 @@
-#include "Synth/Biquad.h"
+#include "Base/Biquad.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "Files/ExchangeFolders.h"
+#include "Base/ExchangeFolders.h"
 
 #include <fcntl.h>
 
