@@ -150,11 +150,19 @@ EngineSettings AppModel::effectiveSettings() const {
   return effective;
 }
 
+SoundState AppModel::soundState() const {
+  return tobrin::soundState({.hasKeyAccess = hasPermission(),
+                             .hasSound = soundProblem_.empty(),
+                             .hasPack = !packError_,
+                             .isOn = settings_.enabled,
+                             .isInCall = gate().state() == PlaybackGate::State::pausedForCall,
+                             .volume = settings_.volume});
+}
+
 std::string AppModel::statusLine() const {
   const PackInfo* pack = selectedPack();
   return StatusTexts::statusLine(
-      {.hasPermission = hasPermission(),
-       .gate = gate(),
+      {.sound = soundState(),
        .packName = pack != nullptr ? std::optional(pack->name) : std::nullopt,
        .forceSensing = settings_.forceSensing && sensorAvailable_,
        .sensorWorks = sensorProblem_.empty()},
@@ -194,6 +202,7 @@ void AppModel::sensorChanged(const std::string& problem) {
 void AppModel::outputProblemChanged(const std::string& problem) {
   soundProblem_ = problem.empty() ? "" : "No sound: " + problem + ".";
   emit outputChanged();
+  emit statusChanged();
 }
 
 // Shortcut
@@ -310,6 +319,7 @@ void AppModel::setPackError(std::optional<std::string> text) {
   packError_ = std::move(text);
   if (packError_) Log::line(*packError_);
   emit packErrorChanged();
+  emit statusChanged();
 }
 
 // The panel's other actions
@@ -323,6 +333,17 @@ void AppModel::menuOpened() {
 
 void AppModel::audition() {
   conductor_->audition();
+}
+
+void AppModel::playOneKey() {
+  if (!preview_) conductor_->demonstrateKey();
+}
+
+void AppModel::mute() {
+  EngineSettings changed = settings_;
+  if (settings_.volume > 0) volumeBeforeMute_ = settings_.volume;
+  changed.volume = settings_.volume > 0 ? 0 : volumeBeforeMute_;
+  setSettings(changed);
 }
 
 void AppModel::readLoginItem() {

@@ -19,6 +19,7 @@
 #include "Model/AppServices.h"
 #include "Model/KeyAccessWatch.h"
 #include "Model/SettingsSaver.h"
+#include "Model/SoundState.h"
 
 namespace tobrin {
 
@@ -70,6 +71,8 @@ class AppModel final : public QObject {
   /// Why nothing can be heard, in a sentence; empty while it can.
   [[nodiscard]] const std::string& soundProblem() const { return soundProblem_; }
 
+  /// Whether keys can be heard now, or what is in the way.
+  [[nodiscard]] SoundState soundState() const;
   [[nodiscard]] std::string statusLine() const;
   /// Why the shortcut does not work, in words; nothing while it does or is off.
   [[nodiscard]] std::optional<std::string> shortcutProblem() const;
@@ -90,6 +93,10 @@ class AppModel final : public QObject {
   void setLaunchAtLogin(bool on);
   void relaunch();
   void audition();
+  /// Lets one key be heard, to judge how loud keys are.
+  void playOneKey();
+  /// Volume to nothing, and back to what it was.
+  void mute();
   void openPacksFolder();
   void openKeyAccessSettings();
   void toggleEnabled();
@@ -109,7 +116,7 @@ class AppModel final : public QObject {
   void micInUseChanged();
   void shortcutStatusChanged();
   void outputChanged();  ///< what the sound goes through, or soundProblem
-  void statusChanged();  ///< statusLine, the gate's state or sensorProblem may differ
+  void statusChanged();  ///< statusLine, soundState or sensorProblem may differ
 
  private:
   void readSavedState(const std::optional<Preview>& preview);
@@ -145,6 +152,7 @@ class AppModel final : public QObject {
   std::optional<std::string> packError_;
   std::string keyAccessProblem_;
   std::string sensorProblem_;
+  float volumeBeforeMute_ = EngineSettings().volume;
   std::string soundProblem_;
   std::optional<ForceReading> lastForce_;
   bool launchAtLogin_ = false;

@@ -3,13 +3,21 @@
 namespace tobrin {
 
 std::string StatusTexts::statusLine(const State& state, const PlatformWords& words) {
-  if (!state.hasPermission) return std::string(words.needsKeyAccess);
-  switch (state.gate.state()) {
-    case PlaybackGate::State::off:
+  switch (state.sound) {
+    case SoundState::noKeyAccess:
+      return std::string(words.needsKeyAccess);
+    case SoundState::noSound:
+      return "No sound";
+    case SoundState::packBroken:
+      if (state.packName) return *state.packName + " can't be played";
+      break;
+    case SoundState::off:
       return "Off";
-    case PlaybackGate::State::pausedForCall:
+    case SoundState::pausedForCall:
       return "Paused while the mic is in use";
-    case PlaybackGate::State::playing:
+    case SoundState::muted:
+      return "Muted";
+    case SoundState::playing:
       break;
   }
   const char* const strength = !state.forceSensing ? "Fixed strength"

@@ -4,16 +4,15 @@
 #include <optional>
 #include <string>
 
-#include "Engine/PlaybackGate.h"
 #include "Input/GlobalHotkey.h"
 #include "Input/PlatformWords.h"
+#include "Model/SoundState.h"
 
 namespace tobrin {
 
 struct StatusTexts {
   struct State {
-    bool hasPermission = false;
-    PlaybackGate gate;
+    SoundState sound = SoundState::playing;
     std::optional<std::string> packName;  ///< absent: no pack
     bool forceSensing = false;            ///< wanted, and a sensor is there
     bool sensorWorks = true;

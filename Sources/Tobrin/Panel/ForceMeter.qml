@@ -17,6 +17,7 @@ ColumnLayout {
         implicitHeight: Math.round(Theme.textSize * 0.66)
         radius: height / 2
         color: Theme.groove
+        border.color: Theme.edge
         Accessible.role: Accessible.ProgressBar
         Accessible.name: caption.text
 
@@ -28,8 +29,8 @@ ColumnLayout {
             height: parent.height
             radius: height / 2
             color: Theme.tierColors[meter.reading.readingTier]
-            Behavior on width { NumberAnimation { duration: 120; easing.type: Easing.OutCubic } }
-            Behavior on color { ColorAnimation { duration: 120 } }
+            Behavior on width { NumberAnimation { duration: Theme.quick; easing.type: Easing.OutCubic } }
+            Behavior on color { ColorAnimation { duration: Theme.quick } }
         }
         Repeater {
             model: meter.fullScale - 1
@@ -48,7 +49,7 @@ ColumnLayout {
     PanelText {
         id: caption
         Layout.fillWidth: true
-        text: meter.reading.hasReading ? meter.reading.readingCaption : "Type to see how hard you hit"
+        text: meter.reading.hasReading ? meter.reading.readingCaption : qsTr("Type to see how hard you hit")
         small: true
         secondary: true
     }

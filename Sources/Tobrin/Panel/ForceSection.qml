@@ -13,13 +13,13 @@ ColumnLayout {
     spacing: Theme.unit * 1.5
 
     SectionLabel {
-        text: "Force"
+        text: qsTr("Force")
     }
     Card {
         PanelSwitch {
             Layout.fillWidth: true
             visible: section.model.sensorAvailable
-            text: "Feel how hard you type"
+            text: qsTr("Feel how hard you type")
             checked: section.model.forceSensing
             onToggled: section.model.forceSensing = checked
         }
@@ -28,7 +28,8 @@ ColumnLayout {
             Layout.topMargin: Theme.unit * 1.5
             Layout.bottomMargin: Theme.gap
             visible: !section.model.sensorAvailable || (section.wanted && !section.measuring)
-            text: section.model.sensorAvailable ? "The motion sensor does not work: " + section.model.sensorProblem + ". Until it does, the strength below is used." : section.model.noSensorNote
+            text: !section.model.sensorAvailable ? section.model.noSensorNote
+                  : qsTr("The motion sensor does not work: %1. Until it does, the strength below is used.").arg(section.model.sensorProblem)
             small: true
             secondary: true
         }
@@ -40,15 +41,16 @@ ColumnLayout {
             spacing: Theme.inset
 
             PanelText {
-                text: "Sensitivity"
+                text: qsTr("Sensitivity")
                 Accessible.ignored: true
             }
             PanelSlider {
                 Layout.fillWidth: true
-                label: "Sensitivity"
+                label: qsTr("Sensitivity")
                 from: 0.25
                 to: 4
                 value: section.model.sensitivity
+                valueText: qsTr("%1×").arg(Number(value).toLocaleString(Qt.locale(), "f", 2))
                 onMoved: section.model.sensitivity = value
             }
         }
@@ -67,12 +69,12 @@ ColumnLayout {
             spacing: Theme.inset
 
             PanelText {
-                text: "Strength"
+                text: qsTr("Strength")
                 Accessible.ignored: true
             }
             PanelPicker {
                 Layout.fillWidth: true
-                label: "Strength"
+                label: qsTr("Strength")
                 choices: Theme.tierNames
                 current: section.model.fixedTier
                 onChosen: index => section.model.fixedTier = index

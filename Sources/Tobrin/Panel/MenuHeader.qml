@@ -17,7 +17,7 @@ RowLayout {
         color: header.model.playing ? Theme.accent : Theme.surface
         border.width: header.model.playing ? 0 : 1
         border.color: Theme.outline
-        Behavior on color { ColorAnimation { duration: 120 } }
+        Behavior on color { ColorAnimation { duration: Theme.quick } }
 
         Symbol {
             anchors.centerIn: parent
@@ -37,15 +37,17 @@ RowLayout {
             font.weight: Font.Bold
             Accessible.role: Accessible.Heading
         }
-        PanelText {
+        ShortText {
             Layout.fillWidth: true
+            Layout.preferredWidth: 1
             text: header.model.statusLine
+            lines: 2
             small: true
             secondary: true
         }
     }
     PanelSwitch {
-        text: "Sounds"
+        text: qsTr("Sounds")
         labelHidden: true
         checked: header.model.soundsOn
         onToggled: header.model.soundsOn = checked

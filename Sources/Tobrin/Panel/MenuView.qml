@@ -1,7 +1,7 @@
-// The whole panel, top to bottom. Scrolls where the screen is too low for it.
+// The whole panel, top to bottom. Header and footer stay where they are; what is between them
+// scrolls where the screen is too low for it.
 import QtQuick
 import QtQuick.Layouts
-import QtQuick.Templates as T
 import Tobrin
 
 Rectangle {
@@ -9,62 +9,56 @@ Rectangle {
 
     required property PanelModel model
     property bool dark: false
+    property bool highContrast: false
+    property bool reducedMotion: false
     property bool framed: false
     property bool titled: false
-    readonly property real fullHeight: content.y + content.implicitHeight + Theme.margin
-    readonly property Item focused: Window.activeFocusItem
+    readonly property real topMargin: titled ? 0 : Theme.margin
 
     implicitWidth: Theme.panelWidth
-    implicitHeight: fullHeight + titleBar.height
+    implicitHeight: titleBar.height + topMargin + header.implicitHeight + content.implicitHeight + footer.implicitHeight
+                    + 2 * Theme.inset + Theme.margin
     color: Theme.background
+    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.childrenInherit: true
     Accessible.role: Accessible.Pane
     Accessible.name: "Tobrin"
-    onFocusedChanged: scroller.show(focused)
 
-    Binding {
-        target: Theme
-        property: "dark"
-        value: panel.dark
+    Binding { target: Theme; property: "dark"; value: panel.dark }
+    Binding { target: Theme; property: "highContrast"; value: panel.highContrast }
+    Binding { target: Theme; property: "reducedMotion"; value: panel.reducedMotion }
+    Shortcut {
+        sequences: [StandardKey.Close]
+        onActivated: panel.Window.window.close()
     }
-    Flickable {
-        id: scroller
-        anchors.fill: parent
-        anchors.topMargin: titleBar.height
-        contentHeight: panel.fullHeight
-        boundsBehavior: Flickable.StopAtBounds
-        interactive: contentHeight > height
-        T.ScrollBar.vertical: T.ScrollBar {
-            visible: scroller.interactive
-            implicitWidth: implicitContentWidth + 2 * padding
-            padding: Theme.unit / 2
-            contentItem: Rectangle {
-                implicitWidth: Theme.unit
-                radius: width / 2
-                color: Theme.control
-            }
-        }
+    Shortcut {
+        sequences: [StandardKey.Quit]
+        onActivated: panel.model.quit()
+    }
 
-        // Whoever moves by keyboard sees where to.
-        function show(control) {
-            if (!control || !interactive || control.height > height / 2)
-                return;
-            const top = control.mapToItem(contentItem, 0, 0).y - Theme.margin;
-            const bottom = top + control.height + 2 * Theme.margin;
-            const least = Math.min(contentHeight - height, bottom - height);
-            contentY = Math.max(0, least, Math.min(contentY, top));
-        }
+    TitleBar {
+        id: titleBar
+        width: panel.width
+        height: visible ? implicitHeight : 0
+        visible: panel.titled
+    }
+    MenuHeader {
+        id: header
+        anchors { top: titleBar.bottom; left: parent.left; right: parent.right; margins: Theme.margin; topMargin: panel.topMargin }
+        model: panel.model
+    }
+    PanelScroller {
+        id: scroller
+        anchors { top: header.bottom; bottom: footer.top; left: parent.left; right: parent.right; topMargin: Theme.inset; bottomMargin: Theme.inset }
+        contentHeight: content.implicitHeight
+        pinned: volume
 
         ColumnLayout {
             id: content
             x: Theme.margin
-            y: panel.titled ? 0 : Theme.margin
             width: panel.width - 2 * Theme.margin
             spacing: Theme.inset
 
-            MenuHeader {
-                Layout.fillWidth: true
-                model: panel.model
-            }
             WarningLine {
                 Layout.fillWidth: true
                 text: panel.model.soundProblem
@@ -77,26 +71,15 @@ Rectangle {
                 Layout.fillWidth: true
                 model: panel.model
             }
-            Card {
-                RowLayout {
-                    Layout.fillWidth: true
-                    Layout.minimumHeight: Theme.rowHeight
-                    spacing: Theme.gap
+            Item {
+                Layout.fillWidth: true
+                implicitHeight: volume.implicitHeight
+                z: 1
 
-                    Symbol {
-                        Layout.rightMargin: -Theme.gap
-                        name: "speaker"
-                        color: Theme.secondaryText
-                    }
-                    PanelSlider {
-                        Layout.fillWidth: true
-                        label: "Volume"
-                        from: 0
-                        to: 1
-                        value: panel.model.volume
-                        onMoved: panel.model.volume = value
-                    }
-                    Symbol { name: "speaker-wave"; color: Theme.secondaryText }
+                VolumeSection {
+                    id: volume
+                    width: parent.width
+                    model: panel.model
                 }
             }
             ForceSection {
@@ -108,31 +91,12 @@ Rectangle {
                 Layout.fillWidth: true
                 model: panel.model
             }
-            Hairline { color: Theme.outline }
-            RowLayout {
-                Layout.fillWidth: true
-
-                PanelButton {
-                    Layout.fillWidth: true
-                    Layout.maximumWidth: implicitWidth
-                    text: "Packs Folder…"
-                    onClicked: panel.model.openPacksFolder()
-                }
-                Item { Layout.fillWidth: true }
-                PanelButton {
-                    Layout.fillWidth: true
-                    Layout.maximumWidth: implicitWidth
-                    text: "Quit"
-                    onClicked: panel.model.quit()
-                }
-            }
         }
     }
-    TitleBar {
-        id: titleBar
-        width: panel.width
-        height: visible ? implicitHeight : 0
-        visible: panel.titled
+    PanelFooter {
+        id: footer
+        anchors { bottom: parent.bottom; left: parent.left; right: parent.right; margins: Theme.margin }
+        model: panel.model
     }
     Rectangle {
         anchors.fill: parent

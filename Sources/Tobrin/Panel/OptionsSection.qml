@@ -10,21 +10,21 @@ Card {
 
     PanelSwitch {
         Layout.fillWidth: true
-        text: "Key release sounds"
+        text: qsTr("Key release sounds")
         checked: section.model.releaseSounds
         onToggled: section.model.releaseSounds = checked
     }
     Hairline { }
     PanelSwitch {
         Layout.fillWidth: true
-        text: "Stereo by key position"
+        text: qsTr("Stereo by key position")
         checked: section.model.stereo
         onToggled: section.model.stereo = checked
     }
     Hairline { }
     PanelSwitch {
         Layout.fillWidth: true
-        text: "Quiet during calls"
+        text: qsTr("Quiet during calls")
         checked: section.model.quietDuringCalls
         onToggled: section.model.quietDuringCalls = checked
         Accessible.description: quietNote.text
@@ -34,7 +34,7 @@ Card {
         Layout.fillWidth: true
         Layout.rightMargin: Theme.inset
         Layout.bottomMargin: Theme.gap
-        text: "Pause while any app is using the microphone, and resume when it's free. Tobrin never listens to it."
+        text: qsTr("Pause while any app is using the microphone, and resume when it's free. Tobrin never listens to it.")
         small: true
         secondary: true
     }
@@ -42,7 +42,7 @@ Card {
     PanelSwitch {
         id: login
         Layout.fillWidth: true
-        text: "Open at login"
+        text: qsTr("Open at login")
         checked: section.model.launchAtLogin
         onToggled: {
             section.model.launchAtLogin = checked;

@@ -1,4 +1,5 @@
-// Details of the selected pack, or why it does not play.
+// Details of the selected pack, or why it does not play. Every pack gets the same room, so that the
+// page stands still while packs are tried one after the other.
 import QtQuick
 import QtQuick.Layouts
 import Tobrin
@@ -22,32 +23,55 @@ ColumnLayout {
             name: "warning"
             color: Theme.warning
         }
-        PanelText {
+        ShortText {
             Layout.fillWidth: true
+            Layout.preferredWidth: 1
+            Layout.minimumHeight: title.lineHeight + summary.reserved + origin.lineHeight
             text: detail.model.packError
+            lines: 5
             color: Theme.warning
             Accessible.role: Accessible.AlertMessage
         }
     }
-    PanelText {
+    ShortText {
+        id: title
         Layout.fillWidth: true
         visible: detail.hasPack
         text: detail.hasPack ? detail.pack.name + " · " + detail.pack.kind : ""
         font.weight: Font.DemiBold
     }
-    PanelText {
+    ShortText {
+        id: summary
+
+        // As many lines as the longest summary of all packs takes, three at most.
+        readonly property int reservedLines: {
+            const longest = detail.model.packs.reduce((most, pack) => Math.max(most, metrics.advanceWidth(pack.summary)), 0);
+            return Math.max(1, Math.min(lines, Math.ceil(longest * 1.1 / Math.max(1, width))));
+        }
+        readonly property real reserved: reservedLines * lineHeight
+
         Layout.fillWidth: true
-        visible: text !== ""
+        Layout.preferredWidth: 1
+        Layout.minimumHeight: reserved
+        visible: detail.hasPack
         text: detail.hasPack ? detail.pack.summary : ""
+        lines: 3
         small: true
     }
-    PanelText {
+    ShortText {
+        id: origin
         Layout.fillWidth: true
-        visible: text !== ""
-        text: detail.hasPack ? [detail.pack.author, detail.pack.license].filter(each => each).join(" · ") : ""
+        Layout.preferredWidth: 1
+        Layout.minimumHeight: lineHeight
+        visible: detail.hasPack
+        text: detail.hasPack ? detail.pack.origin : ""
         small: true
         secondary: true
-        maximumLineCount: 4
-        elide: Text.ElideRight
+
+        HoverHandler { id: pointer }
+        PanelTip {
+            visible: pointer.hovered && origin.truncated
+            text: origin.text
+        }
     }
 }

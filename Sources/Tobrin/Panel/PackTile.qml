@@ -1,4 +1,5 @@
-// One pack of the grid; `chosen` is the action of choosing it.
+// One pack of the grid; `chosen` is the action of choosing it. What a pack is called never takes
+// more room than a tile has.
 import QtQuick
 import QtQuick.Templates as T
 import Tobrin
@@ -8,12 +9,13 @@ T.RadioButton {
 
     required property var pack
     property bool selected: false
+    property int nameLines: 1
     signal chosen
 
     checked: selected
-    implicitHeight: implicitContentHeight + topPadding + bottomPadding
     horizontalPadding: Theme.gap
-    verticalPadding: Theme.unit * 1.75
+    verticalPadding: Theme.unit * 1.5
+    implicitHeight: Math.ceil(name.lineHeight * nameLines + kind.lineHeight) + topPadding + bottomPadding
     Accessible.name: pack.name + ", " + pack.kind
     Accessible.onPressAction: chosen()
     Accessible.onToggleAction: chosen()
@@ -21,25 +23,30 @@ T.RadioButton {
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
 
+    PanelTip {
+        visible: (tile.hovered || tile.visualFocus) && (name.truncated || kind.truncated)
+        text: tile.pack.name + "\n" + tile.pack.kind
+    }
+
     background: Rectangle {
         radius: Theme.radius
-        color: tile.selected ? Theme.accentTint : tile.hovered ? Theme.hover : Theme.surface
+        color: tile.down ? Theme.pressed : tile.selected ? Theme.accentTint : tile.hovered ? Theme.hover : Theme.surface
         border.width: tile.selected ? 2 : 1
-        border.color: tile.selected ? Theme.accent : Theme.outline
-        opacity: tile.down ? 0.7 : 1
-        FocusRing { control: tile }
+        border.color: tile.selected ? Theme.accent : Theme.edge
+        FocusRing { control: tile; distance: -6 }
     }
     contentItem: Column {
-        spacing: 1
-
-        PanelText {
+        ShortText {
+            id: name
             width: parent.width
             text: tile.pack.name
+            lines: tile.nameLines
             font.weight: Font.DemiBold
             color: tile.selected ? Theme.accent : Theme.text
             Accessible.ignored: true
         }
-        PanelText {
+        ShortText {
+            id: kind
             width: parent.width
             text: tile.pack.kind
             secondary: true

@@ -14,8 +14,28 @@ QString text(std::string_view utf8) {
   return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
+/// Words that strangers wrote, in one line: what would break it or turn the direction of the texts
+/// beside it is left out.
+QString strangersText(const std::optional<std::string>& utf8) {
+  if (!utf8) return {};
+  QString line = text(*utf8).simplified();
+  line.removeIf([](QChar each) {
+    return each.category() == QChar::Other_Control || (each >= u'\u202a' && each <= u'\u202e') ||
+           (each >= u'\u2066' && each <= u'\u2069');
+  });
+  return line;
+}
+
 QString textOrNone(const std::optional<std::string>& utf8) {
   return utf8 ? text(*utf8) : QString();
+}
+
+/// Author and licence, the author once where the licence names them.
+QString origin(const PackManifest& manifest) {
+  const QString author = strangersText(manifest.author);
+  const QString license = strangersText(manifest.license);
+  if (author.isEmpty() || license.contains(author)) return license;
+  return license.isEmpty() ? author : author + " · " + license;
 }
 
 }  // namespace
@@ -45,7 +65,7 @@ void PanelModel::change(Field EngineSettings::*field, Value value) {
 // State
 
 QString PanelModel::statusLine() const {
-  return text(model_.statusLine());
+  return strangersText(model_.statusLine());
 }
 QString PanelModel::keyAccessTitle() const {
   return text(model_.words().keyAccessTitle);
@@ -56,8 +76,26 @@ QString PanelModel::keyAccessButton() const {
 QString PanelModel::noSensorNote() const {
   return text(model_.words().forceNeedsSensor);
 }
+QString PanelModel::previewProblem() const {
+  switch (model_.soundState()) {
+    case SoundState::noKeyAccess:
+    case SoundState::playing:
+      return {};
+    case SoundState::noSound:
+      return soundProblem();
+    case SoundState::packBroken:
+      return packError();
+    case SoundState::off:
+      return tr("Sounds are off.");
+    case SoundState::pausedForCall:
+      return tr("Sounds pause while the mic is in use.");
+    case SoundState::muted:
+      return tr("The volume is at 0.");
+  }
+  return {};
+}
 bool PanelModel::playing() const {
-  return model_.gate().isPlaying();
+  return model_.soundState() == SoundState::playing;
 }
 bool PanelModel::hasPermission() const {
   return model_.hasPermission();
@@ -80,7 +118,10 @@ QVariantList PanelModel::packs() const {
   QVariantList list;
   for (const PackInfo& pack : model_.packs()) {
     list.append(
-        QVariantMap{{"id", text(pack.id)}, {"name", text(pack.name)}, {"kind", text(pack.kind)}});
+        QVariantMap{{"id", text(pack.id)},
+                    {"name", strangersText(pack.name)},
+                    {"kind", strangersText(pack.kind)},
+                    {"summary", strangersText(pack.summary)}});
   }
   return list;
 }
@@ -92,21 +133,17 @@ QString PanelModel::selectedPackID() const {
 QVariantMap PanelModel::selectedPack() const {
   const PackInfo* pack = model_.selectedPack();
   if (pack == nullptr) return {};
-  QVariantMap details{{"name", text(pack->name)},
-                      {"kind", text(pack->kind)},
-                      {"summary", textOrNone(pack->summary)},
-                      {"author", QString()},
-                      {"license", QString()}};
+  QVariantMap details{{"name", strangersText(pack->name)},
+                      {"kind", strangersText(pack->kind)},
+                      {"summary", strangersText(pack->summary)},
+                      {"origin", QString()}};
   const auto& manifest = model_.loadedManifest();
-  if (manifest && manifest->id == pack->id) {
-    details["author"] = textOrNone(manifest->author);
-    details["license"] = textOrNone(manifest->license);
-  }
+  if (manifest && manifest->id == pack->id) details["origin"] = origin(*manifest);
   return details;
 }
 
 QString PanelModel::packError() const {
-  return textOrNone(model_.packError());
+  return strangersText(model_.packError());
 }
 
 // Settings
@@ -239,6 +276,12 @@ void PanelModel::select(const QString& packID) {
 }
 void PanelModel::preview() {
   model_.audition();
+}
+void PanelModel::playOneKey() {
+  model_.playOneKey();
+}
+void PanelModel::mute() {
+  model_.mute();
 }
 void PanelModel::openSettings() {
   model_.openKeyAccessSettings();

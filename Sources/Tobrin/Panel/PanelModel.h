@@ -22,6 +22,7 @@ class PanelModel final : public QObject {
   Q_PROPERTY(QString keyAccessTitle READ keyAccessTitle CONSTANT)
   Q_PROPERTY(QString keyAccessButton READ keyAccessButton CONSTANT)
   Q_PROPERTY(QString noSensorNote READ noSensorNote CONSTANT)
+  Q_PROPERTY(QString previewProblem READ previewProblem NOTIFY statusChanged)
   Q_PROPERTY(bool playing READ playing NOTIFY statusChanged)
   Q_PROPERTY(bool hasPermission READ hasPermission NOTIFY permissionChanged)
   Q_PROPERTY(bool needsRelaunch READ needsRelaunch NOTIFY permissionChanged)
@@ -67,15 +68,17 @@ class PanelModel final : public QObject {
   [[nodiscard]] QString keyAccessTitle() const;
   [[nodiscard]] QString keyAccessButton() const;
   [[nodiscard]] QString noSensorNote() const;
+  /// Why a preview could not be heard now; empty where it can.
+  [[nodiscard]] QString previewProblem() const;
   [[nodiscard]] bool playing() const;
   [[nodiscard]] bool hasPermission() const;
   [[nodiscard]] bool needsRelaunch() const;
   [[nodiscard]] QString keyAccessProblem() const;
   [[nodiscard]] QString soundProblem() const;  ///< empty while there is none
-  [[nodiscard]] QVariantList packs() const;    ///< maps of id, name, kind
+  [[nodiscard]] QVariantList packs() const;    ///< maps of id, name, kind, summary
   [[nodiscard]] QString selectedPackID() const;
   [[nodiscard]] QVariantMap selectedPack()
-      const;  ///< name, kind, summary, author, license; or empty
+      const;  ///< name, kind, summary, origin; or empty
   [[nodiscard]] QString packError() const;
   [[nodiscard]] bool soundsOn() const;
   [[nodiscard]] double volume() const;  ///< linear, 0 to 1 on the slider
@@ -113,6 +116,8 @@ class PanelModel final : public QObject {
   Q_INVOKABLE void menuOpened();
   Q_INVOKABLE void select(const QString& packID);
   Q_INVOKABLE void preview();
+  Q_INVOKABLE void playOneKey();
+  Q_INVOKABLE void mute();
   Q_INVOKABLE void openSettings();
   Q_INVOKABLE void relaunch();
   Q_INVOKABLE void openPacksFolder();

@@ -21,7 +21,7 @@ FocusScope {
         anchors.fill: parent
         radius: Theme.radius * 0.75
         color: Theme.groove
-        border.color: Theme.outline
+        border.color: Theme.edge
     }
     // The widest choice decides into how many rows they fall.
     readonly property real widest: {
@@ -62,23 +62,28 @@ FocusScope {
                 Accessible.onPressAction: picker.chosen(index) // qmllint disable unqualified
                 Accessible.onToggleAction: picker.chosen(index) // qmllint disable unqualified
                 onClicked: picker.chosen(index) // qmllint disable unqualified
-                Keys.onLeftPressed: picker.move(-1) // qmllint disable unqualified
-                Keys.onRightPressed: picker.move(1) // qmllint disable unqualified
+                Keys.onLeftPressed: picker.move(mirrored ? 1 : -1) // qmllint disable unqualified
+                Keys.onRightPressed: picker.move(mirrored ? -1 : 1) // qmllint disable unqualified
                 Keys.onUpPressed: picker.move(-grid.columns) // qmllint disable unqualified
                 Keys.onDownPressed: picker.move(grid.columns) // qmllint disable unqualified
+                Keys.onPressed: event => {
+                    if (event.key === Qt.Key_Home || event.key === Qt.Key_End) {
+                        event.accepted = true;
+                        picker.moveTo(event.key === Qt.Key_Home ? 0 : picker.choices.length - 1); // qmllint disable unqualified
+                    }
+                }
 
                 background: Rectangle {
                     anchors.fill: parent
                     anchors.margins: 2
                     radius: Theme.radius * 0.6
-                    color: segment.checked ? Theme.segment : "transparent"
-                    border.width: segment.checked ? 1 : 0
-                    border.color: Theme.outline
-                    FocusRing { control: segment; anchors.margins: 0; radius: parent.radius }
+                    color: segment.checked ? Theme.accent : segment.down ? Theme.pressed : segment.hovered ? Theme.hover : "transparent"
+                    FocusRing { control: segment }
                 }
                 contentItem: PanelText {
                     text: segment.text
                     small: true
+                    color: segment.checked ? Theme.accentInk : Theme.text
                     font.weight: segment.checked ? Font.DemiBold : Font.Normal
                     horizontalAlignment: Text.AlignHCenter
                     verticalAlignment: Text.AlignVCenter
@@ -98,9 +103,11 @@ FocusScope {
     }
 
     function move(step) {
-        const next = current + step;
-        if (next < 0 || next >= choices.length)
-            return;
+        if (current + step >= 0 && current + step < choices.length)
+            moveTo(current + step);
+    }
+
+    function moveTo(next) {
         chosen(next);
         segments.itemAt(next).forceActiveFocus(Qt.TabFocusReason);
     }

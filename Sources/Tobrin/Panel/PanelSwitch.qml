@@ -1,4 +1,4 @@
-// An on-off switch with its label at the left and the switch at the right.
+// An on-off switch with its label at one end and the switch at the other.
 import QtQuick
 import QtQuick.Templates as T
 import Tobrin
@@ -13,6 +13,8 @@ T.Switch {
     Accessible.name: text
     Accessible.onPressAction: flip()
     Accessible.onToggleAction: flip()
+    Keys.onReturnPressed: flip()
+    Keys.onEnterPressed: flip()
 
     // As by a click: assistive programs would change what is shown and nothing else.
     function flip() {
@@ -21,29 +23,34 @@ T.Switch {
     }
 
     indicator: Rectangle {
+        readonly property real inset: 2
+
         implicitWidth: Math.round(Theme.textSize * 2.5)
         implicitHeight: 2 * Math.round(Theme.textSize * 0.72)
-        x: control.width - width
+        x: control.mirrored ? 0 : control.width - width
         y: (control.height - height) / 2
         radius: height / 2
         color: control.checked ? Theme.accent : Theme.control
-        Behavior on color { ColorAnimation { duration: 120 } }
+        border.width: control.hovered ? 2 : 0
+        border.color: control.checked ? Theme.text : Theme.edge
+        opacity: control.down ? 0.85 : 1
+        Behavior on color { ColorAnimation { duration: Theme.quick } }
 
         Rectangle {
-            readonly property real inset: 2
-            x: control.checked ? parent.width - width - inset : inset
-            y: inset
-            width: parent.height - 2 * inset
+            x: control.checked !== control.mirrored ? parent.width - width - parent.inset : parent.inset
+            y: parent.inset
+            width: parent.height - 2 * parent.inset
             height: width
             radius: width / 2
-            color: "#ffffff"
-            Behavior on x { NumberAnimation { duration: 120; easing.type: Easing.OutCubic } }
+            color: control.checked ? Theme.accentInk : Theme.surface
+            Behavior on x { NumberAnimation { duration: Theme.quick; easing.type: Easing.OutCubic } }
         }
-        FocusRing { control: control; radius: parent.radius + 4 }
+        FocusRing { control: control }
     }
     contentItem: PanelText {
         text: control.labelHidden ? "" : control.text
-        rightPadding: control.indicator.width + Theme.gap
+        leftPadding: control.mirrored ? control.indicator.width + Theme.gap : 0
+        rightPadding: control.mirrored ? 0 : control.indicator.width + Theme.gap
         verticalAlignment: Text.AlignVCenter
         opacity: control.enabled ? 1 : 0.5
         Accessible.ignored: true

@@ -1,4 +1,5 @@
-// A text of the panel: wraps rather than being cut off.
+// A text of the panel: wraps rather than being cut off. It begins where the panel's own language
+// begins, whatever it is written in.
 import QtQuick
 import Tobrin
 
@@ -10,6 +11,7 @@ Text {
     font.pixelSize: small ? Theme.smallText : Theme.textSize
     wrapMode: Text.Wrap
     textFormat: Text.PlainText
+    horizontalAlignment: Text.AlignLeft // mirrored where the panel is
     Accessible.role: Accessible.StaticText
     Accessible.name: text
 }

@@ -20,7 +20,7 @@ Card {
     }
     PanelText {
         Layout.fillWidth: true
-        text: "It only uses key presses to pick a sound. It never records or sends what you type."
+        text: qsTr("It only uses key presses to pick a sound. It never records or sends what you type.")
         small: true
     }
     Flow {
@@ -35,7 +35,7 @@ Card {
             onClicked: card.model.openSettings()
         }
         PanelButton {
-            text: "Relaunch Tobrin"
+            text: qsTr("Relaunch Tobrin")
             visible: card.model.needsRelaunch
             onClicked: card.model.relaunch()
         }

@@ -11,12 +11,12 @@ ColumnLayout {
     spacing: Theme.unit * 1.5
 
     SectionLabel {
-        text: "Shortcut"
+        text: qsTr("Shortcut")
     }
     Card {
         PanelSwitch {
             Layout.fillWidth: true
-            text: "Turn sounds on/off with"
+            text: qsTr("Turn sounds on/off with")
             checked: section.model.shortcutEnabled
             onToggled: section.model.shortcutEnabled = checked
         }
@@ -24,7 +24,7 @@ ColumnLayout {
             Layout.fillWidth: true
             enabled: section.model.shortcutEnabled
             opacity: enabled ? 1 : 0.5
-            label: "Shortcut"
+            label: qsTr("Shortcut")
             choices: section.model.shortcutChoices
             current: section.model.shortcutIndex
             onChosen: index => section.model.shortcutIndex = index

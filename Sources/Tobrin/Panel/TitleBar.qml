@@ -19,7 +19,7 @@ Item {
         height: parent.height
         width: height * 1.3
         focusPolicy: Qt.NoFocus  // Escape closes, too
-        Accessible.name: "Close"
+        Accessible.name: qsTr("Close")
         Accessible.onPressAction: clicked()
         onClicked: bar.Window.window.close()
 

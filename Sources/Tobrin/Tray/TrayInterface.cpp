@@ -99,7 +99,7 @@ void TrayInterface::applyColors() {
 
 void TrayInterface::updateItem() {
   if (!item_) return;
-  item_->setIcon(trayIcon(model_->gate().isPlaying()));
+  item_->setIcon(trayIcon(model_->soundState() == SoundState::playing));
   item_->setToolTip("Tobrin\n" + QString::fromStdString(model_->statusLine()));
 }
 

@@ -44,6 +44,10 @@ void Conductor::setPack(std::shared_ptr<const LoadedPack> pack) {
   queue_.async([core = core_, loaded = std::move(pack)] { core->setPack(loaded); });
 }
 
+void Conductor::demonstrateKey() {
+  queue_.async([core = core_] { core->demonstrateKey(); });
+}
+
 void Conductor::audition() {
   queue_.async([core = core_] { core->audition(); });
 }

@@ -56,6 +56,8 @@ class Conductor final {
   void setPack(std::shared_ptr<const LoadedPack> pack);
   /// Plays a short demonstration phrase, until the next one or another pack.
   void audition();
+  /// Plays one key of usual strength, in place of what is left of a phrase.
+  void demonstrateKey();
   void resetCalibration();
   /// Takes sensor and output up again after the machine slept.
   void systemDidWake();

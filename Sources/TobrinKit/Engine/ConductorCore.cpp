@@ -179,12 +179,21 @@ void ConductorCore::dropWhenFaded(std::shared_ptr<const LoadedPack> pack, bool f
 }
 
 void ConductorCore::audition() {
+  if (settings_.enabled && player_.hasPack()) return play(demonstrationPhrase(rng_));
+  play({});
+}
+
+void ConductorCore::demonstrateKey() {
+  play({PhraseKey{.code = 38}});  // J, in the middle
+}
+
+void ConductorCore::play(const std::vector<PhraseKey>& phrase) {
   assert(queue_.isCurrent());
   if (!settings_.enabled) return;
   wake();
   ++phrase_;
   if (!player_.hasPack()) return;
-  for (const PhraseKey& key : demonstrationPhrase(rng_)) {
+  for (const PhraseKey& key : phrase) {
     inPhrase(key.press, [key](ConductorCore& self) { self.strikeDemonstrated(key); });
     inPhrase(key.press + phraseKeyHeld,
              [code = key.code](ConductorCore& self) { self.playRelease(code, 1); });

@@ -30,6 +30,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   void apply(const EngineSettings& settings, bool wakeNow);
   void setPack(std::shared_ptr<const LoadedPack> pack);
   void audition();
+  void demonstrateKey();
   void resetCalibration() { meter_.reset(); }
   void systemDidWake() { devices_->restart(); }
   void shutdown();
@@ -62,6 +63,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   void suspend();
   void report(const ForceReading& reading) const;
   void showStage(const KeyEvent& event, double delayMs, const StrokeMeter::Reading& reading) const;
+  void play(const std::vector<PhraseKey>& phrase);
   void strikeDemonstrated(const PhraseKey& key);
   template <typename Task>
   void after(SerialQueue::Duration delay, Task task);
