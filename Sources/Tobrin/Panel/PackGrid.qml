@@ -42,6 +42,7 @@ ColumnLayout {
         readonly property int rowsShown: 3
         readonly property int nameLines: section.shown.some(pack => names.advanceWidth(pack.name) > nameWidth) ? 2 : 1
         readonly property real nameWidth: cellWidth - 3 * Theme.gap
+        readonly property string selectedID: section.model.selectedPackID
         property string typed: ""
 
         Layout.fillWidth: true
@@ -51,11 +52,14 @@ ColumnLayout {
         Layout.preferredHeight: Math.min(rows, rowsShown) * cellHeight
         visible: count > 0
         clip: true
+        activeFocusOnTab: true
+        keyNavigationEnabled: false // the tiles do that, and show the ring
         boundsBehavior: Flickable.StopAtBounds
         interactive: rows > rowsShown
         cellWidth: Math.floor(width / columns)
         cellHeight: probe.implicitHeight + Theme.gap
         model: section.shown
+        onSelectedIDChanged: showSelected()
         onModelChanged: showSelected()
         onHeightChanged: Qt.callLater(showSelected)
         onCellHeightChanged: Qt.callLater(showSelected)
@@ -63,12 +67,11 @@ ColumnLayout {
         Accessible.role: Accessible.Grouping
         Accessible.name: qsTr("Packs")
 
-        delegate: Item {
+        delegate: FocusScope {
             id: cell
 
             required property int index
             required property var modelData
-            readonly property bool current: GridView.isCurrentItem
 
             width: grid.cellWidth
             height: grid.cellHeight
@@ -77,7 +80,7 @@ ColumnLayout {
                 width: cell.width - Theme.gap
                 height: cell.height - Theme.gap
                 focus: true
-                focusPolicy: cell.current ? Qt.StrongFocus : Qt.ClickFocus
+                focusPolicy: Qt.ClickFocus
                 nameLines: grid.nameLines
                 pack: cell.modelData
                 selected: pack.id === section.model.selectedPackID
@@ -86,10 +89,6 @@ ColumnLayout {
             }
         }
 
-        Connections {
-            target: section.model
-            function onSelectedPackChanged() { grid.showSelected(); }
-        }
         FontMetrics {
             id: names
             font.pixelSize: Theme.textSize

@@ -33,7 +33,7 @@ T.RadioButton {
         color: tile.down ? Theme.pressed : tile.selected ? Theme.accentTint : tile.hovered ? Theme.hover : Theme.surface
         border.width: tile.selected ? 2 : 1
         border.color: tile.selected ? Theme.accent : Theme.edge
-        FocusRing { control: tile; distance: -6 }
+        FocusRing { control: tile; distance: -5 }
     }
     contentItem: Column {
         ShortText {

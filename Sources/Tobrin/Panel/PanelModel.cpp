@@ -117,11 +117,10 @@ QString PanelModel::soundProblem() const {
 QVariantList PanelModel::packs() const {
   QVariantList list;
   for (const PackInfo& pack : model_.packs()) {
-    list.append(
-        QVariantMap{{"id", text(pack.id)},
-                    {"name", strangersText(pack.name)},
-                    {"kind", strangersText(pack.kind)},
-                    {"summary", strangersText(pack.summary)}});
+    list.append(QVariantMap{{"id", text(pack.id)},
+                            {"name", strangersText(pack.name)},
+                            {"kind", strangersText(pack.kind)},
+                            {"summary", strangersText(pack.summary)}});
   }
   return list;
 }

@@ -77,8 +77,7 @@ class PanelModel final : public QObject {
   [[nodiscard]] QString soundProblem() const;  ///< empty while there is none
   [[nodiscard]] QVariantList packs() const;    ///< maps of id, name, kind, summary
   [[nodiscard]] QString selectedPackID() const;
-  [[nodiscard]] QVariantMap selectedPack()
-      const;  ///< name, kind, summary, origin; or empty
+  [[nodiscard]] QVariantMap selectedPack() const;  ///< name, kind, summary, origin; or empty
   [[nodiscard]] QString packError() const;
   [[nodiscard]] bool soundsOn() const;
   [[nodiscard]] double volume() const;  ///< linear, 0 to 1 on the slider

@@ -12,6 +12,7 @@ FocusScope {
     property int current: 0
     signal chosen(int index)
 
+    activeFocusOnTab: true
     implicitWidth: grid.implicitWidth
     implicitHeight: grid.implicitHeight
     Accessible.role: Accessible.Grouping
@@ -54,7 +55,7 @@ FocusScope {
                 implicitWidth: implicitContentWidth + Theme.unit * 2
                 implicitHeight: implicitContentHeight + Theme.unit * 2.5
                 focus: checked
-                focusPolicy: checked ? Qt.StrongFocus : Qt.ClickFocus
+                focusPolicy: Qt.ClickFocus
                 // The document's own ids are in reach of a delegate, though the linter doubts it.
                 checked: index === picker.current // qmllint disable unqualified
                 text: modelData
