@@ -12,10 +12,11 @@ set(rooms
     "Synth: Base Packs"
     "Force: Base Input"
     "Engine: Base Packs Input Force"
-    "Building: Base Packs Engine")
+    "Building: Base Packs Engine"
+    "Importing: Base Packs Input Synth Engine Building")
 
 # Besides the standard library's, only headers of the libraries below may be named.
-set(libraries curl/curl sndfile soxr "hwy/.*" "nlohmann/.*" "unicode/.*")
+set(libraries archive archive_entry curl/curl sndfile soxr "hwy/.*" "nlohmann/.*" "unicode/.*" "yaml-cpp/.*")
 set(c_headers stdbool stddef stdint)  # in the mixer's C interface
 set(posix fcntl pwd unistd sys/stat)  # files and folders, in Base alone
 

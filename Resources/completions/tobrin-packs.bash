@@ -4,7 +4,7 @@
 _tobrin_packs_value() {
   case $1 in
     --format) echo 's16 f32' ;;
-    --text | --wpm | --seed | --strength | --tail) echo '' ;;
+    --text | --wpm | --seed | --strength | --tail | --id | --name) echo '' ;;
     *) return 1 ;;
   esac
 }
@@ -13,13 +13,14 @@ _tobrin_packs() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} words files=yes
   COMPREPLY=()
   case $COMP_CWORD:${COMP_WORDS[1]} in
-    1:*) words='list check generate loudness render slice build --version --help' files='' ;;
+    1:*) words='list check generate loudness render slice build import --version --help' files='' ;;
     *:list) words='--json --help' files='' ;;
     *:check | *:loudness) words='--json --help' ;;
     *:generate) words='--into --help cream blue-click panda dome typewriter' files='' ;;
     *:render) words='--out --text --text-file --script --wpm --seed --strength --tail --settings --format --help' ;;
     *:slice) words='--options --plot --json --help' ;;
     *:build) words='--into --cache --json --help' ;;
+    *:import) words='--into --id --name --json --help' ;;
     *) return ;;
   esac
   if [[ $before == --* && $before != --json ]]; then

@@ -5,6 +5,7 @@
 #include "BuildCommand.h"
 #include "CheckCommand.h"
 #include "GenerateCommand.h"
+#include "ImportCommand.h"
 #include "ListCommand.h"
 #include "LoudnessCommand.h"
 #include "PrintableText.h"
@@ -24,6 +25,7 @@ Examples:
   tobrin-packs render Packs/mine --text "hello" --out hello.wav
   tobrin-packs slice typing.flac --plot typing.svg
   tobrin-packs build mine.json --into ~/.local/share/Tobrin/Packs/mine
+  tobrin-packs import Downloads/pack.zip --into ~/.local/share/Tobrin/Packs/pack
 
 'tobrin-packs COMMAND --help' says more about each.
 )";
@@ -36,6 +38,7 @@ void addCommands(CLI::App& app, const CommandStreams& streams) {
   addRenderCommand(app, streams);
   addSliceCommand(app, streams);
   addBuildCommand(app, streams);
+  addImportCommand(app, streams);
 }
 
 /// What `--help` and `--version` throw is no error; everything else is wrong usage.

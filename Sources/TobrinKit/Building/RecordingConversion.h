@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 
 #include "Building/ProcessRunner.h"
 
@@ -15,11 +16,13 @@ enum class Conversion : uint8_t {
   noConverter  ///< ffmpeg is not installed
 };
 
-/// Writes `recording` to `wav` as a float WAV file at 48 kHz; what is there after a failure is not
-/// whole. Throws `std::system_error` where no program can be started.
+/// Writes `recording` to `wav` as a float WAV file at 48 kHz, or only its first `mostSeconds`; what
+/// is there after a failure is not whole. Throws `std::system_error` where no program can be
+/// started.
 [[nodiscard]] Conversion convertRecording(const std::filesystem::path& recording,
                                           const std::filesystem::path& wav,
-                                          const ProcessRunner& programs);
+                                          const ProcessRunner& programs,
+                                          std::optional<int> mostSeconds = {});
 
 /// The reason for people where it was not done.
 inline constexpr const char* conversionFailed = "ffmpeg failed (is ffmpeg installed?)";

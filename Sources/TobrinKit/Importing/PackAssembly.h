@@ -1,0 +1,40 @@
+/// What readers of packs do alike: keys and files by their names, and words about those that are
+/// not to be had. For the time of one reading.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Importing/FormatReaders.h"
+
+namespace tobrin {
+
+class PackAssembly final {
+ public:
+  /// `folder` is where the description lies.
+  PackAssembly(const FormatContext& context, std::string_view folder)
+      : context_(context), folder_(folder) {}
+
+  /// A file of the pack; noted and nothing where there is none.
+  [[nodiscard]] const SourceFiles::File* file(std::string_view name) const;
+
+  /// Whole files; "{0-4}" in a name stands for all of 0 to 4 that there are.
+  [[nodiscard]] std::vector<SoundRef> sounds(std::string_view name) const;
+
+  /// Our code of a key, for people `name`; noted and nothing where no such key plays.
+  [[nodiscard]] std::optional<uint16_t> key(std::optional<uint16_t> kernelKey,
+                                            const std::string& name) const;
+
+  [[nodiscard]] ImportNotes& notes() const { return context_.notes; }
+
+ private:
+  FormatContext context_;
+  std::string_view folder_;
+};
+
+/// Whether any key of a pack has a sound.
+[[nodiscard]] bool hasSounds(const ForeignPack& pack);
+
+}  // namespace tobrin

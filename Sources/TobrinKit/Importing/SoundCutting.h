@@ -1,0 +1,24 @@
+/// Cuts single key sounds out of the files of a pack: from the onset on, ended where it is quiet,
+/// both ends faded, without rumble. Pure functions; thread: any.
+#pragma once
+
+#include <optional>
+
+#include "Building/RecordingSlicer.h"
+#include "Importing/ForeignPack.h"
+#include "Importing/ImportNotes.h"
+#include "Packs/SampleBuffer.h"
+
+namespace tobrin {
+
+/// The sound in a part of a file, or in all of it; noted and nothing where there is none. `ref`
+/// names it in notes.
+std::optional<RecordingSlicer::Take> cutSound(const SampleBuffer& sound, const SoundRef& ref,
+                                              ImportNotes& notes);
+
+/// Whether the release in a part of `sound` is no sound of a key let go: it lies in the press, or
+/// only goes on with it, as where somebody took one sound in two.
+bool belongsToPress(const SampleBuffer& sound, const SoundRef::Part& press,
+                    const SoundRef::Part& release);
+
+}  // namespace tobrin

@@ -1,0 +1,72 @@
+#include "Importing/SoundLoader.h"
+
+#include <fstream>
+
+#include "Base/PackError.h"
+#include "Building/RecordingConversion.h"
+#include "Importing/ImportError.h"
+#include "Packs/FrameAllowance.h"
+#include "Packs/LoadedPack.h"
+
+namespace tobrin {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr uint64_t mostFrames = LoadedPack::memoryBudget / bytesPerFrame;
+constexpr auto mostSeconds =
+    static_cast<int>(mostFrames / static_cast<uint64_t>(SoundLoader::rate));
+
+/// The converter is asked for nothing else: some formats name further files to be read.
+bool isMp4(const fs::path& path) {
+  char start[8] = {};
+  std::ifstream(path, std::ios::binary).read(start, sizeof start);
+  return std::string_view(start + 4, 4) == "ftyp";
+}
+
+}  // namespace
+
+SoundLoader::SoundLoader(const ProcessRunner& programs, ImportNotes& notes)
+    : programs_(programs), notes_(notes) {}
+
+const SampleBuffer* SoundLoader::load(const SourceFiles::File& file) {
+  if (file_ == &file) return sound_.get();
+  sound_.reset();  // two sprites at once would take twice the memory
+  file_ = &file;
+  sound_ = decode(file);
+  return sound_.get();
+}
+
+std::unique_ptr<SampleBuffer> SoundLoader::decode(const SourceFiles::File& file) {
+  try {
+    return isMp4(file.path) ? decodeMp4(file) : decodeFile(file.path);
+  } catch (const AllowanceExceeded&) {
+    throw ImportError(ImportError::Kind::tooLarge,
+                      file.name + " is longer than " + std::to_string(mostSeconds) + " seconds");
+  } catch (const PackError&) {
+    notes_.leftOut("files that cannot be read as sound", file.name);
+    return nullptr;
+  }
+}
+
+std::unique_ptr<SampleBuffer> SoundLoader::decodeFile(const fs::path& path) {
+  FrameAllowance allowance(mostFrames);
+  return decoder_.decode(path, allowance);
+}
+
+std::unique_ptr<SampleBuffer> SoundLoader::decodeMp4(const SourceFiles::File& file) {
+  const fs::path wav = folder_.path() / "converted.wav";
+  // A second more than is taken, so that a longer file is met as such.
+  switch (convertRecording(file.path, wav, programs_, mostSeconds + 1)) {
+    case Conversion::done:
+      return decodeFile(wav);
+    case Conversion::noConverter:
+      notes_.leftOut("MP4 sounds, which need ffmpeg", file.name);
+      return nullptr;
+    case Conversion::failed:
+      break;
+  }
+  throw PackError::decode(file.path, conversionFailed);
+}
+
+}  // namespace tobrin

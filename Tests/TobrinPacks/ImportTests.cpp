@@ -1,0 +1,193 @@
+// Packs of other programs, composed here with every fault that is seen in theirs.
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "Packs/LoadedPack.h"
+#include "RunWorkshop.h"
+#include "Support/ForeignPacks.h"
+
+namespace tobrin {
+namespace {
+
+using Json = nlohmann::json;
+using testing::ArchiveMaker;
+using testing::Files;
+using testing::Outcome;
+using testing::run;
+namespace fs = std::filesystem;
+namespace foreign = testing::foreign;
+
+Json imported(const fs::path& source, const fs::path& into) {
+  const Outcome outcome = run({"import", source, "--into", into, "--json"});
+  EXPECT_EQ(outcome.status, 0) << source << ": " << outcome.err;
+  return outcome.status == 0 ? Json::parse(outcome.out) : Json();
+}
+
+std::shared_ptr<const LoadedPack> loaded(const fs::path& folder) {
+  return LoadedPack::load(PackInfo::read(folder, false), 48000);
+}
+
+TEST(ImportCommand, MakesPacksOfEveryFormatFromFoldersAndArchives) {
+  const std::tuple<const char*, Files, const char*, Json> rows[] = {
+      {"Sprite", foreign::sprite(), "config.json, version 1", {{"alpha", 2}, {"modifier", 1}}},
+      {"Files", foreign::files(), "config.json, version 2", {{"alpha", 4}, {"modifier", 2}}},
+      {"Named", foreign::named(), "config.json, named keys", {{"alpha", 2}, {"modifier", 1}}},
+      {"My keys", foreign::keyFiles(), "two files a key", {{"alpha", 2}, {"modifier", 1}}},
+      {"Profile", foreign::profile(), "profile.yaml", {{"alpha", 3}, {"modifier", 1}}},
+  };
+  const std::tuple<const char*, int, int> archives[] = {
+      {"zip", ARCHIVE_FORMAT_ZIP, ARCHIVE_FILTER_NONE},
+      {"tar.gz", ARCHIVE_FORMAT_TAR_PAX_RESTRICTED, ARCHIVE_FILTER_GZIP},
+      {"7z", ARCHIVE_FORMAT_7ZIP, ARCHIVE_FILTER_NONE}};
+  for (const auto& [name, files, format, groups] : rows) {
+    const testing::TempFolder folder;
+    const fs::path into = folder.path() / "into";
+    testing::writeFiles(folder.path() / "source", files);
+    const Json made = imported(folder.path() / "source", into);
+    EXPECT_EQ(made["name"], name);
+    EXPECT_EQ(made["format"], format);
+    EXPECT_EQ(made["groups"]["alpha"], groups["alpha"]) << name;
+    EXPECT_EQ(made["groups"]["modifier"], groups["modifier"]) << name;
+    EXPECT_EQ(made["groups"]["enter"], made["groups"]["backspace"]) << name;
+    EXPECT_EQ(made["releases"], std::string(name) == "Sprite" ? 0 : 1) << name;
+    EXPECT_NEAR(made["lufs"].get<double>(), -28, 0.3) << name;
+    EXPECT_EQ(loaded(into)->hasReleaseSounds(), made["releases"] == 1) << name;
+    const auto fromFolder = testing::filesIn(into);
+    for (const auto& [ending, archive, filter] : archives) {
+      const fs::path file = folder.path() / "packed";
+      ArchiveMaker(file, archive, filter).add(files);
+      imported(file, into);
+      EXPECT_EQ(testing::filesIn(into), fromFolder) << name << ", " << ending;
+    }
+  }
+}
+
+/// A text with one part of it changed.
+std::string with(std::string text, const std::string& part, const std::string& other) {
+  return text.replace(text.find(part), part.size(), other);
+}
+
+TEST(ImportCommand, TakesWhatCarelessPeopleWroteAndSaysWhatItLeftOut) {
+  const std::string config = foreign::sprite()["config.json"];
+  const std::string sound = foreign::sprite()["sound.wav"];
+  const auto row = [&](const std::string& text) {
+    return Files{{"config.json", text}, {"sound.wav", sound}};
+  };
+  const std::tuple<const char*, Files, const char*> rows[] = {
+      {"mark and commas", row("\xEF\xBB\xBF" + with(config, "null}}", "null,},}")), "silent"},
+      {"comments", row("// mine\n" + with(config, "{\"id\"", "{/* \" */ \"id\"")), "silent"},
+      {"old letters", row(with(config, "Sprite", "Caf\xE9")), "silent"},
+      {"numbers as texts", row(with(config, "[0, 100]", "[\"0\", \"100\"]")), "silent"},
+      {"past the end", row(with(config, "[500, 100]", "[500, 900]")), "past the end"},
+      {"beyond the end", row(with(config, "[500, 100]", "[5000, 100], \"106\": [0, 9]")),
+       "outside"},
+      {"nothing known", row(with(config, "[400, 100]", "{}")), "nothing known"},
+      {"keys unknown", row(with(config, "null", "null, \"9999\": [0, 100]")), "not known"},
+      {"media keys", row(with(config, "null", "null, \"57390\": [0, 100]")), "for media"},
+      {"leads out", row(with(config, "null", "null, \"2\": \"../../etc/passwd\"")), "not there"},
+      {"config.txt", {{"config.txt", config}, {"sound.wav", sound}}, "silent"},
+      {"other case", {{"a/b/config.json", config}, {"a/b/Sound.WAV", sound}}, "silent"},
+      {"other letters",
+       {{"config.json", with(config, "sound.wav", "s\xC3\xB6und.wav")}, {"s\x94und.wav", sound}},
+       "silent"},
+      {"two",
+       {{"config.json", "{\"defines\": {\"30\": \"none.wav\"}}"},
+        {"b/config.json", config},
+        {"b/sound.wav", sound},
+        {"c/config.json", config}},
+       "second descriptions"},
+  };
+  for (const auto& [name, files, words] : rows) {
+    const testing::TempFolder folder;
+    ArchiveMaker(folder.path() / "pack.zip", ARCHIVE_FORMAT_ZIP).add(files);
+    const Json made = imported(folder.path() / "pack.zip", folder.path() / "into");
+    EXPECT_NE(made["notes"].dump().find(words), std::string::npos) << name << made["notes"].dump();
+    EXPECT_GE(made["keys"], 5) << name;
+  }
+}
+
+TEST(ImportCommand, RefusesWhatIsNoPackOrTooMuchOfOneAndLeavesTheFolderAlone) {
+  const testing::TempFolder folder;
+  const auto zip = [&](const char* name, const Files& files) {
+    ArchiveMaker(folder.path() / name, ARCHIVE_FORMAT_ZIP).add(files);
+    return folder.path() / name;
+  };
+  const std::string config = foreign::sprite()["config.json"];
+  const std::string endless = testing::wav16({.rate = 1000}, std::vector<int16_t>(300'000));
+  Files many;
+  for (int i = 0; i <= 10'000; ++i)
+    many[std::to_string(i)] = "";
+  const auto whole = testing::contentOf(zip("whole.zip", foreign::sprite()));
+  const std::pair<fs::path, const char*> rows[] = {
+      {zip("bomb.zip", {{"zeros", std::string(std::size_t{129} << 20, '\0')}}),
+       "more than 128 MiB"},
+      {zip("many.zip", many), "too many files"},
+      {zip("long.zip", {{"config.json", config}, {"sound.wav", endless}}), "longer than"},
+      {zip("mouse.zip", {{"config.json", R"({"definitions": {}, "soundpack_type": "Mouse"})"}}),
+       "mouse buttons"},
+      {zip("none.zip", {{"config.json", config}}), "none of its sounds is there"},
+      {zip("ours.zip", {{"pack.json", "{}"}}), "a Tobrin pack already"},
+      {zip("empty.zip", {{"a.txt", "defines"}}), "no pack in a format that is known"},
+      {zip("broken.zip", {{"config.json", "{\"defines\": {"}}), "config.json is not valid JSON"},
+      {folder.write("half.zip", whole.substr(0, whole.size() / 2)), "no archive that can be read"},
+      {folder.write("text", "hello"), "no archive that can be read"},
+      {folder.path() / "absent", "No such file"},
+  };
+  const fs::path into = folder.path() / "into";
+  fs::create_directory(into);
+  for (const auto& [source, words] : rows) {
+    const Outcome outcome = run({"import", source, "--into", into});
+    EXPECT_EQ(outcome.status, 1) << source;
+    EXPECT_NE(outcome.err.find(words), std::string::npos) << source << ": " << outcome.err;
+    EXPECT_TRUE(fs::is_empty(into)) << source;
+  }
+}
+
+TEST(ImportCommand, WritesNothingThatAnArchiveNamesAndFollowsNoLinkOutOfIt) {
+  const testing::TempFolder folder;
+  folder.write("secret.wav", testing::strokeFile(3));
+  ArchiveMaker(folder.path() / "evil.tar", ARCHIVE_FORMAT_TAR_PAX_RESTRICTED)
+      .add(foreign::sprite())
+      .add("../../escaped", "x")
+      .add("/tmp/tobrin-escaped", "x")
+      .add("2.wav", "", "../secret.wav");
+  const Json made = imported(folder.path() / "evil.tar", folder.path() / "into");
+  EXPECT_NE(made["notes"].dump().find("lead out of the archive"), std::string::npos);
+  EXPECT_NE(made["notes"].dump().find("links and devices"), std::string::npos);
+  EXPECT_FALSE(fs::exists("/tmp/tobrin-escaped"));
+
+  testing::writeFiles(folder.path() / "source", foreign::sprite());
+  fs::remove(folder.path() / "source/sound.wav");
+  fs::create_symlink("../secret.wav", folder.path() / "source/sound.wav");
+  EXPECT_EQ(run({"import", folder.path() / "source", "--into", folder.path() / "other"}).status, 1);
+}
+
+/// Frames of the first press take of the letters.
+std::size_t pressFrames(const fs::path& pack) {
+  return loaded(pack)->layers(KeyGroup::alpha, 0).samples[1].frames;
+}
+
+TEST(ImportCommand, TellsReleasesFromSecondHalvesOfAPress) {
+  const auto files = [](const char* timing) {
+    const std::string config = R"({"definitions": {"KeyA": {"timing": )" + std::string(timing) +
+                               R"(}}, "name": "Halves", "audio_file": "s.wav"})";
+    return Files{{"config.json", config}, {"s.wav", testing::spriteFile(2, 48000)}};
+  };
+  const std::tuple<const char*, int, bool> rows[] = {
+      {"[[0, 45], [45, 90]]", 0, true},      // one sound, taken in two
+      {"[[0, 90], [30, 90]]", 0, true},      // a part of the press
+      {"[[0, 100], [100, 200]]", 1, false},  // two strokes side by side
+      {"[[0, 95], [103, 200]]", 1, false},
+  };
+  for (const auto& [timing, releases, isWhole] : rows) {
+    const testing::TempFolder folder;
+    testing::writeFiles(folder.path() / "source", files(timing));
+    const Json made = imported(folder.path() / "source", folder.path() / "into");
+    EXPECT_EQ(made["releases"], releases) << timing;
+    // 80 ms sound after 10 ms of silence; 5 dB of it are below what is kept.
+    EXPECT_GT(pressFrames(folder.path() / "into"), 70u * 48) << timing;
+  }
+}
+
+}  // namespace
+}  // namespace tobrin
