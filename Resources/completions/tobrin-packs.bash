@@ -13,7 +13,7 @@ _tobrin_packs() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} words files=yes
   COMPREPLY=()
   case $COMP_CWORD:${COMP_WORDS[1]} in
-    1:*) words='list check generate loudness render slice build import --version --help' files='' ;;
+    1:*) words='list check generate loudness render slice build import export install --version --help' files='' ;;
     *:list) words='--json --help' files='' ;;
     *:check | *:loudness) words='--json --help' ;;
     *:generate) words='--into --help cream blue-click panda dome typewriter' files='' ;;
@@ -21,6 +21,8 @@ _tobrin_packs() {
     *:slice) words='--options --plot --json --help' ;;
     *:build) words='--into --cache --json --help' ;;
     *:import) words='--into --id --name --json --help' ;;
+    *:export) words='--out --help' ;;
+    *:install) words='--help' ;;
     *) return ;;
   esac
   if [[ $before == --* && $before != --json ]]; then

@@ -1,4 +1,4 @@
-set -l commands list check generate loudness render slice build import
+set -l commands list check generate loudness render slice build import export install
 set -l none "not __fish_seen_subcommand_from $commands"
 complete -c tobrin-packs -n $none -f
 complete -c tobrin-packs -n $none -l version -d 'Print the version'
@@ -11,6 +11,8 @@ complete -c tobrin-packs -n $none -a render -d 'Play typing through a pack into 
 complete -c tobrin-packs -n $none -a slice -d 'Find the keystrokes of a recording'
 complete -c tobrin-packs -n $none -a build -d 'Build a pack from recordings'
 complete -c tobrin-packs -n $none -a import -d 'Make a pack of one in another format'
+complete -c tobrin-packs -n $none -a export -d 'Write a pack as one file'
+complete -c tobrin-packs -n $none -a install -d 'Put packs among your own'
 
 complete -c tobrin-packs -n '__fish_seen_subcommand_from list check loudness slice build import' -l json -d 'One JSON document'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from generate' -f -a 'cream blue-click panda dome typewriter'
@@ -33,3 +35,4 @@ complete -c tobrin-packs -n '__fish_seen_subcommand_from slice' -r -l plot -d 'S
 complete -c tobrin-packs -n '__fish_seen_subcommand_from build' -r -l cache -d 'Where recordings are kept'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from import' -x -l id -d 'Id of the pack'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from import' -x -l name -d 'Name of the pack'
+complete -c tobrin-packs -n '__fish_seen_subcommand_from export' -r -l out -d 'File to write'

@@ -4,8 +4,10 @@
 
 #include "BuildCommand.h"
 #include "CheckCommand.h"
+#include "ExportCommand.h"
 #include "GenerateCommand.h"
 #include "ImportCommand.h"
+#include "InstallCommand.h"
 #include "ListCommand.h"
 #include "LoudnessCommand.h"
 #include "PrintableText.h"
@@ -25,7 +27,7 @@ Examples:
   tobrin-packs render Packs/mine --text "hello" --out hello.wav
   tobrin-packs slice typing.flac --plot typing.svg
   tobrin-packs build mine.json --into ~/.local/share/Tobrin/Packs/mine
-  tobrin-packs import Downloads/pack.zip --into ~/.local/share/Tobrin/Packs/pack
+  tobrin-packs install Downloads/pack.zip
 
 'tobrin-packs COMMAND --help' says more about each.
 )";
@@ -39,6 +41,8 @@ void addCommands(CLI::App& app, const CommandStreams& streams) {
   addSliceCommand(app, streams);
   addBuildCommand(app, streams);
   addImportCommand(app, streams);
+  addExportCommand(app, streams);
+  addInstallCommand(app, streams);
 }
 
 /// What `--help` and `--version` throw is no error; everything else is wrong usage.

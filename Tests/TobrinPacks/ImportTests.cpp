@@ -189,5 +189,36 @@ TEST(ImportCommand, TellsReleasesFromSecondHalvesOfAPress) {
   }
 }
 
+TEST(InstallCommand, PutsAnExportedPackInPlaceOfTheOldOneAndKeepsThatWhereTheNewOneIsBroken) {
+  const testing::TempFolder folder;
+  ASSERT_EQ(setenv("XDG_DATA_HOME", folder.path().c_str(), 1), 0);
+  const fs::path packs = folder.path() / "Tobrin/Packs";
+  testing::writeFiles(folder.path() / "source", foreign::named());
+  imported(folder.path() / "source", folder.path() / "made");
+  const std::string file = folder.path() / "named.tobrinpack";
+  const Outcome exported = run({"export", folder.path() / "made", "--out", file});
+  EXPECT_EQ(exported.status, 0) << exported.err;
+  EXPECT_EQ(exported.err, "") << "it names a licence";
+  ASSERT_EQ(run({"install", file}).status, 0);
+  EXPECT_EQ(testing::filesIn(packs / "named"), testing::filesIn(folder.path() / "made"));
+
+  testing::writeFiles(packs / "named", {{"old", ""}});
+  ArchiveMaker(folder.path() / "sprite.zip", ARCHIVE_FORMAT_ZIP).add(foreign::sprite());
+  ArchiveMaker(folder.path() / "wrapped.zip", ARCHIVE_FORMAT_ZIP)
+      .add("a/pack.json", testing::contentOf(packs / "named/pack.json"));
+  const Outcome broken =
+      run({"install", folder.path() / "sprite.zip", folder.path() / "wrapped.zip"});
+  EXPECT_EQ(broken.status, 1);
+  EXPECT_NE(broken.err.find("wrapped.zip: Can't read press-1-"), std::string::npos) << broken.err;
+  EXPECT_TRUE(fs::exists(packs / "named/old") && !fs::exists(packs / "sprite"));
+
+  const Outcome both = run({"install", file, folder.path() / "sprite.zip"});
+  EXPECT_EQ(both.status, 0) << both.err;
+  EXPECT_FALSE(fs::exists(packs / "named/old"));
+  EXPECT_EQ(std::distance(fs::directory_iterator(packs), {}), 2) << "nothing lies next to them";
+  const Outcome unlicensed = run({"export", packs / "sprite", "--out", file});
+  EXPECT_NE(unlicensed.err.find("licence"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace tobrin

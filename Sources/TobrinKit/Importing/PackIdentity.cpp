@@ -21,7 +21,7 @@ std::string hashed(std::string_view text) {
   for (const char c : text)
     hash = (hash ^ static_cast<unsigned char>(c)) * 16777619;
   char digits[16];
-  (void)std::snprintf(digits, sizeof digits, "pack-%08x", static_cast<unsigned>(hash));
+  (void)std::snprintf(digits, sizeof digits, "%08x", static_cast<unsigned>(hash));
   return digits;
 }
 
@@ -38,7 +38,7 @@ std::string plainId(std::string_view text) {
   }
   while (id.ends_with('-'))
     id.pop_back();
-  return id.empty() ? hashed(text) : id;
+  return id.empty() ? "pack-" + hashed(text) : id;
 }
 
 std::string importedId(std::string_view text) {
@@ -47,6 +47,11 @@ std::string importedId(std::string_view text) {
   const bool isTaken =
       std::ranges::any_of(shipped, [&](const SynthProfile& profile) { return profile.id == id; });
   return isTaken ? id + "-imported" : id;
+}
+
+std::string folderNameOf(std::string_view id) {
+  const std::string plain = plainId(id);
+  return plain == id ? plain : plain + "-" + hashed(id);
 }
 
 }  // namespace tobrin

@@ -13,4 +13,7 @@ std::string plainId(std::string_view text);
 /// As above, but none of the packs that come with the program, whose place it would take.
 std::string importedId(std::string_view text);
 
+/// The name of the folder for a pack with this id; ids that differ have folders that differ.
+std::string folderNameOf(std::string_view id);
+
 }  // namespace tobrin

@@ -64,14 +64,13 @@ PackImport::Result resultOf(const PackDraft& draft, const ForeignPack& pack) {
 
 }  // namespace
 
-PackImport::Result PackImport::run(const Request& request, const Services& services,
-                                   const Progress& progress) {
+PackImport::Made PackImport::make(const Request& request, const Services& services,
+                                  const Progress& progress) {
   constexpr double reading = 0.1;  // parts of the whole, roughly
   constexpr double cutting = 0.6;
   const auto report = [&](double fraction) {
     if (progress) progress(fraction);
   };
-  const fs::path target = PackFolder::replaceable(request.into);
   ImportNotes notes;
   const TemporaryFolder unpacked;
   const SourceFiles files = filesOf(request.source, unpacked, notes);
@@ -84,13 +83,20 @@ PackImport::Result PackImport::run(const Request& request, const Services& servi
   Result result = resultOf(draft, pack);
   result.lufs = draft.level(RecordedPackBuilder::targetLoudness);
   report(reading + cutting);
+  if (!namesLicense(draft.manifest())) notes.leftOut("a licence, which the source does not name");
+  result.notes = notes.all();
+  return {std::move(draft), std::move(result)};
+}
+
+PackImport::Result PackImport::run(const Request& request, const Services& services,
+                                   const Progress& progress) {
+  const fs::path target = PackFolder::replaceable(request.into);
+  auto [draft, result] = make(request, services, progress);
   PackFolder folder(target);
   draft.write(folder.aside());
   folder.moveIntoPlace(services.exchange);
-  if (!namesLicense(draft.manifest())) notes.leftOut("a licence, which the source does not name");
   result.folder = target;
-  result.notes = notes.all();
-  report(1);
+  if (progress) progress(1);
   return result;
 }
 

@@ -14,6 +14,7 @@
 #include "Importing/ForeignKeys.h"
 #include "Importing/ImportError.h"
 #include "Importing/ImportNotes.h"
+#include "Importing/PackDraft.h"
 
 namespace tobrin {
 
@@ -52,6 +53,15 @@ struct PackImport {
   /// Thread: any.
   static Result run(const Request& request, const Services& services,
                     const Progress& progress = {});
+
+  /// A pack that is not written yet; `result.folder` is empty.
+  struct Made {
+    PackDraft draft;
+    Result result;
+  };
+
+  /// As `run`, but keeps the pack in memory; `request.into` is not looked at.
+  static Made make(const Request& request, const Services& services, const Progress& progress = {});
 };
 
 }  // namespace tobrin

@@ -4,7 +4,6 @@
 #include <archive_entry.h>
 
 #include <array>
-#include <clocale>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -12,6 +11,7 @@
 
 #include "Base/RegularFile.h"
 #include "Importing/ImportError.h"
+#include "Importing/Utf8Names.h"
 
 namespace tobrin {
 namespace {
@@ -21,23 +21,6 @@ using Kind = ImportError::Kind;
 
 struct Closer {
   void operator()(archive* handle) const { archive_read_free(handle); }
-};
-
-/// The archive library turns names into the thread's encoding, and loses those that have no place
-/// there.
-class Utf8Names {
- public:
-  Utf8Names() : utf8_(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)), before_(uselocale(utf8_)) {}
-  ~Utf8Names() {
-    uselocale(before_);
-    if (utf8_ != nullptr) freelocale(utf8_);
-  }
-  Utf8Names(const Utf8Names&) = delete;
-  Utf8Names& operator=(const Utf8Names&) = delete;
-
- private:
-  locale_t utf8_;
-  locale_t before_;
 };
 
 /// One archive on its way into a folder.

@@ -27,7 +27,8 @@ double contrast(const QColor& one, const QColor& other) {
 class ThemeTest : public ::testing::Test {
  protected:
   ThemeTest() {
-    const int type = qmlRegisterSingletonType(QUrl::fromLocalFile(TOBRIN_THEME), "Test", 1, 0, "Theme");
+    const int type =
+        qmlRegisterSingletonType(QUrl::fromLocalFile(TOBRIN_THEME), "Test", 1, 0, "Theme");
     theme_ = engine_.singletonInstance<QObject*>(type);
   }
 
@@ -69,7 +70,8 @@ TEST_F(ThemeTest, EverythingIsLegible) {
   ASSERT_NE(theme_, nullptr);
   constexpr double text = 4.5;
   constexpr double part = 3;
-  for (const auto [dark, high] : {std::pair(false, false), {true, false}, {false, true}, {true, true}}) {
+  for (const auto [dark, high] :
+       {std::pair(false, false), {true, false}, {false, true}, {true, true}}) {
     theme_->setProperty("dark", dark);
     theme_->setProperty("highContrast", high);
     expectContrast(high ? 7 : text, "text secondaryText",

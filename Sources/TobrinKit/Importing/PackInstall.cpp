@@ -1,0 +1,125 @@
+#include "Importing/PackInstall.h"
+
+#include <algorithm>
+
+#include "Base/PackError.h"
+#include "Importing/PackIdentity.h"
+#include "Importing/SoundLoader.h"
+#include "Importing/TemporaryFolder.h"
+#include "Importing/Unpacking.h"
+#include "Packs/LoadedPack.h"
+#include "Packs/PackLibrary.h"
+
+namespace tobrin {
+namespace {
+
+namespace fs = std::filesystem;
+using Kind = ImportError::Kind;
+
+/// The description that lies least deep in folders; null where there is none.
+const SourceFiles::File* manifestIn(const SourceFiles& files) {
+  const SourceFiles::File* found = nullptr;
+  const auto depth = [](const SourceFiles::File& file) {
+    return std::ranges::count(file.name, '/');
+  };
+  for (const auto& file : files.all()) {
+    const bool isManifest = fileOf(file.name) == PackManifest::fileName;
+    if (isManifest && (found == nullptr || depth(file) < depth(*found))) found = &file;
+  }
+  return found;
+}
+
+/// Copies the files of one folder of a source, under their names.
+void copyFolder(const SourceFiles& files, std::string_view folder, const fs::path& into) {
+  const std::string prefix = folder.empty() ? "" : std::string(folder) + "/";
+  for (const auto& file : files.all()) {
+    if (!file.name.starts_with(prefix)) continue;
+    const fs::path copy = into / file.name.substr(prefix.size());
+    fs::create_directories(copy.parent_path());
+    fs::copy_file(file.path, copy);
+  }
+}
+
+/// Where a pack goes: in place of the one with its id, else into a folder that is still free.
+fs::path placeFor(const std::string& id, const fs::path& packsFolder) {
+  for (const PackInfo& pack : PackLibrary::discover(packsFolder, false))
+    if (pack.id == id) return pack.directory;
+  const std::string name = folderNameOf(id);
+  fs::path place = packsFolder / name;
+  for (int number = 2; fs::exists(fs::symlink_status(place)); ++number)
+    place = packsFolder / (name + "-" + std::to_string(number));
+  return place;
+}
+
+}  // namespace
+
+PackInstall::PackInstall(const fs::path& source, const fs::path& packsFolder,
+                         const PackImport::Services& services, const PackImport::Progress& progress)
+    : packsFolder_(packsFolder), services_(services) {
+  const auto named = [&](Kind kind, const std::exception& error) {
+    return ImportError(kind, source.filename().string() + ": " + error.what());
+  };
+  try {
+    prepare(source, progress);
+  } catch (const ImportError& error) {
+    throw named(error.kind(), error);
+  } catch (const PackError& error) {
+    throw named(error.kind() == PackError::Kind::empty ? Kind::noSounds : Kind::unreadable, error);
+  }
+}
+
+void PackInstall::prepare(const fs::path& source, const PackImport::Progress& progress) {
+  if (!copyOwn(source)) import(source, progress);
+  // Also what was made here: what cannot be loaded must never take the place of what can.
+  (void)LoadedPack::load(PackInfo::read(folder_->aside(), false), SoundLoader::rate);
+}
+
+/// False where the source is no pack of ours.
+bool PackInstall::copyOwn(const fs::path& source) {
+  ImportNotes notes;
+  const TemporaryFolder unpacked;
+  const SourceFiles files = fs::is_directory(source) ? SourceFiles::ofFolder(source, notes)
+                                                     : unpack(source, unpacked.path(), notes);
+  const SourceFiles::File* const manifest = manifestIn(files);
+  if (manifest == nullptr) return false;
+  const auto read = [&] {
+    return PackManifest::fromJson(SourceFiles::read(*manifest, SourceFiles::mostBytes));
+  };
+  try {
+    const PackManifest description = read();
+    choosePlace(description.id, description.name);
+  } catch (const ImportError&) {
+    throw;
+  } catch (const fs::filesystem_error&) {
+    throw;
+  } catch (const std::runtime_error& error) {
+    throw PackError::invalidManifest(manifest->name, error.what());
+  }
+  copyFolder(files, folderOf(manifest->name), folder_->aside());
+  return true;
+}
+
+void PackInstall::import(const fs::path& source, const PackImport::Progress& progress) {
+  auto [draft, result] = PackImport::make({.source = source, .into = {}, .id = {}, .name = {}},
+                                          services_, progress);
+  choosePlace(result.id, result.name);
+  installed_.notes = std::move(result.notes);
+  draft.write(folder_->aside());
+}
+
+void PackInstall::choosePlace(const std::string& id, const std::string& name) {
+  const fs::path place = placeFor(id, packsFolder_);
+  installed_.id = id;
+  installed_.name = name;
+  installed_.folder = place;
+  installed_.isNew = !fs::exists(place);
+  folder_ = std::make_unique<PackFolder>(place);
+}
+
+PackInstall::Installed PackInstall::moveIntoPlace() {
+  folder_->moveIntoPlace(services_.exchange);
+  folder_.reset();  // with the old pack, where there was one
+  return installed_;
+}
+
+}  // namespace tobrin
