@@ -13,7 +13,7 @@ std::string soundLine(const AudioOutput& audio) {
 }  // namespace
 
 TerminalReport::TerminalReport(const AppModel& model) : model_(model) {
-  std::printf("Tobrin %s\n", TOBRIN_VERSION);
+  std::printf("Tobrin %s\nType anywhere; Ctrl-C ends it.\n", TOBRIN_VERSION);
   const auto report = [this] { printChanges(); };
   connect(&model, &AppModel::statusChanged, this, report);
   connect(&model, &AppModel::selectedPackChanged, this, report);

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "Application/Application.h"
 #include "Application/Diagnostics.h"
 #include "Application/Snapshot.h"
 
@@ -24,6 +25,11 @@ int printLine(const char* text) {
   return 0;
 }
 
+/// What the program and the desktop's autostart give to a new instance.
+bool isOurOwn(std::string_view word) {
+  return word == Application::relaunchedArgument || word == Application::atLoginArgument;
+}
+
 }  // namespace
 
 std::optional<int> CLI::run(const std::vector<std::string>& arguments) {
@@ -38,6 +44,10 @@ std::optional<int> CLI::run(const std::vector<std::string>& arguments) {
   }
   if (first == "--selftest") return Diagnostics::selfTest();
   if (first == "--snapshot") return Snapshot::run({arguments.begin() + 1, arguments.end()});
+  if (first && first->starts_with('-') && !isOurOwn(*first)) {
+    std::fprintf(stderr, "tobrin: there is no option %s (see --help); starting without it.\n",
+                 first->c_str());
+  }
   return std::nullopt;
 }
 

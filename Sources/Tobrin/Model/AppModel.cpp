@@ -65,6 +65,8 @@ void AppModel::readSavedState(const std::optional<Preview>& preview) {
       Log::line(std::string("saved settings can't be read, using the defaults: ") + error.what());
     }
   }
+  isFirstStart_ =
+      !services_.settings.read(settingsKey) && !services_.settings.readText(selectedPackKey);
   selectedPackID_ = services_.settings.readText(selectedPackKey).value_or(selectedPackID_);
 }
 
@@ -109,6 +111,7 @@ void AppModel::start() {
   refreshPacks();
   if (!packOfLoad_) loadSelectedPack(false);  // else another was chosen, for the user to hear
   if (preview_) return;
+  if (isFirstStart_) saver_.saveSoon();
   conductor_->apply(effectiveSettings(), true);
   keyAccess_->start();
   registerShortcut();
@@ -356,13 +359,16 @@ void AppModel::readLoginItem() {
 void AppModel::setLaunchAtLogin(bool on) {
   const std::string problem = services_.loginItem.setEnabled(on);
   if (!problem.empty()) Log::line("launch at login change failed: " + problem);
+  loginItemProblem_ = problem.empty() ? "" : "This can't be changed: " + problem + ".";
   readLoginItem();
-  if (launchAtLogin_ != on) emit launchAtLoginChanged();  // the switch goes back
+  emit launchAtLoginChanged();  // the switch may have to go back
 }
 
 void AppModel::openPacksFolder() {
   const std::string problem = services_.workspace.openPacksFolder();
   if (!problem.empty()) Log::line("packs folder can't be shown: " + problem);
+  packsFolderProblem_ = problem.empty() ? "" : "The packs folder can't be shown: " + problem + ".";
+  emit packsFolderProblemChanged();
 }
 
 void AppModel::lookForKeyAccess() {

@@ -42,6 +42,8 @@ class AppModel final : public QObject {
   explicit AppModel(AppServices services, std::optional<Preview> preview = std::nullopt);
   ~AppModel() override;
 
+  /// Whether this user has never run the program before.
+  [[nodiscard]] bool isFirstStart() const { return isFirstStart_; }
   [[nodiscard]] const EngineSettings& settings() const { return settings_; }
   void setSettings(const EngineSettings& settings);
   [[nodiscard]] const std::string& selectedPackID() const { return selectedPackID_; }
@@ -60,6 +62,10 @@ class AppModel final : public QObject {
   [[nodiscard]] bool needsRelaunch() const { return keyAccess_->state().needsRelaunch; }
   /// Why the grant of access to keys could not be made; empty while nothing went wrong.
   [[nodiscard]] const std::string& keyAccessProblem() const { return keyAccessProblem_; }
+  /// Why the packs folder could not be shown, and why "Open at login" could not be changed, in a
+  /// sentence each; empty while nothing went wrong.
+  [[nodiscard]] const std::string& packsFolderProblem() const { return packsFolderProblem_; }
+  [[nodiscard]] const std::string& loginItemProblem() const { return loginItemProblem_; }
   [[nodiscard]] const std::optional<ForceReading>& lastForce() const { return lastForce_; }
   [[nodiscard]] bool launchAtLogin() const { return launchAtLogin_; }
   [[nodiscard]] bool micInUse() const { return micInUse_; }
@@ -112,7 +118,8 @@ class AppModel final : public QObject {
   void packErrorChanged();
   void permissionChanged();  ///< hasPermission, listening, needsRelaunch, keyAccessProblem
   void lastForceChanged();
-  void launchAtLoginChanged();
+  void launchAtLoginChanged();  ///< launchAtLogin, loginItemProblem
+  void packsFolderProblemChanged();
   void micInUseChanged();
   void shortcutStatusChanged();
   void outputChanged();  ///< what the sound goes through, or soundProblem
@@ -144,6 +151,7 @@ class AppModel final : public QObject {
   bool preview_;          // fixed after construction
   bool sensorAvailable_;  // fixed after construction
 
+  bool isFirstStart_ = false;
   EngineSettings settings_;
   SettingsSaver saver_;
   std::string selectedPackID_;
@@ -151,6 +159,8 @@ class AppModel final : public QObject {
   std::optional<PackManifest> manifest_;
   std::optional<std::string> packError_;
   std::string keyAccessProblem_;
+  std::string packsFolderProblem_;
+  std::string loginItemProblem_;
   std::string sensorProblem_;
   float volumeBeforeMute_ = EngineSettings().volume;
   std::string soundProblem_;

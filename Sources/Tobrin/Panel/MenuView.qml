@@ -63,6 +63,17 @@ Rectangle {
                 Layout.fillWidth: true
                 text: panel.model.soundProblem
             }
+            Card {
+                visible: panel.model.welcome && panel.model.playing
+                tint: Theme.accentTint
+
+                PanelText {
+                    Layout.fillWidth: true
+                    Layout.margins: Theme.unit
+                    text: qsTr("Type anything: it sounds in every app.")
+                    font.weight: Font.DemiBold
+                }
+            }
             PermissionCard {
                 visible: !panel.model.hasPermission
                 model: panel.model

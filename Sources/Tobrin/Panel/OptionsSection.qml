@@ -49,4 +49,9 @@ Card {
             checked = Qt.binding(() => section.model.launchAtLogin);
         }
     }
+    WarningLine {
+        Layout.fillWidth: true
+        Layout.bottomMargin: Theme.gap
+        text: section.model.loginItemProblem
+    }
 }

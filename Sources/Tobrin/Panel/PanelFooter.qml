@@ -11,6 +11,10 @@ ColumnLayout {
     spacing: Theme.inset
 
     Hairline { color: Theme.outline }
+    WarningLine {
+        Layout.fillWidth: true
+        text: footer.model.packsFolderProblem
+    }
     RowLayout {
         Layout.fillWidth: true
 

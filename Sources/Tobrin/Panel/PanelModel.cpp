@@ -52,6 +52,8 @@ PanelModel::PanelModel(AppModel& model, QObject* parent) : QObject(parent), mode
   connect(&model, &AppModel::settingsChanged, this, &PanelModel::shortcutChanged);
   connect(&model, &AppModel::shortcutStatusChanged, this, &PanelModel::shortcutChanged);
   connect(&model, &AppModel::launchAtLoginChanged, this, &PanelModel::launchAtLoginChanged);
+  connect(&model, &AppModel::packsFolderProblemChanged, this,
+          &PanelModel::packsFolderProblemChanged);
   connect(&model, &AppModel::lastForceChanged, this, &PanelModel::lastForceChanged);
 }
 
@@ -110,6 +112,18 @@ QString PanelModel::keyAccessProblem() const {
 
 QString PanelModel::soundProblem() const {
   return text(model_.soundProblem());
+}
+
+bool PanelModel::welcome() const {
+  return model_.isFirstStart() && !model_.lastForce();
+}
+
+QString PanelModel::packsFolderProblem() const {
+  return text(model_.packsFolderProblem());
+}
+
+QString PanelModel::loginItemProblem() const {
+  return text(model_.loginItemProblem());
 }
 
 // Packs

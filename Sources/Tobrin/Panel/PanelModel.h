@@ -30,6 +30,10 @@ class PanelModel final : public QObject {
 
   Q_PROPERTY(QString soundProblem READ soundProblem NOTIFY soundProblemChanged)
 
+  Q_PROPERTY(bool welcome READ welcome NOTIFY lastForceChanged)
+  Q_PROPERTY(QString packsFolderProblem READ packsFolderProblem NOTIFY packsFolderProblemChanged)
+  Q_PROPERTY(QString loginItemProblem READ loginItemProblem NOTIFY launchAtLoginChanged)
+
   Q_PROPERTY(QVariantList packs READ packs NOTIFY packsChanged)
   Q_PROPERTY(QString selectedPackID READ selectedPackID NOTIFY selectedPackChanged)
   Q_PROPERTY(QVariantMap selectedPack READ selectedPack NOTIFY selectedPackChanged)
@@ -75,7 +79,11 @@ class PanelModel final : public QObject {
   [[nodiscard]] bool needsRelaunch() const;
   [[nodiscard]] QString keyAccessProblem() const;
   [[nodiscard]] QString soundProblem() const;  ///< empty while there is none
-  [[nodiscard]] QVariantList packs() const;    ///< maps of id, name, kind, summary
+  /// On the very first start, until a key is heard.
+  [[nodiscard]] bool welcome() const;
+  [[nodiscard]] QString packsFolderProblem() const;  ///< empty while there is none
+  [[nodiscard]] QString loginItemProblem() const;    ///< empty while there is none
+  [[nodiscard]] QVariantList packs() const;          ///< maps of id, name, kind, summary
   [[nodiscard]] QString selectedPackID() const;
   [[nodiscard]] QVariantMap selectedPack() const;  ///< name, kind, summary, origin; or empty
   [[nodiscard]] QString packError() const;
@@ -131,6 +139,7 @@ class PanelModel final : public QObject {
   void packErrorChanged();
   void settingsChanged();
   void launchAtLoginChanged();
+  void packsFolderProblemChanged();
   void lastForceChanged();
   void shortcutChanged();
 

@@ -4,6 +4,7 @@
 #include <QCursor>
 #include <QLoggingCategory>
 
+#include "Application/Application.h"
 #include "Application/Modules.h"
 #include "Memory/UnusedMemory.h"
 #include "Model/AppModel.h"
@@ -14,9 +15,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::chrono::milliseconds trayPatience =
-    5s;  // a tray that is no sooner there is not waited for
-constexpr std::chrono::milliseconds embeddingTrayAfter = 1s;
+// A tray that is no sooner there is not waited for.
+constexpr std::chrono::milliseconds trayPatience = 700ms;
+constexpr std::chrono::milliseconds trayPatienceAtLogin = 10s;
 constexpr auto sameClick = 200ms;
 constexpr auto unloadAfter = 60s;
 
@@ -28,6 +29,19 @@ void doWithoutGraphicsDrivers() {
   qputenv(variable, "none");
   // It says that there is none of that name.
   QLoggingCategory::setFilterRules("qt.qpa.wayland.warning=false");
+}
+
+/// One short line, whatever a pack calls itself; "&" would underline the letter after it.
+QString menuText(const std::string& name) {
+  constexpr int longest = 40;
+  QString line = QString::fromStdString(name).simplified();
+  if (line.size() > longest) line = line.left(longest - 1) + u'…';
+  return line.replace('&', "&&");
+}
+
+/// Started by the desktop at login, whose tray may be slow to come.
+bool isStartedAtLogin() {
+  return QCoreApplication::arguments().contains(Application::atLoginArgument);
 }
 
 }  // namespace
@@ -53,7 +67,10 @@ void TrayInterface::start(AppModel& model) {
   // A tray that takes both kinds of item is given the time to say so.
   patience_.setSingleShot(true);
   connect(&patience_, &QTimer::timeout, this, &TrayInterface::doWithoutHost);
-  patience_.start(TrayHosts::hasEmbeddingTray() ? embeddingTrayAfter : trayPatience);
+  const bool waitsLong = isStartedAtLogin() && !TrayHosts::hasEmbeddingTray();
+  patience_.start(waitsLong ? trayPatienceAtLogin : trayPatience);
+  // Who starts it for the first time sees at once that it runs, and where.
+  if (model.isFirstStart()) QTimer::singleShot(0, this, [this] { openAsWindow(); });
 }
 
 void TrayInterface::stop() {
@@ -71,8 +88,12 @@ void TrayInterface::doWithoutHost() {
   if (TrayHosts::hasEmbeddingTray()) {
     makeTrayItem();
   } else if (!panel_) {
-    showPanel();
+    openAsWindow();
   }
+}
+
+void TrayInterface::openAsWindow() {
+  if (Panel* shown = panel()) shown->open(nullptr);
 }
 
 void TrayInterface::makeTrayItem() {
@@ -109,10 +130,10 @@ void TrayInterface::fillMenu() {
   sounds->setCheckable(true);
   sounds->setChecked(model_->settings().enabled);
   connect(sounds, &QAction::triggered, model_, &AppModel::toggleEnabled);
-  menu_->addSeparator();
   packChoice_ = std::make_unique<QActionGroup>(nullptr);
+  QMenu* packs = menu_->addMenu(tr("Sound"));
   for (const PackInfo& pack : model_->packs()) {
-    QAction* choice = packChoice_->addAction(menu_->addAction(QString::fromStdString(pack.name)));
+    QAction* choice = packChoice_->addAction(packs->addAction(menuText(pack.name)));
     choice->setCheckable(true);
     choice->setChecked(pack.id == model_->selectedPackID());
     connect(choice, &QAction::triggered, model_, [this, pack] { model_->select(pack); });

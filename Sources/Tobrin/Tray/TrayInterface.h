@@ -27,6 +27,7 @@ class TrayInterface final : public QObject, public UserInterface {
 
  private:
   void doWithoutHost();
+  void openAsWindow();
   void makeTrayItem();
   void updateItem();
   void applyColors();

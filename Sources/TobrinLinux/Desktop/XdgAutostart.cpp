@@ -61,7 +61,7 @@ std::string XdgAutostart::setEnabled(bool on) {
                         "Icon=app.tobrin.Tobrin\n"
                         "Exec=" +
                             quoted(program_.string()) +
-                            "\n"
+                            " --at-login\n"
                             // Desktops leave the entry alone once the program was removed.
                             "TryExec=" +
                             escaped(program_.string()) +

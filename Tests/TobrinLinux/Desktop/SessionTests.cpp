@@ -17,7 +17,8 @@ TEST(XdgAutostart, SwitchesAnEntryAndBelievesTheDesktopsOwnSwitches) {
   EXPECT_EQ(login.setEnabled(true), "");
   const std::string text = testing::contentOf(folder.path() / entry);
   // The backslashes count double: the entry's text is unescaped first, its command line then.
-  EXPECT_NE(text.find("\nExec=\"/opt/a b/\\\\$x\\\\\"\\\\\\\\50%%/tobrin\"\n"), std::string::npos)
+  EXPECT_NE(text.find("\nExec=\"/opt/a b/\\\\$x\\\\\"\\\\\\\\50%%/tobrin\" --at-login\n"),
+            std::string::npos)
       << text;
   EXPECT_NE(text.find("\nTryExec=/opt/a b/$x\"\\\\50%/tobrin\n"), std::string::npos) << text;
   EXPECT_EQ(login.setEnabled(false), "");

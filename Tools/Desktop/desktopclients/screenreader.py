@@ -62,6 +62,7 @@ def showing():
 
 
 def _collect(accessible, group, found):
-    found.append(Control(accessible, group))
+    control = Control(accessible, group)
+    found.append(control)
     for index in range(accessible.get_child_count()):
-        _collect(accessible.get_child_at_index(index), found[-1].name, found)
+        _collect(accessible.get_child_at_index(index), control.name, found)

@@ -69,12 +69,18 @@ class TrayWatcher:
                          GLib.Variant("(ss)", (ITEM, name)))[0]
 
     def menu(self):
-        """The menu's entries by their labels: number and properties."""
+        """The entries of the menu and of those within it by their labels: number and properties."""
         path = self.look("Menu")
         self.call(MENU, path, "AboutToShow", GLib.Variant("(i)", (0,)))
         _revision, (_root, _properties, entries) = self.call(
             MENU, path, "GetLayout", GLib.Variant("(iias)", (0, -1, [])))
-        return {entry[1]["label"].replace("_", ""): entry for entry in entries if "label" in entry[1]}
+        found = {}
+        while entries:
+            entry, *entries = entries
+            if "label" in entry[1]:
+                found[entry[1]["label"].replace("_", "")] = entry
+            entries += entry[2]
+        return found
 
     def choose(self, label):
         self.call(MENU, self.look("Menu"), "Event",

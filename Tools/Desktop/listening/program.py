@@ -17,16 +17,18 @@ _A_KEY = "0x61"
 
 class Tobrin(Background):
     """Runs the program with these engine settings (those not named have their defaults) and, where no pack is named,
-    the first: a program that has to choose plays a phrase of its choice into the recording."""
+    the first: a program that has to choose plays a phrase of its choice into the recording. On a `first` start nothing
+    is saved yet."""
 
-    def __init__(self, program, packs, arguments=(), pack="", **settings):
+    def __init__(self, program, packs, arguments=(), pack="", first=False, **settings):
         self.settings_file = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "Tobrin" / "settings.json"
         self.settings_file.parent.mkdir(parents=True, exist_ok=True)
         found = sorted(manifest.parent.name for manifest in pathlib.Path(packs).glob("*/pack.json"))
         saved = {"engineSettings": settings}
         if pack or found:
             saved["selectedPack"] = pack or found[0]
-        self.settings_file.write_text(json.dumps(saved), encoding="utf-8")
+        if not first:
+            self.settings_file.write_text(json.dumps(saved), encoding="utf-8")
         super().__init__([str(program), *arguments], env=os.environ | {"TOBRIN_PACKS": str(packs)})
 
     def wait_until_heard(self, recorder, seconds=30.0):
