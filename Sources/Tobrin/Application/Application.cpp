@@ -14,6 +14,7 @@
 #include "Application/Assembly.h"
 #include "Application/SignalWatcher.h"
 #include "Application/TerminalReport.h"
+#include "Application/Translation.h"
 #include "Application/UserInterface.h"
 #include "Confinement/Confinement.h"
 #include "Confinement/Launcher.h"
@@ -73,6 +74,7 @@ int Application::run(int argc, char** argv) {
   const auto interface = userInterface();
   const auto application = interface != nullptr ? interface->makeApplication(argc, argv)
                                                 : std::make_unique<QCoreApplication>(argc, argv);
+  if (interface != nullptr) installTranslation();
   const SignalWatcher endOnSignal([] { QCoreApplication::quit(); });
   Assembly assembly(launcher);
   const TerminalReport report(assembly.model());

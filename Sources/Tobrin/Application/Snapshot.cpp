@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "Application/Assembly.h"
+#include "Application/Translation.h"
 #include "Application/UserInterface.h"
 
 namespace tobrin {
@@ -72,6 +73,7 @@ int Snapshot::run(const std::vector<std::string>& words) {
   const auto picture = PanelPicture::load();
   if (picture == nullptr) return fail("The panel's library is missing.");
   const auto application = picture->makeApplication();
+  installTranslation();
   Assembly assembly(launcher, wish->preview);
   AppModel& model = assembly.model();
   if (wish->preview.pack && model.selectedPackID() != *wish->preview.pack) {

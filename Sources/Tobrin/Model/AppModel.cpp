@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "Base/Log.h"
-#include "Model/StatusTexts.h"
 #include "Packs/PackLibrary.h"
 
 namespace tobrin {
@@ -162,14 +161,16 @@ SoundState AppModel::soundState() const {
                              .volume = settings_.volume});
 }
 
-std::string AppModel::statusLine() const {
+ProgramStatus AppModel::status() const {
   const PackInfo* pack = selectedPack();
-  return StatusTexts::statusLine(
-      {.sound = soundState(),
-       .packName = pack != nullptr ? std::optional(pack->name) : std::nullopt,
-       .forceSensing = settings_.forceSensing && sensorAvailable_,
-       .sensorWorks = sensorProblem_.empty()},
-      services_.words);
+  return {.sound = soundState(),
+          .packName = pack != nullptr ? std::optional(pack->name) : std::nullopt,
+          .forceSensing = settings_.forceSensing && sensorAvailable_,
+          .sensorWorks = sensorProblem_.empty()};
+}
+
+std::string AppModel::statusLine() const {
+  return StatusTexts(services_.words).statusLine(status());
 }
 
 // Microphone
@@ -234,16 +235,17 @@ std::vector<Hotkey> AppModel::offeredShortcuts() const {
   return offered;
 }
 
-std::string AppModel::shortcutHint() const {
+ShortcutRoute AppModel::shortcutRoute() const {
   const bool isActive = shortcutStatus_.kind == GlobalHotkey::Status::Kind::active;
-  return StatusTexts::shortcutHint(
-      display(settings_.shortcut),
-      isActive ? services_.shortcutService->route() : ShortcutRoute::exclusive);
+  return isActive ? services_.shortcutService->route() : ShortcutRoute::exclusive;
+}
+
+std::string AppModel::shortcutHint() const {
+  return StatusTexts(services_.words).shortcutHint(display(settings_.shortcut), shortcutRoute());
 }
 
 std::optional<std::string> AppModel::shortcutProblem() const {
-  return StatusTexts::shortcutProblem(shortcutStatus_, display(settings_.shortcut),
-                                      services_.words);
+  return StatusTexts(services_.words).shortcutProblem(shortcutStatus_, display(settings_.shortcut));
 }
 
 // Packs

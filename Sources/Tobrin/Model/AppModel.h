@@ -19,7 +19,7 @@
 #include "Model/AppServices.h"
 #include "Model/KeyAccessWatch.h"
 #include "Model/SettingsSaver.h"
-#include "Model/SoundState.h"
+#include "Model/StatusTexts.h"
 
 namespace tobrin {
 
@@ -79,9 +79,12 @@ class AppModel final : public QObject {
 
   /// Whether keys can be heard now, or what is in the way.
   [[nodiscard]] SoundState soundState() const;
+  [[nodiscard]] ProgramStatus status() const;
   [[nodiscard]] std::string statusLine() const;
   /// Why the shortcut does not work, in words; nothing while it does or is off.
   [[nodiscard]] std::optional<std::string> shortcutProblem() const;
+  /// How the shortcut reaches the program.
+  [[nodiscard]] ShortcutRoute shortcutRoute() const;
   /// What the shortcut does, and what to know of the way it takes.
   [[nodiscard]] std::string shortcutHint() const;
   /// A shortcut as the user reads it, in the current keyboard layout.

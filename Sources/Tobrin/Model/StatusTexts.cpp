@@ -1,58 +1,67 @@
 #include "Model/StatusTexts.h"
 
 namespace tobrin {
+namespace {
 
-std::string StatusTexts::statusLine(const State& state, const PlatformWords& words) {
-  switch (state.sound) {
+/// The text with its "%1" replaced, or what `place` names.
+std::string filled(std::string text, const std::string& value, std::string_view place = "%1") {
+  const auto found = text.find(place);
+  return found == std::string::npos ? text : text.replace(found, place.size(), value);
+}
+
+}  // namespace
+
+std::string StatusTexts::statusLine(const ProgramStatus& status) const {
+  switch (status.sound) {
     case SoundState::noKeyAccess:
-      return std::string(words.needsKeyAccess);
+      return translate_(words_.needsKeyAccess);
     case SoundState::noSound:
-      return "No sound";
+      return translate_("No sound");
     case SoundState::packBroken:
-      if (state.packName) return *state.packName + " can't be played";
+      if (status.packName) return filled(translate_("%1 can't be played"), *status.packName);
       break;
     case SoundState::off:
-      return "Off";
+      return translate_("Off");
     case SoundState::pausedForCall:
-      return "Paused while the mic is in use";
+      return translate_("Paused while the mic is in use");
     case SoundState::muted:
-      return "Muted";
+      return translate_("Muted");
     case SoundState::playing:
       break;
   }
-  const char* const strength = !state.forceSensing ? "Fixed strength"
-                               : state.sensorWorks ? "Force sensing on"
-                                                   : "Fixed strength, sensor fails";
-  return state.packName.value_or("No pack") + " · " + strength;
+  const std::string strength = !status.forceSensing ? translate_("Fixed strength")
+                               : status.sensorWorks ? translate_("Force sensing on")
+                                                    : translate_("Fixed strength, sensor fails");
+  return status.packName.value_or(translate_("No pack")) + " · " + strength;
 }
 
 std::optional<std::string> StatusTexts::shortcutProblem(const GlobalHotkey::Status& status,
-                                                        const std::string& shortcut,
-                                                        const PlatformWords& words) {
+                                                        const std::string& shortcut) const {
   using Kind = GlobalHotkey::Status::Kind;
   switch (status.kind) {
     case Kind::active:
     case Kind::off:
       return std::nullopt;
     case Kind::taken:
-      return shortcut + " is already used by another app. Pick another.";
+      return filled(translate_("%1 is already used by another app. Pick another."), shortcut);
     case Kind::reservedBySystem:
-      return shortcut + std::string(words.reservedShortcut);
+      return shortcut + translate_(words_.reservedShortcut);
     case Kind::failed:
-      return "Couldn't set up " + shortcut + " (error " + std::to_string(status.error) + ").";
+      return filled(filled(translate_("Couldn't set up %1 (error %2)."), shortcut),
+                    std::to_string(status.error), "%2");
   }
   return std::nullopt;
 }
 
-std::string StatusTexts::shortcutHint(const std::string& shortcut, ShortcutRoute route) {
-  const std::string hint = shortcut + " in any app to turn sounds on or off";
+std::string StatusTexts::shortcutHint(const std::string& shortcut, ShortcutRoute route) const {
+  const std::string hint = filled(translate_("%1 in any app to turn sounds on or off"), shortcut);
   switch (route) {
     case ShortcutRoute::exclusive:
       break;
     case ShortcutRoute::desktop:
-      return hint + ". The desktop's settings can change the keys.";
+      return hint + translate_(". The desktop's settings can change the keys.");
     case ShortcutRoute::shared:
-      return hint + ". Other apps see these keys too.";
+      return hint + translate_(". Other apps see these keys too.");
   }
   return hint;
 }

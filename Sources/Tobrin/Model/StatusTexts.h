@@ -1,6 +1,8 @@
-/// The sentences in which the program speaks of its own state. Pure functions; thread: any.
+/// The sentences in which the program speaks of its state, in English or in another language.
+/// Thread: any.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -10,22 +12,36 @@
 
 namespace tobrin {
 
-struct StatusTexts {
-  struct State {
-    SoundState sound = SoundState::playing;
-    std::optional<std::string> packName;  ///< absent: no pack
-    bool forceSensing = false;            ///< wanted, and a sensor is there
-    bool sensorWorks = true;
-  };
+/// What the sentences are about.
+struct ProgramStatus {
+  SoundState sound = SoundState::playing;
+  std::optional<std::string> packName;  ///< absent: no pack
+  bool forceSensing = false;            ///< wanted, and a sensor is there
+  bool sensorWorks = true;
+};
 
-  static std::string statusLine(const State& state, const PlatformWords& words);
+class StatusTexts final {
+ public:
+  /// From an English text of ours to the user's language.
+  using Translate = std::function<std::string(std::string_view english)>;
+
+  /// `words` outlives the texts. The terminal and the log speak English.
+  explicit StatusTexts(const PlatformWords& words, Translate translate = inEnglish)
+      : words_(words), translate_(std::move(translate)) {}
+
+  [[nodiscard]] std::string statusLine(const ProgramStatus& status) const;
 
   /// Nothing while the shortcut is active or off. `shortcut` is its name for people.
-  static std::optional<std::string> shortcutProblem(const GlobalHotkey::Status& status,
-                                                    const std::string& shortcut,
-                                                    const PlatformWords& words);
+  [[nodiscard]] std::optional<std::string> shortcutProblem(const GlobalHotkey::Status& status,
+                                                           const std::string& shortcut) const;
 
-  static std::string shortcutHint(const std::string& shortcut, ShortcutRoute route);
+  [[nodiscard]] std::string shortcutHint(const std::string& shortcut, ShortcutRoute route) const;
+
+ private:
+  static std::string inEnglish(std::string_view english) { return std::string(english); }
+
+  const PlatformWords& words_;
+  Translate translate_;
 };
 
 }  // namespace tobrin

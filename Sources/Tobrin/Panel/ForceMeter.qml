@@ -24,6 +24,7 @@ ColumnLayout {
         Rectangle {
             readonly property real filled: Math.min(1, Math.max(0, meter.reading.readingRelative / meter.fullScale))
 
+            anchors.left: parent.left // mirrored where the panel is
             // Never narrower than its own round ends.
             width: meter.reading.hasReading ? height + filled * (parent.width - height) : 0
             height: parent.height

@@ -40,6 +40,7 @@ ColumnLayout {
         readonly property int columns: Math.max(1, Math.min(3, Math.floor((width + Theme.gap) / (Theme.textSize * 6))))
         readonly property int rows: Math.ceil(count / columns)
         readonly property int rowsShown: 3
+        readonly property bool mirrored: effectiveLayoutDirection === Qt.RightToLeft
         readonly property int nameLines: section.shown.some(pack => names.advanceWidth(pack.name) > nameWidth) ? 2 : 1
         readonly property real nameWidth: cellWidth - 3 * Theme.gap
         readonly property string selectedID: section.model.selectedPackID
@@ -47,7 +48,8 @@ ColumnLayout {
 
         Layout.fillWidth: true
         // Each tile brings the gap to the next one.
-        Layout.rightMargin: -Theme.gap
+        Layout.leftMargin: mirrored ? -Theme.gap : 0
+        Layout.rightMargin: mirrored ? 0 : -Theme.gap
         Layout.bottomMargin: interactive ? 0 : -Theme.gap
         Layout.preferredHeight: Math.min(rows, rowsShown) * cellHeight
         visible: count > 0
@@ -77,6 +79,7 @@ ColumnLayout {
             height: grid.cellHeight
 
             PackTile {
+                x: grid.mirrored ? Theme.gap : 0
                 width: cell.width - Theme.gap
                 height: cell.height - Theme.gap
                 focus: true
@@ -126,7 +129,7 @@ ColumnLayout {
 
         /// Whether the key means a place in the grid.
         function moveBy(event) {
-            const forward = effectiveLayoutDirection === Qt.RightToLeft ? -1 : 1;
+            const forward = mirrored ? -1 : 1;
             const steps = { [Qt.Key_Left]: -forward, [Qt.Key_Right]: forward, [Qt.Key_Up]: -columns,
                             [Qt.Key_Down]: columns, [Qt.Key_PageUp]: -columns * rowsShown,
                             [Qt.Key_PageDown]: columns * rowsShown, [Qt.Key_Home]: -count, [Qt.Key_End]: count };

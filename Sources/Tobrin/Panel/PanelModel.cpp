@@ -1,8 +1,10 @@
 #include "Panel/PanelModel.h"
 
+#include <QLocale>
 #include <algorithm>
 #include <cmath>
 
+#include "Application/Translation.h"
 #include "Model/AppModel.h"
 
 namespace tobrin {
@@ -40,7 +42,8 @@ QString origin(const PackManifest& manifest) {
 
 }  // namespace
 
-PanelModel::PanelModel(AppModel& model, QObject* parent) : QObject(parent), model_(model) {
+PanelModel::PanelModel(AppModel& model, QObject* parent)
+    : QObject(parent), model_(model), texts_(model.words(), translated) {
   connect(&model, &AppModel::statusChanged, this, &PanelModel::statusChanged);
   connect(&model, &AppModel::permissionChanged, this, &PanelModel::permissionChanged);
   connect(&model, &AppModel::outputChanged, this, &PanelModel::soundProblemChanged);
@@ -67,16 +70,16 @@ void PanelModel::change(Field EngineSettings::*field, Value value) {
 // State
 
 QString PanelModel::statusLine() const {
-  return strangersText(model_.statusLine());
+  return strangersText(texts_.statusLine(model_.status()));
 }
 QString PanelModel::keyAccessTitle() const {
-  return text(model_.words().keyAccessTitle);
+  return text(translated(model_.words().keyAccessTitle));
 }
 QString PanelModel::keyAccessButton() const {
-  return text(model_.words().keyAccessButton);
+  return text(translated(model_.words().keyAccessButton));
 }
 QString PanelModel::noSensorNote() const {
-  return text(model_.words().forceNeedsSensor);
+  return text(translated(model_.words().forceNeedsSensor));
 }
 QString PanelModel::previewProblem() const {
   switch (model_.soundState()) {
@@ -246,8 +249,9 @@ int PanelModel::readingTier() const {
 
 QString PanelModel::readingCaption() const {
   if (!hasReading()) return {};
-  return QString::asprintf("Last key: %.1f\u00d7 a typical keystroke (%.3f g)", readingRelative(),
-                           static_cast<double>(model_.lastForce()->peak));
+  return tr("Last key: %1× a typical keystroke (%2 g)")
+      .arg(QLocale().toString(readingRelative(), 'f', 1),
+           QLocale().toString(static_cast<double>(model_.lastForce()->peak), 'f', 3));
 }
 
 // Shortcut
@@ -272,11 +276,13 @@ void PanelModel::setShortcutIndex(int index) {
 }
 
 QString PanelModel::shortcutProblem() const {
-  return textOrNone(model_.shortcutProblem());
+  return textOrNone(
+      texts_.shortcutProblem(model_.shortcutStatus(), model_.display(model_.settings().shortcut)));
 }
 
 QString PanelModel::shortcutHint() const {
-  return text(model_.shortcutHint());
+  return text(
+      texts_.shortcutHint(model_.display(model_.settings().shortcut), model_.shortcutRoute()));
 }
 
 // Actions

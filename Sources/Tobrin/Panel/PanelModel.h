@@ -8,6 +8,8 @@
 #include <QVariantList>
 #include <QtQmlIntegration>
 
+#include "Model/StatusTexts.h"
+
 namespace tobrin {
 
 class AppModel;
@@ -149,6 +151,7 @@ class PanelModel final : public QObject {
   void change(Field EngineSettings::*field, Value value);
 
   AppModel& model_;
+  StatusTexts texts_;
 };
 
 }  // namespace tobrin

@@ -1,6 +1,7 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QImageWriter>
+#include <QLocale>
 #include <QQuickItem>
 #include <QTimer>
 
@@ -12,7 +13,9 @@ namespace {
 class OffscreenPicture final : public PanelPicture {
  public:
   std::unique_ptr<QCoreApplication> makeApplication() override {
-    return std::make_unique<QGuiApplication>(argumentCount_, arguments_);
+    auto application = std::make_unique<QGuiApplication>(argumentCount_, arguments_);
+    QGuiApplication::setLayoutDirection(QLocale().textDirection());
+    return application;
   }
   std::string save(AppModel& model, const std::string& path, bool dark) override;
 

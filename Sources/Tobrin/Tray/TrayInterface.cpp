@@ -6,6 +6,7 @@
 
 #include "Application/Application.h"
 #include "Application/Modules.h"
+#include "Application/Translation.h"
 #include "Memory/UnusedMemory.h"
 #include "Model/AppModel.h"
 #include "Tray/TrayIcon.h"
@@ -52,6 +53,7 @@ std::unique_ptr<QCoreApplication> TrayInterface::makeApplication(int& argc, char
   doWithoutGraphicsDrivers();
   auto application = std::make_unique<QApplication>(argc, argv);
   QCoreApplication::setApplicationName("Tobrin");
+  QGuiApplication::setLayoutDirection(QLocale().textDirection());
   return application;
 }
 
@@ -121,12 +123,14 @@ void TrayInterface::applyColors() {
 void TrayInterface::updateItem() {
   if (!item_) return;
   item_->setIcon(trayIcon(model_->soundState() == SoundState::playing));
-  item_->setToolTip("Tobrin\n" + QString::fromStdString(model_->statusLine()));
+  item_->setToolTip("Tobrin\n" +
+                    QString::fromStdString(
+                        StatusTexts(model_->words(), translated).statusLine(model_->status())));
 }
 
 void TrayInterface::fillMenu() {
   menu_->clear();
-  QAction* sounds = menu_->addAction("Sounds");
+  QAction* sounds = menu_->addAction(tr("Sounds"));
   sounds->setCheckable(true);
   sounds->setChecked(model_->settings().enabled);
   connect(sounds, &QAction::triggered, model_, &AppModel::toggleEnabled);
@@ -139,8 +143,9 @@ void TrayInterface::fillMenu() {
     connect(choice, &QAction::triggered, model_, [this, pack] { model_->select(pack); });
   }
   menu_->addSeparator();
-  connect(menu_->addAction("Open Tobrin"), &QAction::triggered, this, &TrayInterface::showPanel);
-  connect(menu_->addAction("Quit"), &QAction::triggered, model_, &AppModel::quit);
+  connect(menu_->addAction(tr("Open Tobrin")), &QAction::triggered, this,
+          &TrayInterface::showPanel);
+  connect(menu_->addAction(tr("Quit")), &QAction::triggered, model_, &AppModel::quit);
 }
 
 void TrayInterface::togglePanel() {

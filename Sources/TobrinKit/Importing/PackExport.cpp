@@ -80,9 +80,9 @@ void demandInstallable(const SourceFiles& files) {
   for (const auto& file : files.all())
     bytes += file.bytes;
   if (bytes > SourceFiles::mostBytes)
-    throw ImportError(ImportError::Kind::tooLarge,
-                      "the folder holds more than " +
-                          std::to_string(SourceFiles::mostBytes >> 20) + " MiB");
+    throw ImportError(
+        ImportError::Kind::tooLarge,
+        "the folder holds more than " + std::to_string(SourceFiles::mostBytes >> 20) + " MiB");
 }
 
 }  // namespace

@@ -100,8 +100,8 @@ bool PackInstall::copyOwn(const fs::path& source) {
 }
 
 void PackInstall::import(const fs::path& source, const PackImport::Progress& progress) {
-  auto [draft, result] = PackImport::make({.source = source, .into = {}, .id = {}, .name = {}},
-                                          services_, progress);
+  auto [draft, result] =
+      PackImport::make({.source = source, .into = {}, .id = {}, .name = {}}, services_, progress);
   choosePlace(result.id, result.name);
   installed_.notes = std::move(result.notes);
   draft.write(folder_->aside());

@@ -1,0 +1,113 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE" sourcelanguage="en">
+<context>
+    <name>ForceMeter</name>
+    <message><source>Type to see how hard you hit</source><translation>Tippe, um zu sehen, wie fest du anschlägst</translation></message>
+</context>
+<context>
+    <name>ForceSection</name>
+    <message><source>Force</source><translation>Anschlag</translation></message>
+    <message><source>Feel how hard you type</source><translation>Spüren, wie fest du tippst</translation></message>
+    <message><source>The motion sensor does not work: %1. Until it does, the strength below is used.</source><translation>Der Bewegungssensor arbeitet nicht: %1. Bis er es tut, gilt die Stärke unten.</translation></message>
+    <message><source>Sensitivity</source><translation>Empfindlichkeit</translation></message>
+    <message><source>%1×</source><translation>%1×</translation></message>
+    <message><source>Strength</source><translation>Stärke</translation></message>
+</context>
+<context>
+    <name>MenuHeader</name>
+    <message><source>Sounds</source><translation>Töne</translation></message>
+</context>
+<context>
+    <name>MenuView</name>
+    <message><source>Type anything: it sounds in every app.</source><translation>Tippe irgendetwas: Es klingt in jedem Programm.</translation></message>
+</context>
+<context>
+    <name>OptionsSection</name>
+    <message><source>Key release sounds</source><translation>Töne beim Loslassen</translation></message>
+    <message><source>Stereo by key position</source><translation>Stereo nach Lage der Taste</translation></message>
+    <message><source>Quiet during calls</source><translation>Still bei Anrufen</translation></message>
+    <message><source>Pause while any app is using the microphone, and resume when it's free. Tobrin never listens to it.</source><translation>Pause, solange ein Programm das Mikrofon benutzt, und weiter, wenn es frei ist. Tobrin hört nie mit.</translation></message>
+    <message><source>Open at login</source><translation>Beim Anmelden öffnen</translation></message>
+</context>
+<context>
+    <name>PackGrid</name>
+    <message><source>Find a pack</source><translation>Paket suchen</translation></message>
+    <message><source>No pack is called that.</source><translation>So heißt kein Paket.</translation></message>
+    <message><source>Packs</source><translation>Pakete</translation></message>
+</context>
+<context>
+    <name>PackSection</name>
+    <message><source>Sound</source><translation>Klang</translation></message>
+    <message><source>Preview</source><translation>Anhören</translation></message>
+</context>
+<context>
+    <name>PanelFooter</name>
+    <message><source>Packs Folder…</source><translation>Paketordner …</translation></message>
+    <message><source>Quit</source><translation>Beenden</translation></message>
+</context>
+<context>
+    <name>PermissionCard</name>
+    <message><source>It only uses key presses to pick a sound. It never records or sends what you type.</source><translation>Es wählt mit den Tastendrücken nur einen Klang aus. Es zeichnet nie auf und sendet nie, was du tippst.</translation></message>
+    <message><source>Relaunch Tobrin</source><translation>Tobrin neu starten</translation></message>
+</context>
+<context>
+    <name>ShortcutSection</name>
+    <message><source>Shortcut</source><translation>Tastenkürzel</translation></message>
+    <message><source>Turn sounds on/off with</source><translation>Töne an und aus mit</translation></message>
+</context>
+<context>
+    <name>Theme</name>
+    <message><source>Soft</source><translation>Sanft</translation></message>
+    <message><source>Medium</source><translation>Mittel</translation></message>
+    <message><source>Hard</source><translation>Fest</translation></message>
+    <message><source>Slam</source><translation>Hart</translation></message>
+</context>
+<context>
+    <name>TitleBar</name>
+    <message><source>Close</source><translation>Schließen</translation></message>
+</context>
+<context>
+    <name>VolumeSection</name>
+    <message><source>Unmute</source><translation>Ton an</translation></message>
+    <message><source>Mute</source><translation>Stumm</translation></message>
+    <message><source>Volume</source><translation>Lautstärke</translation></message>
+    <message><source>%1 %</source><translation>%1 %</translation></message>
+</context>
+<context>
+    <name>tobrin::PanelModel</name>
+    <message><source>Sounds are off.</source><translation>Die Töne sind aus.</translation></message>
+    <message><source>Sounds pause while the mic is in use.</source><translation>Die Töne pausieren, solange das Mikrofon benutzt wird.</translation></message>
+    <message><source>The volume is at 0.</source><translation>Die Lautstärke steht auf 0.</translation></message>
+    <message><source>Last key: %1× a typical keystroke (%2 g)</source><translation>Letzte Taste: das %1-Fache eines gewöhnlichen Anschlags (%2 g)</translation></message>
+</context>
+<context>
+    <name>tobrin::TrayInterface</name>
+    <message><source>Sounds</source><translation>Töne</translation></message>
+    <message><source>Sound</source><translation>Klang</translation></message>
+    <message><source>Open Tobrin</source><translation>Tobrin öffnen</translation></message>
+    <message><source>Quit</source><translation>Beenden</translation></message>
+</context>
+<context>
+    <name>sentences</name>
+    <message><source>No sound</source><translation>Kein Ton</translation></message>
+    <message><source>%1 can't be played</source><translation>%1 lässt sich nicht abspielen</translation></message>
+    <message><source>Off</source><translation>Aus</translation></message>
+    <message><source>Paused while the mic is in use</source><translation>Pause, solange das Mikrofon benutzt wird</translation></message>
+    <message><source>Muted</source><translation>Stumm</translation></message>
+    <message><source>Fixed strength</source><translation>Feste Stärke</translation></message>
+    <message><source>Force sensing on</source><translation>Anschlag wird gemessen</translation></message>
+    <message><source>Fixed strength, sensor fails</source><translation>Feste Stärke, Sensor gestört</translation></message>
+    <message><source>No pack</source><translation>Kein Paket</translation></message>
+    <message><source>%1 is already used by another app. Pick another.</source><translation>%1 benutzt schon ein anderes Programm. Wähle ein anderes.</translation></message>
+    <message><source>Couldn't set up %1 (error %2).</source><translation>%1 ließ sich nicht einrichten (Fehler %2).</translation></message>
+    <message><source>%1 in any app to turn sounds on or off</source><translation>%1 schaltet in jedem Programm die Töne an und aus</translation></message>
+    <message><source>. The desktop's settings can change the keys.</source><translation>. Die Tasten lassen sich in den Einstellungen der Arbeitsumgebung ändern.</translation></message>
+    <message><source>. Other apps see these keys too.</source><translation>. Andere Programme sehen diese Tasten auch.</translation></message>
+    <message><source>Needs access to the keyboard</source><translation>Braucht Zugriff auf die Tastatur</translation></message>
+    <message><source>Tobrin needs access to the keyboard</source><translation>Tobrin braucht Zugriff auf die Tastatur</translation></message>
+    <message><source>Allow Access…</source><translation>Zugriff erlauben …</translation></message>
+    <message><source>Force sensing needs a laptop with a fast motion sensor. Pick a fixed strength instead.</source><translation>Um den Anschlag zu messen, braucht es einen Laptop mit schnellem Bewegungssensor. Wähle stattdessen eine feste Stärke.</translation></message>
+    <message><source> is a system shortcut (the desktop's keyboard settings). Pick another.</source><translation> gehört der Arbeitsumgebung (deren Tastatureinstellungen). Wähle ein anderes.</translation></message>
+</context>
+</TS>
