@@ -74,7 +74,7 @@ TEST_F(AppModelTest, ADamagedPackIsNamedAndSilent) {
   model.setSelectedPackID("omega");
   EXPECT_FALSE(isHeard()) << "chosen already";
   EXPECT_EQ(loadedPack(), "omega") << "it is there already";
-  EXPECT_EQ(settings_.writes, 1) << "one choice was another";
+  EXPECT_EQ(settings_.writes, 2) << "the first start, and one choice";
 }
 
 TEST_F(AppModelTest, OpeningThePanelLoadsWhatIsNot) {
