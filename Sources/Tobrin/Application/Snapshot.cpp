@@ -13,7 +13,7 @@ namespace {
 
 struct Wish {
   std::string path = "menu.png";
-  bool dark = false;
+  Look look;
   AppModel::Preview preview;
 };
 
@@ -32,7 +32,9 @@ std::optional<Wish> parse(const std::vector<std::string>& words) {
   bool hasPath = false;
   for (const std::string& word : words) {
     if (word == "dark") {
-      wish.dark = true;
+      wish.look.dark = true;
+    } else if (word == "contrast") {
+      wish.look.highContrast = true;
     } else if (word == "call") {
       wish.preview.micInUse = true;
     } else if (word.starts_with(packPrefix)) {
@@ -68,7 +70,7 @@ std::string idsOf(const std::vector<PackInfo>& packs) {
 
 int Snapshot::run(const std::vector<std::string>& words) {
   const auto wish = parse(words);
-  if (!wish) return fail("Usage: tobrin --snapshot [path] [dark] [call] [pack=ID]");
+  if (!wish) return fail("Usage: tobrin --snapshot [path] [dark] [contrast] [call] [pack=ID]");
   const Launcher launcher(DesktopWorkspace::errands());
   const auto picture = PanelPicture::load();
   if (picture == nullptr) return fail("The panel's library is missing.");
@@ -81,7 +83,7 @@ int Snapshot::run(const std::vector<std::string>& words) {
                 "\". There are: " + idsOf(model.packs()) + ".");
   }
   waitForPack(model);
-  const std::string problem = picture->save(model, wish->path, wish->dark);
+  const std::string problem = picture->save(model, wish->path, wish->look);
   return problem.empty() ? 0 : fail(problem);
 }
 

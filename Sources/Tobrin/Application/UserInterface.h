@@ -11,6 +11,13 @@ namespace tobrin {
 
 class AppModel;
 
+/// How the panel is to look.
+struct Look {
+  bool dark = false;
+  bool highContrast = false;
+  bool reducedMotion = false;  ///< nothing moves that need not
+};
+
 class UserInterface {
  public:
   virtual ~UserInterface() = default;
@@ -41,7 +48,7 @@ class Panel {
   /// window where `anchor` is null.
   virtual void open(const QPoint* anchor) = 0;
   virtual void close() = 0;
-  virtual void setDark(bool dark) = 0;
+  virtual void setLook(const Look& look) = 0;
   [[nodiscard]] virtual bool isOpen() const = 0;
 };
 
@@ -53,7 +60,7 @@ class PanelPicture {
   virtual std::unique_ptr<QCoreApplication> makeApplication() = 0;
   /// Returns why the picture could not be written; empty on success. The file's ending decides its
   /// format.
-  virtual std::string save(AppModel& model, const std::string& path, bool dark) = 0;
+  virtual std::string save(AppModel& model, const std::string& path, const Look& look) = 0;
 
   /// Null (and the reason logged) where the library is missing.
   static std::unique_ptr<PanelPicture> load();

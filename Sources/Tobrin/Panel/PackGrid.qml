@@ -48,8 +48,7 @@ ColumnLayout {
 
         Layout.fillWidth: true
         // Each tile brings the gap to the next one.
-        Layout.leftMargin: mirrored ? -Theme.gap : 0
-        Layout.rightMargin: mirrored ? 0 : -Theme.gap
+        Layout.rightMargin: -Theme.gap
         Layout.bottomMargin: interactive ? 0 : -Theme.gap
         Layout.preferredHeight: Math.min(rows, rowsShown) * cellHeight
         visible: count > 0

@@ -17,7 +17,7 @@ class OffscreenPicture final : public PanelPicture {
     QGuiApplication::setLayoutDirection(QLocale().textDirection());
     return application;
   }
-  std::string save(AppModel& model, const std::string& path, bool dark) override;
+  std::string save(AppModel& model, const std::string& path, const Look& look) override;
 
  private:
   // Borrowed by the application for its life.
@@ -34,11 +34,11 @@ void settle() {
   loop.exec();
 }
 
-std::string OffscreenPicture::save(AppModel& model, const std::string& path, bool dark) {
+std::string OffscreenPicture::save(AppModel& model, const std::string& path, const Look& look) {
   PanelWindow panel(model, [] {});
   QQuickView& view = panel.view();
   if (view.rootObject() == nullptr) return "The panel can't be drawn.";
-  panel.setDark(dark);
+  panel.setLook(look);
   view.show();
   settle();
   // All of it, whatever the size of the screen that is not there.

@@ -110,8 +110,12 @@ void PanelWindow::close() {
   view_->hide();
 }
 
-void PanelWindow::setDark(bool dark) {
-  if (QQuickItem* root = view_->rootObject()) root->setProperty("dark", dark);
+void PanelWindow::setLook(const Look& look) {
+  QQuickItem* root = view_->rootObject();
+  if (root == nullptr) return;
+  root->setProperty("dark", look.dark);
+  root->setProperty("highContrast", look.highContrast);
+  root->setProperty("reducedMotion", look.reducedMotion);
 }
 
 void PanelWindow::followContent() {

@@ -20,7 +20,7 @@ class PanelWindow final : public QObject, public Panel {
 
   void open(const QPoint* anchor) override;
   void close() override;
-  void setDark(bool dark) override;
+  void setLook(const Look& look) override;
   [[nodiscard]] bool isOpen() const override;
 
   /// The view itself, for pictures of it.

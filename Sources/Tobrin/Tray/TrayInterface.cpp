@@ -59,11 +59,11 @@ std::unique_ptr<QCoreApplication> TrayInterface::makeApplication(int& argc, char
 
 void TrayInterface::start(AppModel& model) {
   model_ = &model;
-  colors_ = std::make_unique<ColorScheme>();
+  appearance_ = std::make_unique<Appearance>();
   unload_.setSingleShot(true);
   connect(&unload_, &QTimer::timeout, this, &TrayInterface::panelMayBeUnloaded);
   connect(&model, &AppModel::statusChanged, this, &TrayInterface::updateItem);
-  connect(colors_.get(), &ColorScheme::changed, this, &TrayInterface::applyColors);
+  connect(appearance_.get(), &Appearance::changed, this, &TrayInterface::applyLook);
   hosts_ = std::make_unique<TrayHosts>();
   connect(hosts_.get(), &TrayHosts::appeared, this, &TrayInterface::makeTrayItem);
   // A tray that takes both kinds of item is given the time to say so.
@@ -116,8 +116,8 @@ void TrayInterface::makeTrayItem() {
   item_->show();
 }
 
-void TrayInterface::applyColors() {
-  if (panel_) panel_->setDark(colors_->isDark());
+void TrayInterface::applyLook() {
+  if (panel_) panel_->setLook(appearance_->look());
 }
 
 void TrayInterface::updateItem() {
@@ -172,7 +172,7 @@ Panel* TrayInterface::panel() {
   const auto make = reinterpret_cast<Make>(Modules::symbol("panel", "tobrinMakePanel"));
   if (make == nullptr) return nullptr;
   panel_.reset(make(*model_, [this] { panelClosed(); }));
-  panel_->setDark(colors_->isDark());
+  panel_->setLook(appearance_->look());
   return panel_.get();
 }
 

@@ -13,7 +13,7 @@
 #include <memory>
 
 #include "Application/UserInterface.h"
-#include "Tray/ColorScheme.h"
+#include "Tray/Appearance.h"
 #include "Tray/TrayHosts.h"
 
 namespace tobrin {
@@ -30,7 +30,7 @@ class TrayInterface final : public QObject, public UserInterface {
   void openAsWindow();
   void makeTrayItem();
   void updateItem();
-  void applyColors();
+  void applyLook();
   void fillMenu();
   void togglePanel();
   Panel* panel();
@@ -38,7 +38,7 @@ class TrayInterface final : public QObject, public UserInterface {
   void panelMayBeUnloaded();
 
   AppModel* model_ = nullptr;  // set by start
-  std::unique_ptr<ColorScheme> colors_;
+  std::unique_ptr<Appearance> appearance_;
   std::unique_ptr<TrayHosts> hosts_;
   std::unique_ptr<QMenu> menu_;
   std::unique_ptr<QActionGroup> packChoice_;  // one of its entries is checked
