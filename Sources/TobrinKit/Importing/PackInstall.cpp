@@ -112,11 +112,11 @@ void PackInstall::choosePlace(const std::string& id, const std::string& name) {
   installed_.id = id;
   installed_.name = name;
   installed_.folder = place;
-  installed_.isNew = !fs::exists(place);
   folder_ = std::make_unique<PackFolder>(place);
 }
 
 PackInstall::Installed PackInstall::moveIntoPlace() {
+  installed_.isNew = !fs::exists(installed_.folder);
   folder_->moveIntoPlace(services_.exchange);
   folder_.reset();  // with the old pack, where there was one
   return installed_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <span>
 
 #include "Building/TakeCutter.h"
@@ -42,16 +43,24 @@ std::optional<Range> rangeOf(const SampleBuffer& sound, const SoundRef::Part& pa
   return range.end > range.begin ? std::optional(range) : std::nullopt;
 }
 
+/// A constant offset, which some sound cards add, is no sound.
+double offsetOf(const float* channel, Range range) {
+  const double sum = std::accumulate(channel + range.begin, channel + range.end, 0.0);
+  return sum / static_cast<double>(range.size());
+}
+
 /// Root mean square of each millisecond, both channels together.
 std::vector<float> envelope(const SampleBuffer& sound, Range range) {
+  const double leftOffset = offsetOf(sound.left(), range);
+  const double rightOffset = offsetOf(sound.right(), range);
   const std::size_t step = std::max<std::size_t>(frames(sound, 1), 1);
   std::vector<float> levels;
   for (std::size_t at = range.begin; at < range.end; at += step) {
     const std::size_t count = std::min(step, range.end - at);
     double sum = 0;
     for (std::size_t i = at; i < at + count; ++i) {
-      const auto left = static_cast<double>(sound.left()[i]);
-      const auto right = static_cast<double>(sound.right()[i]);
+      const double left = static_cast<double>(sound.left()[i]) - leftOffset;
+      const double right = static_cast<double>(sound.right()[i]) - rightOffset;
       sum += left * left + right * right;
     }
     levels.push_back(static_cast<float>(std::sqrt(sum / (2 * static_cast<double>(count)))));
@@ -76,6 +85,9 @@ std::size_t quietEnd(const std::vector<float>& levels) {
 std::optional<Range> audible(const SampleBuffer& sound, Range range) {
   std::vector<float> levels = envelope(sound, range);
   levels.resize(std::min(quietEnd(levels), static_cast<std::size_t>(longestMs)));
+  // The last millisecond may be a short one.
+  const std::size_t quiet =
+      std::min(range.end, range.begin + frames(sound, static_cast<double>(levels.size())));
   const float loudest = levels.empty() ? 0 : *std::ranges::max_element(levels);
   if (loudest < silence) return std::nullopt;
   const auto isAbove = [&](float share) {
@@ -85,8 +97,7 @@ std::optional<Range> audible(const SampleBuffer& sound, Range range) {
   const auto afterLast =
       levels.rend() - std::find_if(levels.rbegin(), levels.rend(), isAbove(tailShare));
   const std::size_t end = range.begin + frames(sound, static_cast<double>(afterLast) + tailMs);
-  return Range{range.begin + frames(sound, static_cast<double>(first)),
-               std::min(end, range.begin + frames(sound, static_cast<double>(levels.size())))};
+  return Range{range.begin + frames(sound, static_cast<double>(first)), std::min(end, quiet)};
 }
 
 /// The first sample of the sound's first millisecond that stands out from what was before.

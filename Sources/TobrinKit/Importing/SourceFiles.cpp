@@ -122,9 +122,9 @@ SourceFiles::Keys SourceFiles::keysOf(std::string_view name) {
   return keys;
 }
 
-std::string SourceFiles::read(const File& file, uint64_t mostBytes) {
+std::string SourceFiles::read(const File& file, uint64_t longest) {
   try {
-    return RegularFile(file.path).readText(mostBytes);
+    return RegularFile(file.path).readText(longest);
   } catch (const std::system_error& error) {
     throw ImportError(ImportError::Kind::unreadable,
                       "Can't read " + file.name + ": " + error.code().message());

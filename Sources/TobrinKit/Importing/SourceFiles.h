@@ -46,8 +46,8 @@ class SourceFiles final {
 
   [[nodiscard]] const std::vector<File>& all() const { return files_; }
 
-  /// A file's bytes. Throws `ImportError` where it is longer than `mostBytes` or cannot be read.
-  static std::string read(const File& file, uint64_t mostBytes);
+  /// A file's bytes. Throws `ImportError` where it has more than `longest` bytes or cannot be read.
+  static std::string read(const File& file, uint64_t longest);
 
  private:
   struct Keys {
