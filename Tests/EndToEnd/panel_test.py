@@ -26,7 +26,8 @@ ICONS = pathlib.Path(__file__).resolve().parents[2] / "Resources/icons"
 CHORD = "ctrl+alt+super+"
 # In the order of the Tab key; of a group, the chosen one.
 STOPS = ["Sounds", "Preview", "Blue Click, Clicky", "Mute", "Volume", "Strength: Medium", "Key release sounds", "Stereo by key position",
-         "Quiet during calls", "Open at login", "Turn sounds on/off with", "Shortcut: Ctrl+Alt+Super+K", "Packs Folder…", "Quit"]
+         "Quiet during calls", "Open at login", "Turn sounds on/off with",
+         "Shortcut keys: Ctrl+Alt+Super+K", "Shortcut: Ctrl+Alt+Super+K", "Packs Folder…", "Quit"]
 
 
 class PanelTest(PanelDriver):
@@ -87,6 +88,15 @@ class PanelTest(PanelDriver):
         self.shows("Ctrl+Alt+Super+S in any app to turn sounds on or off")
         xdotool("key", CHORD + "s")
         self.saves("enabled", False)
+        self.click("Shortcut keys: Ctrl+Alt+Super+S")
+        self.shows("Shortcut keys: Press a key with Ctrl, Alt or Super…")
+        xdotool("key", CHORD + "s")  # let go meanwhile, and chosen again
+        self.shows("Shortcut keys: Ctrl+Alt+Super+S")
+        self.click("Shortcut keys: Ctrl+Alt+Super+S")
+        xdotool("key", "x", "ctrl+shift+F5")
+        self.shows("Shortcut keys: Ctrl+Shift+F5", "Ctrl+Shift+F5 in any app to turn sounds on or off")
+        xdotool("key", "ctrl+shift+F5")
+        self.saves("enabled", True)
 
     def test_the_keyboard_alone_reaches_and_works_everything(self):
         self.start_with_panel()
@@ -100,7 +110,7 @@ class PanelTest(PanelDriver):
         xdotool("key", "shift+Tab", "shift+Tab", "Right")
         self.assertTrue(eventually(lambda: focused() == "Shortcut: Ctrl+Alt+Super+S"))
         self.saves("shortcut", {"keyCode": 1, "modifiers": 11})
-        xdotool("key", "shift+Tab", "space")
+        xdotool("key", "shift+Tab", "shift+Tab", "space")
         self.saves("shortcutEnabled", False)
         xdotool("key", *["shift+Tab"] * 5, "Left")
         self.saves("fixedTier", 0)

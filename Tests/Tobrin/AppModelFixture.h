@@ -133,6 +133,8 @@ class AppModelTest : public ::testing::Test {
             .shortcutService = std::make_unique<DeskShortcuts>(shortcuts_),
             .micSource = std::make_unique<ScriptedMicSource>(microphone_),
             .onThreadStart = nullptr,
+            .keyOfScanCode =
+                [](uint32_t code) { return std::optional(static_cast<uint16_t>(code)); },
             .discoverPacks = [this] { return found_; },
             .loadPack = [this](const PackInfo& info) { return load(info); }},
         std::move(preview));

@@ -10,6 +10,7 @@
 #include "Desktop/MakeKeySource.h"
 #include "Desktop/MakeMicSource.h"
 #include "Desktop/XdgFolders.h"
+#include "Evdev/KeyCodes.h"
 #include "Memory/UnusedMemory.h"
 #include "Motion/FindMotionSource.h"
 #include "Packs/PackLibrary.h"
@@ -60,6 +61,8 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
       .shortcutService = std::make_unique<DesktopShortcuts>(portalMemory(settings_, main_)),
       .micSource = makeMicSource(soundServer),
       .onThreadStart = prepareTimelyThread,
+      .keyOfScanCode =
+          [](uint32_t code) { return KeyCodes::virtualCode(code - KeyCodes::xOffset); },
       .discoverPacks = [] { return PackLibrary::discover(); },
       .loadPack =
           [this](const PackInfo& info) {

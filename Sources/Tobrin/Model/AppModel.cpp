@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Base/Log.h"
+#include "Input/KeyLayout.h"
 #include "Packs/PackLibrary.h"
 
 namespace tobrin {
@@ -213,12 +214,29 @@ void AppModel::outputProblemChanged(const std::string& problem) {
 
 void AppModel::registerShortcut() {
   if (preview_) return;
-  shortcutStatus_ = hotkey_->registerHotkey(
-      settings_.shortcutEnabled ? std::optional(settings_.shortcut) : std::nullopt);
+  shortcutStatus_ = hotkey_->registerHotkey(settings_.shortcutEnabled && !isCapturingShortcut_
+                                                ? std::optional(settings_.shortcut)
+                                                : std::nullopt);
   if (settings_.shortcutEnabled && shortcutProblem()) {
     Log::line("shortcut " + display(settings_.shortcut) + " unavailable: " + *shortcutProblem());
   }
   emit shortcutStatusChanged();
+}
+
+void AppModel::captureShortcut(bool captures) {
+  isCapturingShortcut_ = captures;
+  registerShortcut();
+}
+
+bool AppModel::chooseShortcut(uint32_t scanCode, Modifiers modifiers) {
+  const auto code = services_.keyOfScanCode(scanCode);
+  const bool isOwnKey = code && KeyLayout::group(*code) != KeyGroup::modifier;
+  const bool isFree = (modifiers.rawValue & ~Modifiers::shift) != 0;
+  if (!isOwnKey || !isFree) return false;
+  EngineSettings changed = settings_;
+  changed.shortcut = {.keyCode = *code, .modifiers = modifiers};
+  setSettings(changed);
+  return true;
 }
 
 std::string AppModel::display(const Hotkey& shortcut) const {

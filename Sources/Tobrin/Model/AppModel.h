@@ -109,6 +109,11 @@ class AppModel final : public QObject {
   void openPacksFolder();
   void openKeyAccessSettings();
   void toggleEnabled();
+  /// While the user presses keys to choose them as the shortcut, the one before them is let go.
+  void captureShortcut(bool captures);
+  /// Takes a key with modifiers as the shortcut. False where they cannot be one: a modifier alone,
+  /// or a key that would be missed in typing.
+  bool chooseShortcut(uint32_t scanCode, Modifiers modifiers);
   void quit();
 
   [[nodiscard]] const Conductor& conductor() const { return *conductor_; }
@@ -170,6 +175,7 @@ class AppModel final : public QObject {
   std::optional<ForceReading> lastForce_;
   bool launchAtLogin_ = false;
   bool micInUse_ = false;
+  bool isCapturingShortcut_ = false;
   GlobalHotkey::Status shortcutStatus_;
 
   std::optional<PackInfo> packOfLoad_;  // what is loaded or on its way; none where that failed

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -38,6 +39,10 @@ struct AppServices {
   std::unique_ptr<MicSource> micSource;
   /// Names the calling thread and asks for its scheduling; may be null.
   std::function<void(std::string_view threadName)> onThreadStart;
+
+  /// The virtual key code of what the toolkit calls a key's scan code; nothing for keys that are
+  /// not part of typing.
+  std::function<std::optional<uint16_t>(uint32_t scanCode)> keyOfScanCode;
 
   std::function<std::vector<PackInfo>()> discoverPacks;
   std::function<std::shared_ptr<const LoadedPack>(const PackInfo&)> loadPack;  ///< throws

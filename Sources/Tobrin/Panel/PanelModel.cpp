@@ -275,6 +275,26 @@ void PanelModel::setShortcutIndex(int index) {
   change(&EngineSettings::shortcut, offered[static_cast<std::size_t>(index)]);
 }
 
+QString PanelModel::shortcutName() const {
+  return text(model_.display(model_.settings().shortcut));
+}
+
+void PanelModel::captureShortcut(bool captures) {
+  model_.captureShortcut(captures);
+}
+
+bool PanelModel::chooseShortcut(quint32 scanCode, int modifiers) {
+  constexpr std::pair<Qt::KeyboardModifier, uint32_t> names[] = {
+      {Qt::ControlModifier, Modifiers::control},
+      {Qt::AltModifier, Modifiers::option},
+      {Qt::ShiftModifier, Modifiers::shift},
+      {Qt::MetaModifier, Modifiers::command}};
+  Modifiers pressed;
+  for (const auto& [toolkits, ours] : names)
+    if ((modifiers & toolkits) != 0) pressed.rawValue |= ours;
+  return model_.chooseShortcut(scanCode, pressed);
+}
+
 QString PanelModel::shortcutProblem() const {
   return textOrNone(
       texts_.shortcutProblem(model_.shortcutStatus(), model_.display(model_.settings().shortcut)));

@@ -64,6 +64,7 @@ class PanelModel final : public QObject {
       bool shortcutEnabled READ shortcutEnabled WRITE setShortcutEnabled NOTIFY settingsChanged)
   Q_PROPERTY(QStringList shortcutChoices READ shortcutChoices NOTIFY shortcutChanged)
   Q_PROPERTY(int shortcutIndex READ shortcutIndex WRITE setShortcutIndex NOTIFY shortcutChanged)
+  Q_PROPERTY(QString shortcutName READ shortcutName NOTIFY shortcutChanged)
   Q_PROPERTY(QString shortcutProblem READ shortcutProblem NOTIFY shortcutChanged)
   Q_PROPERTY(QString shortcutHint READ shortcutHint NOTIFY shortcutChanged)
 
@@ -107,6 +108,7 @@ class PanelModel final : public QObject {
   [[nodiscard]] bool shortcutEnabled() const;
   [[nodiscard]] QStringList shortcutChoices() const;
   [[nodiscard]] int shortcutIndex() const;
+  [[nodiscard]] QString shortcutName() const;
   [[nodiscard]] QString shortcutProblem() const;  ///< empty while there is none
   [[nodiscard]] QString shortcutHint() const;
 
@@ -125,6 +127,9 @@ class PanelModel final : public QObject {
   Q_INVOKABLE void menuOpened();
   Q_INVOKABLE void select(const QString& packID);
   Q_INVOKABLE void preview();
+  Q_INVOKABLE void captureShortcut(bool captures);
+  /// `modifiers` are the toolkit's. False where the keys cannot be a shortcut.
+  Q_INVOKABLE bool chooseShortcut(quint32 scanCode, int modifiers);
   Q_INVOKABLE void playOneKey();
   Q_INVOKABLE void mute();
   Q_INVOKABLE void openSettings();

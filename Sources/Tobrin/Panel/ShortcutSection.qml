@@ -20,6 +20,12 @@ ColumnLayout {
             checked: section.model.shortcutEnabled
             onToggled: section.model.shortcutEnabled = checked
         }
+        ShortcutField {
+            Layout.alignment: Qt.AlignRight
+            Layout.bottomMargin: Theme.unit * 1.5
+            enabled: section.model.shortcutEnabled
+            model: section.model
+        }
         PanelPicker {
             Layout.fillWidth: true
             enabled: section.model.shortcutEnabled

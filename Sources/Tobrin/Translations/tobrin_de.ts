@@ -52,6 +52,12 @@
     <message><source>Relaunch Tobrin</source><translation>Tobrin neu starten</translation></message>
 </context>
 <context>
+    <name>ShortcutField</name>
+    <message><source>Press a key with Ctrl, Alt or Super…</source><translation>Drücke eine Taste mit Strg, Alt oder Super …</translation></message>
+    <message><source>Push to choose other keys</source><translation>Drücken, um andere Tasten zu wählen</translation></message>
+    <message><source>Shortcut keys: %1</source><translation>Tasten des Kürzels: %1</translation></message>
+</context>
+<context>
     <name>ShortcutSection</name>
     <message><source>Shortcut</source><translation>Tastenkürzel</translation></message>
     <message><source>Turn sounds on/off with</source><translation>Töne an und aus mit</translation></message>
