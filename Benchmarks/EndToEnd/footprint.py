@@ -12,7 +12,7 @@ from listening import Tobrin, find_sounds, press_keys, record
 
 STARTS = 7
 QUIET_SECONDS = 20
-GIVEN_BACK_SECONDS = 6  # what starting needed besides is given back by then
+GIVEN_BACK_SECONDS = 6  # free heap is given back to the system by then
 SETTLING_SECONDS = 15  # what is prepared after the start is done by then
 
 

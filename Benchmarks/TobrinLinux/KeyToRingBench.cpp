@@ -16,7 +16,7 @@
 #include "Support/Report.h"
 #include "Support/TestPack.h"
 #include "Threads/AsioQueue.h"
-#include "Threads/RealtimeScheduling.h"
+#include "Threads/ThreadPreparation.h"
 
 namespace tobrin {
 namespace {

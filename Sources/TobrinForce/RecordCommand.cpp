@@ -11,11 +11,10 @@
 #include <system_error>
 #include <thread>
 
-#include "Desktop/MakeKeySource.h"
+#include "Desktop/SessionKeys.h"
 #include "Force/ForceRecorder.h"
 #include "Motion/FindMotionSource.h"
-#include "Threads/RealtimeScheduling.h"
-#include "Threads/ThreadName.h"
+#include "Threads/ThreadPreparation.h"
 
 namespace tobrin {
 namespace {
@@ -90,10 +89,7 @@ void record(const fs::path& traceFile, const fs::path& keysFile, double seconds,
       [](KeyMonitor::Handler handler) {
         return std::make_unique<KeyMonitor>(makeKeySource(), std::move(handler));
       },
-      [] {
-        nameThisThread(ForceSensor::threadName);
-        requestRealtimeScheduling();
-      });
+      [] { prepareTimelyThread(ForceSensor::threadName); });
   if (!recorder.start()) throw std::runtime_error(recorder.problem());
   PartFile trace(traceFile, MotionTrace::header);
   PartFile keys(keysFile, KeyTrace::header);

@@ -1,31 +1,29 @@
 #include "KeyboardDevices.h"
 
 #include <libudev.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <sys/xattr.h>
 
 #include <cstring>
 #include <initializer_list>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
+
+#include "System/Spawn.h"
 
 namespace tobrin::keyboards {
 namespace {
 
-/// Runs udevadm with an environment of ours, not that of whoever started us.
+/// Runs udevadm with a fixed environment: the one that this program got is the user's.
 bool udevadm(std::initializer_list<const char*> arguments) {
   constexpr const char* program = "/usr/bin/udevadm";
-  std::vector<char*> words{const_cast<char*>(program)};
-  for (const char* argument : arguments)
-    words.push_back(const_cast<char*>(argument));  // only read
-  words.push_back(nullptr);
-  char path[] = "PATH=/usr/sbin:/usr/bin:/sbin:/bin";
-  char* environment[] = {path, nullptr};
-  pid_t child = 0;
-  if (posix_spawn(&child, program, nullptr, nullptr, words.data(), environment) != 0) return false;
-  int status = 0;
-  return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  std::vector<std::string> command{program};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  SpawnOptions options;
+  options.environment = {"PATH=/usr/sbin:/usr/bin:/sbin:/bin"};
+  const Spawned started = spawn(std::move(command), options);
+  return started.error == 0 && waitForEnd(started.child) == 0;
 }
 
 }  // namespace

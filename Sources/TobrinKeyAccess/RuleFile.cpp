@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "Base/FileDescriptor.h"
+
 namespace tobrin {
 namespace {
 
@@ -16,10 +18,9 @@ namespace {
   throw std::system_error(errno, std::generic_category(), what);
 }
 
-void writeAll(int file, std::string_view text, const std::string& path) {
+void writeAll(const FileDescriptor& file, std::string_view text, const std::string& path) {
   while (!text.empty()) {
-    const ssize_t written = write(file, text.data(), text.size());
-    if (written < 0 && errno == EINTR) continue;
+    const ssize_t written = retried([&] { return write(file.get(), text.data(), text.size()); });
     if (written < 0) fail(path);
     text.remove_prefix(static_cast<std::size_t>(written));
   }
@@ -34,18 +35,16 @@ void RuleFile::install(std::string_view rule) const {
   constexpr mode_t everyoneReads = 0644;
   std::filesystem::create_directories(folder_);
   std::string draft = path_ + ".XXXXXX";  // an ending that the device manager does not read
-  const int file = mkostemp(draft.data(), O_CLOEXEC);
-  if (file < 0) fail(folder_);
+  const FileDescriptor file(mkostemp(draft.data(), O_CLOEXEC));
+  if (!file) fail(folder_);
   try {
     writeAll(file, rule, draft);
-    if (fchmod(file, everyoneReads) != 0 || fsync(file) != 0) fail(draft);
+    if (fchmod(file.get(), everyoneReads) != 0 || fsync(file.get()) != 0) fail(draft);
     if (rename(draft.c_str(), path_.c_str()) != 0) fail(path_);
   } catch (...) {
-    close(file);
     unlink(draft.c_str());
     throw;
   }
-  close(file);
 }
 
 bool RuleFile::remove() const {

@@ -1,17 +1,17 @@
 #include "BuildCommand.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "Base/ExchangeFolders.h"
 #include "Base/RecipeError.h"
+#include "Base/UserFolders.h"
 #include "Building/DemoLoudness.h"
 #include "Building/RecordedPackBuilder.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
 #include "Packs/LoadedPack.h"
-#include "Process/SpawningProcessRunner.h"
+#include "System/SpawningProcessRunner.h"
 #include "Warnings.h"
 
 namespace tobrin {
@@ -28,13 +28,8 @@ struct Options {
 
 /// Where fetched and converted recordings stay between builds.
 fs::path defaultCache() {
-  const auto folder = [](const char* variable) -> fs::path {
-    const char* value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): never set by us
-    return value != nullptr && value[0] == '/' ? value : "";
-  };
-  if (const auto cache = folder("XDG_CACHE_HOME"); !cache.empty()) return cache / "tobrin";
-  const auto home = folder("HOME");
-  return (home.empty() ? fs::temp_directory_path() : home / ".cache") / "tobrin";
+  const fs::path folder = cacheFolder();
+  return (folder.empty() ? fs::temp_directory_path() : folder) / "tobrin";
 }
 
 PackRecipe recipeFrom(const std::string& file, std::ostream& err) {

@@ -8,8 +8,8 @@
 #include "Importing/PackImport.h"
 #include "JsonOutput.h"
 #include "PrintableText.h"
-#include "Process/SpawningProcessRunner.h"
 #include "Progress.h"
+#include "System/SpawningProcessRunner.h"
 
 namespace tobrin {
 namespace {

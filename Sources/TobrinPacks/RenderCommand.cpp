@@ -10,13 +10,13 @@
 
 #include "Engine/OfflineRenderer.h"
 #include "InputFile.h"
-#include "Memory/LargePages.h"
 #include "NumberRange.h"
 #include "Packs/FloatWAVWriter.h"
 #include "Packs/WAVWriter.h"
 #include "PrintableText.h"
 #include "Progress.h"
 #include "ScriptFile.h"
+#include "System/LargePages.h"
 #include "Warnings.h"
 
 namespace tobrin {

@@ -17,8 +17,8 @@
 #include "InputFile.h"
 #include "JsonOutput.h"
 #include "Packs/SampleBuffer.h"
-#include "Process/SpawningProcessRunner.h"
 #include "SlicePlot.h"
+#include "System/SpawningProcessRunner.h"
 #include "Warnings.h"
 
 namespace tobrin {

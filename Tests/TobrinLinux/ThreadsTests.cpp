@@ -17,7 +17,7 @@
 #include "Support/TestPack.h"
 #include "Threads/AsioQueue.h"
 #include "Threads/RealtimeKit.h"
-#include "Threads/RealtimeScheduling.h"
+#include "Threads/ThreadPreparation.h"
 #include "Tools/Desktop/PrivateBus.h"
 
 namespace tobrin {

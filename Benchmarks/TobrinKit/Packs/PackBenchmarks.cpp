@@ -13,12 +13,12 @@
 #include "Engine/OfflineRenderer.h"
 #include "Engine/Voicing.h"
 #include "Input/KeyLayout.h"
-#include "Memory/LargePages.h"
 #include "Packs/LoadedPack.h"
 #include "ScalarMixer.h"
 #include "Support/Interleaved.h"
 #include "Support/Report.h"
 #include "Synth/PackGenerator.h"
+#include "System/LargePages.h"
 
 namespace tobrin {
 namespace {

@@ -6,7 +6,6 @@
 #include <QSocketNotifier>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <thread>
@@ -16,10 +15,11 @@
 #include "Application/TerminalReport.h"
 #include "Application/Translation.h"
 #include "Application/UserInterface.h"
+#include "Base/Environment.h"
 #include "Confinement/Confinement.h"
 #include "Confinement/Launcher.h"
 #include "Desktop/SingleInstance.h"
-#include "Desktop/XdgFolders.h"
+#include "System/RuntimeFolder.h"
 
 namespace tobrin {
 namespace {
@@ -30,7 +30,7 @@ std::unique_ptr<SingleInstance> takePlace(int argc, char** argv) {
   const bool isRelaunched = argc > 1 && std::strcmp(argv[1], Application::relaunchedArgument) == 0;
   constexpr int tries = 50;
   for (int i = 0;; ++i) {
-    auto instance = std::make_unique<SingleInstance>(XdgFolders::runtime());
+    auto instance = std::make_unique<SingleInstance>(runtimeFolder());
     if (instance->isFirst() || !isRelaunched || i == tries) return instance;
     std::this_thread::sleep_for(100ms);
   }
@@ -43,14 +43,9 @@ int bringUpTheOther(const SingleInstance& instance) {
   return shown ? 0 : 1;
 }
 
-bool isSet(const char* variable) {
-  const char* value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): never set by us
-  return value != nullptr && value[0] != '\0';
-}
-
 /// Null where there is no display, or its libraries are missing.
 std::unique_ptr<UserInterface> userInterface() {
-  if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY")) {
+  if (processVariable("DISPLAY").empty() && processVariable("WAYLAND_DISPLAY").empty()) {
     std::puts("No display: playing without tray and panel.");
     return nullptr;
   }
@@ -68,7 +63,7 @@ int Application::run(int argc, char** argv) {
   SignalWatcher::holdSignals();
   // NOLINTBEGIN(concurrency-mt-unsafe): there is one thread yet
   mallopt(M_ARENA_MAX, 1);  // few allocations at a time: a heap a thread would be mostly empty
-  // Fixed, lest one large block that is given back keeps later ones in the heap for good.
+  // Fixed: otherwise, once one large block was freed, later large ones would stay in the heap.
   mallopt(M_MMAP_THRESHOLD, 128 * 1024);
   // NOLINTEND(concurrency-mt-unsafe)
   const auto interface = userInterface();

@@ -1,32 +1,37 @@
 #include "Application/Assembly.h"
 
+#include <malloc.h>
+
 #include <chrono>
 #include <filesystem>
 
-#include "Application/TimelyThread.h"
 #include "Base/SystemFolders.h"
+#include "Base/UserFolders.h"
 #include "Desktop/LinuxWords.h"
-#include "Desktop/MakeAudioDevice.h"
-#include "Desktop/MakeKeySource.h"
-#include "Desktop/MakeMicSource.h"
-#include "Desktop/XdgFolders.h"
+#include "Desktop/SessionKeys.h"
+#include "Desktop/SessionSound.h"
 #include "Evdev/KeyCodes.h"
-#include "Memory/UnusedMemory.h"
 #include "Motion/FindMotionSource.h"
 #include "Packs/PackLibrary.h"
 #include "PipeWire/PipeWireLoop.h"
 #include "Shortcuts/DesktopShortcuts.h"
-#include "Threads/RealtimeScheduling.h"
+#include "Threads/ThreadPreparation.h"
 
 namespace tobrin {
 namespace {
 
-// By then the replaced pack is gone, and what decoding and starting needed besides.
+// By then the replaced pack is gone, and what decoding and starting needed as well.
 constexpr std::chrono::seconds settleTime{3};
+
+/// A user without a home has no settings to keep: the root folder refuses them.
+std::filesystem::path settingsFolder() {
+  const std::filesystem::path folder = configFolder();
+  return folder.empty() ? "/.config" : folder;
+}
 
 /// For each desktop: each has its own answer.
 DesktopShortcuts::Memory portalMemory(SettingsStore& settings, SerialQueue& main) {
-  const std::string key = "portalShortcut." + processEnvironment("XDG_CURRENT_DESKTOP");
+  const std::string key = "portalShortcut." + processVariable("XDG_CURRENT_DESKTOP");
   return {.read = [&settings, key] { return settings.readText(key).value_or(""); },
           .write =
               [&settings, &main, key](const std::string& text) {
@@ -37,8 +42,8 @@ DesktopShortcuts::Memory portalMemory(SettingsStore& settings, SerialQueue& main
 }  // namespace
 
 Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> preview)
-    : settings_(XdgFolders::config() / "Tobrin" / "settings.json"),
-      loginItem_(XdgFolders::config(), thisProgram()),
+    : settings_(settingsFolder() / "Tobrin" / "settings.json"),
+      loginItem_(settingsFolder(), thisProgram()),
       workspace_(launcher),
       main_("main"),
       loader_("app.tobrin.load"),
@@ -66,7 +71,7 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
       .discoverPacks = [] { return PackLibrary::discover(); },
       .loadPack =
           [this](const PackInfo& info) {
-            main_.after(settleTime, giveBackUnusedMemory);
+            main_.after(settleTime, [] { malloc_trim(0); });  // free heap goes back to the system
             return LoadedPack::load(info, AudioOutput::sampleRate);
           },
   };

@@ -13,6 +13,7 @@
 #include "Base/SystemFolders.h"
 #include "Evdev/KeyboardList.h"
 #include "Packs/PackLibrary.h"
+#include "System/Spawn.h"
 
 namespace tobrin {
 namespace {
@@ -94,12 +95,11 @@ std::string DesktopWorkspace::openPacksFolder() {
 void DesktopWorkspace::openKeyAccessSettings(std::function<void(const std::string&)> onEnd) {
   if (grantNotifier_) return;  // the user is being asked
   if (!KeyboardList::isPossible()) return onEnd("this system has no input devices");
-  std::array<int, 2> ends{};
-  if (pipe2(ends.data(), O_CLOEXEC) != 0) return onEnd("no file descriptors left");
-  grantReport_.reset(ends[0]);
+  std::optional<Pipe> pipe = makePipe();
+  if (!pipe) return onEnd("no file descriptors left");
+  grantReport_ = std::move(pipe->reading);
   fcntl(grantReport_.get(), F_SETFL, O_NONBLOCK);
-  const FileDescriptor written(ends[1]);
-  if (!launcher_.start(Errand::grantKeyAccess, written.get()).empty())
+  if (!launcher_.start(Errand::grantKeyAccess, pipe->writing.get()).empty())
     return onEnd("pkexec is not installed");
   onGrantEnd_ = std::move(onEnd);
   grantText_.clear();
@@ -111,9 +111,10 @@ void DesktopWorkspace::openKeyAccessSettings(std::function<void(const std::strin
 void DesktopWorkspace::takeGrantReport() {
   std::array<char, 1024> piece;
   ssize_t length = 0;
-  while ((length = read(grantReport_.get(), piece.data(), piece.size())) > 0)
+  const auto readPiece = [&] { return read(grantReport_.get(), piece.data(), piece.size()); };
+  while ((length = retried(readPiece)) > 0)
     grantText_.append(piece.data(), static_cast<std::size_t>(length));
-  if (length < 0 && (errno == EAGAIN || errno == EINTR)) return;
+  if (length < 0 && errno == EAGAIN) return;
   grantNotifier_->setEnabled(false);
   grantNotifier_.release()->deleteLater();  // it is calling us
   grantReport_.reset();

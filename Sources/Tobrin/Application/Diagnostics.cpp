@@ -4,20 +4,18 @@
 #include <iostream>
 #include <thread>
 
-#include "Application/TimelyThread.h"
 #include "Desktop/LinuxWords.h"
-#include "Desktop/MakeAudioDevice.h"
-#include "Desktop/MakeKeySource.h"
-#include "Desktop/MakeKeyTyper.h"
-#include "Desktop/MakeMicSource.h"
-#include "Desktop/ProcessName.h"
+#include "Desktop/SessionKeys.h"
+#include "Desktop/SessionSound.h"
 #include "Diagnostics/MicWatch.h"
 #include "Diagnostics/Probe.h"
 #include "Diagnostics/SelfTest.h"
 #include "Engine/Conductor.h"
 #include "Motion/FindMotionSource.h"
 #include "Packs/PackLibrary.h"
+#include "System/ProcessName.h"
 #include "Threads/AsioQueue.h"
+#include "Threads/ThreadPreparation.h"
 
 namespace tobrin {
 namespace {

@@ -26,20 +26,17 @@ void SignalWatcher::holdSignals() {
 
 SignalWatcher::SignalWatcher(std::function<void()> onEnd) {
   const sigset_t set = endings();
-  descriptor_ = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
-  if (descriptor_ < 0) return;
-  notifier_ = std::make_unique<QSocketNotifier>(descriptor_, QSocketNotifier::Read);
+  descriptor_.reset(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
+  if (!descriptor_) return;
+  notifier_ = std::make_unique<QSocketNotifier>(descriptor_.get(), QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
                    [this, end = std::move(onEnd)] {
                      signalfd_siginfo info;
-                     while (read(descriptor_, &info, sizeof info) > 0)
+                     while (read(descriptor_.get(), &info, sizeof info) > 0)
                        end();
                    });
 }
 
-SignalWatcher::~SignalWatcher() {
-  notifier_.reset();
-  if (descriptor_ >= 0) close(descriptor_);
-}
+SignalWatcher::~SignalWatcher() = default;
 
 }  // namespace tobrin

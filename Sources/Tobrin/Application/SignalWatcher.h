@@ -5,6 +5,8 @@
 #include <functional>
 #include <memory>
 
+#include "Base/FileDescriptor.h"
+
 namespace tobrin {
 
 class SignalWatcher final {
@@ -20,7 +22,7 @@ class SignalWatcher final {
   SignalWatcher& operator=(const SignalWatcher&) = delete;
 
  private:
-  int descriptor_;
+  FileDescriptor descriptor_;
   std::unique_ptr<QSocketNotifier> notifier_;
 };
 

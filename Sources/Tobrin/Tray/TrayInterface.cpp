@@ -1,5 +1,7 @@
 #include "Tray/TrayInterface.h"
 
+#include <malloc.h>
+
 #include <QApplication>
 #include <QCursor>
 #include <QLoggingCategory>
@@ -7,7 +9,6 @@
 #include "Application/Application.h"
 #include "Application/Modules.h"
 #include "Application/Translation.h"
-#include "Memory/UnusedMemory.h"
 #include "Model/AppModel.h"
 #include "Tray/TrayIcon.h"
 
@@ -184,7 +185,7 @@ void TrayInterface::panelClosed() {
 void TrayInterface::panelMayBeUnloaded() {
   if (!panel_ || panel_->isOpen()) return;
   panel_.reset();
-  giveBackUnusedMemory();
+  malloc_trim(0);  // what the panel has freed goes back to the system
 }
 
 }  // namespace tobrin

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "Base/Retried.h"
+#include "Base/FileDescriptor.h"
 
 namespace tobrin {
 namespace {
@@ -15,11 +15,8 @@ namespace fs = std::filesystem;
 
 /// 0, or why it could not be flushed.
 int flush(const char* path) {
-  const int descriptor = retried([&] { return ::open(path, O_RDONLY | O_CLOEXEC); });
-  if (descriptor < 0) return errno;
-  const int reason = retried([&] { return ::fsync(descriptor); }) < 0 ? errno : 0;
-  ::close(descriptor);
-  return reason;
+  const FileDescriptor file = FileDescriptor::open(path, O_RDONLY);
+  return file && retried([&] { return ::fsync(file.get()); }) == 0 ? 0 : errno;
 }
 
 }  // namespace

@@ -7,8 +7,6 @@
 #include <cerrno>
 #include <system_error>
 
-#include "Base/Retried.h"
-
 namespace tobrin {
 namespace {
 
@@ -31,25 +29,14 @@ RegularFile::RegularFile(const std::filesystem::path& path) {
   if (::stat(name.c_str(), &status) != 0) fail(errno);
   demandRegular(status);
   // Without O_NONBLOCK a FIFO that took the file's place meanwhile would be waited for.
-  descriptor_ =
-      retried([&] { return ::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); });
-  if (descriptor_ < 0) fail(errno);
-  try {
-    if (::fstat(descriptor_, &status) != 0) fail(errno);
-    demandRegular(status);
-  } catch (...) {
-    ::close(descriptor_);
-    throw;
-  }
+  descriptor_ = FileDescriptor::open(name.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY);
+  if (!descriptor_ || ::fstat(descriptor_.get(), &status) != 0) fail(errno);
+  demandRegular(status);
   size_ = static_cast<uint64_t>(status.st_size);
 }
 
-RegularFile::~RegularFile() {
-  ::close(descriptor_);
-}
-
 int RegularFile::duplicate() const {
-  const int copy = ::fcntl(descriptor_, F_DUPFD_CLOEXEC, 0);
+  const int copy = ::fcntl(descriptor_.get(), F_DUPFD_CLOEXEC, 0);
   if (copy < 0) fail(errno);
   return copy;
 }
@@ -61,7 +48,7 @@ std::string RegularFile::readText(uint64_t maxBytes) const {
   for (std::size_t length = 0;;) {
     text.resize(length == 0 ? size_ + 1 : 2 * length);
     const ssize_t count =
-        retried([&] { return ::read(descriptor_, &text[length], text.size() - length); });
+        retried([&] { return ::read(descriptor_.get(), &text[length], text.size() - length); });
     if (count < 0) fail(errno);
     length += static_cast<std::size_t>(count);
     if (length > maxBytes) fail(EFBIG);

@@ -6,15 +6,14 @@
 #include <filesystem>
 #include <string>
 
+#include "Base/FileDescriptor.h"
+
 namespace tobrin {
 
 class RegularFile final {
  public:
   /// Opens a file for reading. Throws `std::system_error` with the system's reason alone as text.
   explicit RegularFile(const std::filesystem::path& path);
-  ~RegularFile();
-  RegularFile(const RegularFile&) = delete;
-  RegularFile& operator=(const RegularFile&) = delete;
 
   /// A descriptor of the caller's own, to close; it reads on where the others of this file are, the
   /// first from the start. Throws `std::system_error` where there are none left.
@@ -26,7 +25,7 @@ class RegularFile final {
   [[nodiscard]] std::string readText(uint64_t maxBytes) const;
 
  private:
-  int descriptor_ = -1;
+  FileDescriptor descriptor_;
   uint64_t size_ = 0;
 };
 

@@ -1,32 +1,18 @@
 #include "Packs/PackLibrary.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <map>
 #include <stdexcept>
 
 #include "Base/PackError.h"
 #include "Base/SystemFolders.h"
+#include "Base/UserFolders.h"
 #include "Packs/NameOrder.h"
 
 namespace tobrin {
 namespace {
 
 namespace fs = std::filesystem;
-using Environment = PackLibrary::Environment;
-
-/// A variable that names an absolute path; others are to be ignored for folders of this kind.
-std::optional<fs::path> absolutePath(const Environment& environment, const char* name) {
-  const auto value = environment(name);
-  if (!value || !fs::path(*value).is_absolute()) return std::nullopt;
-  return fs::path(*value);
-}
-
-fs::path homeFolder(const Environment& environment) {
-  if (auto home = absolutePath(environment, "HOME")) return *std::move(home);
-  if (auto home = recordedHomeFolder(); !home.empty()) return home;
-  throw std::runtime_error("the system knows no home folder of this user");
-}
 
 /// The locale that orders names, in the order in which the C library looks for it.
 std::string orderingLocale(const Environment& environment) {
@@ -62,14 +48,10 @@ std::vector<fs::path> visibleEntries(const fs::path& folder) {
 
 }  // namespace
 
-std::optional<std::string> PackLibrary::processEnvironment(const char* name) {
-  const char* const value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): never written to
-  return value == nullptr ? std::nullopt : std::optional<std::string>(value);
-}
-
 fs::path PackLibrary::userPacksDirectory(const Environment& environment) {
-  const auto data = absolutePath(environment, "XDG_DATA_HOME");
-  return (data ? *data : homeFolder(environment) / ".local/share") / "Tobrin/Packs";
+  const fs::path data = dataFolder(environment);
+  if (data.empty()) throw std::runtime_error("the system knows no home folder of this user");
+  return data / "Tobrin/Packs";
 }
 
 std::optional<fs::path> PackLibrary::bundledPacksDirectory(const Environment& environment) {

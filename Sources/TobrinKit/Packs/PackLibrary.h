@@ -3,22 +3,16 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "Base/Environment.h"
 #include "Packs/PackManifest.h"
 
 namespace tobrin {
 
 struct PackLibrary {
-  /// The value of an environment variable, or nothing where it is unset.
-  using Environment = std::function<std::optional<std::string>(const char* name)>;
-
-  /// This process's environment.
-  static std::optional<std::string> processEnvironment(const char* name);
-
   /// Where the user's packs lie: "Tobrin/Packs" in the user's data folder, which need not exist.
   /// Throws `std::runtime_error` where the system knows no home folder of the user.
   static std::filesystem::path userPacksDirectory(

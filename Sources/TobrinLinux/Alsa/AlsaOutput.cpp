@@ -10,7 +10,7 @@
 
 #include "Alsa/AlsaPcm.h"
 #include "Threads/AsioQueue.h"
-#include "Threads/ThreadName.h"
+#include "Threads/ThreadPreparation.h"
 
 namespace tobrin {
 

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "Engine/AudioDevice.h"
-#include "Threads/WakeEvent.h"
+#include "System/WakeEvent.h"
 
 struct pollfd;
 

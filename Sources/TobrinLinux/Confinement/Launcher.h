@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "Motion/FileDescriptor.h"
+#include "Base/FileDescriptor.h"
 
 namespace tobrin {
 

@@ -27,12 +27,8 @@ std::string sessionTypeByLoginManager(const std::string& session) {
 
 }  // namespace
 
-std::string processEnvironment(const char* name) {
-  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nobody sets any
-  return value == nullptr ? "" : value;
-}
-
-SessionKind sessionKind(const Environment& environment) {
+SessionKind sessionKind(const Environment& variables) {
+  const auto environment = [&](const char* name) { return variables(name).value_or(""); };
   if (const auto kind = graphicalKind(environment("XDG_SESSION_TYPE"))) return *kind;
   if (!environment("WAYLAND_DISPLAY").empty()) return SessionKind::wayland;
   const std::string type = sessionTypeByLoginManager(environment("XDG_SESSION_ID"));

@@ -3,16 +3,10 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <string>
+
+#include "Base/Environment.h"
 
 namespace tobrin {
-
-/// The value of an environment variable; empty where it is not set.
-using Environment = std::function<std::string(const char* name)>;
-
-/// This process's own.
-std::string processEnvironment(const char* name);
 
 enum class SessionKind : uint8_t { x11, wayland, console };
 

@@ -4,6 +4,8 @@
 
 #include <filesystem>
 
+#include "Base/FileDescriptor.h"
+
 namespace tobrin {
 
 class SingleInstance final {
@@ -21,7 +23,7 @@ class SingleInstance final {
   [[nodiscard]] bool askFirstToShow() const;
 
   /// The first instance's listening socket, to be watched for readability; -1 where there is none.
-  [[nodiscard]] int listeningSocket() const { return socket_; }
+  [[nodiscard]] int listeningSocket() const { return socket_.get(); }
 
   /// Takes the calls waiting on the socket; returns whether any of them asks to be shown.
   [[nodiscard]] bool takeShowRequests();
@@ -31,8 +33,8 @@ class SingleInstance final {
 
   std::filesystem::path socketPath_;
   bool isFirst_ = true;
-  int lock_ = -1;
-  int socket_ = -1;
+  FileDescriptor lock_;  // held by the first instance
+  FileDescriptor socket_;
 };
 
 }  // namespace tobrin

@@ -77,8 +77,7 @@ void EvdevKeySource::takeUpKeyboards() {
 void EvdevKeySource::run(const Sink& sink) {
   std::vector<pollfd> waits = everythingToWaitFor();
   for (;;) {
-    if (poll(waits.data(), waits.size(), -1) < 0) {
-      if (errno == EINTR) continue;
+    if (retried([&] { return poll(waits.data(), waits.size(), -1); }) < 0) {
       setProblem("waiting for keys failed: " + std::generic_category().message(errno));
       return;
     }

@@ -14,7 +14,7 @@
 #include "Evdev/KeyboardList.h"
 #include "Evdev/SeatWatch.h"
 #include "Input/KeySource.h"
-#include "Threads/WakeEvent.h"
+#include "System/WakeEvent.h"
 
 struct pollfd;
 

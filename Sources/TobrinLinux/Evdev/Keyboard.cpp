@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <libevdev/libevdev.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <ctime>
@@ -32,22 +31,21 @@ HeldKeys::Change change(int32_t value) {
 }  // namespace
 
 std::unique_ptr<Keyboard> Keyboard::open(const std::string& node, int& error) {
-  const int fd = ::open(node.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  if (fd < 0) {
+  FileDescriptor file = FileDescriptor::open(node.c_str(), O_RDONLY | O_NONBLOCK);
+  if (!file) {
     error = errno;
     return nullptr;
   }
   libevdev* device = nullptr;
-  if (const int failure = libevdev_new_from_fd(fd, &device); failure < 0) {
+  if (const int failure = libevdev_new_from_fd(file.get(), &device); failure < 0) {
     error = -failure;
-    ::close(fd);
     return nullptr;
   }
-  return std::unique_ptr<Keyboard>(new Keyboard(node, fd, device));
+  return std::unique_ptr<Keyboard>(new Keyboard(node, std::move(file), device));
 }
 
-Keyboard::Keyboard(std::string node, int fd, libevdev* device)
-    : node_(std::move(node)), fd_(fd), device_(device) {
+Keyboard::Keyboard(std::string node, FileDescriptor file, libevdev* device)
+    : node_(std::move(node)), file_(std::move(file)), device_(device) {
   monotonic_ = libevdev_set_clock_id(device_, CLOCK_MONOTONIC) == 0;
   for (unsigned key = 0; key <= KEY_MAX; ++key) {
     if (libevdev_get_event_value(device_, EV_KEY, key) != 0) held_.preset(key);
@@ -56,7 +54,6 @@ Keyboard::Keyboard(std::string node, int fd, libevdev* device)
 
 Keyboard::~Keyboard() {
   libevdev_free(device_);
-  ::close(fd_);
 }
 
 bool Keyboard::takeAll(const KeySource::Sink& sink) {

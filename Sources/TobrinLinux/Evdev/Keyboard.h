@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "Base/FileDescriptor.h"
 #include "Evdev/HeldKeys.h"
 #include "Input/KeySource.h"
 
@@ -21,7 +22,7 @@ class Keyboard final {
   Keyboard& operator=(const Keyboard&) = delete;
 
   /// To poll for reading.
-  [[nodiscard]] int fd() const { return fd_; }
+  [[nodiscard]] int fd() const { return file_.get(); }
   [[nodiscard]] const std::string& node() const { return node_; }
 
   /// Hands on all that has come in; false once the keyboard is gone (which a read tells before the
@@ -32,10 +33,10 @@ class Keyboard final {
   void releaseAll(const KeySource::Sink& sink);
 
  private:
-  Keyboard(std::string node, int fd, libevdev* device);
+  Keyboard(std::string node, FileDescriptor file, libevdev* device);
 
   const std::string node_;
-  const int fd_;
+  const FileDescriptor file_;
   libevdev* const device_;  // owned
   bool monotonic_ = false;  // whether the kernel stamps on our clock
   HeldKeys held_;

@@ -120,10 +120,6 @@ KeyboardWatch::KeyboardWatch()
   clear();
 }
 
-KeyboardWatch::~KeyboardWatch() {
-  if (inotify_ >= 0) close(inotify_);
-}
-
 int KeyboardWatch::hotplugFd() const {
   return monitor_ ? udev_monitor_get_fd(monitor_.get()) : -1;
 }
@@ -134,11 +130,11 @@ void KeyboardWatch::clear() {
   };
   while (monitor_ && takeOne()) {
   }
-  if (inotify_ < 0) return;
+  if (!inotify_) return;
   // Again each time: the folder goes with the last device and comes back with the next.
-  inotify_add_watch(inotify_, inputFolder, IN_CREATE | IN_ATTRIB);
+  inotify_add_watch(inotify_.get(), inputFolder, IN_CREATE | IN_ATTRIB);
   std::array<char, 4096> notices;
-  while (read(inotify_, notices.data(), notices.size()) > 0) {
+  while (read(inotify_.get(), notices.data(), notices.size()) > 0) {
   }
 }
 

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "Base/FileDescriptor.h"
+
 struct udev;
 struct udev_monitor;
 
@@ -36,13 +38,10 @@ class KeyboardList final {
 class KeyboardWatch final {
  public:
   KeyboardWatch();
-  ~KeyboardWatch();
-  KeyboardWatch(const KeyboardWatch&) = delete;
-  KeyboardWatch& operator=(const KeyboardWatch&) = delete;
 
   /// To poll for reading; -1 where there is no such service.
   [[nodiscard]] int hotplugFd() const;
-  [[nodiscard]] int permissionFd() const { return inotify_; }
+  [[nodiscard]] int permissionFd() const { return inotify_.get(); }
 
   /// Takes all notices. Call it before `KeyboardList::nodes`, so that none is missed.
   void clear();
@@ -50,7 +49,7 @@ class KeyboardWatch final {
  private:
   std::unique_ptr<udev, UdevDeleter> udev_;
   std::unique_ptr<udev_monitor, UdevDeleter> monitor_;
-  int inotify_ = -1;
+  FileDescriptor inotify_;
 };
 
 /// Whether a device with these keys is a keyboard; `keys` is the kernel's bitmap of them in

@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "Base/Environment.h"
+
 namespace tobrin {
 namespace {
 
@@ -25,8 +27,8 @@ std::string seatOf(const std::string& session) {
   char* seat = nullptr;
   if (!session.empty() && sd_session_get_seat(session.c_str(), &seat) >= 0) return take(seat);
   // A service of the user's belongs to no session.
-  const char* named = std::getenv("XDG_SEAT");  // NOLINT(concurrency-mt-unsafe): nobody sets it
-  return named == nullptr || *named == 0 ? "seat0" : named;
+  const std::string named = processVariable("XDG_SEAT");
+  return named.empty() ? "seat0" : named;
 }
 
 }  // namespace

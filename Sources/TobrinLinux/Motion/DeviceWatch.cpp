@@ -3,7 +3,7 @@
 #include <libudev.h>
 #include <unistd.h>
 
-#include "Motion/Waiting.h"
+#include "System/Waiting.h"
 
 namespace tobrin {
 

@@ -1,7 +1,6 @@
 #include "Motion/FindMotionSource.h"
 
-#include <cstdlib>
-
+#include "Base/Environment.h"
 #include "Force/TraceSource.h"
 #include "Motion/HidrawSource.h"
 #include "Motion/IioSource.h"
@@ -9,8 +8,7 @@
 namespace tobrin {
 
 std::unique_ptr<MotionSource> findMotionSource(const MotionPaths& paths) {
-  const char* trace = std::getenv(motionTraceVariable);  // NOLINT(concurrency-mt-unsafe)
-  if (trace != nullptr && *trace != '\0')
+  if (const std::string trace = processVariable(motionTraceVariable); !trace.empty())
     return std::make_unique<TraceSource>(std::filesystem::path(trace),
                                          std::make_shared<RealTraceClock>(),
                                          TraceSource::Times::present);

@@ -10,7 +10,7 @@
 #include "Base/MachTime.h"
 #include "Motion/DeviceWatch.h"
 #include "Motion/Sysfs.h"
-#include "Motion/Waiting.h"
+#include "System/Waiting.h"
 
 namespace tobrin {
 namespace {
@@ -48,7 +48,7 @@ bool HidrawSource::openDevice() {
     return false;
   }
   device_ = *found;
-  file_.reset(::open(device_.node.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  file_ = FileDescriptor::open(device_.node.c_str(), O_RDONLY | O_NONBLOCK);
   if (!file_) {
     words_.setProblem(cannotOpen(device_.node, errno));
     return false;
@@ -76,8 +76,8 @@ void HidrawSource::stream(const Sink& sink) {
 void HidrawSource::readAll(const Sink& sink) {
   std::array<uint8_t, 4096> buffer;  // the kernel's longest report
   for (;;) {
-    const ssize_t length = ::read(file_.get(), buffer.data(), buffer.size());
-    if (length < 0 && errno == EINTR) continue;
+    const ssize_t length =
+        retried([&] { return ::read(file_.get(), buffer.data(), buffer.size()); });
     if (length < 0 && errno == EAGAIN) return;
     if (length <= 0) {
       file_.reset();  // unplugged

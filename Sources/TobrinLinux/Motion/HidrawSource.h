@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <optional>
 
+#include "Base/FileDescriptor.h"
 #include "Force/MotionSource.h"
-#include "Motion/FileDescriptor.h"
 #include "Motion/HidReportDescriptor.h"
 #include "Motion/SourceWords.h"
-#include "Threads/WakeEvent.h"
+#include "System/WakeEvent.h"
 
 namespace tobrin {
 

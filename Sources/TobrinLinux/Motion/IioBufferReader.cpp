@@ -11,7 +11,7 @@
 #include "Base/MachTime.h"
 #include "Motion/DeviceWatch.h"
 #include "Motion/IioRate.h"
-#include "Motion/Waiting.h"
+#include "System/Waiting.h"
 
 namespace tobrin {
 namespace {
@@ -72,7 +72,7 @@ std::unique_ptr<IioBufferReader> IioBufferReader::prepare(const IioDevice& devic
     refusal = inUse(device);
     return nullptr;
   }
-  FileDescriptor file(::open(device.node.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  FileDescriptor file = FileDescriptor::open(device.node.c_str(), O_RDONLY | O_NONBLOCK);
   if (!file) {
     const int error = errno;
     refusal = {cannotOpen(device.node, error), error == EBUSY};
@@ -152,14 +152,15 @@ IioReader::End IioBufferReader::stream(const MotionSource::Sink& sink, const Wak
     // A waiting poll does not notice that the device is removed, but the news of it does.
     waitForAny({interrupt.fd(), watch.fd(), file_.get()}, quietMs);
     if (isRaised(interrupt)) return End::interrupted;
-    const ssize_t length = ::read(file_.get(), bytes_.data(), bytes_.size());
+    const ssize_t length =
+        retried([&] { return ::read(file_.get(), bytes_.data(), bytes_.size()); });
     if (length > 0) {
       heard = true;
       last = MachTime::now();
       pass(static_cast<std::size_t>(length) / layout_.frameBytes(), last, sink);
       continue;
     }
-    if (length == 0 || (errno != EAGAIN && errno != EINTR)) return End::gone;
+    if (length == 0 || errno != EAGAIN) return End::gone;
     if (MachTime::delta(MachTime::now(), last) >= quietMs) {
       if (!isSwitchedOn(device_)) return End::taken;
       if (!heard) return End::silent;

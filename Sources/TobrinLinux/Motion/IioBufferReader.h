@@ -5,8 +5,8 @@
 #include <optional>
 #include <vector>
 
+#include "Base/FileDescriptor.h"
 #include "Force/SampleClock.h"
-#include "Motion/FileDescriptor.h"
 #include "Motion/IioDevice.h"
 #include "Motion/IioLayout.h"
 #include "Motion/IioReader.h"

@@ -10,7 +10,7 @@
 
 #include "Base/MachTime.h"
 #include "Motion/Sysfs.h"
-#include "Motion/Waiting.h"
+#include "System/Waiting.h"
 
 namespace tobrin {
 
@@ -20,7 +20,7 @@ std::unique_ptr<IioPollReader> IioPollReader::prepare(const IioDevice& device,
   std::array<FileDescriptor, 3> axes;
   for (std::size_t i = 0; i < axes.size(); ++i) {
     const auto file = device.axisFile(i, "raw");
-    axes[i].reset(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    axes[i] = FileDescriptor::open(file.c_str(), O_RDONLY);
     if (axes[i]) continue;
     refusal.words = cannotOpen(file, errno);
     return nullptr;

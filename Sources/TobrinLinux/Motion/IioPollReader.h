@@ -6,7 +6,7 @@
 #include <memory>
 #include <optional>
 
-#include "Motion/FileDescriptor.h"
+#include "Base/FileDescriptor.h"
 #include "Motion/IioDevice.h"
 #include "Motion/IioReader.h"
 

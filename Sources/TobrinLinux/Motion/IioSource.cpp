@@ -5,7 +5,7 @@
 #include "Motion/DeviceWatch.h"
 #include "Motion/IioBufferReader.h"
 #include "Motion/IioPollReader.h"
-#include "Motion/Waiting.h"
+#include "System/Waiting.h"
 
 namespace tobrin {
 

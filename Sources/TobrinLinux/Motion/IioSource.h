@@ -8,7 +8,7 @@
 #include "Motion/IioDevice.h"
 #include "Motion/IioReader.h"
 #include "Motion/SourceWords.h"
-#include "Threads/WakeEvent.h"
+#include "System/WakeEvent.h"
 
 namespace tobrin {
 

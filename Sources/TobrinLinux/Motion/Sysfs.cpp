@@ -9,8 +9,8 @@
 #include <cmath>
 #include <system_error>
 
+#include "Base/FileDescriptor.h"
 #include "Base/RegularFile.h"
-#include "Motion/FileDescriptor.h"
 
 namespace tobrin {
 
@@ -70,12 +70,9 @@ std::optional<double> readNumber(const fs::path& file) {
 }
 
 int write(const fs::path& file, std::string_view text) {
-  const FileDescriptor target(::open(file.c_str(), O_WRONLY | O_CLOEXEC | O_TRUNC));
+  const FileDescriptor target = FileDescriptor::open(file.c_str(), O_WRONLY | O_TRUNC);
   if (!target) return errno;
-  ssize_t written = -1;
-  do
-    written = ::write(target.get(), text.data(), text.size());
-  while (written < 0 && errno == EINTR);
+  const ssize_t written = retried([&] { return ::write(target.get(), text.data(), text.size()); });
   if (written < 0) return errno;
   return static_cast<std::size_t>(written) == text.size() ? 0 : EIO;
 }

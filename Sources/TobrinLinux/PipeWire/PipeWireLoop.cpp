@@ -4,13 +4,13 @@
 
 #include <cassert>
 #include <cerrno>
-#include <cstdlib>
 #include <stdexcept>
 #include <string>
 #include <system_error>
 
+#include "Base/Environment.h"
 #include "PipeWire/ClientConfiguration.h"
-#include "Threads/RealtimeScheduling.h"
+#include "Threads/ThreadPreparation.h"
 
 namespace tobrin {
 
@@ -32,8 +32,7 @@ int doNothing(spa_loop* /*loop*/, bool /*async*/, uint32_t /*sequence*/, const v
 PipeWireLoop::PipeWireLoop() {
   pw_init(nullptr, nullptr);
   // The library reports what this program says itself.
-  // NOLINTNEXTLINE(concurrency-mt-unsafe): only read
-  if (std::getenv("PIPEWIRE_DEBUG") == nullptr) pw_log_set_level(SPA_LOG_LEVEL_NONE);
+  if (!processEnvironment("PIPEWIRE_DEBUG")) pw_log_set_level(SPA_LOG_LEVEL_NONE);
   loop_ = pw_thread_loop_new("Tobrin.PipeWire", nullptr);
   if (loop_ != nullptr) {
     context_ =

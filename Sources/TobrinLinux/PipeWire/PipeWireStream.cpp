@@ -10,7 +10,7 @@
 #include <system_error>
 #include <utility>
 
-#include "Threads/ThreadName.h"
+#include "Threads/ThreadPreparation.h"
 
 namespace tobrin {
 

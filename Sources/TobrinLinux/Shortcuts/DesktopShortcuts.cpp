@@ -11,7 +11,7 @@ namespace tobrin {
 DesktopShortcuts::DesktopShortcuts(Memory memory, const Environment& environment)
     : memory_(std::move(memory)),
       kind_(sessionKind(environment)),
-      display_(kind_ == SessionKind::x11 ? environment("DISPLAY") : ""),
+      display_(kind_ == SessionKind::x11 ? environment("DISPLAY").value_or("") : ""),
       names_(display_),
       system_(environment, [this] { tellChange(); }) {}
 

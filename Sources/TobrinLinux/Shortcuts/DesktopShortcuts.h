@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "Base/Environment.h"
 #include "Base/Mutex.h"
 #include "Desktop/SessionKind.h"
 #include "Input/ChordRecognizer.h"

@@ -4,10 +4,10 @@
 #include <xkbcommon/xkbcommon.h>
 
 #include <array>
-#include <cstdlib>
 #include <fstream>
 #include <utility>
 
+#include "Base/Environment.h"
 #include "Base/MachTime.h"
 #include "Evdev/KeyCodes.h"
 #include "X11/XConnection.h"
@@ -105,8 +105,7 @@ void KeyNames::loadFromSettings() {
     if (variant.empty()) variant = setting(line, "XKBVARIANT");
   }
   // The library's own variables (XKB_DEFAULT_LAYOUT and so on) come first where they are set.
-  const bool hasOwn =
-      std::getenv("XKB_DEFAULT_LAYOUT") != nullptr;  // NOLINT(concurrency-mt-unsafe)
+  const bool hasOwn = processEnvironment("XKB_DEFAULT_LAYOUT").has_value();
   xkb_rule_names names{};
   if (!hasOwn && !layout.empty()) {
     names.layout = layout.c_str();

@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "Base/MachTime.h"
-#include "Threads/ThreadName.h"
+#include "Threads/ThreadPreparation.h"
 
 namespace tobrin {
 namespace {
@@ -153,7 +153,8 @@ void PortalShortcut::Dialogue::run() {
     std::array<pollfd, 2> waits = {
         {{stop.fd(), POLLIN, 0},
          {sd_bus_get_fd(bus.get()), static_cast<short>(sd_bus_get_events(bus.get())), 0}}};
-    if (poll(waits.data(), waits.size(), waitLimitMs(bus.get())) < 0 && errno != EINTR) break;
+    const int limitMs = waitLimitMs(bus.get());
+    if (retried([&] { return poll(waits.data(), waits.size(), limitMs); }) < 0) break;
     if (waits[0].revents != 0) break;
   }
   if (!session.empty()) {

@@ -9,7 +9,7 @@
 
 #include "Input/Accelerator.h"
 #include "Input/Hotkey.h"
-#include "Threads/WakeEvent.h"
+#include "System/WakeEvent.h"
 
 namespace tobrin {
 

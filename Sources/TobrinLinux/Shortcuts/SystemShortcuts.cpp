@@ -6,8 +6,9 @@
 #include <utility>
 
 #include "Base/RegularFile.h"
-#include "Shortcuts/ChildOutput.h"
-#include "Threads/ThreadName.h"
+#include "Base/UserFolders.h"
+#include "System/ChildOutput.h"
+#include "Threads/ThreadPreparation.h"
 
 namespace tobrin {
 namespace {
@@ -65,7 +66,8 @@ SystemShortcuts::~SystemShortcuts() {
 
 std::vector<Accelerator> SystemShortcuts::current() {
   if (isDesktop("KDE"))
-    return acceleratorsInKGlobalShortcuts(textOf(configFolder() / "kglobalshortcutsrc"));
+    return acceleratorsInKGlobalShortcuts(
+        textOf(configFolder(environment_) / "kglobalshortcutsrc"));
   const auto desktop = std::find_if(std::begin(gsettingsDesktops), std::end(gsettingsDesktops),
                                     [this](const auto& each) { return isDesktop(each.first); });
   if (desktop == std::end(gsettingsDesktops)) return {};
@@ -119,17 +121,11 @@ std::string SystemShortcuts::settingsListing(std::string_view schemas) const {
 }
 
 bool SystemShortcuts::isDesktop(std::string_view name) const {
-  std::istringstream names(environment_("XDG_CURRENT_DESKTOP"));
+  std::istringstream names(environment_("XDG_CURRENT_DESKTOP").value_or(""));
   for (std::string each; std::getline(names, each, ':');) {
     if (each == name) return true;
   }
   return false;
-}
-
-std::filesystem::path SystemShortcuts::configFolder() const {
-  const std::string folder = environment_("XDG_CONFIG_HOME");
-  if (!folder.empty()) return folder;
-  return std::filesystem::path(environment_("HOME")) / ".config";
 }
 
 }  // namespace tobrin

@@ -1,13 +1,12 @@
-/// The key combinations the desktop itself uses, by its settings as they are now.
+/// The key combinations that the desktop itself uses, by its settings as they are now.
 ///
-/// GNOME and its relatives keep them behind GSettings. Neither its D-Bus service (which only
-/// writes) nor the desktop portal (which hides them) tells, and the stored form is private; the
-/// `gsettings` program that comes with those desktops does, without a type system in our memory for
-/// good. KDE keeps a readable file.
+/// GNOME and its relatives keep them in GSettings. Its D-Bus service can only write them, the
+/// desktop portal hides them, and the stored form is private. The `gsettings` program that comes
+/// with those desktops prints them, and its library stays out of our memory. KDE keeps a readable
+/// file. Thread: main.
 #pragma once
 
 #include <condition_variable>
-#include <filesystem>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -17,14 +16,13 @@
 
 #include "Desktop/SessionKind.h"
 #include "Input/Accelerator.h"
-#include "Threads/WakeEvent.h"
+#include "System/WakeEvent.h"
 
 namespace tobrin {
 
-/// Thread: main.
 class SystemShortcuts final {
  public:
-  /// `changed` is called on a thread of this object's when a slow reading has found others than
+  /// `changed` is called on this object's own thread when a slow reading has found others than
   /// `current` answered in the meantime.
   SystemShortcuts(Environment environment, std::function<void()> changed);
   /// When it returns, the last `changed` has ended.
@@ -38,7 +36,6 @@ class SystemShortcuts final {
 
  private:
   [[nodiscard]] bool isDesktop(std::string_view name) const;
-  [[nodiscard]] std::filesystem::path configFolder() const;
   void startReading(std::string_view schemas);
   void read(std::string_view schemas);
   [[nodiscard]] std::string settingsListing(std::string_view schemas) const;

@@ -7,11 +7,11 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <string>
 
-#include "Motion/FileDescriptor.h"
+#include "Base/Environment.h"
+#include "Base/FileDescriptor.h"
 
 namespace tobrin {
 namespace {
@@ -40,9 +40,9 @@ class Daemon final {
 
 /// A service's or a desktop's programs are often started so; each line would be there twice.
 bool standardErrorIsTheJournal() {
-  const char* stream = std::getenv("JOURNAL_STREAM");  // NOLINT(concurrency-mt-unsafe)
+  const std::string stream = processVariable("JOURNAL_STREAM");
   struct stat status {};
-  if (stream == nullptr || fstat(STDERR_FILENO, &status) != 0) return false;
+  if (stream.empty() || fstat(STDERR_FILENO, &status) != 0) return false;
   return stream == std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
 }
 

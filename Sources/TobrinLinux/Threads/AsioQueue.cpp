@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "Base/MachTime.h"
-#include "Threads/ThreadName.h"
+#include "Threads/ThreadPreparation.h"
 
 namespace tobrin {
 

@@ -68,7 +68,7 @@ void XKeySource::run(const Sink& sink) {
   for (;;) {
     takeAll(sink);  // also what came in with the replies to our own requests
     if (xcb_connection_has_error(connection_.get()) != 0) break;
-    if (poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) break;
+    if (retried([&] { return poll(waits.data(), waits.size(), -1); }) < 0) break;
     if (waits[0].revents != 0) return;
   }
   for (auto& [id, keyboard] : keyboards_)

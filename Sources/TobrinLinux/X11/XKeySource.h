@@ -10,7 +10,7 @@
 #include "Base/Mutex.h"
 #include "Evdev/HeldKeys.h"
 #include "Input/KeySource.h"
-#include "Threads/WakeEvent.h"
+#include "System/WakeEvent.h"
 #include "X11/XClock.h"
 #include "X11/XConnection.h"
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "Evdev/KeyCodes.h"
-#include "Threads/ThreadName.h"
+#include "Threads/ThreadPreparation.h"
 #include "X11/XModifierMap.h"
 
 namespace tobrin {
@@ -76,7 +76,7 @@ void XShortcut::listen() {
       take(*event);
     }
     if (xcb_connection_has_error(connection_.get()) != 0) return;
-    if (poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR) return;
+    if (retried([&] { return poll(waits.data(), waits.size(), -1); }) < 0) return;
     if (waits[0].revents != 0) return;
   }
 }

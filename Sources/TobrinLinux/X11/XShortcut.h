@@ -10,7 +10,7 @@
 
 #include "Input/Hotkey.h"
 #include "Input/ShortcutService.h"
-#include "Threads/WakeEvent.h"
+#include "System/WakeEvent.h"
 #include "X11/XConnection.h"
 
 namespace tobrin {

@@ -23,7 +23,7 @@ class PackLibraryFolders : public ::testing::Test {
     folder_.write(folder + "/pack.json", R"({"formatVersion":1,"id":")" + id + R"(","name":")" +
                                              name + R"(","kind":"k","groups":{}})");
   }
-  [[nodiscard]] PackLibrary::Environment environment() const {
+  [[nodiscard]] Environment environment() const {
     return [this](const char* name) {
       const auto found = variables_.find(name);
       return found == variables_.end() ? std::nullopt : std::optional(found->second);

@@ -5,7 +5,7 @@
 #include <map>
 #include <tuple>
 
-#include "Desktop/MakeKeySource.h"
+#include "Desktop/SessionKeys.h"
 #include "Tools/Desktop/PrivateXServer.h"
 
 namespace tobrin {

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "Desktop/MakeAudioDevice.h"
+#include "Desktop/SessionSound.h"
 #include "PipeWire/PipeWireLoop.h"
 #include "PipeWire/PipeWireMicSource.h"
 #include "PipeWire/PipeWireOutput.h"

@@ -7,7 +7,7 @@
 #include <array>
 #include <optional>
 
-#include "Motion/FileDescriptor.h"
+#include "Base/FileDescriptor.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {

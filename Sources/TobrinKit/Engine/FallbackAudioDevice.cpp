@@ -1,0 +1,112 @@
+#include "Engine/FallbackAudioDevice.h"
+
+#include <algorithm>
+
+namespace tobrin {
+
+FallbackAudioDevice::FallbackAudioDevice(std::unique_ptr<AudioDevice> preferred, Maker makeFallback,
+                                         std::function<bool()> mayFallBack)
+    : makeFallback_(std::move(makeFallback)), mayFallBack_(std::move(mayFallBack)) {
+  preferred_.device = std::move(preferred);
+}
+
+FallbackAudioDevice::~FallbackAudioDevice() {
+  {
+    const std::lock_guard lock(mutex_);
+    isClosing_ = true;
+  }
+  // A notice on its way may still call in here; it gets nowhere.
+  preferred_.device.reset();
+  fallback_.device.reset();
+}
+
+void FallbackAudioDevice::setCallbacks(AudioCallbacks callbacks) {
+  callbacks_ = std::move(callbacks);
+  preferred_.device->setCallbacks(preferred_.callbacks());
+}
+
+bool FallbackAudioDevice::start() {
+  const std::lock_guard lock(mutex_);
+  if (isClosing_) return false;
+  if (preferred_.device->start()) {
+    leaveFallback();
+    return true;
+  }
+  return mayFallBack_() && startFallback();
+}
+
+void FallbackAudioDevice::pause() {
+  const std::lock_guard lock(mutex_);
+  if (isClosing_) return;
+  preferred_.device->pause();
+  if (fallback_.device != nullptr) fallback_.device->pause();
+}
+
+bool FallbackAudioDevice::isRunning() const {
+  const std::lock_guard lock(mutex_);
+  return inCharge().isRunning();
+}
+
+std::string FallbackAudioDevice::problem() const {
+  const std::lock_guard lock(mutex_);
+  std::string first = preferred_.device->problem();
+  if (!fallback_.isInCharge) return first;
+  const std::string second = fallback_.device->problem();
+  return second.empty() ? second : first + ", and " + second;
+}
+
+std::string FallbackAudioDevice::description() const {
+  const std::lock_guard lock(mutex_);
+  return inCharge().description();
+}
+
+bool FallbackAudioDevice::startFallback() {
+  if (fallback_.device == nullptr) {
+    fallback_.device = makeFallback_();
+    if (fallback_.device == nullptr) return false;
+    fallback_.device->setCallbacks(fallback_.callbacks());
+  }
+  // The preferred device goes on trying and is silent should it come to run.
+  preferred_.isInCharge = false;
+  fallback_.isInCharge = true;
+  return fallback_.device->start();
+}
+
+void FallbackAudioDevice::leaveFallback() {
+  if (!fallback_.isInCharge) return;
+  fallback_.device->pause();
+  fallback_.isInCharge = false;
+  preferred_.isInCharge = true;
+}
+
+void FallbackAudioDevice::sideChanged(Side& side) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (isClosing_) return;
+    if (&side == &preferred_ && preferred_.device->isRunning()) leaveFallback();
+    if (!side.isInCharge) return;
+  }
+  callbacks_.changed();
+}
+
+const AudioDevice& FallbackAudioDevice::inCharge() const {
+  return fallback_.isInCharge ? *fallback_.device : *preferred_.device;
+}
+
+AudioCallbacks FallbackAudioDevice::Side::callbacks() {
+  return {.render = render, .context = this, .changed = [this] { owner->sideChanged(*this); }};
+}
+
+void FallbackAudioDevice::Side::render(void* self, float* left, float* right,
+                                       uint32_t frames) noexcept {
+  const auto& side = *static_cast<const Side*>(self);
+  // Pairs with the store that hands over the charge once the other side's callbacks have ended.
+  if (side.isInCharge.load(std::memory_order_acquire)) {
+    side.owner->callbacks_.render(side.owner->callbacks_.context, left, right, frames);
+    return;
+  }
+  std::fill_n(left, frames, 0.0F);
+  if (right != nullptr) std::fill_n(right, frames, 0.0F);
+}
+
+}  // namespace tobrin

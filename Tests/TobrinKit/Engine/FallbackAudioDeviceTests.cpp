@@ -1,0 +1,61 @@
+#include "Engine/FallbackAudioDevice.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "Support/HandDrivenDevice.h"
+
+namespace tobrin {
+namespace {
+
+using testing::HandDrivenDevice;
+using Controls = HandDrivenDevice::Controls;
+
+struct Owner {
+  std::shared_ptr<Controls> first = std::make_shared<Controls>();
+  std::shared_ptr<Controls> second = std::make_shared<Controls>();
+  bool mayFallBack = true;
+  int notices = 0;
+  FallbackAudioDevice device{std::make_unique<HandDrivenDevice>(first),
+                             [this] { return std::make_unique<HandDrivenDevice>(second); },
+                             [this] { return mayFallBack; }};
+
+  Owner() {
+    const auto ones = [](void*, float* left, float*, uint32_t frames) noexcept {
+      std::fill_n(left, frames, 1.0F);
+    };
+    device.setCallbacks({.render = ones, .context = nullptr, .changed = [this] { ++notices; }});
+  }
+  static bool sounds(Controls& side) { return side.render(4).first[0] == 1.0F; }
+};
+
+TEST(FallbackAudioDevice, PlaysOnTheOtherDeviceUntilTheFirstRuns) {
+  Owner owner;
+  owner.first->refusal = "no server";
+  owner.mayFallBack = false;
+  EXPECT_FALSE(owner.device.start());
+  EXPECT_EQ(owner.second->starts, 0);
+  owner.mayFallBack = true;
+  EXPECT_TRUE(owner.device.start());
+  EXPECT_TRUE(Owner::sounds(*owner.second));
+  EXPECT_EQ(owner.device.problem(), "");
+  owner.second->lose("no card");
+  EXPECT_EQ(owner.notices, 1);
+  EXPECT_EQ(owner.device.problem(), "no server, and no card");
+
+  owner.second->refusal.clear();
+  EXPECT_TRUE(owner.device.start());
+  owner.first->running = true;  // it went on trying
+  EXPECT_FALSE(Owner::sounds(*owner.first)) << "both never play at once";
+  EXPECT_TRUE(Owner::sounds(*owner.second));
+  owner.first->recover();
+  EXPECT_EQ(owner.notices, 2);
+  EXPECT_TRUE(Owner::sounds(*owner.first));
+  EXPECT_FALSE(owner.second->running);
+  owner.device.pause();
+  EXPECT_FALSE(owner.device.isRunning());
+}
+
+}  // namespace
+}  // namespace tobrin
