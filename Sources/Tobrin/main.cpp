@@ -12,8 +12,8 @@ int main(int argc, char** argv) {
   // Whoever reads our output through a pipe gets each line as it is written.
   static_cast<void>(std::setvbuf(stdout, nullptr, _IOLBF, 0));
   tobrin::Log::setSink(tobrin::systemLog());
-  tobrin::Confinement::keepNoCore();
+  tobrin::keepNoCore();
   const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-  if (const auto status = tobrin::CLI::run(arguments)) return *status;
-  return tobrin::Application::run(argc, argv);
+  if (const auto status = tobrin::runDiagnostic(arguments)) return *status;
+  return tobrin::runApplication(argc, argv);
 }

@@ -2,8 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "RecordCommand.h"
-#include "ReplayCommand.h"
+#include "Commands.h"
 
 namespace tobrin {
 namespace {

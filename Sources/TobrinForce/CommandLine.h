@@ -1,16 +1,12 @@
-/// The command line of tobrin-force.
+/// The command line of tobrin-force. Thread: main.
 #pragma once
 
-#include <iosfwd>
 #include <string>
 #include <vector>
 
-namespace tobrin {
+#include "Commands.h"
 
-struct ForceStreams {
-  std::ostream& out;
-  std::ostream& err;
-};
+namespace tobrin {
 
 /// Runs one command; `arguments` without the program's name. Returns the exit status: 0 done,
 /// 1 failed with one line on the error stream, 2 wrong usage.

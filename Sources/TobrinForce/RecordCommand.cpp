@@ -1,5 +1,3 @@
-#include "RecordCommand.h"
-
 #include <CLI/CLI.hpp>
 #include <atomic>
 #include <cerrno>
@@ -11,6 +9,7 @@
 #include <system_error>
 #include <thread>
 
+#include "Commands.h"
 #include "Desktop/SessionKeys.h"
 #include "Force/ForceRecorder.h"
 #include "Motion/FindMotionSource.h"

@@ -1,9 +1,10 @@
-#include "ReplayCommand.h"
-
 #include <CLI/CLI.hpp>
 #include <array>
 #include <charconv>
 #include <nlohmann/json.hpp>
+
+#include "Commands.h"
+#include "Engine/ForceReplay.h"
 
 namespace tobrin {
 namespace {

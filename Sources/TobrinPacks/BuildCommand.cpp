@@ -1,5 +1,4 @@
-#include "BuildCommand.h"
-
+#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
@@ -8,6 +7,7 @@
 #include "Base/UserFolders.h"
 #include "Building/DemoLoudness.h"
 #include "Building/RecordedPackBuilder.h"
+#include "Commands.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
 #include "Packs/LoadedPack.h"

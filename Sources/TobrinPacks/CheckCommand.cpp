@@ -1,10 +1,10 @@
-#include "CheckCommand.h"
-
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <iomanip>
 #include <nlohmann/json.hpp>
 
+#include "Commands.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
 #include "Packs/LoadedPack.h"

@@ -2,17 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "BuildCommand.h"
-#include "CheckCommand.h"
-#include "ExportCommand.h"
-#include "GenerateCommand.h"
-#include "ImportCommand.h"
-#include "InstallCommand.h"
-#include "ListCommand.h"
-#include "LoudnessCommand.h"
+#include "Commands.h"
 #include "PrintableText.h"
-#include "RenderCommand.h"
-#include "SliceCommand.h"
 
 namespace tobrin {
 namespace {

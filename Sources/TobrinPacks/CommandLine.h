@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Command.h"
+#include "Commands.h"
 
 namespace tobrin {
 

@@ -1,5 +1,6 @@
-#include "ExportCommand.h"
+#include <CLI/CLI.hpp>
 
+#include "Commands.h"
 #include "Importing/PackExport.h"
 #include "Importing/SourceLicense.h"
 #include "PrintableText.h"

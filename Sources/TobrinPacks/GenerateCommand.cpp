@@ -1,10 +1,10 @@
-#include "GenerateCommand.h"
-
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "Commands.h"
 #include "PrintableText.h"
 #include "Synth/PackGenerator.h"
 

@@ -1,9 +1,9 @@
-#include "ImportCommand.h"
-
+#include <CLI/CLI.hpp>
 #include <cmath>
 #include <cstdio>
 
 #include "Base/ExchangeFolders.h"
+#include "Commands.h"
 #include "Evdev/KeyCodes.h"
 #include "Importing/PackImport.h"
 #include "JsonOutput.h"
@@ -54,8 +54,7 @@ void run(const Options& options, const CommandStreams& streams) {
   const SpawningProcessRunner programs;
   const auto result = PackImport::run(
       {.source = options.source, .into = options.into, .id = options.id, .name = options.name},
-      {KeyCodes::virtualCode, programs, exchangeFolders},
-      [&](double part) { progress.show(part); });
+      {virtualCodeOf, programs, exchangeFolders}, [&](double part) { progress.show(part); });
   if (options.json)
     printJson(asJson(result), streams.out);
   else

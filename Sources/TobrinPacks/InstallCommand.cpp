@@ -1,11 +1,12 @@
-#include "InstallCommand.h"
+#include <CLI/CLI.hpp>
 
 #include "Base/ExchangeFolders.h"
+#include "Commands.h"
 #include "Evdev/KeyCodes.h"
 #include "Importing/PackInstall.h"
 #include "Packs/PackLibrary.h"
 #include "PrintableText.h"
-#include "Process/SpawningProcessRunner.h"
+#include "System/SpawningProcessRunner.h"
 
 namespace tobrin {
 namespace {
@@ -20,7 +21,7 @@ void print(const PackInstall::Installed& pack, std::ostream& out) {
 /// All are checked before the first is put in place.
 void run(const std::vector<std::string>& sources, const CommandStreams& streams) {
   const SpawningProcessRunner programs;
-  const PackImport::Services services{KeyCodes::virtualCode, programs, exchangeFolders};
+  const PackImport::Services services{virtualCodeOf, programs, exchangeFolders};
   const auto folder = PackLibrary::userPacksDirectory();
   std::vector<std::unique_ptr<PackInstall>> packs;
   for (const std::string& source : sources)

@@ -1,7 +1,7 @@
-#include "ListCommand.h"
-
+#include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "Commands.h"
 #include "JsonOutput.h"
 #include "Packs/PackLibrary.h"
 #include "PrintableText.h"

@@ -1,5 +1,4 @@
-#include "LoudnessCommand.h"
-
+#include <CLI/CLI.hpp>
 #include <cmath>
 #include <filesystem>
 #include <iomanip>
@@ -10,6 +9,7 @@
 
 #include "Building/DemoLoudness.h"
 #include "Building/Loudness.h"
+#include "Commands.h"
 #include "JsonOutput.h"
 #include "Packs/SampleBuffer.h"
 

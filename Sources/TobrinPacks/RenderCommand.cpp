@@ -1,5 +1,4 @@
-#include "RenderCommand.h"
-
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
 #include <iomanip>
@@ -8,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "Commands.h"
 #include "Engine/OfflineRenderer.h"
 #include "InputFile.h"
 #include "NumberRange.h"

@@ -1,6 +1,5 @@
-#include "SliceCommand.h"
-
 #include <stdlib.h>
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cerrno>
@@ -14,6 +13,7 @@
 #include "Building/PackRecipe.h"
 #include "Building/RecordedPackBuilder.h"
 #include "Building/RecordingConversion.h"
+#include "Commands.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
 #include "Packs/SampleBuffer.h"

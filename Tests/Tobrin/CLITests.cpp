@@ -6,26 +6,26 @@ namespace tobrin {
 namespace {
 
 TEST(CLI, ReadsSeconds) {
-  EXPECT_EQ(CLI::seconds("0.5", 20), 0.5);
-  EXPECT_EQ(CLI::seconds("1e1", 20), 10);
-  EXPECT_EQ(CLI::seconds("1e12", 20), 365.0 * 24 * 3600);
+  EXPECT_EQ(parseSeconds("0.5", 20), 0.5);
+  EXPECT_EQ(parseSeconds("1e1", 20), 10);
+  EXPECT_EQ(parseSeconds("1e12", 20), 365.0 * 24 * 3600);
   for (const char* wrong : {"abc", "", "5s", " 5", "inf", "nan", "1e999"})
-    EXPECT_EQ(CLI::seconds(wrong, 20), 20) << wrong;
-  EXPECT_EQ(CLI::seconds(std::nullopt, 20), 20);
-  EXPECT_EQ(CLI::seconds("0", 20), 0);
-  EXPECT_EQ(CLI::seconds("-3", 20), 0);
+    EXPECT_EQ(parseSeconds(wrong, 20), 20) << wrong;
+  EXPECT_EQ(parseSeconds(std::nullopt, 20), 20);
+  EXPECT_EQ(parseSeconds("0", 20), 0);
+  EXPECT_EQ(parseSeconds("-3", 20), 0);
 }
 
 TEST(CLI, TakesOnlyItsOwnWords) {
   for (const char* word : {"--bogus", "--Help", "help", "", "-hh"})
-    EXPECT_EQ(CLI::run({word}), std::nullopt) << word;
-  EXPECT_EQ(CLI::run({}), std::nullopt);
+    EXPECT_EQ(runDiagnostic({word}), std::nullopt) << word;
+  EXPECT_EQ(runDiagnostic({}), std::nullopt);
 }
 
 TEST(CLI, SaysHowItIsUsed) {
   for (const char* word : {"--help", "-h"}) {
     ::testing::internal::CaptureStdout();
-    EXPECT_EQ(CLI::run({word}), 0);
+    EXPECT_EQ(runDiagnostic({word}), 0);
     EXPECT_EQ(::testing::internal::GetCapturedStdout(),
               "Tobrin, velocity-sensitive keyboard sounds.\n"
               "  (no arguments)   run the menu-bar app\n"

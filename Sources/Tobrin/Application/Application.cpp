@@ -11,10 +11,10 @@
 #include <thread>
 
 #include "Application/Assembly.h"
+#include "Application/Modules.h"
 #include "Application/SignalWatcher.h"
 #include "Application/TerminalReport.h"
 #include "Application/Translation.h"
-#include "Application/UserInterface.h"
 #include "Base/Environment.h"
 #include "Confinement/Confinement.h"
 #include "Confinement/Launcher.h"
@@ -27,7 +27,7 @@ namespace {
 /// Becomes the one instance. A relaunched program gives the one before it time to end.
 std::unique_ptr<SingleInstance> takePlace(int argc, char** argv) {
   using namespace std::chrono_literals;
-  const bool isRelaunched = argc > 1 && std::strcmp(argv[1], Application::relaunchedArgument) == 0;
+  const bool isRelaunched = argc > 1 && std::strcmp(argv[1], relaunchedArgument) == 0;
   constexpr int tries = 50;
   for (int i = 0;; ++i) {
     auto instance = std::make_unique<SingleInstance>(runtimeFolder());
@@ -49,17 +49,18 @@ std::unique_ptr<UserInterface> userInterface() {
     std::puts("No display: playing without tray and panel.");
     return nullptr;
   }
-  return UserInterface::load();
+  const TrayModule* const tray = loadTrayModule();
+  return tray != nullptr ? tray->makeInterface() : nullptr;
 }
 
 }  // namespace
 
-int Application::run(int argc, char** argv) {
+int runApplication(int argc, char** argv) {
   const auto instance = takePlace(argc, argv);
   if (!instance->isFirst()) return bringUpTheOther(*instance);
 
   const Launcher launcher(DesktopWorkspace::errands());
-  Confinement::takeNoPrivileges();
+  takeNoPrivileges();
   SignalWatcher::holdSignals();
   // NOLINTBEGIN(concurrency-mt-unsafe): there is one thread yet
   mallopt(M_ARENA_MAX, 1);  // few allocations at a time: a heap a thread would be mostly empty
@@ -74,7 +75,7 @@ int Application::run(int argc, char** argv) {
   Assembly assembly(launcher);
   const TerminalReport report(assembly.model());
   if (interface != nullptr) interface->start(assembly.model());
-  Confinement::refuseNetwork();
+  refuseNetwork();
 
   QSocketNotifier calls(instance->listeningSocket(), QSocketNotifier::Read);
   calls.setEnabled(instance->listeningSocket() >= 0);

@@ -57,7 +57,7 @@ Launcher::Commands DesktopWorkspace::errands() {
   };
   command(Errand::showPacksFolder) = {"xdg-open", packsFolder().string()};
   command(Errand::grantKeyAccess) = {"pkexec", keyAccessHelper(program), "grant"};
-  command(Errand::relaunch) = {program.string(), Application::relaunchedArgument};
+  command(Errand::relaunch) = {program.string(), relaunchedArgument};
   return commands;
 }
 

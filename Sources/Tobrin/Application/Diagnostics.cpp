@@ -35,14 +35,14 @@ std::unique_ptr<ForceSensor> findSensor() {
 
 }  // namespace
 
-int Diagnostics::probe(double seconds) {
+int runProbe(double seconds) {
   std::error_code gone;  // the folder may be, and then only writing into it fails
   return probe::Probe({findSensor(), listen, linuxWords}, std::cout,
                       std::filesystem::current_path(gone))
       .run(seconds);
 }
 
-int Diagnostics::micWatch(double seconds) {
+int runMicWatch(double seconds) {
   AsioQueue queue(MicMonitor::queueName);
   AsioQueue main("app.tobrin.main");
   MicMonitor monitor(queue, main, makeMicSource(makePipeWireLoop()));
@@ -51,7 +51,7 @@ int Diagnostics::micWatch(double seconds) {
   return MicWatch(monitor, main, std::cout, std::move(surroundings)).run(seconds);
 }
 
-int Diagnostics::selfTest() {
+int runSelfTest() {
   AsioQueue queue(Conductor::queueName);
   SelfTest::Parts parts{
       .discoverPacks = [] { return PackLibrary::discover(); },

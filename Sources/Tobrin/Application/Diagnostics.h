@@ -1,13 +1,11 @@
-/// The diagnostics over the real parts of this machine. Thread: main; each blocks until it is done
-/// and returns the exit status.
+/// The diagnostics over the real parts of this machine. Each blocks until it is done and returns
+/// the exit status. Thread: main.
 #pragma once
 
 namespace tobrin {
 
-struct Diagnostics {
-  static int probe(double seconds);
-  static int selfTest();
-  static int micWatch(double seconds);
-};
+int runProbe(double seconds);
+int runSelfTest();
+int runMicWatch(double seconds);
 
 }  // namespace tobrin

@@ -1,7 +1,6 @@
 #include "Application/Modules.h"
 
-#include <dlfcn.h>
-
+#include <QPluginLoader>
 #include <filesystem>
 
 #include "Base/Log.h"
@@ -19,17 +18,25 @@ std::filesystem::path fileOf(const std::string& name) {
   return program / TOBRIN_MODULES_FROM_BIN / file;
 }
 
+template <typename Module>
+const Module* load(const std::string& name) {
+  QPluginLoader loader(QString::fromStdString(fileOf(name).string()));
+  // Everything is resolved now: a missing function fails here, in words, and not later.
+  loader.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
+  const auto* module = qobject_cast<const Module*>(loader.instance());
+  if (module == nullptr)
+    Log::line("can't load the " + name + ": " + loader.errorString().toStdString());
+  return module;
+}
+
 }  // namespace
 
-void* Modules::symbol(const char* name, const char* symbol) {
-  // Everything is resolved now: a missing function fails here, in words, and not later.
-  void* library = dlopen(fileOf(name).c_str(), RTLD_NOW | RTLD_LOCAL);
-  void* address = library != nullptr ? dlsym(library, symbol) : nullptr;
-  if (address == nullptr) {
-    const char* reason = dlerror();  // NOLINT(concurrency-mt-unsafe): glibc keeps it per thread
-    Log::line(std::string("can't load the ") + name + ": " + (reason != nullptr ? reason : "?"));
-  }
-  return address;
+const TrayModule* loadTrayModule() {
+  return load<TrayModule>("tray");
+}
+
+const PanelModule* loadPanelModule() {
+  return load<PanelModule>("panel");
 }
 
 }  // namespace tobrin

@@ -1,15 +1,13 @@
-/// Loads the program's own optional libraries, which lie beside the executable in a build tree and
-/// in the library folder once installed.
+/// Loads the program's own optional libraries, which are next to the executable in a build tree and
+/// in the library folder once installed. A loaded library stays loaded. Thread: main.
 #pragma once
 
-#include <QString>
+#include "Application/UserInterface.h"
 
 namespace tobrin {
 
-struct Modules {
-  /// The address of `symbol` in the library "libtobrin-<name>.so"; null (and the reason logged)
-  /// where there is none. A loaded library stays loaded. Thread: main.
-  static void* symbol(const char* name, const char* symbol);
-};
+/// Each is null (and the reason logged) where its library is missing or does not fit.
+[[nodiscard]] const TrayModule* loadTrayModule();
+[[nodiscard]] const PanelModule* loadPanelModule();
 
 }  // namespace tobrin

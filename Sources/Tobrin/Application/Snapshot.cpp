@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "Application/Assembly.h"
+#include "Application/Modules.h"
 #include "Application/Translation.h"
-#include "Application/UserInterface.h"
 
 namespace tobrin {
 namespace {
@@ -68,12 +68,13 @@ std::string idsOf(const std::vector<PackInfo>& packs) {
 
 }  // namespace
 
-int Snapshot::run(const std::vector<std::string>& words) {
+int drawSnapshot(const std::vector<std::string>& words) {
   const auto wish = parse(words);
   if (!wish) return fail("Usage: tobrin --snapshot [path] [dark] [contrast] [call] [pack=ID]");
   const Launcher launcher(DesktopWorkspace::errands());
-  const auto picture = PanelPicture::load();
-  if (picture == nullptr) return fail("The panel's library is missing.");
+  const PanelModule* const panel = loadPanelModule();
+  if (panel == nullptr) return fail("The panel's library is missing.");
+  const auto picture = panel->makePicture();
   const auto application = picture->makeApplication();
   installTranslation();
   Assembly assembly(launcher, wish->preview);

@@ -1,4 +1,5 @@
 /// Draws the panel into an image file, for documentation: without display, keys or sound.
+/// Thread: main.
 #pragma once
 
 #include <string>
@@ -6,10 +7,8 @@
 
 namespace tobrin {
 
-struct Snapshot {
-  /// Takes a path (default "menu.png") and, in any order, the words "dark", "call" (paused for a
-  /// call) and "pack=ID". Returns the exit status; what went wrong is said on standard output.
-  static int run(const std::vector<std::string>& words);
-};
+/// Takes a path (default "menu.png") and, in any order, the words "dark", "call" (paused for a
+/// call) and "pack=ID". Returns the exit status; what went wrong is said on standard output.
+int drawSnapshot(const std::vector<std::string>& words);
 
 }  // namespace tobrin

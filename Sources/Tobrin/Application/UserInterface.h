@@ -1,9 +1,11 @@
 /// What shows the program to its user where there is a display. Its libraries are loaded only then,
-/// so that the engine alone stays small; the panel's own only when it first opens.
+/// so that the engine alone stays small; the panel's own only when it first opens. Thread: main.
 #pragma once
 
 #include <QCoreApplication>
+#include <QObject>
 #include <QPoint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -35,9 +37,6 @@ class UserInterface {
 
   /// Takes item and panel away; the model may go after that.
   virtual void stop() = 0;
-
-  /// Loads the interface; null (and the reason logged) where its library is missing.
-  static std::unique_ptr<UserInterface> load();
 };
 
 /// The panel by itself, made by its own library.
@@ -61,9 +60,26 @@ class PanelPicture {
   /// Returns why the picture could not be written; empty on success. The file's ending decides its
   /// format.
   virtual std::string save(AppModel& model, const std::string& path, const Look& look) = 0;
+};
 
-  /// Null (and the reason logged) where the library is missing.
-  static std::unique_ptr<PanelPicture> load();
+/// What the tray's library offers.
+class TrayModule {
+ public:
+  virtual ~TrayModule() = default;
+  [[nodiscard]] virtual std::unique_ptr<UserInterface> makeInterface() const = 0;
+};
+
+/// What the panel's library offers.
+class PanelModule {
+ public:
+  virtual ~PanelModule() = default;
+  /// The model outlives the panel. `onClosed` is called whenever the panel has closed.
+  [[nodiscard]] virtual std::unique_ptr<Panel> makePanel(AppModel& model,
+                                                         std::function<void()> onClosed) const = 0;
+  [[nodiscard]] virtual std::unique_ptr<PanelPicture> makePicture() const = 0;
 };
 
 }  // namespace tobrin
+
+Q_DECLARE_INTERFACE(tobrin::TrayModule, "app.tobrin.TrayModule")
+Q_DECLARE_INTERFACE(tobrin::PanelModule, "app.tobrin.PanelModule")

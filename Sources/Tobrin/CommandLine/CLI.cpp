@@ -20,6 +20,15 @@ std::optional<std::string> argument(const std::vector<std::string>& arguments, s
   return arguments[index];
 }
 
+const char* usage() {
+  return "Tobrin, velocity-sensitive keyboard sounds.\n"
+         "  (no arguments)   run the menu-bar app\n"
+         "  --probe [secs]   measure how your keystrokes register on the motion sensor\n"
+         "  --selftest       check key capture, audio engine and sensor (muted)\n"
+         "  --micwatch [secs] show when apps take and release the microphone (\"Quiet during "
+         "calls\")";
+}
+
 int printLine(const char* text) {
   std::puts(text);
   return 0;
@@ -27,23 +36,23 @@ int printLine(const char* text) {
 
 /// What the program and the desktop's autostart give to a new instance.
 bool isOurOwn(std::string_view word) {
-  return word == Application::relaunchedArgument || word == Application::atLoginArgument;
+  return word == relaunchedArgument || word == atLoginArgument;
 }
 
 }  // namespace
 
-std::optional<int> CLI::run(const std::vector<std::string>& arguments) {
+std::optional<int> runDiagnostic(const std::vector<std::string>& arguments) {
   const auto first = argument(arguments, 0);
   if (first == "--version") return printLine(TOBRIN_VERSION);
   if (first == "--help" || first == "-h") return printLine(usage());
   if (first == "--probe") {
-    return Diagnostics::probe(seconds(argument(arguments, 1), probeSeconds));
+    return runProbe(parseSeconds(argument(arguments, 1), probeSeconds));
   }
   if (first == "--micwatch") {
-    return Diagnostics::micWatch(seconds(argument(arguments, 1), micWatchSeconds));
+    return runMicWatch(parseSeconds(argument(arguments, 1), micWatchSeconds));
   }
-  if (first == "--selftest") return Diagnostics::selfTest();
-  if (first == "--snapshot") return Snapshot::run({arguments.begin() + 1, arguments.end()});
+  if (first == "--selftest") return runSelfTest();
+  if (first == "--snapshot") return drawSnapshot({arguments.begin() + 1, arguments.end()});
   if (first && first->starts_with('-') && !isOurOwn(*first)) {
     std::fprintf(stderr, "tobrin: there is no option %s (see --help); starting without it.\n",
                  first->c_str());
@@ -51,7 +60,7 @@ std::optional<int> CLI::run(const std::vector<std::string>& arguments) {
   return std::nullopt;
 }
 
-double CLI::seconds(const std::optional<std::string>& text, double fallback) {
+double parseSeconds(const std::optional<std::string>& text, double fallback) {
   constexpr double year = 365.0 * 24 * 3600;
   if (!text) return fallback;
   double value = 0;
@@ -59,15 +68,6 @@ double CLI::seconds(const std::optional<std::string>& text, double fallback) {
   const auto [parsedTo, error] = std::from_chars(text->data(), end, value);
   const bool isNumber = error == std::errc() && parsedTo == end && std::isfinite(value);
   return isNumber ? std::clamp(value, 0.0, year) : fallback;
-}
-
-const char* CLI::usage() {
-  return "Tobrin, velocity-sensitive keyboard sounds.\n"
-         "  (no arguments)   run the menu-bar app\n"
-         "  --probe [secs]   measure how your keystrokes register on the motion sensor\n"
-         "  --selftest       check key capture, audio engine and sensor (muted)\n"
-         "  --micwatch [secs] show when apps take and release the microphone (\"Quiet during "
-         "calls\")";
 }
 
 }  // namespace tobrin

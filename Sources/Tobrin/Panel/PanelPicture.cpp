@@ -1,3 +1,5 @@
+#include "Panel/PanelPicture.h"
+
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QImageWriter>
@@ -52,8 +54,9 @@ std::string OffscreenPicture::save(AppModel& model, const std::string& path, con
 }
 
 }  // namespace
-}  // namespace tobrin
 
-extern "C" tobrin::PanelPicture* tobrinMakePanelPicture() {
-  return new tobrin::OffscreenPicture;
+std::unique_ptr<PanelPicture> makePanelPicture() {
+  return std::make_unique<OffscreenPicture>();
 }
+
+}  // namespace tobrin

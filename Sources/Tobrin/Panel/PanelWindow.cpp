@@ -219,7 +219,3 @@ bool PanelWindow::eventFilter(QObject* watched, QEvent* event) {
 }
 
 }  // namespace tobrin
-
-extern "C" tobrin::Panel* tobrinMakePanel(tobrin::AppModel& model, std::function<void()> onClosed) {
-  return new tobrin::PanelWindow(model, std::move(onClosed));
-}

@@ -43,7 +43,7 @@ QString menuText(const std::string& name) {
 
 /// Started by the desktop at login, whose tray may be slow to come.
 bool isStartedAtLogin() {
-  return QCoreApplication::arguments().contains(Application::atLoginArgument);
+  return QCoreApplication::arguments().contains(atLoginArgument);
 }
 
 }  // namespace
@@ -169,10 +169,9 @@ void TrayInterface::showPanel() {
 Panel* TrayInterface::panel() {
   unload_.stop();
   if (panel_) return panel_.get();
-  using Make = Panel* (*)(AppModel&, std::function<void()> onClosed);
-  const auto make = reinterpret_cast<Make>(Modules::symbol("panel", "tobrinMakePanel"));
-  if (make == nullptr) return nullptr;
-  panel_.reset(make(*model_, [this] { panelClosed(); }));
+  const PanelModule* const library = loadPanelModule();
+  if (library == nullptr) return nullptr;
+  panel_ = library->makePanel(*model_, [this] { panelClosed(); });
   panel_->setLook(appearance_->look());
   return panel_.get();
 }
@@ -189,7 +188,3 @@ void TrayInterface::panelMayBeUnloaded() {
 }
 
 }  // namespace tobrin
-
-extern "C" tobrin::UserInterface* tobrinMakeUserInterface() {
-  return new tobrin::TrayInterface;
-}

@@ -41,7 +41,7 @@ void report(const char* what, int error) {
 
 }  // namespace
 
-void Confinement::keepNoCore() {
+void keepNoCore() {
   // One byte, not none: the kernel still hands a core to a handler where the limit is zero.
   const rlimit least{.rlim_cur = 1, .rlim_max = 1};
   rlimit now{};
@@ -49,11 +49,11 @@ void Confinement::keepNoCore() {
   report("can't switch core files off", setrlimit(RLIMIT_CORE, &least) == 0 ? 0 : errno);
 }
 
-void Confinement::takeNoPrivileges() {
+void takeNoPrivileges() {
   report("can't give up new privileges", prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 ? 0 : errno);
 }
 
-void Confinement::refuseNetwork() {
+void refuseNetwork() {
   const Filter filter(seccomp_init(SCMP_ACT_ALLOW), &seccomp_release);
   int status = filter ? addRules(filter.get()) : -ENOMEM;
   if (status == 0) status = seccomp_load(filter.get());

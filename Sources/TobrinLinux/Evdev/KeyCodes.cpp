@@ -167,12 +167,12 @@ constexpr Table virtualCodes = [] {
 
 }  // namespace
 
-std::optional<uint16_t> KeyCodes::virtualCode(uint32_t kernelCode) {
+std::optional<uint16_t> virtualCodeOf(uint32_t kernelCode) {
   if (kernelCode >= virtualCodes.size() || virtualCodes[kernelCode] == none) return std::nullopt;
   return virtualCodes[kernelCode];
 }
 
-std::vector<uint16_t> KeyCodes::kernelCodes(uint32_t virtualCode) {
+std::vector<uint16_t> kernelCodesOf(uint32_t virtualCode) {
   std::vector<uint16_t> result;
   for (const Key& key : keys) {
     if (key.virtualCode == virtualCode) result.push_back(key.kernelCode);

@@ -1,5 +1,5 @@
 /// The one table between the kernel's key codes (evdev) and the virtual key codes used everywhere
-/// else. An X server's key codes are the kernel's plus `xOffset`. Thread: any.
+/// else. Thread: any.
 #pragma once
 
 #include <cstdint>
@@ -8,16 +8,15 @@
 
 namespace tobrin {
 
-struct KeyCodes {
-  static constexpr uint16_t xOffset = 8;
+/// An X server's key codes are the kernel's plus this.
+inline constexpr uint16_t xKeyCodeOffset = 8;
 
-  /// The virtual key code of a kernel key code; nothing for keys that are not part of typing
-  /// (media, volume, power, mouse buttons), which stay silent.
-  static std::optional<uint16_t> virtualCode(uint32_t kernelCode);
+/// The virtual key code of a kernel key code; nothing for keys that are not part of typing (media,
+/// volume, power, mouse buttons), which stay silent.
+std::optional<uint16_t> virtualCodeOf(uint32_t kernelCode);
 
-  /// The kernel codes of a virtual key code, the usual one first; several where PC keyboards have
-  /// more keys than there are virtual codes.
-  static std::vector<uint16_t> kernelCodes(uint32_t virtualCode);
-};
+/// The kernel codes of a virtual key code, the usual one first; several where PC keyboards have
+/// more keys than there are virtual codes.
+std::vector<uint16_t> kernelCodesOf(uint32_t virtualCode);
 
 }  // namespace tobrin

@@ -33,7 +33,7 @@ bool UinputTyper::open() {
 }
 
 bool UinputTyper::send(uint16_t code, KeyAction action) {
-  const auto kernelCodes = KeyCodes::kernelCodes(code);
+  const auto kernelCodes = kernelCodesOf(code);
   if (kernelCodes.empty()) return false;
   const int value = action == KeyAction::down ? 1 : 0;
   return libevdev_uinput_write_event(keyboard_, EV_KEY, kernelCodes.front(), value) == 0 &&

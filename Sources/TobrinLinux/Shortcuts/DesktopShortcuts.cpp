@@ -28,7 +28,7 @@ bool DesktopShortcuts::isReserved(const Hotkey& hotkey) {
 }
 
 ShortcutGrab DesktopShortcuts::grab(const Hotkey& hotkey, std::function<void()> pressed) {
-  if (KeyCodes::kernelCodes(hotkey.keyCode).empty()) {
+  if (kernelCodesOf(hotkey.keyCode).empty()) {
     release();
     return {ShortcutGrab::Result::failed, noSuchKey};
   }

@@ -57,9 +57,9 @@ KeyNames::KeyNames(std::string display)
 
 KeyNaming KeyNames::naming(uint32_t keyCode) {
   load();
-  const auto kernelCodes = KeyCodes::kernelCodes(keyCode);
+  const auto kernelCodes = kernelCodesOf(keyCode);
   if (!keymap_ || kernelCodes.empty()) return {};
-  const xkb_keycode_t key = kernelCodes.front() + uint32_t{KeyCodes::xOffset};
+  const xkb_keycode_t key = kernelCodes.front() + uint32_t{xKeyCodeOffset};
   const xkb_layout_index_t layouts = xkb_keymap_num_layouts_for_key(keymap_.get(), key);
   if (layouts == 0) return {};
   const xkb_keysym_t* symbols = nullptr;

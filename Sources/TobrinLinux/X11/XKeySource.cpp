@@ -104,8 +104,8 @@ void XKeySource::take(const xcb_generic_event_t& event, const Sink& sink) {
 void XKeySource::takeKey(const xcb_generic_event_t& event, HeldKeys::Change change,
                          const Sink& sink) {
   const auto& raw = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
-  if (raw.detail < KeyCodes::xOffset) return;
-  const uint32_t kernelCode = raw.detail - KeyCodes::xOffset;
+  if (raw.detail < xKeyCodeOffset) return;
+  const uint32_t kernelCode = raw.detail - xKeyCodeOffset;
   HeldKeys& keyboard = keyboards_[raw.sourceid];
   const bool repeats = (raw.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0;
   if (change == HeldKeys::Change::press && (repeats || keyboard.isHeld(kernelCode))) {

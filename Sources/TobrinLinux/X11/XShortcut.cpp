@@ -13,7 +13,7 @@
 namespace tobrin {
 namespace {
 
-constexpr uint16_t highestKernelCode = 255 - KeyCodes::xOffset;  // a key code is one byte
+constexpr uint16_t highestKernelCode = 255 - xKeyCodeOffset;  // a key code is one byte
 
 }  // namespace
 
@@ -21,7 +21,7 @@ XShortcut::XShortcut(const std::string& display, const Hotkey& hotkey,
                      std::function<void()> pressed)
     : hotkey_(hotkey),
       pressed_(std::move(pressed)),
-      kernelCodes_(KeyCodes::kernelCodes(hotkey.keyCode)),
+      kernelCodes_(kernelCodesOf(hotkey.keyCode)),
       connection_(connectToX(display)) {
   if (!connection_) return;
   outcome_ = grabAll();
@@ -47,7 +47,7 @@ ShortcutGrab XShortcut::grabAll() {
     xcb_ungrab_key(connection_.get(), XCB_GRAB_ANY, screen.data->root, XCB_MOD_MASK_ANY);
     for (const uint16_t kernelCode : kernelCodes_) {
       if (kernelCode > highestKernelCode) continue;
-      const auto key = static_cast<xcb_keycode_t>(kernelCode + KeyCodes::xOffset);
+      const auto key = static_cast<xcb_keycode_t>(kernelCode + xKeyCodeOffset);
       for (const uint16_t locks : map.lockCombinations()) {
         requests.push_back(xcb_grab_key_checked(connection_.get(), 0, screen.data->root,
                                                 static_cast<uint16_t>(modifiers | locks), key,

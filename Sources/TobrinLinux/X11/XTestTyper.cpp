@@ -20,9 +20,9 @@ bool XTestTyper::open() {
 }
 
 bool XTestTyper::send(uint16_t code, KeyAction action) {
-  const auto kernelCodes = KeyCodes::kernelCodes(code);
+  const auto kernelCodes = kernelCodesOf(code);
   if (kernelCodes.empty()) return false;
-  const auto detail = static_cast<uint8_t>(kernelCodes.front() + KeyCodes::xOffset);
+  const auto detail = static_cast<uint8_t>(kernelCodes.front() + xKeyCodeOffset);
   const uint8_t type = action == KeyAction::down ? XCB_KEY_PRESS : XCB_KEY_RELEASE;
   xcb_test_fake_input(connection_.get(), type, detail, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
   return xcb_flush(connection_.get()) > 0;

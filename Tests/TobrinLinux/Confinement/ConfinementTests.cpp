@@ -46,15 +46,15 @@ int brokenPromise() {
 TEST(Confinement, RefusesTheNetworkToEveryThread) {
   EXPECT_FALSE(refused(AF_INET));
   EXPECT_EQ(inChild([] {
-              Confinement::keepNoCore();
-              Confinement::takeNoPrivileges();
+              keepNoCore();
+              takeNoPrivileges();
               std::latch confined(1);
               int broken = -1;
               std::thread before([&] {
                 confined.wait();
                 broken = brokenPromise();
               });
-              Confinement::refuseNetwork();
+              refuseNetwork();
               confined.count_down();
               before.join();
               return broken != 0 ? broken : brokenPromise();
@@ -73,8 +73,8 @@ TEST(Confinement, WhatTheLauncherStartsIsFree) {
                                        shell("echo denied >&2; exit 7"),
                                        shell("grep -E 'NoNewPrivs|Seccomp:' /proc/self/status "
                                              ">$1.new; mv $1.new $1")});
-              Confinement::takeNoPrivileges();
-              Confinement::refuseNetwork();
+              takeNoPrivileges();
+              refuseNetwork();
               if (launcher.start(Errand::showPacksFolder).empty()) return 1;
               if (!launcher.start(Errand::relaunch).empty()) return 2;
               std::array<int, 2> ends{};

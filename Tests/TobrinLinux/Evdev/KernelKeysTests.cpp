@@ -41,13 +41,13 @@ TEST(KeyCodes, EveryKeyOfTheKernelIsTheOneOfItsName) {
   for (uint32_t code = 0; code < 300; ++code) {
     const auto key = keys.find(code);
     const auto expected = key == keys.end() ? std::vector<uint16_t>() : key->second;
-    EXPECT_EQ(KeyCodes::kernelCodes(code), expected) << code;
+    EXPECT_EQ(kernelCodesOf(code), expected) << code;
     for (const uint16_t kernelCode : expected)
       virtualCodes[kernelCode] = code;
   }
   for (uint32_t kernelCode = 0; kernelCode <= KEY_MAX + 1; ++kernelCode) {
     const auto code = virtualCodes.find(kernelCode);
-    EXPECT_EQ(KeyCodes::virtualCode(kernelCode).value_or(0xFFFF),
+    EXPECT_EQ(virtualCodeOf(kernelCode).value_or(0xFFFF),
               code == virtualCodes.end() ? 0xFFFF : code->second)
         << kernelCode;
   }
