@@ -1,5 +1,5 @@
-# Tests that need an X server, a message bus or a sound server: each runs in a private desktop session of
-# its own (Tools/Desktop), so that they neither touch the machine's nor each other.
+# Tests that need an X server, a message bus or a sound server: each runs in its own private
+# desktop session (Tools/Desktop), so that it touches neither the machine's desktop nor another test.
 
 set(TOBRIN_DESKTOP_SESSION ${PROJECT_SOURCE_DIR}/Tools/Desktop/desktop-session)
 # A toolkit that loses its display ends the process, threads and all.
@@ -11,7 +11,8 @@ set(TOBRIN_DESKTOP_ENVIRONMENT
 
 # tobrin_add_desktop_test(NAME name COMMAND program|target [argument...]
 #                         [SESSION option...] [TIMEOUT seconds] [LABELS label...] [SERIAL])
-# TOBRIN_DESKTOP_TOOLS is in its environment. SESSION passes options to desktop-session. SERIAL, for tests that measure time: no other test beside it.
+# TOBRIN_DESKTOP_TOOLS is in its environment. SESSION passes options to desktop-session. SERIAL, for tests that measure
+# time: no other test runs at the same time.
 function(tobrin_add_desktop_test)
   cmake_parse_arguments(PARSE_ARGV 0 arg "SERIAL" "NAME;TIMEOUT" "COMMAND;SESSION;LABELS")
   list(POP_FRONT arg_COMMAND program)

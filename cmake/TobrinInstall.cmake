@@ -1,4 +1,4 @@
-# What is installed, and where; the starter packs stand in Resources/CMakeLists.txt.
+# What is installed, and where; the starter packs are in Resources/CMakeLists.txt.
 
 set(resources ${PROJECT_SOURCE_DIR}/Resources)
 set(made ${PROJECT_BINARY_DIR}/Resources)

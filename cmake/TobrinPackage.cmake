@@ -30,7 +30,7 @@ list(TRANSFORM modules PREPEND qml6-module-)
 list(JOIN modules ", " CPACK_DEBIAN_PACKAGE_DEPENDS)
 # ffmpeg opens recordings for the workshop; pkexec asks for the access to keyboards.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "ffmpeg, pkexec, qt6-wayland")
-# Which sound server there is, is the user's choice: a second one beside it takes the card from it.
+# Which sound server there is, is the user's choice: a second one takes the card from the first.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "pipewire, pulseaudio")
 
 set(made ${PROJECT_BINARY_DIR}/Resources/package)

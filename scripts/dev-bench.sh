@@ -1,4 +1,4 @@
-# bench [NAME] [--json]: every figure beside its goal, or those of the programs whose names hold NAME.
+# bench [NAME] [--json]: every figure next to its goal, or those of the programs whose names hold NAME.
 main() {
   local options=() filter='' program
   while [ $# -gt 0 ]; do

@@ -1,6 +1,6 @@
 # lint: format and static analysis of all C++ and C (of the tests by cppcheck alone), of panel and scripts; goes on
 # past findings and fails in the end. lint FILTER: clang-tidy alone, on the files whose paths hold FILTER. A second
-# run takes up what is left. lint --changed [BASE]: clang-tidy on the sources that differ from BASE (main's last commit
+# run goes on where the first stopped. lint --changed [BASE]: clang-tidy on the sources that differ from BASE (main's last commit
 # before yours: origin/main), as a change must pass it.
 main() {
   local filter=${1:-} failed=()
@@ -34,7 +34,7 @@ check_sources() {
   } | sha1sum)
   cmake --preset lint -DCMAKE_{C,CXX}_CLANG_TIDY="$PWD/scripts/tidy;${version:0:12}" >/dev/null || return
   # The project's own files, not what is generated from them; nor tests, whose library's macros take the time. An
-  # object lies in its target's folder beside what would be its source.
+  # object is in its target's folder, under its source's name.
   mapfile -t objects < <(ninja -C build/lint -t targets all |
     sed -n 's/: C\(XX\)\?_COMPILER__.*//p' | grep '\.c\(pp\)\?\.o$' | grep -Ev '^Tests/|_autogen/|_qmltyper|/\.rcc/' |
     FILTER=$filter awk '{ path = $0; sub(/CMakeFiles\/[^\/]*\.dir\//, "", path) } index(path, ENVIRON["FILTER"])')

@@ -7,7 +7,7 @@ main() {
   local runtime status=0
   runtime=$(mktemp -d)
   export QT_SCALE_FACTOR=2 FONTCONFIG_FILE=$PWD/scripts/pictures-fonts.conf XDG_RUNTIME_DIR=$runtime
-  # The packs that come with it, not those of whoever runs this.
+  # The packs that come with it, not those of the user who runs this.
   export XDG_DATA_HOME=$runtime
   build/release/tobrin --snapshot Docs/Pictures/panel-light.png pack=cream &&
     build/release/tobrin --snapshot Docs/Pictures/panel-dark.png dark pack=cream || status=$?

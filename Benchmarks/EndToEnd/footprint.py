@@ -1,4 +1,4 @@
-"""What the program costs while nobody types: memory, wake-ups, and the time it takes to be there."""
+"""What the program costs while no key is pressed: memory, wake-ups, and the time it takes to be there."""
 
 import contextlib
 import os
@@ -65,7 +65,7 @@ def report_wakeups(report, program, packs):
 
 
 def start_to_sound_ms(program, packs, folder):
-    """From the start of the process to the first sound, with keys pressed every few milliseconds meanwhile."""
+    """From the start of the process to the first sound, with keys pressed every few milliseconds."""
     wav = pathlib.Path(folder) / "start.wav"
     with record(wav) as recorder:
         began = time.monotonic_ns()

@@ -1,4 +1,4 @@
-"""Press to sound beside the least an instrument can do, in turn, on an idle and on a busy machine.
+"""Press to sound, in turn with the least that an instrument can do, on an idle and on a busy machine.
 
 Both answer the same kind of typing: 1,000 presses at random moments, 45 to 65 ms apart, in blocks that alternate
 between the two, each block with a new process. The program plays a pack of one click that is loud from its first

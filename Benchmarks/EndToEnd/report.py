@@ -1,4 +1,4 @@
-"""One measured figure a line beside its goal: the table, or the JSON lines, of the other benchmark programs."""
+"""One measured figure a line next to its goal: the table, or the JSON lines, of the other benchmark programs."""
 
 import json
 

@@ -10,7 +10,7 @@ class App;
 
 namespace tobrin {
 
-/// Where a command prints its result and what it says meanwhile.
+/// Where a command prints its result and what it says while it runs.
 struct ForceStreams {
   std::ostream& out;
   std::ostream& err;

@@ -1,4 +1,4 @@
-/// The keyboards that are plugged in, and who may open them.
+/// The keyboards that are plugged in, and which users may open them. Thread: main.
 #pragma once
 
 namespace tobrin::keyboards {

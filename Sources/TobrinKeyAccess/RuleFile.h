@@ -1,4 +1,4 @@
-/// One file in the device manager's rules folder: there whole, or not at all.
+/// One file in the device manager's rules folder: there whole, or not at all. Thread: main.
 #pragma once
 
 #include <string>
@@ -13,7 +13,7 @@ class RuleFile final {
 
   [[nodiscard]] const std::string& path() const { return path_; }
 
-  /// Writes the rule beside its place and renames it there; makes the folder if it is missing.
+  /// Writes the rule to a file next to its place and renames it; makes the folder if it is missing.
   /// Throws std::system_error, and then leaves what was there.
   void install(std::string_view rule) const;
 

@@ -19,7 +19,7 @@ namespace {
 constexpr int done = 0, failed = 1, wrongUsage = 2;
 
 int complain(const char* words, int status) {
-  static_cast<void>(std::fputs(words, stderr));  // nobody is left to be told of a failure
+  static_cast<void>(std::fputs(words, stderr));  // there is no place left to report a failure
   return status;
 }
 
@@ -68,8 +68,8 @@ int remove(const RuleFile& file, bool isReal) {
   return done;
 }
 
-/// Another root is for looking at what would be written; whoever may write everywhere is not let
-/// loose on a path of somebody's choice.
+/// Another root is for looking at what would be written. A process that may write everywhere takes
+/// no path that a user chose.
 bool mayChooseRoot() {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
   const bool isForSomebodyElse = std::getenv("PKEXEC_UID") != nullptr;

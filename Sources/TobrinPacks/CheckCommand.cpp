@@ -22,7 +22,7 @@ struct Options {
 constexpr double engineRate = 48000;
 constexpr const char* release = "up";
 
-/// Which takes of a group are the pack's own; all others stand in for what it leaves out.
+/// Which takes of a group are the pack's own; all others replace what it leaves out.
 class OwnTakes {
  public:
   explicit OwnTakes(const PackManifest& manifest) : groups_(manifest.groups) {}

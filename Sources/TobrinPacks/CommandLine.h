@@ -1,4 +1,4 @@
-/// The command line of the pack workshop, apart from the process it runs in.
+/// The command line of the pack workshop, apart from the process it runs in. Thread: main.
 #pragma once
 
 #include <string>

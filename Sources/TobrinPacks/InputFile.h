@@ -1,4 +1,4 @@
-/// Text files that a command reads.
+/// Text files that a command reads. Thread: any.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-/// JSON documents on standard output.
+/// JSON documents on standard output. Thread: main.
 #pragma once
 
 #include <nlohmann/json.hpp>

@@ -1,4 +1,4 @@
-/// Validators of numbers on the command line.
+/// Validators of numbers on the command line. Thread: any.
 #pragma once
 
 #include <CLI/CLI.hpp>

@@ -1,4 +1,4 @@
-/// Text from files on its way to a terminal.
+/// Text from files on its way to a terminal. Thread: any.
 #pragma once
 
 #include <algorithm>

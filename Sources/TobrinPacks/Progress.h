@@ -1,5 +1,5 @@
-/// Tells a person at a terminal how far a long operation has come; silent for the first second and
-/// wherever standard error is no terminal.
+/// Shows a person at a terminal how far a long operation has come. Shows nothing in the first
+/// second, or where standard error is no terminal. Thread: main.
 #pragma once
 
 #include <chrono>
@@ -17,7 +17,7 @@ class Progress final {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  /// Thread: the one that made it. `fraction` from 0 to 1.
+  /// `fraction` from 0 to 1.
   void show(double fraction);
 
  private:

@@ -1,4 +1,4 @@
-/// Scripts of key presses as JSON: a list of {"time", "code", "action", "position"}.
+/// Scripts of key presses as JSON: a list of {"time", "code", "action", "position"}. Thread: any.
 #pragma once
 
 #include <string_view>

@@ -1,4 +1,4 @@
-/// A picture of what the slicer made of a recording.
+/// A picture of what the slicer made of a recording. Thread: any.
 #pragma once
 
 #include <span>

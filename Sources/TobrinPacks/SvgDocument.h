@@ -1,4 +1,4 @@
-/// Writes the few shapes of a drawing as SVG text. Positions and sizes in pixels.
+/// Writes the few shapes of a drawing as SVG text. Positions and sizes in pixels. Thread: any.
 #pragma once
 
 #include <cstdio>
@@ -20,7 +20,7 @@ class SvgDocument {
   };
 
   SvgDocument(double width, double height) {
-    // Some programs outline every shape unless they are told not to.
+    // Some programs outline every shape unless the file says otherwise.
     add("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 %.0f %.0f\" width=\"%.0f\" "
         "height=\"%.0f\" font-family=\"sans-serif\" font-size=\"13\" stroke=\"none\">\n",
         width, height, width, height);

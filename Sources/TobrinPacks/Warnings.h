@@ -1,4 +1,5 @@
-/// What is odd about the files a command was given, on standard error: it goes on all the same.
+/// What is odd about the files a command was given, on standard error; the command goes on.
+/// Thread: main.
 #pragma once
 
 #include <ostream>
@@ -14,8 +15,8 @@ inline void warn(std::ostream& err, const std::string& text) {
   err << "tobrin-packs: warning: " << printable(text) << std::endl;
 }
 
-/// Names in a JSON file that nobody reads; `example` as for `unknownNames`. The file's content has
-/// been read without a fault.
+/// Names in a JSON file that the program does not know; `example` as for `unknownNames`. The file's
+/// content has been read without a fault.
 inline void warnOfUnknownNames(const std::string& file, std::string_view content,
                                std::string_view example, std::ostream& err) {
   for (const std::string& line : unknownNames(content, example))

@@ -1,4 +1,4 @@
-// Against the kernel's loopback card, whose other end hears what is played: run these as root in a
+// Against the kernel's loopback card, which records what is played: run these as root in a
 // virtual machine.
 #include "Alsa/AlsaOutput.h"
 

@@ -35,7 +35,7 @@ class EvdevKeySourceTest : public ::testing::Test {
     if (!VirtualKeyboard::isPossible()) GTEST_SKIP() << "no /dev/uinput";
   }
 
-  /// Types on a keyboard just plugged in until it is heard, which takes the time of a hotplug.
+  /// Types on a keyboard just plugged in until keys arrive, which takes the time of a hotplug.
   bool becomesHeard(VirtualKeyboard& keyboard) {
     for (int attempt = 0; attempt < 100; ++attempt) {
       keyboard.press({KEY_F12});
@@ -82,7 +82,7 @@ TEST_F(EvdevKeySourceTest, AHundredPlugsAndPullsReleaseWhatWasHeldAndLoseNoKeyOf
   EXPECT_TRUE(testing::eventually([&] { return descriptors() == before; })) << descriptors();
 }
 
-TEST_F(EvdevKeySourceTest, AGrabbedKeyboardIsHeardThroughItsTwinAlone) {
+TEST_F(EvdevKeySourceTest, AGrabbedKeyboardCountsThroughItsTwinOnly) {
   VirtualKeyboard real("Real");
   ASSERT_TRUE(monitor.start());
   ASSERT_TRUE(becomesHeard(real));
@@ -145,7 +145,7 @@ TEST_F(EvdevKeySourceTest, OnlyKeyboardsAreOpened) {
   EXPECT_TRUE(KeyboardList().nodes("seat7").empty());
 }
 
-TEST_F(EvdevKeySourceTest, KeysOfAnotherUsersSessionAreNotHeard) {
+TEST_F(EvdevKeySourceTest, KeysOfAnotherUsersSessionAreNotRead) {
   if (access("/run/systemd/seats/seat0", F_OK) == 0) GTEST_SKIP() << "a login manager runs";
   testing::bringToFront(getuid());
   VirtualKeyboard keyboard("Shared");
@@ -173,12 +173,12 @@ TEST_F(EvdevKeySourceTest, KeysOfAnotherUsersSessionAreNotHeard) {
   testing::removeLoginManager();
 }
 
-TEST_F(EvdevKeySourceTest, AKeyboardThatMayBeReadLaterIsTakenUpThen) {
+TEST_F(EvdevKeySourceTest, AKeyboardThatMayBeReadLaterIsOpenedThen) {
   const VirtualKeyboard readable("Readable");
   std::this_thread::sleep_for(milliseconds(500));
   chmod(readable.node().c_str(), 0644);
   const pid_t listener = startAsNobody([] {
-    alarm(20);  // ends a listener that never hears anything
+    alarm(20);  // ends a listener that never gets a key
     EvdevKeySource source;
     if (!source.open()) return 2;
     int result = 3;

@@ -111,7 +111,7 @@ TEST_F(MotionSourceTest, AnIioSensorMayGoAndComeBack) {
   sensor->stop();  // while there is no device
 }
 
-TEST_F(MotionSourceTest, ASensorThatMayNotBeReadIsToldInWords) {
+TEST_F(MotionSourceTest, ASensorThatMayNotBeReadIsReportedInWords) {
   const VirtualAccelerometer device(VirtualAccelerometer::Sensor{});
   ASSERT_TRUE(start());
   sensor.reset();

@@ -59,7 +59,7 @@ void strike(VirtualKeyboard& keyboard, std::initializer_list<unsigned> keys) {
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
 }
 
-TEST(WaylandSession, AUserAsksForAccessAndIsHeardWithoutStartingAgain) {
+TEST(WaylandSession, AUserAsksForAccessAndPlaysWithoutStartingAgain) {
   if (!VirtualKeyboard::isPossible()) GTEST_SKIP() << "no /dev/uinput";
   VirtualKeyboard keyboard("Keyboard");
   User user;

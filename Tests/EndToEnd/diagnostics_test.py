@@ -24,7 +24,7 @@ class MicTest(DesktopTest):
     def changes(self, watch):
         return [line.split("  ", 1)[1] for line in watch.lines if line.endswith((IN_USE, FREE))]
 
-    def test_the_watch_tells_calls_from_everything_else(self):
+    def test_the_watch_counts_calls_and_nothing_else(self):
         with Background([PROGRAM, "--micwatch", "60"]) as watch:
             watch.wait_for("mic in use: no")
             native_client = ("pw-record", "--target", "test_mic", str(self.folder / "call.wav"))

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Everything around the program breaks while somebody types: faults_test.py PROGRAM, in a desktop session.
+"""Everything around the program breaks while keys are pressed: faults_test.py PROGRAM, in a desktop session.
 
 Each fault is caused and mended TOBRIN_FAULT_ROUNDS times (2). After each the program still runs, is heard within a
 second, falls silent when the typing ends, and its settings are whole. Prints a line a fault.
@@ -35,7 +35,7 @@ class FaultsTest(DesktopTest):
         self.packs = write_click_pack(self.folder / "packs")
 
     def while_typing(self, cause, mend=lambda: None, rounds=ROUNDS):
-        """Causes and mends while keys are pressed; how long it took after each mend to be heard, in seconds."""
+        """Breaks and repairs while keys are pressed; the seconds from each repair to the next sound."""
         took = []
         with record(self.folder / "heard.wav") as recorder, self.started(recorder) as program:
             saved = json.loads(program.settings_file.read_text(encoding="utf-8"))

@@ -34,7 +34,7 @@ def expected_db(relative, position):
 class ForceTest(DesktopTest):
     def setUp(self):
         super().setUp()
-        # A tone of its own level a tier; all in phase, so that blended tiers add up.
+        # A tone with another level for each tier; all in phase, so that blended tiers add up.
         tones = {tier: [level * math.sin(math.tau * i * 500 / 48000) for i in range(9600)] for tier, level in TIERS.items()}
         write_pack(self.folder / "packs", "tones", tones)
 

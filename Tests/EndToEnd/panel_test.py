@@ -236,7 +236,7 @@ class PanelTest(PanelDriver):
 
         tray.click()
         self.assertTrue(eventually(panels))
-        # A key that somebody grabs takes the focus only for a while.
+        # A key that is grabbed takes the focus only for a while.
         eventually(lambda: xdotool("getwindowfocus").split() == panels())
         chord = [word for key in ("ctrl", "alt", "super", "k") for word in ("keydown", key)]
         xdotool(*chord, "sleep", 1, *[word.replace("down", "up") for word in chord], "sleep", 0.5)

@@ -19,7 +19,7 @@ from listening.panel import PATIENCE, PanelDriver, eventually, focused, named  #
 PACKS, PROGRAM = pathlib.Path(sys.argv.pop()), pathlib.Path(sys.argv.pop())
 LOCKED, SKIPPED = TOOLS / "with-locked-keyboard", 77
 TITLE = "Tobrin needs access to the keyboard"
-# Notes what it was asked for and does what is written beside it.
+# Notes what it was asked for and does what is written next to that.
 PKEXEC = '#!/bin/sh\nprintf "%s\\n" "$@" >"${0%/*}/asked"\n. "${0%/*}/answer"\n'
 
 
@@ -45,7 +45,7 @@ class WaylandTest(PanelDriver):
         return 0 <= top + height - named("Quit").at()[1] < 40
 
     def place(self):
-        """The panel's left and upper edge on the screen; only a picture of that tells."""
+        """The panel's left and upper edge on the screen; only a picture of it shows that."""
         width, height = map(int, xdotool("getdisplaygeometry").split())
         picture = subprocess.run(["ffmpeg", "-loglevel", "error", "-f", "x11grab", "-draw_mouse", "0", "-i",
                                   os.environ["DISPLAY"], "-frames:v", "1", "-f", "rawvideo", "-pix_fmt", "rgb24", "-"],

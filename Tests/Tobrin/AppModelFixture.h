@@ -1,5 +1,6 @@
 /// The application's model with everything around it under a test's control: queues on virtual
-/// time, settings in memory, and a desktop, keyboard, microphone and sound device that do as told.
+/// time, settings in memory, and a desktop, keyboard, microphone and sound device that do what a
+/// test says.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -141,7 +142,7 @@ class AppModelTest : public ::testing::Test {
     return *model_;
   }
 
-  /// Lets time pass for all queues alike.
+  /// Lets the same time pass for all queues.
   void advance(double milliseconds) {
     constexpr double step = 50;
     for (double passed = 0; passed < milliseconds; passed += step)

@@ -104,7 +104,7 @@ TEST_F(AppModelTest, BrokenSettingsAreKeptAsideAndUnchangedOnesNotWritten) {
   EXPECT_EQ(settings_.writes, 0) << "nothing changed";
 }
 
-TEST_F(AppModelTest, SavesOnceTheHandRestsAndAtTheEnd) {
+TEST_F(AppModelTest, SavesOnceChangesEndAndAtTheEnd) {
   start();
   const auto drag = [this](float from) {
     for (int i = 1; i <= 20; ++i) {
@@ -269,9 +269,9 @@ TEST_F(AppModelTest, PausesDuringCalls) {
   AppModel& model = start();
   advance(0);
   const int starts = device_->starts;
-  microphone_->activity.inputRunningSomewhere = true;  // nobody said so while the machine slept
+  microphone_->activity.inputRunningSomewhere = true;  // no notice came while the machine slept
   desktop_.onWake();
-  advance(500);  // a device that nobody drives is not waited for longer
+  advance(500);  // a device that takes nothing is not waited for longer
   EXPECT_GT(device_->starts, starts);
   EXPECT_EQ(model.statusLine(), "Paused while the mic is in use");
   EXPECT_FALSE(model.effectiveSettings().enabled);

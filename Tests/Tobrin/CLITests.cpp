@@ -16,7 +16,7 @@ TEST(CLI, ReadsSeconds) {
   EXPECT_EQ(parseSeconds("-3", 20), 0);
 }
 
-TEST(CLI, TakesOnlyItsOwnWords) {
+TEST(CLI, TakesOnlyTheWordsItKnows) {
   for (const char* word : {"--bogus", "--Help", "help", "", "-hh"})
     EXPECT_EQ(runDiagnostic({word}), std::nullopt) << word;
   EXPECT_EQ(runDiagnostic({}), std::nullopt);

@@ -33,7 +33,7 @@ TEST_F(ForceToolsTest, ReplayPrintsALineAStage) {
   EXPECT_NE(out.str().find("\"stage\": \"provisional\""), std::string::npos);
 }
 
-TEST_F(ForceToolsTest, FailuresAreOneLineAndTheirStatusTellsWhoseTheyAre) {
+TEST_F(ForceToolsTest, FailuresAreOneLineAndTheirStatusShowsTheirKind) {
   const std::string bad = folder.write("bad.csv", "time_ns,x,y,z\n1,2,3\n");
   struct {
     std::vector<std::string> arguments;

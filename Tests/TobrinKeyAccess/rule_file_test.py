@@ -18,7 +18,7 @@ class RuleFileTest(unittest.TestCase):
         self.root = pathlib.Path(tempfile.mkdtemp())
         self.addCleanup(shutil.rmtree, self.root)
         self.root.chmod(0o777)
-        # Where nobody can start it, whatever the folder it was built in.
+        # Where the user nobody can start it, in whatever folder it was built.
         self.program = shutil.copy(PROGRAM, self.root)
         self.file = self.root / "etc/udev/rules.d/70-tobrin-keys.rules"
 
@@ -48,7 +48,7 @@ class RuleFileTest(unittest.TestCase):
         self.assertIn("Permission denied", failed.stderr)
         self.assertEqual(self.file.read_text(encoding="utf-8"), "older")
 
-    def test_nobody_leads_root_to_a_folder_of_their_choice(self):
+    def test_no_user_leads_root_to_a_folder_they_chose(self):
         callers = [self.run_as_user("grant", PKEXEC_UID="1000")]
         if NOBODY:
             callers.append(self.run_as_user("grant", user=None))

@@ -41,7 +41,7 @@ class PackWorkshop : public ::testing::Test {
   testing::Outcome last_;
 };
 
-TEST_F(PackWorkshop, TellsWrongUsageFromFailure) {
+TEST_F(PackWorkshop, WrongUsageAndFailureHaveDifferentStatus) {
   const std::vector<std::vector<std::string>> wrong = {
       {}, {"nonsense"}, {"--nonsense"}, {"check"}, {"check", "a", "b"}, {"list", "--bogus"}};
   for (const auto& arguments : wrong) {
@@ -86,7 +86,7 @@ TEST_F(PackWorkshop, ChecksWhatAPackHolds) {
       << last_.out;
 }
 
-TEST_F(PackWorkshop, WarnsOfNamesThatNobodyReads) {
+TEST_F(PackWorkshop, WarnsOfUnknownNames) {
   const auto warnsOf = [&](const char* name, const std::vector<std::string>& arguments) {
     run(arguments);
     EXPECT_NE(last_.err.find("tobrin-packs: warning: " + path("")), std::string::npos) << last_.err;

@@ -58,7 +58,7 @@ TEST(LoudnessCommand, MeasuresFilesAtAnyRateAndPacksInUse) {
 using Json = nlohmann::json;
 using testing::WavHeader;
 
-/// Ten decaying clicks, half a second apart from 0.25 s on, alike in all channels.
+/// Ten decaying clicks, half a second apart from 0.25 s on, the same in all channels.
 std::string clicks(const WavHeader& header, double amplitude) {
   constexpr double seconds = 5.25;
   const auto frames = static_cast<std::size_t>(seconds * header.rate);
@@ -74,7 +74,7 @@ std::string clicks(const WavHeader& header, double amplitude) {
   return testing::wav16(header, samples);
 }
 
-TEST(SliceCommand, FindsTheSameHitsInEveryLayoutAndRateAndAnswersWhateverItIsGiven) {
+TEST(SliceCommand, FindsTheSameHitsInEveryLayoutAndRateAndAnswersAnyInput) {
   const testing::TempFolder folder;
   const std::string whole = clicks({}, 0.5);
   const std::tuple<const char*, std::string, std::size_t> cases[] = {

@@ -167,7 +167,7 @@ std::size_t pressFrames(const fs::path& pack) {
   return loaded(pack)->layers(KeyGroup::alpha, 0).samples[1].frames;
 }
 
-TEST(ImportCommand, TellsReleasesFromSecondHalvesOfAPress) {
+TEST(ImportCommand, SeparatesReleasesFromSecondHalvesOfAPress) {
   const auto files = [](const char* timing) {
     const std::string config = R"({"definitions": {"KeyA": {"timing": )" + std::string(timing) +
                                R"(}}, "name": "Halves", "audio_file": "s.wav"})";

@@ -1,4 +1,5 @@
 /// Carries recorded audio from the sound server's real-time thread to the thread that writes files.
+/// One thread pushes, one takes. Thread: any.
 #pragma once
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-/// A program that runs beside this one, ended with the object.
+/// A program that runs next to this one and ends with the object. Thread: any.
 #pragma once
 
 #include <fcntl.h>
@@ -17,7 +17,7 @@ class ChildProcess final {
  public:
   enum class Output { none, announced };
 
-  /// Looks the program up as a shell does. Where its output is `announced`, `firstLine` tells its
+  /// Looks the program up as a shell does. Where its output is `announced`, `firstLine` gives its
   /// beginning; otherwise it goes nowhere, as its errors always do.
   explicit ChildProcess(const std::vector<std::string>& command, Output output = Output::none) {
     std::vector<char*> arguments;

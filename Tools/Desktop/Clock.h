@@ -1,4 +1,4 @@
-/// The clock that all times of the desktop tools are read from.
+/// The clock of all times in the desktop tools. Thread: any.
 #pragma once
 
 #include <cerrno>

@@ -1,4 +1,4 @@
-/// A desktop portal that offers global shortcuts, on the session bus of this process.
+/// A desktop portal that offers global shortcuts, on the session bus of this process. Thread: main.
 #pragma once
 
 #include <atomic>

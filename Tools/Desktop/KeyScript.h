@@ -1,4 +1,5 @@
 /// What a typist does: key actions with their times, made from a text, a random draw or a script.
+/// Thread: any.
 #pragma once
 
 #include <cstdint>

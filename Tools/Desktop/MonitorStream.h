@@ -1,5 +1,5 @@
-/// Captures what a sink plays, with the time of every frame. Thread: the loop's; process() alone
-/// runs on the sound server's real-time thread.
+/// Captures what a sink plays, with the time of every frame. `process` runs on the sound server's
+/// real-time thread, all else on the loop's.
 ///
 /// What time a frame has: the graph works in cycles; a cycle starts when its driver (here the null
 /// sink's timer) wakes, at `clock.nsec`, and moves `clock.duration` frames. A player's buffer
@@ -10,8 +10,8 @@
 /// The sink's monitor gives out the buffer that the sink took in the cycle before, because the
 /// driver's outputs are read before its inputs are written. A capture stream therefore sees, in a
 /// cycle, exactly the previous cycle's frames, and takes their times from the previous cycle's
-/// clock. Where the clock jumped between the two cycles the previous start is reckoned back from
-/// the present one.
+/// clock. Where the clock jumped between the two cycles the previous start is computed back from
+/// the present one. Thread: any.
 #pragma once
 
 #include <pipewire/pipewire.h>

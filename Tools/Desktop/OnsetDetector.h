@@ -1,4 +1,4 @@
-/// Finds where sounds begin in a recording.
+/// Finds where sounds begin in a recording. Thread: any.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +14,7 @@ struct Onset {
 };
 
 /// A sound begins at the first sample that is above the floor and at least twice the loudest of the
-/// 5 ms before it (6 dB over whatever still rings), 15 ms or more after the last beginning. A sound
+/// 5 ms before it (6 dB over what still rings), 15 ms or more after the last beginning. A sound
 /// out of silence is therefore found at its first sample above the floor, to the sample; one that
 /// starts while another rings loudly is found where it stands out.
 class OnsetDetector final {

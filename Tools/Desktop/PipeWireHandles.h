@@ -1,5 +1,5 @@
 /// What the sound server's clients share: owners of its objects, so that errors and reconnecting
-/// leave nothing behind, and the format of their streams.
+/// leave nothing open, and the format of their streams. Thread: any.
 #pragma once
 
 #include <pipewire/pipewire.h>

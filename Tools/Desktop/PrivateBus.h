@@ -1,4 +1,4 @@
-/// A message bus of one's own, and services on it that stand in for the real ones.
+/// A private message bus, and services on it that replace the real ones. Thread: main.
 #pragma once
 
 #include <poll.h>
@@ -15,7 +15,7 @@
 
 namespace tobrin::testing {
 
-/// While it lives, its address stands in an environment variable of this process.
+/// While it lives, its address is in an environment variable of this process.
 class PrivateBus final {
  public:
   explicit PrivateBus(const char* variable) : variable_(variable) {
@@ -30,7 +30,7 @@ class PrivateBus final {
       ChildProcess::Output::announced};
 };
 
-/// One object on a bus, served on a thread of its own.
+/// One object on a bus, served by its own thread.
 class BusService final {
  public:
   /// `open` connects to the bus, `self` is handed to the methods of `table`; `turn` runs on the

@@ -1,4 +1,5 @@
-/// An X server of the test's own, without a screen anyone sees, and a typist at its keyboard.
+/// A private X server for one test, with a screen that is not shown, and a typist at its keyboard.
+/// Thread: main.
 #pragma once
 
 #include <linux/input-event-codes.h>

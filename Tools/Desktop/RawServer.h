@@ -1,4 +1,4 @@
-/// A web server on this machine that gives every request the same answer.
+/// A web server on this machine that gives every request the same answer. Thread: main.
 #pragma once
 
 #include <arpa/inet.h>

@@ -1,4 +1,4 @@
-/// The ears of a program in a private desktop session.
+/// Records what a private desktop session plays, and finds the sounds in it. Thread: main.
 #pragma once
 
 #include <algorithm>

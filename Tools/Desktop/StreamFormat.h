@@ -1,4 +1,4 @@
-/// What the tools' streams carry: interleaved stereo floats.
+/// What the tools' streams carry: interleaved stereo floats. Thread: any.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,5 @@
-/// A recording on disk: the sound as a WAV file of floats, and beside it the times of its frames.
+/// A recording on disk: the sound as a WAV file of floats, and next to it the times of its frames.
+/// Thread: main.
 #pragma once
 
 #include <sndfile.h>

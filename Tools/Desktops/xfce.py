@@ -68,7 +68,7 @@ class Xfce:
         table.row(f"{what} has its own size", 0 < width < 500, f"{width}x{height}")
 
     def point_at_panel(self, _place):
-        pass  # whatever has the focus keeps it
+        pass  # the focus stays where it is
 
     def switch_window(self):
         other = OtherWindow()

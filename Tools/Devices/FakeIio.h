@@ -1,4 +1,4 @@
-/// IIO devices that are files only.
+/// IIO devices that are files only. Thread: any.
 #pragma once
 
 #include <filesystem>

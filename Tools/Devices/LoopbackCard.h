@@ -1,4 +1,5 @@
-/// The kernel's loopback card: what is played at one end is heard at the other.
+/// The kernel's loopback card: what is played at one end can be recorded at the other.
+/// Thread: main.
 #pragma once
 
 #include <alsa/asoundlib.h>

@@ -1,4 +1,4 @@
-/// Who sits in front of the machine.
+/// Which user is in front of the machine. Thread: main.
 #pragma once
 
 #include <sys/types.h>

@@ -1,5 +1,5 @@
-/// A HID device that exists only in the kernel's eyes, made through /dev/uhid. Its reports come
-/// from the test; requests of the drivers are answered on a thread of its own. Needs root.
+/// A HID device that exists only for the kernel, made through /dev/uhid. Its reports come from the
+/// test; a thread of the object answers the drivers' requests. Needs root. Thread: any.
 #pragma once
 
 #include <fcntl.h>

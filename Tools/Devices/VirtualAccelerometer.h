@@ -1,5 +1,6 @@
 /// Accelerometers for tests against the kernel: one that its HID sensor driver turns into an IIO
 /// device, and one that sends 22-byte vendor reports. At rest, 1 g down z, until it is struck.
+/// Thread: any.
 #pragma once
 
 #include <atomic>
@@ -18,7 +19,7 @@ class VirtualAccelerometer final {
     double hz = 0;        ///< 0: as the driver asks
     unsigned bits = 32;   ///< of an axis, 16 or 32
     int exponent = -6;    ///< one count is ten to this power, in g
-    bool stamps = false;  ///< a counter of its own in microseconds, from an origin of its own
+    bool stamps = false;  ///< a private counter in microseconds, with a private origin
   };
   struct Raw {
     uint8_t reportId = 0;

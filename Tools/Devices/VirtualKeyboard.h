@@ -1,5 +1,5 @@
-/// A keyboard of the kernel's own kind, made through uinput: plugged in when constructed, pulled
-/// out when destroyed. Needs root and /dev/uinput.
+/// A keyboard that the kernel treats like a real one, made through uinput: plugged in when
+/// constructed, pulled out when destroyed. Needs root and /dev/uinput. Thread: any.
 #pragma once
 
 #include <libevdev/libevdev-uinput.h>

@@ -1,4 +1,4 @@
-"""The small faults that somebody could make in one line of C++."""
+"""The small faults that a developer could make in one line of C++."""
 import re
 from dataclasses import dataclass
 

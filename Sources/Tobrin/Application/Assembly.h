@@ -17,7 +17,7 @@ namespace tobrin {
 
 class Assembly final {
  public:
-  /// With `preview`, the model is one, and whatever it holds stays unused. `launcher` must outlive
+  /// With `preview`, the model is one, and all it holds stays unused. `launcher` must outlive
   /// this.
   explicit Assembly(const Launcher& launcher,
                     std::optional<AppModel::Preview> preview = std::nullopt);

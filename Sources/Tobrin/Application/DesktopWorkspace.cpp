@@ -29,7 +29,7 @@ fs::path packsFolder() {
   }
 }
 
-/// A program that runs where it was built has its helper beside it.
+/// A program that runs where it was built has its helper next to it.
 std::string keyAccessHelper(const fs::path& program) {
   const fs::path built = program.parent_path() / "tobrin-key-access";
   std::error_code error;

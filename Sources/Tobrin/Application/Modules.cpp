@@ -23,7 +23,7 @@ const Module* load(const std::string& name) {
   QPluginLoader loader(QString::fromStdString(fileOf(name).string()));
   // Everything is resolved now: a missing function fails here, in words, and not later.
   loader.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
-  const auto* module = qobject_cast<const Module*>(loader.instance());
+  const auto* module = qobject_cast<Module*>(loader.instance());
   if (module == nullptr)
     Log::line("can't load the " + name + ": " + loader.errorString().toStdString());
   return module;

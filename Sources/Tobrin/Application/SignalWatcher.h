@@ -1,4 +1,4 @@
-/// Turns the signals that ask a program to end into a call on the main thread.
+/// Turns the signals that ask a program to end into a call from the event loop. Thread: main.
 #pragma once
 
 #include <QSocketNotifier>
@@ -11,7 +11,7 @@ namespace tobrin {
 
 class SignalWatcher final {
  public:
-  /// Keeps SIGINT, SIGTERM and SIGHUP from the calling thread and all it starts later: to be called
+  /// Keeps SIGINT, SIGTERM and SIGHUP from the calling thread and all it starts later: call it
   /// before there is another thread.
   static void holdSignals();
 

@@ -22,7 +22,7 @@ int fail(const std::string& words) {
   return 1;
 }
 
-/// Nothing where there is a second path, which is a word that nobody understands.
+/// Nothing where a second word is none of those known: only one path is taken.
 std::optional<Wish> parse(const std::vector<std::string>& words) {
   constexpr std::string_view packPrefix = "pack=";
   Wish wish;

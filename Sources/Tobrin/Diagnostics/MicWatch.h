@@ -1,4 +1,4 @@
-/// Prints when other programs take and release the microphone.
+/// Prints when other programs take and release the microphone. Thread: main.
 #pragma once
 
 #include <chrono>
@@ -15,7 +15,7 @@
 
 namespace tobrin {
 
-/// Thread: the one that runs it; changes are printed from the monitor's main queue.
+/// Changes are printed from the monitor's main queue.
 class MicWatch final {
  public:
   struct Surroundings {
@@ -35,7 +35,7 @@ class MicWatch final {
   /// Watches for `seconds` and returns the exit status, 0.
   int run(double seconds);
 
-  /// One line on what the sound system tells.
+  /// One line on what the sound system says.
   [[nodiscard]] std::string describe(const MicActivity& activity) const;
 
  private:

@@ -26,7 +26,7 @@ std::string timeStamp() {
   return {text.data(), length};
 }
 
-// Beside the fixed texts, for whoever sets the machine up.
+// Added to the fixed texts, for the person who sets the machine up.
 void tellWhy(const std::string& problem) {
   if (!problem.empty()) std::cerr << "Tobrin: " << problem << std::endl;
 }

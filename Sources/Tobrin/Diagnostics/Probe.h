@@ -1,5 +1,5 @@
-/// Measures how the user's keystrokes register on the motion sensor: listens for a while, prints
-/// a summary and writes two CSV files. Thread: main; blocks until it is done.
+/// Measures how the user's keystrokes register on the motion sensor: listens for a while, prints a
+/// summary and writes two CSV files. Blocks until it is done. Thread: main.
 #pragma once
 
 #include <chrono>

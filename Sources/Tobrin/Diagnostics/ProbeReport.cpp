@@ -13,7 +13,7 @@ namespace {
 
 enum class Sign { minusOnly, always };
 
-/// With a point whatever the user's locale is: the files are read by programs.
+/// With a decimal point in every locale: programs read the files.
 std::string fixed(double number, int decimals, Sign sign = Sign::minusOnly) {
   std::array<char, 400> text{};  // the longest double has 309 digits in front
   const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number,

@@ -1,5 +1,5 @@
 /// Checks packs, key capture, the sound engine and the sensor through the real parts, muted, and
-/// prints a line for each. Thread: main; blocks until it is done.
+/// prints a line for each. Blocks until it is done. Thread: main.
 #pragma once
 
 #include <chrono>

@@ -109,7 +109,7 @@ void AppModel::wireCallbacks() {
 
 void AppModel::start() {
   refreshPacks();
-  if (!packOfLoad_) loadSelectedPack(false);  // else another was chosen, for the user to hear
+  if (!packOfLoad_) loadSelectedPack(false);  // else another was chosen, which is played
   if (preview_) return;
   if (isFirstStart_) saver_.saveSoon();
   conductor_->apply(effectiveSettings(), true);

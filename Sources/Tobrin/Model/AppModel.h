@@ -1,6 +1,6 @@
 /// The running program: owns engine, key monitor, shortcut and microphone watch, keeps the user's
-/// settings and chosen pack, persists both, and publishes the state that the panel shows. Lives on
-/// the main thread; callbacks from elsewhere are moved there first.
+/// settings and chosen pack, saves both, and publishes the state that the panel shows. Callbacks
+/// from other threads are moved to the main thread first. Thread: main.
 #pragma once
 
 #include <QObject>
@@ -90,7 +90,7 @@ class AppModel final : public QObject {
   /// A shortcut as the user reads it, in the current keyboard layout.
   [[nodiscard]] std::string display(const Hotkey& shortcut) const;
   [[nodiscard]] const PlatformWords& words() const { return services_.words; }
-  /// The presets, and the user's own choice where it is none of them.
+  /// The presets, and the user's choice where it is another.
   [[nodiscard]] std::vector<Hotkey> offeredShortcuts() const;
   [[nodiscard]] PlaybackGate gate() const;
   /// The settings as the engine gets them: sounds only while the gate is open, force only with a

@@ -1,5 +1,5 @@
-/// Everything the application model needs of the system it runs on, handed in by whoever assembles
-/// it. Queues, stores and desktop services outlive the model; devices go over into its hands.
+/// Everything that the application model needs of the system it runs on. Queues, stores and desktop
+/// services outlive the model; the model takes over the devices. Thread: main.
 #pragma once
 
 #include <functional>

@@ -11,7 +11,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto lookInterval = 1500ms;
-constexpr double relaunchAfterMs = 3000;  // access granted, yet no key source that long
+constexpr double relaunchAfterMs = 3000;  // access granted, but no key source for so long
 
 }  // namespace
 

@@ -1,6 +1,6 @@
-/// Starts the key monitor, and where access to keys is missing asks for it once and looks every
-/// 1.5 s until keys are heard; so, without asking, where it is lost later. Knows when only a new
-/// start of the program will help. Main thread.
+/// Starts the key monitor. Where access to keys is missing it asks the user once, and looks every
+/// 1.5 s until keys arrive; where the access is lost later it looks again without asking. Knows
+/// when only a new start of the program will help. Thread: main.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@ class KeyAccessWatch final {
   struct State {
     bool hasPermission = false;
     bool listening = false;
-    bool needsRelaunch = false;  ///< access was granted, yet keys stay away
+    bool needsRelaunch = false;  ///< access was granted, but no keys come
 
     bool operator==(const State&) const = default;
   };

@@ -1,4 +1,5 @@
 /// The thread of a Qt event loop as a serial queue: the main thread, for all that is shown.
+/// Thread: any.
 #pragma once
 
 #include <QObject>

@@ -1,5 +1,5 @@
-/// Saves settings once the hand that changes them rests: a slider that is dragged changes them
-/// dozens of times a second, and each save waits for the disk. Main thread.
+/// Saves settings once they have stopped changing: a slider that is dragged changes them dozens of
+/// times a second, and each save waits for the disk. Thread: main.
 #pragma once
 
 #include <chrono>

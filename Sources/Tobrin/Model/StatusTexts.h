@@ -1,4 +1,4 @@
-/// The sentences in which the program speaks of its state, in English or in another language.
+/// The sentences that say what state the program is in, in English or in another language.
 /// Thread: any.
 #pragma once
 

@@ -1,5 +1,5 @@
 /// Tells a focus that went with the pointer, as on desktops where it follows the mouse, from one
-/// that somebody took away by a click elsewhere or by the keyboard. Thread: main.
+/// that a click in another place or the keyboard took away. Thread: main.
 #pragma once
 
 #include <chrono>

@@ -1,4 +1,4 @@
-// Force sensing, or the fixed strength that stands in for it.
+// Force sensing, or the fixed strength that is used without it.
 import QtQuick
 import QtQuick.Layouts
 import Tobrin

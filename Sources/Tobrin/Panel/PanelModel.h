@@ -1,5 +1,5 @@
 /// What the panel's views bind to: the application model's state in the types and texts of a view.
-/// Holds nothing of its own. Thread: main.
+/// Keeps no state. Thread: main.
 #pragma once
 
 #include <QObject>

@@ -43,7 +43,7 @@ std::string OffscreenPicture::save(AppModel& model, const std::string& path, con
   panel.setLook(look);
   view.show();
   settle();
-  // All of it, whatever the size of the screen that is not there.
+  // All of it: there is no screen that it has to fit.
   view.resize(qCeil(view.rootObject()->implicitWidth()),
               qCeil(view.rootObject()->implicitHeight()));
   settle();

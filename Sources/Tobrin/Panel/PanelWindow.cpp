@@ -29,7 +29,8 @@ void drawInSoftware() {
   std::call_once(chosen, [] { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); });
 }
 
-/// There no window can place or raise itself, and nobody says what of the screen is covered.
+/// There no window can place or raise itself, and the program cannot learn which part of the screen
+/// is covered.
 bool isOnWayland() {
   return QGuiApplication::platformName().startsWith("wayland");
 }
@@ -190,7 +191,7 @@ void PanelWindow::loseFocus() {
 void PanelWindow::leaveWithFocus() {
   if (!view_->isVisible() || view_->isActive() || focusLoss_.wentWithPointer()) return;
   if (!keepsInputFocus(*view_)) return view_->hide();
-  // A grab hides from us where the focus goes meanwhile, so it is asked for until the grab ends.
+  // During a grab we cannot see where the focus goes, so we ask until the grab ends.
   constexpr auto lookAgainAfter = 200ms;
   QTimer::singleShot(lookAgainAfter, this, &PanelWindow::leaveWithFocus);
 }

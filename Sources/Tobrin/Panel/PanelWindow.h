@@ -1,5 +1,5 @@
-/// The panel in a window of its own: a pop-up beside the tray item that closes when it loses the
-/// focus to anything but a pointer that passes, or an ordinary window. Thread: main.
+/// The panel's window: a pop-up next to the tray item that closes when it loses the focus (but not
+/// to a pointer that only passes over another window), or an ordinary window. Thread: main.
 #pragma once
 
 #include <QQuickView>

@@ -1,4 +1,4 @@
-// One of the panel's drawn symbols, in the colour of the text beside it.
+// One of the panel's drawn symbols, in the colour of the text next to it.
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Window

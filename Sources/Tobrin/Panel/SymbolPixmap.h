@@ -1,4 +1,4 @@
-/// A symbol drawn from its vector file in one colour.
+/// A symbol drawn from its vector file in one colour. Thread: main.
 #pragma once
 
 #include <QColor>

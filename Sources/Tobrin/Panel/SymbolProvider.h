@@ -1,4 +1,5 @@
 /// Renders the program's symbols at any size and colour, so that they are sharp on every screen.
+/// Thread: main.
 #pragma once
 
 #include <QIcon>

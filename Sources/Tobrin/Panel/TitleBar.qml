@@ -1,4 +1,4 @@
-// In place of the frame that nobody else draws: moves the window, and closes it.
+// In place of the frame where the desktop draws none: moves the window, and closes it.
 import QtQuick
 import QtQuick.Templates as T
 import Tobrin

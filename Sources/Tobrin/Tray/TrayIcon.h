@@ -1,4 +1,4 @@
-/// The tray item's symbol: a keyboard that sounds, or one that is muted.
+/// The tray item's symbol: a keyboard with sound, or one that is muted. Thread: main.
 #pragma once
 
 #include <QIcon>
@@ -6,8 +6,8 @@
 namespace tobrin {
 
 /// By its name where the desktop's icon theme has it, so that the bar draws it at its own size, or
-/// in its own colour if it prefers symbolic icons; as pictures everywhere else. Nobody tells what
-/// colour a bar has, so both are light with a dark outline. Thread: main.
+/// in its own colour if it prefers symbolic icons; as pictures everywhere else. A bar does not
+/// say what colour it has, so both are light with a dark outline.
 QIcon trayIcon(bool playing);
 
 }  // namespace tobrin

@@ -23,13 +23,13 @@ constexpr std::chrono::milliseconds trayPatienceAtLogin = 10s;
 constexpr auto sameClick = 200ms;
 constexpr auto unloadAfter = 60s;
 
-/// On Wayland the toolkit loads the graphics drivers for its first window, whatever that is drawn
-/// with; ours is drawn in software, and they would double the memory of the whole program.
+/// On Wayland the toolkit loads the graphics drivers for its first window, in whatever way that is
+/// drawn with; ours is drawn in software, and they would double the memory of the whole program.
 void doWithoutGraphicsDrivers() {
   constexpr const char* variable = "QT_WAYLAND_CLIENT_BUFFER_INTEGRATION";
   if (qEnvironmentVariableIsSet(variable)) return;
   qputenv(variable, "none");
-  // It says that there is none of that name.
+  // No driver has that name.
   QLoggingCategory::setFilterRules("qt.qpa.wayland.warning=false");
 }
 
@@ -160,7 +160,7 @@ void TrayInterface::showPanel() {
   Panel* shown = panel();
   if (shown == nullptr) return;
   if (!item_) return shown->open(nullptr);
-  // Many trays do not say where the item is; the pointer that clicked it is beside it.
+  // Many trays do not say where the item is; the pointer that clicked it is next to it.
   const QRect place = item_->geometry();
   const QPoint anchor = place.isValid() ? place.center() : QCursor::pos();
   shown->open(&anchor);

@@ -1,4 +1,4 @@
-/// The tray item: its symbol follows the sound state, a left click opens the panel beside it, the
+/// The tray item: its symbol follows the sound state, a left click opens the panel next to it, the
 /// menu has the switch, the packs and Quit. Without a tray on the desktop the panel opens as an
 /// ordinary window; a tray that appears later (at login, its host may be late) is taken.
 /// Thread: main.

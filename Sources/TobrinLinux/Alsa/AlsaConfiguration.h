@@ -1,4 +1,4 @@
-/// What the user's ALSA configuration says of a device, without opening it.
+/// What the user's ALSA configuration says of a device, without opening it. Thread: any.
 #pragma once
 
 #include <string>

@@ -151,7 +151,7 @@ void AlsaOutput::play(AlsaPcm& pcm) {
       const uint32_t frames = std::min(room, pcm.periodFrames());
       fill(pcm, frames);
       sleep(std::span(waitingFor).first(1), pace.restAfter(frames));
-      // What the device plays meanwhile waits for the next whole period.
+      // What the device plays in that time waits for the next whole period.
       if (room - frames < pcm.periodFrames()) break;
     }
     do {

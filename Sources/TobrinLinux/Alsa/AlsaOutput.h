@@ -1,6 +1,6 @@
-/// Plays through ALSA, for desktops without a PipeWire server. A thread of its own ("Tobrin.Audio")
-/// renders; while paused the device is closed, once it has played all it took, and the thread
-/// asleep.
+/// Plays through ALSA, for desktops without a PipeWire server. Its thread ("Tobrin.Audio") renders.
+/// While paused the device is closed, once it has played all it took, and the thread sleeps.
+/// Thread: any.
 #pragma once
 
 #include <atomic>

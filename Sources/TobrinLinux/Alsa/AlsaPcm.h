@@ -1,5 +1,5 @@
-/// One opened playback device: 48 kHz, one or two channels, in whichever format it takes. Thread:
-/// one at a time.
+/// One opened playback device: 48 kHz, one or two channels, in a sample format that it takes. Not
+/// to be used from two threads at once. Thread: any.
 #pragma once
 
 #include <poll.h>

@@ -1,4 +1,4 @@
-/// Turns channels of floats into the interleaved samples that a device takes.
+/// Turns channels of floats into the interleaved samples that a device takes. Thread: render.
 #pragma once
 
 #include <cstddef>

@@ -1,14 +1,14 @@
-/// Keeps the libraries that ALSA plays through from printing each failed attempt: this program says
-/// itself, once, what matters.
+/// Keeps the libraries that ALSA plays through from printing each failed attempt: this program
+/// itself says once what matters. Thread: any.
 #pragma once
 
 namespace tobrin {
 
-/// To be called before the library is used. Thread: any.
+/// Call it before the library is used.
 void quietenAlsa();
 
-/// To be called before a device that leads to JACK is opened, which loads that library and has it
-/// complain at every try. Thread: any.
+/// Call it before a device that leads to JACK is opened: that loads the library, which complains at
+/// every try.
 void quietenJack();
 
 }  // namespace tobrin

@@ -46,7 +46,7 @@ struct Message {
   }
 };
 
-constexpr int toProgram = 3;  // the helper's one descriptor beside the standard ones
+constexpr int toProgram = 3;  // the helper's only descriptor but the standard ones
 
 /// `report`, unless it is negative, becomes the program's standard error.
 Spawned startDetached(const Launcher::Command& command, int report = SpawnOptions::inherited) {
@@ -86,7 +86,7 @@ void takeRequest(const Launcher::Commands& commands) {
   answer(EINVAL);
 }
 
-/// The helper's life: until the program's end of the socket is closed, whatever closed it.
+/// What the helper does until the program's end of the socket is closed, also by a crash.
 [[noreturn]] void serve(int program, const Launcher::Commands& commands) {
   if (dup2(program, toProgram) < 0) _exit(1);
   close_range(toProgram + 1, ~0U, 0);  // the program's lock among them

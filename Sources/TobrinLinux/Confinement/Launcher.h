@@ -2,7 +2,7 @@
 /// is confined as well: a file manager without network, a pkexec that cannot ask. So a small copy
 /// of the program, split off before, starts them instead, and ends when the program does. It knows
 /// a fixed list of commands from before the split and takes no words from the program: code that
-/// takes the program over can ask for these commands and for nothing else.
+/// takes the program over can ask for these commands and for nothing else. Thread: main.
 #pragma once
 
 #include <array>
@@ -24,13 +24,13 @@ class Launcher final {
   static constexpr std::size_t errandCount = 3;
   using Commands = std::array<Command, errandCount>;  ///< one an errand, in their order
 
-  /// Splits the helper off. Thread: the only one there is; nothing else may have been started.
+  /// Splits the helper off. No other thread may exist yet.
   explicit Launcher(Commands commands);
 
   /// Starts the errand's command and does not wait for its end; returns why it could not be
   /// started, empty where it was. With `report`, a descriptor to write to, what the program writes
   /// to standard error goes there, after its end its exit status in a line by itself, then the end
-  /// of the file. Thread: one at a time.
+  /// of the file. Not to be called from two threads at once.
   [[nodiscard]] std::string start(Errand errand, int report = -1) const;
 
  private:

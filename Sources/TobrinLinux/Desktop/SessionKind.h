@@ -1,5 +1,6 @@
-/// What kind of session this program runs in: that decides how keys are heard and shortcuts are
-/// taken. A display variable alone decides nothing, for Wayland sessions have one for old programs.
+/// What kind of session this program runs in: that decides how keys are read and how shortcuts are
+/// taken. A display variable alone decides nothing, because Wayland sessions set one for X11
+/// programs. Thread: any.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +13,7 @@ enum class SessionKind : uint8_t { x11, wayland, console };
 
 /// Asks, in this order: XDG_SESSION_TYPE where it names a graphical session, WAYLAND_DISPLAY, the
 /// login manager, and the X server of DISPLAY itself, which may be one that serves X11 programs in
-/// a Wayland session. Thread: any.
+/// a Wayland session.
 SessionKind sessionKind(const Environment& environment);
 
 }  // namespace tobrin

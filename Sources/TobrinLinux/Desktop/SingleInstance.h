@@ -1,5 +1,5 @@
 /// Keeps a second instance of the program from playing along with the first: the first holds a lock
-/// for its life and answers on a socket beside it. Thread: main.
+/// for its life and answers on a socket next to it. Thread: main.
 #pragma once
 
 #include <filesystem>

@@ -1,5 +1,5 @@
-/// Hears from logind when the machine wakes from sleep. Without a system bus it hears nothing and
-/// costs nothing. Thread: main; the owner watches `descriptor` and calls `process`.
+/// Calls when logind says that the machine has woken from sleep. Without a system bus it never
+/// calls and costs nothing. The owner watches `descriptor` and calls `process`. Thread: main.
 #pragma once
 
 #include <functional>

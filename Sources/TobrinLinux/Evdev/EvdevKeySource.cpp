@@ -15,7 +15,7 @@
 namespace tobrin {
 namespace {
 
-/// What `run` waits for besides keyboards, in this order.
+/// What `run` waits for in addition to keyboards, in this order.
 enum Waits : std::size_t { wakeWait, hotplugWait, permissionWait, seatWait, firstKeyboardWait };
 
 bool isReadable(const std::string& node) {
@@ -57,7 +57,7 @@ bool EvdevKeySource::open() {
   return !refused_;
 }
 
-/// Opens every keyboard that is not open yet, unless another user sits at them.
+/// Opens every keyboard that is not open yet, unless another user is in front of them.
 void EvdevKeySource::takeUpKeyboards() {
   std::string refusal;
   for (const std::string& node : watches_->list.nodes(watches_->seat.seat())) {
@@ -122,7 +122,7 @@ bool EvdevKeySource::takeKeys(const std::vector<pollfd>& waits, const Sink& sink
   return anyGone;
 }
 
-/// Who takes the access back means it: an open device could be read on.
+/// An open device can still be read after the access was taken back, which is not what that meant.
 void EvdevKeySource::dropWhatMayNotBeRead(const Sink& sink) {
   std::erase_if(keyboards_, [&](const auto& keyboard) {
     if (isReadable(keyboard->node())) return false;
@@ -131,7 +131,8 @@ void EvdevKeySource::dropWhatMayNotBeRead(const Sink& sink) {
   });
 }
 
-/// Whether the seat has changed hands. Keyboards are closed while they are not ours.
+/// Whether the seat has gone to another user or come back. Keyboards are closed while they are not
+/// ours.
 bool EvdevKeySource::takeSeatChange(const Sink& sink) {
   watches_->seat.clear();
   const bool wasOurs = std::exchange(isOurs_, watches_->seat.isOurs());

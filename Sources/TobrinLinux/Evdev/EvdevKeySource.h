@@ -1,8 +1,8 @@
-/// Hears every keyboard of this seat straight from the kernel: all at once, plugged in or taken
-/// away at any time, remappers' virtual keyboards included. For Wayland, where the display server
-/// tells nobody, and for the console. Needs the right to read the devices (on Debian the group
-/// "input"). Never grabs a device; a keyboard that a remapper has grabbed is silent by itself, so
-/// that nothing is heard twice.
+/// Reads every keyboard of this seat straight from the kernel: all at once, plugged in or taken
+/// away at any time, the virtual keyboards of remappers too. For Wayland, where the display server
+/// gives keys to the focused window only, and for the console. Needs the right to read the devices
+/// (on Debian the group "input"). Never grabs a device; a keyboard that a remapper has grabbed
+/// sends nothing here, so that no key comes twice. Thread: key.
 #pragma once
 
 #include <memory>

@@ -1,7 +1,7 @@
 /// The keys held on one keyboard, by kernel code: turns its raw presses and releases into key
-/// source events. Each keyboard has its own, so that one which loses a release (a remapper took it
-/// over, its session went into the background) cannot leave a modifier stuck on the others. Thread:
-/// key.
+/// source events. Each keyboard has one, so that a keyboard that loses a release (a remapper took
+/// it over, its session went into the background) cannot leave a modifier stuck on the others.
+/// Thread: key.
 #pragma once
 
 #include <bitset>
@@ -18,7 +18,7 @@ class HeldKeys {
   enum class Change : uint8_t { release, press, repeat };
 
   /// What a change of one key means; nothing for keys without a virtual code, and for what changes
-  /// of modifier keys tell nobody (a repeat, a Caps Lock release). `time` is handed on.
+  /// of modifier keys are not handed on (a repeat, a Caps Lock release). `time` is handed on.
   std::optional<KeySource::Event> take(uint32_t kernelCode, Change change,
                                        std::optional<uint64_t> time);
 
@@ -29,7 +29,7 @@ class HeldKeys {
     return kernelCode < held_.size() && held_[kernelCode];
   }
 
-  /// Releases whatever is held: the keyboard is gone.
+  /// Releases all that is held: the keyboard is gone.
   void releaseAll(std::optional<uint64_t> time, const KeySource::Sink& sink);
 
  private:

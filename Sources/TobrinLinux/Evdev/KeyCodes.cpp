@@ -110,7 +110,7 @@ constexpr Key keys[] = {
     {KEY_RIGHTMETA, 54},
     {KEY_COMPOSE, 110},  // the context menu key
     {KEY_RIGHTCTRL, 62},
-    // JIS and Korean: the keys beside the space bar, left and right.
+    // JIS and Korean: the keys next to the space bar, left and right.
     {KEY_MUHENKAN, 102},
     {KEY_HANJA, 102},
     {KEY_KATAKANAHIRAGANA, 104},

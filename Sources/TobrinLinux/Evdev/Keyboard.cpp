@@ -68,7 +68,7 @@ bool Keyboard::takeAll(const KeySource::Sink& sink) {
     if (status == -EAGAIN) return true;
     if (status == -EINTR) continue;
     if (status < 0) return false;
-    // The kernel's buffer ran over: the library now tells what differs from the state it knew.
+    // The kernel's buffer ran over: the library now reports what differs from the state it knew.
     if (status == LIBEVDEV_READ_STATUS_SYNC) mode = LIBEVDEV_READ_FLAG_SYNC;
     if (event.type != EV_KEY) continue;
     const auto time = monotonic_ ? std::optional(ticks(event)) : std::nullopt;

@@ -1,4 +1,4 @@
-/// One keyboard of the kernel's, opened for listening and never grabbed. Thread: key.
+/// One keyboard device of the kernel, opened for reading and never grabbed. Thread: key.
 #pragma once
 
 #include <cstdint>
@@ -25,7 +25,7 @@ class Keyboard final {
   [[nodiscard]] int fd() const { return file_.get(); }
   [[nodiscard]] const std::string& node() const { return node_; }
 
-  /// Hands on all that has come in; false once the keyboard is gone (which a read tells before the
+  /// Hands on all that has come in; false once the keyboard is gone (which a read shows before the
   /// hotplug service does).
   bool takeAll(const KeySource::Sink& sink);
 

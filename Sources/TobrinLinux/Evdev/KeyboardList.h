@@ -1,4 +1,5 @@
 /// Which keyboards there are, and a notice when that, or the right to read them, may have changed.
+/// Not to be used from two threads at once. Thread: any.
 #pragma once
 
 #include <memory>
@@ -26,15 +27,14 @@ class KeyboardList final {
   static bool isPossible();
 
   /// The device nodes of the keyboards of a seat ("seat0"), in order. Keyboards are devices with
-  /// all letters or a whole keypad, told without opening them: no mice, power buttons or lid
-  /// switches. A remapper's virtual keyboard is one like any other. Thread: one at a time.
+  /// all letters or a whole keypad, found without opening them: no mice, power buttons or lid
+  /// switches. A remapper's virtual keyboard counts too.
   [[nodiscard]] std::vector<std::string> nodes(std::string_view seat) const;
 
  private:
   std::unique_ptr<udev, UdevDeleter> udev_;
 };
 
-/// Thread: one at a time.
 class KeyboardWatch final {
  public:
   KeyboardWatch();

@@ -1,6 +1,6 @@
-/// Whose keys those of the seat's keyboards are: a user's devices stay readable while another
-/// user's session is in front, and what is typed there is nobody else's business. Thread: one at a
-/// time.
+/// Whether the user of this program is the one in front of the seat's keyboards: a user's devices
+/// stay readable while another user's session is in front, and what is typed there must not be
+/// read. Not to be used from two threads at once. Thread: any.
 #pragma once
 
 #include <memory>

@@ -1,4 +1,4 @@
-/// Types on a keyboard of its own making, through the kernel. Needs access to /dev/uinput.
+/// Types on a virtual keyboard that it makes through the kernel. Needs access to /dev/uinput.
 /// Thread: main.
 #pragma once
 

@@ -1,5 +1,5 @@
-/// Tells when a device of one subsystem of the kernel comes or changes. Uses udev's own events
-/// where udev runs, so that the device's permissions are set when the news arrives. Thread: one.
+/// Says when a device of one subsystem of the kernel comes or changes. Uses udev's events where
+/// udev runs, so that the device's permissions are set when the news arrives. Thread: sensor.
 #pragma once
 
 #include <memory>

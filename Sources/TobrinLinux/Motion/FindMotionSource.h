@@ -1,4 +1,4 @@
-/// Chooses what the force sensor listens to on this machine.
+/// Chooses the motion source of this machine. Thread: any.
 #pragma once
 
 #include <filesystem>
@@ -17,8 +17,8 @@ struct MotionPaths {
 };
 
 /// The trace that the environment names, else a HID device that sends motion reports itself, else
-/// an IIO accelerometer, else null. Opens no device: whether it can be read, `open` tells. Costs a
-/// look into two folders. Thread: any.
+/// an IIO accelerometer, else null. Opens no device: whether it can be read, `open` shows. Looks
+/// into two folders.
 [[nodiscard]] std::unique_ptr<MotionSource> findMotionSource(const MotionPaths& paths = {});
 
 }  // namespace tobrin

@@ -9,7 +9,7 @@
 
 namespace tobrin {
 
-/// Where the 22 bytes stand in what the kernel hands out.
+/// Where the 22 bytes are in what the kernel hands out.
 struct HidMotionReport {
   uint8_t id = 0;         ///< the report's number; 0: the device numbers none
   std::size_t bytes = 0;  ///< length as read, with the number where there is one

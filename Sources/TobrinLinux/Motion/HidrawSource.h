@@ -1,5 +1,5 @@
 /// A HID device that sends the 22-byte report itself, read through the kernel's raw interface and
-/// stamped on arrival. Threads: as `MotionSource` says.
+/// stamped on arrival. Thread: sensor.
 #pragma once
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-/// Reads the kernel's buffer of an IIO device: every sample once, with its time.
+/// Reads the kernel's buffer of an IIO device: every sample once, with its time. Thread: sensor.
 #pragma once
 
 #include <memory>

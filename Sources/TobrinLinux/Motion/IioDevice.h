@@ -31,7 +31,7 @@ struct IioCalibration {
 };
 
 struct IioDevice {
-  /// Where the sensor sits; a keyboard's impacts are felt best beside it.
+  /// Where the sensor sits; it measures a keyboard's impacts best near it.
   enum class Place : uint8_t { keyboard, unknown, lid };
 
   std::filesystem::path folder;  ///< in sysfs

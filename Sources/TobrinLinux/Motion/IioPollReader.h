@@ -1,5 +1,5 @@
 /// Asks an IIO device for single readings, for where its buffer cannot be used. Slower and coarser
-/// than the buffer, but needs no more than the right to read.
+/// than the buffer, but needs only the right to read. Thread: sensor.
 #pragma once
 
 #include <array>

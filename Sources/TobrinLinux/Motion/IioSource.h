@@ -1,5 +1,5 @@
 /// An accelerometer of the kernel's IIO subsystem as a motion source: buffered where that is
-/// possible, else by single readings. Threads: as `MotionSource` says.
+/// possible, else by single readings. Thread: sensor.
 #pragma once
 
 #include <memory>

@@ -1,4 +1,4 @@
-/// What a motion source says about itself, kept for whoever asks. Thread: any.
+/// What a motion source says about itself, kept for those who ask. Thread: any.
 #pragma once
 
 #include <string>

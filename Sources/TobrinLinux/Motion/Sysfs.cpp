@@ -91,7 +91,7 @@ void AttributeChanges::restore() {
   for (; !changes_.empty(); changes_.pop_back()) {
     const Change& change = changes_.back();
     if (sysfs::read(change.file) != change.after) continue;
-    // A device that is gone has no attributes left; there is nobody to tell.
+    // A device that is gone has no attributes left; nothing is left to restore.
     [[maybe_unused]] const int error = sysfs::write(change.file, change.before);
   }
 }

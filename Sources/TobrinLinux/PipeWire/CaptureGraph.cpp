@@ -56,7 +56,7 @@ bool CaptureGraph::needsDetails(uint32_t nodeId) const {
 }
 
 /// The sources whose sound reaches the node, those behind filters included. A source that is a
-/// filter's output is a microphone only where the filter hears one: it may as well pass on what a
+/// filter's output is a microphone only where the filter gets one: it may as well pass on what a
 /// program plays.
 CaptureGraph::Ids CaptureGraph::microphonesBehind(uint32_t nodeId, Ids& visited) const {
   Ids microphones;

@@ -1,6 +1,6 @@
-/// Who records from a microphone, found by following the links between the sound server's nodes.
-/// What streams say of themselves proves nothing: a stream that asks for a microphone may be
-/// linked to a monitor, and the other way round. A plain value; thread: any one at a time.
+/// Which programs record from a microphone, found by following the links between the sound server's
+/// nodes. What streams say of themselves proves nothing: a stream that asks for a microphone may be
+/// linked to a monitor, and the other way round. A plain value. Thread: any.
 #pragma once
 
 #include <cstdint>
@@ -37,11 +37,11 @@ class CaptureGraph final {
   std::string defaultSource;              // node name; empty: none
 
   /// Counts programs, `ownProcess` excepted, that record from a microphone, directly or through
-  /// filters. Filters and level meters do not count by themselves, nor do streams that rest. A
+  /// filters. Filters and level meters do not count by themselves, and neither do paused streams. A
   /// program whose process is not known counts as process 0.
   [[nodiscard]] MicActivity activity(int32_t ownProcess) const;
 
-  /// Whether the decision depends on more of this node than a listing tells: state, filter, meter.
+  /// Whether the decision depends on more of this node than a listing shows: state, filter, meter.
   [[nodiscard]] bool needsDetails(uint32_t nodeId) const;
 
  private:

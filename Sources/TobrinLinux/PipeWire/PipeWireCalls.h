@@ -1,5 +1,6 @@
-/// The calls on PipeWire's proxies as functions. The library has them as macros that cast the C
-/// way, which this project's warnings refuse outside system headers.
+/// The calls on PipeWire's proxies as functions. The library has them as macros with C casts, which
+/// this project's warnings refuse outside system headers. The caller holds the loop's lock.
+/// Thread: any.
 #pragma once
 
 #include <pipewire/extensions/metadata.h>

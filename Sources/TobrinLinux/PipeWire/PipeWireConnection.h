@@ -1,5 +1,5 @@
-/// One connection to the sound server that outlives the server: lost, it is tried again until it is
-/// no longer wanted. Everything here runs on the loop's thread or holds its lock.
+/// One connection to the sound server that outlives the server: when it is lost, it is tried again
+/// until it is no longer wanted. The caller holds the loop's lock. Thread: any.
 #pragma once
 
 #include <chrono>
@@ -20,7 +20,7 @@ class PipeWireConnection final {
   struct Events {
     /// The server answers; objects may be made on `core`.
     std::function<void(pw_core* core)> connected;
-    /// The server is gone or the connection ends: what was made on the core is to be destroyed.
+    /// The server is gone or the connection ends: destroy what was made on the core.
     std::function<void()> lost;
   };
 

@@ -223,7 +223,7 @@ void PipeWireGraphWatch::removed(uint32_t id) {
 
 void PipeWireGraphWatch::answered(int sequence) {
   if (sequence != awaited_ || isSettled_) return;
-  // What was listed led to questions of its own.
+  // What was listed led to more questions.
   if (std::exchange(hasAskedSince_, false)) {
     awaited_ = sync(core_);
     return;

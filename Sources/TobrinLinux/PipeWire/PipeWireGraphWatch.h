@@ -1,5 +1,5 @@
 /// Follows the sound server's nodes, links and default source over one connection, as far as the
-/// microphone watch needs them. Thread: the loop's, or any that holds its lock.
+/// microphone watch needs them. The caller holds the loop's lock. Thread: any.
 #pragma once
 
 #include <cstdint>

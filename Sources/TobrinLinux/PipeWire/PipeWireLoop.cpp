@@ -50,7 +50,7 @@ PipeWireLoop::PipeWireLoop() {
     throw std::runtime_error("the PipeWire library cannot be used (" + reason + ")");
   }
   const PipeWireLock locked(*this);
-  // It resumes the stream on the first key after a pause, which is heard late where it is late.
+  // It resumes the stream on the first key after a pause; a delay here would delay that sound.
   pw_loop_invoke(loop(), askForScheduling, 0, nullptr, 0, false, nullptr);
 }
 

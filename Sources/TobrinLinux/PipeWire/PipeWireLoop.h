@@ -1,8 +1,8 @@
-/// The PipeWire library's event loop on a thread of its own ("Tobrin.PipeWire"), with the real-time
-/// data thread beside it. One serves everything in a process that talks to the sound server.
+/// The PipeWire library's event loop on its own thread ("Tobrin.PipeWire"), and with it the
+/// real-time data thread. One serves everything in a process that talks to the sound server.
 ///
-/// A BasicLockable: the loop thread holds the lock during every callback, so whatever touches
-/// PipeWire objects from elsewhere holds it too. It is recursive.
+/// A BasicLockable: the loop thread holds the lock during every callback, so all other code that
+/// touches PipeWire objects holds it too. It is recursive. Thread: any.
 #pragma once
 
 #include <chrono>
@@ -27,14 +27,14 @@ class PipeWireLoop final {
   void lock();
   void unlock();
 
-  /// Waits until `condition` holds, which callbacks bring about and tell by `wake`; false when
-  /// `limit` has passed first. Thread: any but the loop's, holding the lock, which others get
-  /// meanwhile.
+  /// Waits until `condition` holds, which callbacks bring about and then call `wake`; false when
+  /// `limit` has passed first. Not to be called on the loop's thread. The caller holds the lock,
+  /// which is free while this waits.
   bool wait(const std::function<bool()>& condition, std::chrono::milliseconds limit);
   void wake();
 
-  /// Returns when every callback that ran on the data thread has ended. Thread: any, holding the
-  /// lock.
+  /// Returns when every callback that ran on the data thread has ended. The caller
+  /// holds the lock.
   void finishDataCallbacks();
 
   [[nodiscard]] bool isCurrent() const;

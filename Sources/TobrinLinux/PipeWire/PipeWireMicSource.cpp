@@ -58,7 +58,7 @@ void PipeWireMicSource::connected(pw_core* core) {
 
 void PipeWireMicSource::lost() {
   watch_.reset();
-  keep({});  // nobody can tell now who records
+  keep({});  // now it is not known who records
 }
 
 void PipeWireMicSource::updated() {

@@ -1,4 +1,5 @@
 /// The microphone watch's view of a PipeWire server: state alone, no sound is ever asked for.
+/// Thread: mic.
 #pragma once
 
 #include <functional>
@@ -40,7 +41,7 @@ class PipeWireMicSource final : public MicSource {
   std::unique_ptr<PipeWireGraphWatch> watch_;
   std::function<void()> changed_;
   bool isStarted_ = false;
-  MicActivity activity_;  // as the server tells it; empty while none answers
+  MicActivity activity_;  // as the server reports it; empty while none answers
 };
 
 }  // namespace tobrin

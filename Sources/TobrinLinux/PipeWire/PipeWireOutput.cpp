@@ -62,7 +62,7 @@ bool PipeWireOutput::start() {
   const PipeWireLock locked(*loop_);
   if (isClosing_.load(std::memory_order_relaxed)) return false;
   if (isWanted_ && isRunning()) return true;
-  // It goes on trying by itself, and keys meanwhile need not wait to hear so.
+  // It goes on trying by itself, and keys in that time do not wait for the answer.
   if (isWanted_ && !startIsAnswered_ && !problem_.empty()) return false;
   isWanted_ = true;
   startIsAnswered_ = true;

@@ -1,5 +1,5 @@
-/// Plays through a PipeWire server, on the user's default device, and takes up playing again by
-/// itself after the server was gone.
+/// Plays through a PipeWire server, on the user's default device, and goes on playing by itself
+/// when the server comes back. Thread: any.
 #pragma once
 
 #include <atomic>

@@ -1,6 +1,6 @@
 /// One playback stream on a connection: asks the server for 48 kHz float stereo in blocks of 256
 /// frames and has them rendered on the data thread. The server moves it along with the user's
-/// default device. Thread: the loop's, or any that holds its lock.
+/// default device. The caller holds the loop's lock. Thread: any.
 #pragma once
 
 #include <atomic>

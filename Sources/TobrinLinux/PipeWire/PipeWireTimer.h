@@ -1,4 +1,4 @@
-/// A one-shot timer on the PipeWire loop. Thread: the loop's, or any that holds its lock.
+/// A one-shot timer on the PipeWire loop. The caller holds the loop's lock. Thread: any.
 #pragma once
 
 #include <chrono>

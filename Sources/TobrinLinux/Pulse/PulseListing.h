@@ -1,5 +1,5 @@
-/// Who records from a microphone, by what a PulseAudio server lists. A plain value; thread: any one
-/// at a time.
+/// Which programs record from a microphone, by what a PulseAudio server lists. A plain value.
+/// Thread: any.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ struct PulseListing {
   struct Source {
     std::string name;
     std::string description;
-    bool isMonitor = false;  // hears what a device plays
+    bool isMonitor = false;  // records what a device plays
   };
   struct Recorder {
     uint32_t source = 0;
@@ -30,7 +30,7 @@ struct PulseListing {
   std::string defaultSource;  // its name; empty: none
 
   /// Counts programs, `ownProcess` excepted, that record from a microphone. Level meters do not,
-  /// nor do streams that rest.
+  /// and neither do paused streams.
   [[nodiscard]] MicActivity activity(int32_t ownProcess) const;
 };
 

@@ -59,7 +59,7 @@ class PulseMicSource::Connection final {
     pa_context_set_state_callback(
         context_, [](pa_context*, void* self) { static_cast<Connection*>(self)->stateChanged(); },
         this);
-    // A failure is told as a state, too.
+    // A failure also arrives as a state.
     pa_context_connect(context_, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr);
   }
 
@@ -73,7 +73,7 @@ class PulseMicSource::Connection final {
     const pa_context_state_t state = pa_context_get_state(context_);
     if (state == PA_CONTEXT_READY) follow();
     if (PA_CONTEXT_IS_GOOD(state)) return;
-    owner_.keep({});  // nobody can tell now who records
+    owner_.keep({});  // now it is not known who records
     isListing_ = false;
     pa_context_rttime_new(
         context_, pa_rtclock_now() + retryPause,
@@ -155,7 +155,7 @@ class PulseMicSource::Connection final {
   pa_context* context_ = nullptr;
   PulseListing listing_;
   bool isListing_ = false;  // `listing_` waits for answers
-  bool isStale_ = false;    // and something has changed meanwhile
+  bool isStale_ = false;    // and something has changed since
 };
 
 PulseMicSource::PulseMicSource() = default;

@@ -1,4 +1,5 @@
 /// The microphone watch's view of a PulseAudio server: state alone, no sound is ever asked for.
+/// Thread: mic.
 #pragma once
 
 #include <condition_variable>
@@ -35,7 +36,7 @@ class PulseMicSource final : public MicSource {
   std::mutex mutex_;  // a plain one, for the condition
   std::condition_variable settled_;
   // guarded by mutex_
-  MicActivity activity_;  // as the server tells it; empty while none answers
+  MicActivity activity_;  // as the server reports it; empty while none answers
   bool isSettled_ = false;
 };
 

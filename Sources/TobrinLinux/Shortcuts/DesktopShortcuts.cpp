@@ -72,8 +72,8 @@ void DesktopShortcuts::portalBoundChanged(bool bound) {
   tellChange();
 }
 
-// A portal that tells of presses without having said that it would is found out by the first one,
-// which our own key events then have told of as well.
+// A portal may report presses without having said that it would. The first such press shows that,
+// and our own key events have reported it as well.
 void DesktopShortcuts::press(ShortcutRoute route) {
   constexpr double samePressMs = 200;
   const MutexLock lock(mutex_);

@@ -1,5 +1,6 @@
-/// Global shortcuts by the means this session offers: a grab in an X11 session, the desktop portal
-/// in a Wayland one, and our own key events until the portal has agreed or where there is neither.
+/// Global shortcuts in the way that this session offers: a grab in an X11 session, the desktop
+/// portal in a Wayland one, and our own key events until the portal has agreed or where there is
+/// neither. Thread: main.
 #pragma once
 
 #include <atomic>
@@ -22,7 +23,7 @@ namespace tobrin {
 
 class DesktopShortcuts final : public ShortcutService {
  public:
-  /// Keeps what became of asking the portal, so that nobody is asked at each start. `read` is
+  /// Keeps what the portal answered, so that the user is not asked at each start. `read` is
   /// called on the main thread, `write` on any.
   struct Memory {
     std::function<std::string()> read;

@@ -74,7 +74,7 @@ bool enterShortcuts(sd_bus_message* message) {
 }
 
 /// Whether the list of shortcuts that comes next has ours. Some desktops list it while no
-/// combination belongs to it yet; then nothing would be told.
+/// combination belongs to it yet; then no press would be reported.
 bool listsOurs(sd_bus_message* message) {
   bool found = false;
   if (sd_bus_message_enter_container(message, 'a', "(sa{sv})") < 0) return found;
@@ -89,7 +89,7 @@ bool listsOurs(sd_bus_message* message) {
   return found;
 }
 
-/// For poll: until the bus wants to be called whatever happens; -1 for never.
+/// For poll: until the bus wants to be called even if nothing arrives; -1 for never.
 int waitLimitMs(sd_bus* bus) {
   uint64_t deadline = 0;  // microseconds on the monotonic clock
   if (sd_bus_get_timeout(bus, &deadline) <= 0 || deadline == UINT64_MAX) return -1;
@@ -101,9 +101,9 @@ int waitLimitMs(sd_bus* bus) {
 
 }  // namespace
 
-/// The talk with the portal: a session is created and what it has listed, the combination bound in
-/// it where that is still to be asked for, presses follow. Each of the requests is answered by a
-/// signal on an object named by our token. Thread: its own.
+/// The exchange with the portal: a session is created and what it has listed, the combination bound
+/// in it where that is still to be asked for, presses follow. Each of the requests is answered by a
+/// signal on an object named by our token. Runs on one thread of its owner.
 struct PortalShortcut::Dialogue {
   Dialogue(std::string wantedTrigger, std::string knownBefore, Listener to, WakeEvent& stopEvent)
       : trigger(std::move(wantedTrigger)),
@@ -178,7 +178,7 @@ bool PortalShortcut::Dialogue::subscribe() {
 }
 
 void PortalShortcut::Dialogue::createSession() {
-  // By this the desktop knows whose shortcut it is; older portals tell by themselves.
+  // By this the desktop knows whose shortcut it is; older portals find out by themselves.
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, registry, "Register", nullptr,
                            nullptr, "sa{sv}", applicationId, 0);
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, shortcuts, "CreateSession",
@@ -193,7 +193,7 @@ void PortalShortcut::Dialogue::listShortcuts() {
 }
 
 void PortalShortcut::Dialogue::bindShortcut() {
-  // First, as the answer may never come: nobody is to be asked at each start.
+  // First, as the answer may never come: the user must not be asked at each start.
   remember(asked);
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, shortcuts, "BindShortcuts",
                            nullptr, nullptr, "oa(sa{sv})sa{sv}", session.c_str(), 1, shortcutId, 2,
@@ -269,7 +269,7 @@ int PortalShortcut::Dialogue::onActivated(sd_bus_message* message, void* self, s
   const char* id = nullptr;
   if (sd_bus_message_read(message, "os", &session, &id) > 0 && dialogue->session == session &&
       std::string_view(id) == shortcutId) {
-    dialogue->setBound(true);  // whatever was listed
+    dialogue->setBound(true);  // even if it was not listed
     dialogue->listener.pressed();
   }
   return 0;

@@ -1,5 +1,5 @@
 /// One key combination asked of the desktop portal, which is how Wayland desktops offer them. The
-/// desktop asks its user, who may choose another combination or refuse.
+/// desktop asks its user, who may choose another combination or refuse. Thread: main.
 #pragma once
 
 #include <functional>
@@ -17,7 +17,7 @@ class PortalShortcut final {
  public:
   struct Listener {
     std::function<void()> pressed;
-    /// Whether the desktop now tells of presses: it says so by listing the shortcut, which it may
+    /// Whether the desktop now reports presses: it says so by listing the shortcut, which it may
     /// do later or take back.
     std::function<void(bool bound)> boundChanged;
     /// What to hand to the next of these as `known`, also in another run.

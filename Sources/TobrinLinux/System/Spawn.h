@@ -12,7 +12,7 @@
 
 namespace tobrin {
 
-/// What a program gets besides its words.
+/// What a program gets in addition to its words.
 struct SpawnOptions {
   static constexpr int inherited = -1;  ///< the stream of this process
   static constexpr int nowhere = -2;    ///< empty to read, and swallows what is written

@@ -8,7 +8,7 @@
 namespace tobrin {
 
 /// Waits until one of `files` has something to read or an error, a signal arrives, or `timeoutMs`
-/// have passed; for ever where that is negative. Negative files are ignored. At most four.
+/// have passed; without limit where that is negative. Negative files are ignored. At most four.
 void waitForAny(std::initializer_list<int> files, int timeoutMs);
 
 [[nodiscard]] bool isRaised(const WakeEvent& event);

@@ -1,4 +1,5 @@
 /// The program's diagnostics, on standard error and in the system's log (journal or syslog).
+/// Thread: any.
 #pragma once
 
 #include <filesystem>

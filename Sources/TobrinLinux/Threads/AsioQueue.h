@@ -1,4 +1,4 @@
-/// A serial queue on one thread of its own, with timers on the monotonic clock.
+/// A serial queue with one thread and with timers on the monotonic clock. Thread: any.
 #pragma once
 
 #include <memory>

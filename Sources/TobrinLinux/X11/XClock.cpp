@@ -18,7 +18,7 @@ int32_t wrappedDifference(uint32_t a, uint32_t b) {
   return static_cast<int32_t>(a - b);
 }
 
-/// The server's present, as the notice of an empty change to a property of our own tells it.
+/// The server's present time, from the notice of an empty change to a property of our window.
 std::optional<uint32_t> serverTime(xcb_connection_t* connection) {
   const xcb_window_t window = xcb_generate_id(connection);
   const uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;

@@ -1,6 +1,6 @@
 /// Brings an X server's time stamps (32 bits of milliseconds) onto `MachTime`'s clock, where the
 /// server counts on the same one: a server on this machine does, one at the far end of a network
-/// does not. Thread: the connection's.
+/// does not. Thread: key.
 #pragma once
 
 #include <xcb/xcb.h>

@@ -1,4 +1,4 @@
-/// Ownership of XCB's objects.
+/// Ownership of XCB's objects. Thread: any.
 #pragma once
 
 #include <xcb/xcb.h>

@@ -1,6 +1,7 @@
-/// Hears the keyboards of an X11 session through the server's raw key events, which come whatever
-/// window has the focus and whoever has grabbed the keyboard. Needs no permission. On Xwayland it
-/// would hear the keys meant for X11 windows only, so it is for X11 sessions.
+/// Reads the keyboards of an X11 session through the server's raw key events, which come in every
+/// case: with the focus in any window, and while another program has grabbed the keyboard. Needs no
+/// permission. On Xwayland it would get the keys meant for X11 windows only, so it is for X11
+/// sessions. Thread: key.
 #pragma once
 
 #include <cstdint>

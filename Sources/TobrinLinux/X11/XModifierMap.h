@@ -1,5 +1,5 @@
-/// Which bits of an X server's key state stand for which modifier keys. The server's settings
-/// decide; only Shift, Control and Caps Lock have bits of their own. Thread: the connection's.
+/// Which bits of an X server's key state mean which modifier keys. The server's settings decide;
+/// only Shift, Control and Caps Lock have fixed bits. Thread: key.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -19,7 +19,7 @@ class XModifierMap {
   [[nodiscard]] uint16_t mask(Modifiers modifiers) const;
 
   /// Every combination of the bits of Caps Lock, Num Lock and Scroll Lock, nothing among them: a
-  /// shortcut works whichever of them is on.
+  /// shortcut works with any of them on.
   [[nodiscard]] std::vector<uint16_t> lockCombinations() const;
 
  private:

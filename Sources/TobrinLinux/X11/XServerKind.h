@@ -1,4 +1,4 @@
-/// Whether a display is an X11 session or serves X11 programs within a Wayland one.
+/// Whether a display is an X11 session or serves X11 programs within a Wayland one. Thread: any.
 #pragma once
 
 #include <cstdint>

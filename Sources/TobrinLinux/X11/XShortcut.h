@@ -1,5 +1,6 @@
 /// One key combination taken from an X server for this program alone, from construction to
 /// destruction. Other programs do not see the key; two programs cannot have the same one.
+/// Thread: main.
 #pragma once
 
 #include <functional>
@@ -18,10 +19,10 @@ namespace tobrin {
 class XShortcut final {
  public:
   /// Takes the combination; `outcome` says how that went. `pressed` runs on a thread of this
-  /// object's, once a press however long the key is held. Thread: main.
+  /// object's, once for each press, however long the key is held.
   XShortcut(const std::string& display, const Hotkey& hotkey, std::function<void()> pressed);
 
-  /// When it returns, the last `pressed` has ended and the combination is free. Thread: main.
+  /// When it returns, the last `pressed` has ended and the combination is free.
   ~XShortcut();
   XShortcut(const XShortcut&) = delete;
   XShortcut& operator=(const XShortcut&) = delete;

@@ -29,7 +29,7 @@ TEST(MicWatch, DescribesTheInput) {
             "recording: unknown here");
 }
 
-TEST(MicWatch, TellsWhatItSeesWordForWord) {
+TEST(MicWatch, SaysWhatItSeesWordForWord) {
   setenv("TZ", "UTC", 1);
   std::ostringstream out;
   VirtualQueue queue(MicMonitor::queueName), main("main");

@@ -82,7 +82,7 @@ std::string selfTest(bool works) {
   return out.str() + "status " + std::to_string(status) + "\n";
 }
 
-TEST(SelfTest, TellsWhatWorksAndWhatDoesNotWordForWord) {
+TEST(SelfTest, SaysWhatWorksAndWhatDoesNotWordForWord) {
   testing::expectKeptText(selfTest(true) + selfTest(false), "Tobrin/Diagnostics/self-test.txt");
 }
 

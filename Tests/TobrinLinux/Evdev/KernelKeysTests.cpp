@@ -56,7 +56,7 @@ TEST(KeyCodes, EveryKeyOfTheKernelIsTheOneOfItsName) {
 using Change = HeldKeys::Change;
 using Type = KeySource::EventType;
 
-TEST(HeldKeys, TellsModifiersByTheirFlagsAndReleasesWhatAVanishedKeyboardHeld) {
+TEST(HeldKeys, KnowsModifiersByTheirFlagsAndReleasesWhatAVanishedKeyboardHeld) {
   HeldKeys keys;
   const auto take = [&](uint32_t key, Change change) { return keys.take(key, change, 7); };
   const auto shift = take(KEY_LEFTSHIFT, Change::press);

@@ -68,7 +68,7 @@ TEST(IioRate, PrefersWhatShowsAKeystrokeWhole) {
   EXPECT_EQ(ratesToTry("[0.5 0.5 250]").at(0), "250");
 }
 
-TEST(IioDevice, TheSensorBesideTheKeyboardComesFirst) {
+TEST(IioDevice, TheSensorNearTheKeyboardComesFirst) {
   FakeIio tree;
   tree.add(0, {{"label", "accel-display"}});
   tree.add(1, {{"label/folder", "reading it fails, as of a driver that answers with an error"}});

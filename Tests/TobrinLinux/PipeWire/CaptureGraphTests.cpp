@@ -72,7 +72,7 @@ TEST(CaptureGraph, LooksThroughFilters) {
   graph.nodes[30] = {.mediaClass = "Stream/Input/Audio", .linkGroup = "echo", .isRunning = true};
   graph.nodes[31] = {.name = "clean", .mediaClass = "Audio/Source", .linkGroup = "echo"};
   graph.links[1] = {1, 30};
-  EXPECT_FALSE(graph.activity(ownProcess).micInUse());  // nobody uses what it makes
+  EXPECT_FALSE(graph.activity(ownProcess).micInUse());  // no program uses what it makes
 
   graph.links[2] = {31, 10};
   EXPECT_EQ(graph.activity(ownProcess).recordingProcesses, Processes{99});

@@ -7,7 +7,7 @@ namespace {
 
 using Processes = std::vector<int32_t>;
 
-TEST(PulseListing, CountsProgramsThatHearAMicrophone) {
+TEST(PulseListing, CountsProgramsThatRecordAMicrophone) {
   constexpr uint32_t monitor = 1, microphone = 2, other = 3;
   PulseListing listing{.sources = {{monitor, {"out.monitor", "Monitor", true}},
                                    {microphone, {"mic", "Microphone"}},

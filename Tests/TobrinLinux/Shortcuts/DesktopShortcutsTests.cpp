@@ -64,7 +64,7 @@ class PortalTest : public ::testing::Test {
   std::optional<GlobalHotkey> hotkey_;
 };
 
-TEST_F(PortalTest, OwnKeysAreHeardUntilThePortalAgrees) {
+TEST_F(PortalTest, OwnKeysCountUntilThePortalAgrees) {
   startAgain();
   EXPECT_EQ(hotkey_->registerHotkey(Hotkey{200, {}}).kind, Kind::failed) << "no keyboard has it";
   EXPECT_EQ(hotkey_->registerHotkey(toggle).kind, Kind::active);

@@ -32,7 +32,7 @@ class LogSocket {
   FileDescriptor socket_{socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK, 0)};
 };
 
-TEST(SystemLog, GetsEachLineAndIsNeverWaitedFor) {
+TEST(SystemLog, GetsEachLineAndNeverMakesTheProgramWait) {
   const testing::TempFolder folder;
   const auto path = folder.path() / "log";
   const auto log = systemLog(path);

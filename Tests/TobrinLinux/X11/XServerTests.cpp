@@ -25,7 +25,7 @@ class XKeySourceTest : public ::testing::Test {
                      testing::patient()};
 };
 
-TEST_F(XKeySourceTest, HearsKeysWhoeverHasTheKeyboard) {
+TEST_F(XKeySourceTest, GetsKeysWhileAnotherProgramHasTheKeyboard) {
   ASSERT_TRUE(monitor.start()) << monitor.problem();
   server->press({KEY_A, KEY_LEFTSHIFT, KEY_VOLUMEUP});
   server->release({KEY_VOLUMEUP, KEY_LEFTSHIFT, KEY_LEFTSHIFT, KEY_A});
@@ -48,7 +48,7 @@ TEST_F(XKeySourceTest, HearsKeysWhoeverHasTheKeyboard) {
   EXPECT_EQ(heard.await(1), "-59 ") << "nothing is held of a server that has gone";
 }
 
-TEST_F(XKeySourceTest, ABacklogOfAStalledListenerIsNotHeard) {
+TEST_F(XKeySourceTest, DropsTheBacklogOfAStalledListener) {
   XKeySource source(server->display());
   ASSERT_TRUE(source.open());
   server->press({KEY_A});
@@ -65,7 +65,7 @@ TEST_F(XKeySourceTest, ABacklogOfAStalledListenerIsNotHeard) {
   EXPECT_LT(ageMs[1], 100);
 }
 
-TEST(XClock, TellsTimeAcrossTheWrapOfTheServersCounter) {
+TEST(XClock, KeepsTimeAcrossTheWrapOfTheServersCounter) {
   const uint64_t now = ((1ULL << 32) + 20) * 1'000'000 + 999;  // 20 ms after the wrap
   const XClock clock(true);
   EXPECT_EQ(clock.ticks(0xFFFFFFF6U, now), ((1ULL << 32) - 10) * 1'000'000);
@@ -96,7 +96,7 @@ class XShortcutTest : public ::testing::Test {
   const std::function<void()> counter = [this] { ++presses; };  // on the shortcut's thread
 };
 
-TEST_F(XShortcutTest, RunsOnceAPressWhicheverLocksAreOn) {
+TEST_F(XShortcutTest, RunsOnceAPressWithAnyLocksOn) {
   const XShortcut shortcut(server.display(), toggle, counter);
   ASSERT_EQ(shortcut.outcome(), ShortcutGrab{});
   server.press({KEY_LEFTCTRL, KEY_LEFTALT, KEY_LEFTMETA, KEY_K});

@@ -13,7 +13,7 @@ _STATES = {"checked": Atspi.StateType.CHECKED, "showing": Atspi.StateType.SHOWIN
 
 
 def start():
-    """Before the program: it asks on the session's bus whether anybody reads screens."""
+    """Before the program: it asks on the session's bus whether a screen reader runs."""
     Atspi.init()
     Atspi.get_desktop(0).set_cache_mask(Atspi.Cache.NONE)
     subprocess.run(["gdbus", "call", "--session", "-d", "org.a11y.Bus", "-o", "/org/a11y/bus", "-m",

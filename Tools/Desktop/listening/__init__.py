@@ -1,4 +1,4 @@
-"""Types on a private desktop, records what is played there, and tells which press made which sound."""
+"""Types on a private desktop, records what is played there, and finds which press made which sound."""
 
 from .levels import plateaus_db, steepest_fall
 from .matching import Figures, Match, figures, match

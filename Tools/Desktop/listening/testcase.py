@@ -6,7 +6,7 @@ import unittest
 
 
 class DesktopTest(unittest.TestCase):
-    """A test with a folder of its own."""
+    """A test with a private folder."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory(ignore_cleanup_errors=True)

@@ -35,7 +35,7 @@ def tool(name):
 
 
 class Background:
-    """A program running beside the test. Its lines are kept in `lines`; it ends with the `with` block."""
+    """A program that runs next to the test. Its lines are kept in `lines`; it ends with the `with` block."""
 
     def __init__(self, command, env=None):
         self.lines = []

@@ -1,4 +1,4 @@
-"""A desktop of one's own for tests: message bus, X server and sound server, private and headless."""
+"""A private desktop for tests: message bus, X server and sound server, with no screen."""
 
 from .session import Options, Session, SessionError
 

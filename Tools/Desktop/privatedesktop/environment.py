@@ -12,7 +12,7 @@ _FOREIGN_NAMES = ("DISPLAY", "XAUTHORITY", "SESSION_MANAGER", "DESKTOP_SESSION",
 
 
 class Folders:
-    """The session's private folder tree; a lock in it tells a living session from the rest of a dead one."""
+    """The session's private folder tree; a lock in it shows that the session lives."""
 
     def __init__(self):
         base = tempfile.gettempdir()

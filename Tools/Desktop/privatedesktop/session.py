@@ -95,7 +95,7 @@ class Session:
         return 128 - process.returncode
 
     def close(self):
-        """Ends whatever the command left running, while its desktop still stands; then the desktop."""
+        """Ends what the command left running, while its desktop still works; then the desktop."""
         for number in _FORWARDED:
             signal.signal(number, signal.SIG_IGN)
         end_orphans(keep=list(self._daemons.pids().values()))
