@@ -66,8 +66,7 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
       .shortcutService = std::make_unique<DesktopShortcuts>(portalMemory(settings_, main_)),
       .micSource = makeMicSource(soundServer),
       .onThreadStart = prepareTimelyThread,
-      .keyOfScanCode =
-          [](uint32_t code) { return KeyCodes::virtualCode(code - KeyCodes::xOffset); },
+      .keyOfScanCode = [](uint32_t code) { return virtualCodeOf(code - xKeyCodeOffset); },
       .discoverPacks = [] { return PackLibrary::discover(); },
       .loadPack =
           [this](const PackInfo& info) {
