@@ -45,6 +45,11 @@ RowLayout {
             small: true
             secondary: true
         }
+        KeyLights {
+            Layout.fillWidth: true
+            Layout.topMargin: Theme.unit
+            model: header.model
+        }
     }
     PanelSwitch {
         text: qsTr("Sounds")

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "Application/Translation.h"
+#include "Input/KeyLayout.h"
 #include "Model/AppModel.h"
 
 namespace tobrin {
@@ -58,6 +59,17 @@ PanelModel::PanelModel(AppModel& model, QObject* parent)
   connect(&model, &AppModel::packsFolderProblemChanged, this,
           &PanelModel::packsFolderProblemChanged);
   connect(&model, &AppModel::lastForceChanged, this, &PanelModel::lastForceChanged);
+  connect(&model, &AppModel::lastForceChanged, this, &PanelModel::lightKey);
+}
+
+void PanelModel::lightKey() {
+  if (!hasReading()) return;
+  const uint16_t code = model_.lastForce()->code;
+  const KeyGroup group = KeyLayout::group(code);
+  const double strength = static_cast<double>(model_.lastForce()->position) / 3;
+  emit keyStruck(KeyLayout::column(code).value_or(0),
+                 group == KeyGroup::space || group == KeyGroup::modifier, readingTier(),
+                 std::clamp(strength, 0.0, 1.0));
 }
 
 template <typename Field, typename Value>

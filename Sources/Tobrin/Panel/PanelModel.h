@@ -148,9 +148,13 @@ class PanelModel final : public QObject {
   void launchAtLoginChanged();
   void packsFolderProblemChanged();
   void lastForceChanged();
+  /// A key was struck: its place in key widths from the left edge, whether it lies in the row of
+  /// the space bar, its tier 0 to 3, and its strength 0 to 1.
+  void keyStruck(double column, bool isBottom, int tier, double strength);
   void shortcutChanged();
 
  private:
+  void lightKey();
   /// Changes one setting: reads all, sets the field, writes all.
   template <typename Field, typename Value>
   void change(Field EngineSettings::*field, Value value);

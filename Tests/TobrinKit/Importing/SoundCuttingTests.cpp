@@ -24,10 +24,10 @@ TEST(SoundCutting, CutsFromOnsetToQuietAndLeavesNoClickNorTheNextStroke) {
   const SampleBuffer sound = typing(9600 + 20, 0.2f);
   const SourceFiles::File file{"s.wav", {}, 1};
   const std::tuple<SoundRef::Part, double, double> rows[] = {
-      {{0, 100}, 75, 90},      // silence before the onset is cut off
-      {{15, 110}, 75, 90},     // the next stroke begins in it
-      {{60, 70}, 50, 60},      // begun in a tail, and ended in the next stroke
-      {{120, 900}, 75, 90},    // past the end of the file, which is no whole millisecond
+      {{0, 100}, 75, 90},    // silence before the onset is cut off
+      {{15, 110}, 75, 90},   // the next stroke begins in it
+      {{60, 70}, 50, 60},    // begun in a tail, and ended in the next stroke
+      {{120, 900}, 75, 90},  // past the end of the file, which is no whole millisecond
   };
   for (const auto& [part, least, most] : rows) {
     ImportNotes notes;

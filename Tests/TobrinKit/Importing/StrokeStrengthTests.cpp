@@ -69,7 +69,8 @@ TEST(StrokeStrength, MakesStrokesThatGrowLouderBrighterAndQuickerAsThoseOfModell
         const Take medium = synthesized(profile, Tier::medium, variant);
         const Take made = StrokeStrength::derived(medium, tier);
         const Slope slope(medium, made);
-        EXPECT_NEAR(Measure(made).level - Measure(medium).level, StrokeStrength::levelDb(tier), 0.1);
+        EXPECT_NEAR(Measure(made).level - Measure(medium).level, StrokeStrength::levelDb(tier),
+                    0.1);
         EXPECT_GT(slope.attack, 0) << profile.id;
         EXPECT_GT(slope.tilt, 0.05) << profile.id;
         derived.push_back(slope.tilt);
