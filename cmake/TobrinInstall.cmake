@@ -9,6 +9,9 @@ install(TARGETS TobrinTray TobrinPanel LIBRARY DESTINATION ${TOBRIN_MODULES_DIR}
 
 # The desktop: entry, icons, description.
 install(FILES ${resources}/desktop/app.tobrin.Tobrin.desktop DESTINATION ${share}/applications)
+install(FILES ${resources}/desktop/app.tobrin.Tobrin.mime.xml DESTINATION ${share}/mime/packages RENAME app.tobrin.Tobrin.xml)
+install(FILES ${resources}/icons/app.tobrin.Tobrin.svg DESTINATION ${share}/icons/hicolor/scalable/mimetypes
+        RENAME application-vnd.tobrin.pack+zip.svg)
 install(FILES ${resources}/icons/app.tobrin.Tobrin.svg DESTINATION ${share}/icons/hicolor/scalable/apps)
 # Those of the tray in two forms: as they are, and for bars that draw them in their own colour. Of the
 # symbolic folders the common index of older systems lists this one alone.

@@ -2,6 +2,7 @@
 
 #include "AppModelFixture.h"
 #include "Support/Eventually.h"
+#include "Support/TempFolder.h"
 
 namespace tobrin::testing {
 namespace {
@@ -92,6 +93,23 @@ TEST_F(AppModelTest, OpeningThePanelLoadsWhatIsNot) {
   damaged_ = {"omega"};
   found_.back().directory = "elsewhere";  // another of that id
   model.menuOpened();
+  advance(0);
+  EXPECT_EQ(loadedPack(), "none");
+}
+
+TEST_F(AppModelTest, LoadsTheChosenPackAgainOnceItWasReplaced) {
+  const TempFolder folder;
+  const auto manifest = folder.write("pack.json", "{}");
+  found_[1].directory = folder.path();
+  AppModel& model = start();
+  advance(0);
+  damaged_ = {"leopold"};
+  model.lookForPacks();
+  advance(0);
+  EXPECT_EQ(loadedPack(), "leopold") << "the same as before";
+  const auto written = std::filesystem::last_write_time(manifest);
+  std::filesystem::last_write_time(manifest, written + std::chrono::seconds(1));
+  model.lookForPacks();
   advance(0);
   EXPECT_EQ(loadedPack(), "none");
 }

@@ -74,7 +74,11 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
             return LoadedPack::load(info, AudioOutput::sampleRate);
           },
   };
+  const bool isPreview = preview.has_value();
   model_ = std::make_unique<AppModel>(std::move(services), std::move(preview));
+  if (!isPreview)
+    packsWatch_ = std::make_unique<PacksWatch>(PackLibrary::userPacksDirectory(),
+                                               [this] { model_->lookForPacks(); });
 }
 
 }  // namespace tobrin

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "Application/DesktopWorkspace.h"
+#include "Application/PacksWatch.h"
 #include "Confinement/Launcher.h"
 #include "Desktop/JsonSettingsStore.h"
 #include "Desktop/XdgAutostart.h"
@@ -33,6 +34,7 @@ class Assembly final {
   AsioQueue conductorQueue_;
   AsioQueue micQueue_;
   std::unique_ptr<AppModel> model_;
+  std::unique_ptr<PacksWatch> packsWatch_;  // null in a preview
 };
 
 }  // namespace tobrin

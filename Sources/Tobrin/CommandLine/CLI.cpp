@@ -8,6 +8,7 @@
 #include "Application/Application.h"
 #include "Application/Diagnostics.h"
 #include "Application/Snapshot.h"
+#include "CommandLine/InstallFiles.h"
 
 namespace tobrin {
 namespace {
@@ -53,6 +54,7 @@ std::optional<int> runDiagnostic(const std::vector<std::string>& arguments) {
   }
   if (first == "--selftest") return runSelfTest();
   if (first == "--snapshot") return drawSnapshot({arguments.begin() + 1, arguments.end()});
+  if (areFiles(arguments)) return installFiles(arguments) ? std::nullopt : std::optional(1);
   if (first && first->starts_with('-') && !isOurOwn(*first)) {
     std::fprintf(stderr, "tobrin: there is no option %s (see --help); starting without it.\n",
                  first->c_str());

@@ -7,6 +7,16 @@
 #include "Packs/PackLibrary.h"
 
 namespace tobrin {
+namespace {
+
+/// When the pack's description was written: with every new content of the pack. The earliest time
+/// there is where it cannot be had.
+std::filesystem::file_time_type stampOf(const PackInfo& pack) {
+  std::error_code ignored;
+  return std::filesystem::last_write_time(pack.directory / PackManifest::fileName, ignored);
+}
+
+}  // namespace
 
 AppModel::AppModel(AppServices services, std::optional<Preview> preview)
     : services_(std::move(services)),
@@ -299,7 +309,8 @@ void AppModel::refreshPacks() {
 
 void AppModel::loadWhereMissing(bool audition) {
   const PackInfo* selected = selectedPack();
-  if (selected != nullptr && packOfLoad_ != *selected) loadSelectedPack(audition);
+  if (selected == nullptr) return;
+  if (packOfLoad_ != *selected || stampOfLoad_ != stampOf(*selected)) loadSelectedPack(audition);
 }
 
 void AppModel::loadSelectedPack(bool audition) {
@@ -312,6 +323,7 @@ void AppModel::loadSelectedPack(bool audition) {
                                 : std::nullopt);
     return;
   }
+  stampOfLoad_ = stampOf(*selected);
   services_.loader.async([this, self = self_, info = *selected, number, audition,
                           load = services_.loadPack, &main = services_.main] {
     std::shared_ptr<const LoadedPack> pack;
@@ -347,9 +359,13 @@ void AppModel::setPackError(std::optional<std::string> text) {
 
 // The panel's other actions
 
-void AppModel::menuOpened() {
+void AppModel::lookForPacks() {
   refreshPacks();
   loadWhereMissing(false);
+}
+
+void AppModel::menuOpened() {
+  lookForPacks();
   lookForKeyAccess();
   registerShortcut();
 }

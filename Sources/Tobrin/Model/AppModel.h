@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QString>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -98,6 +99,8 @@ class AppModel final : public QObject {
   [[nodiscard]] EngineSettings effectiveSettings() const;
 
   void refreshPacks();
+  /// Finds the packs again, and loads the chosen one where it has become another.
+  void lookForPacks();
   void menuOpened();
   void setLaunchAtLogin(bool on);
   void relaunch();
@@ -179,6 +182,7 @@ class AppModel final : public QObject {
   GlobalHotkey::Status shortcutStatus_;
 
   std::optional<PackInfo> packOfLoad_;  // what is loaded or on its way; none where that failed
+  std::filesystem::file_time_type stampOfLoad_{};  // of its description
   uint64_t loadNumber_ = 0;  // the newest pack load; older ones are dropped when they end
 
   std::shared_ptr<AppModel*> self_;  // null inside once the model is gone; shared with posted tasks

@@ -57,7 +57,9 @@ PackInstall::PackInstall(const fs::path& source, const fs::path& packsFolder,
                          const PackImport::Services& services, const PackImport::Progress& progress)
     : packsFolder_(packsFolder), services_(services) {
   const auto named = [&](Kind kind, const std::exception& error) {
-    return ImportError(kind, source.filename().string() + ": " + error.what());
+    const std::string name = source.filename().string();
+    const std::string text = error.what();
+    return ImportError(kind, text.find(name) != std::string::npos ? text : name + ": " + text);
   };
   try {
     prepare(source, progress);
