@@ -7,6 +7,7 @@
 #include "Commands.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
+#include "PackArgument.h"
 #include "Packs/LoadedPack.h"
 #include "PrintableText.h"
 #include "Warnings.h"
@@ -96,7 +97,7 @@ void printTable(const LoadedPack& pack, std::ostream& out) {
 }
 
 void run(const Options& options, const CommandStreams& streams) {
-  const PackInfo info = PackInfo::read(options.folder, false);
+  const PackInfo info = PackInfo::read(packFolder(options.folder), false);
   const std::string manifest = (info.directory / PackManifest::fileName).string();
   warnOfUnknownNames(manifest, readInputFile(manifest), exampleManifest(), streams.err);
   const auto pack = LoadedPack::load(info, engineRate);
@@ -121,7 +122,8 @@ void addCheckCommand(CLI::App& app, const CommandStreams& streams) {
   const auto options = std::make_shared<Options>();
   auto* const command =
       app.add_subcommand("check", "Load a pack and list its takes, or say why it does not load");
-  command->add_option("PACKDIR", options->folder, "The pack's folder")->required();
+  command->add_option("PACKDIR", options->folder, "The pack's folder, or its id in 'list'")
+      ->required();
   command->add_flag("--json", options->json, "One JSON document instead of a table");
   command->footer(footer);
   command->callback([options, streams] { run(*options, streams); });

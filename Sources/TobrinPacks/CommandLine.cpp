@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "Commands.h"
+#include "PackArgument.h"
 #include "PrintableText.h"
 
 namespace tobrin {
@@ -49,9 +50,13 @@ int reportParse(const CLI::App& app, const CLI::ParseError& error, const Command
 /// The parser itself would only ask for a command.
 void refuseUnknownCommand(const CLI::App& app, const std::vector<std::string>& arguments) {
   if (arguments.empty() || arguments.front().starts_with('-')) return;
-  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
     if (command->get_name() == arguments.front()) return;
-  throw CLI::ValidationError("no command '" + arguments.front() + "'");
+    names.push_back(command->get_name());
+  }
+  throw CLI::ValidationError("no command '" + arguments.front() + "'" +
+                             didYouMean(arguments.front(), names));
 }
 
 /// The error's text without the prefix that the standard library puts before some.

@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "Importing/PackExport.h"
 #include "Importing/SourceLicense.h"
+#include "PackArgument.h"
 #include "PrintableText.h"
 #include "Warnings.h"
 
@@ -15,7 +16,7 @@ struct Options {
 };
 
 void run(const Options& options, const CommandStreams& streams) {
-  const PackManifest manifest = PackExport::run(options.folder, options.out);
+  const PackManifest manifest = PackExport::run(packFolder(options.folder), options.out);
   if (!namesLicense(manifest))
     warn(streams.err, "nothing says under which licence the sounds of " + manifest.name +
                           " may be handed on: set \"license\" in its pack.json");
@@ -35,7 +36,8 @@ Examples:
 void addExportCommand(CLI::App& app, const CommandStreams& streams) {
   const auto options = std::make_shared<Options>();
   auto* const command = app.add_subcommand("export", "Write a pack as one file to hand on");
-  command->add_option("PACKDIR", options->folder, "The pack's folder")->required();
+  command->add_option("PACKDIR", options->folder, "The pack's folder, or its id in 'list'")
+      ->required();
   command->add_option("--out", options->out, "The file, FILE.tobrinpack")->required();
   command->footer(footer);
   command->callback([options, streams] { run(*options, streams); });

@@ -11,6 +11,7 @@
 #include "Engine/OfflineRenderer.h"
 #include "InputFile.h"
 #include "NumberRange.h"
+#include "PackArgument.h"
 #include "Packs/FloatWAVWriter.h"
 #include "Packs/WAVWriter.h"
 #include "PrintableText.h"
@@ -23,6 +24,7 @@ namespace tobrin {
 namespace {
 
 constexpr int engineRate = 48000;
+constexpr double fastestTyping = 400;  // words a minute; records lie near 300
 constexpr const char* exampleScript = R"([{"time":0,"code":0,"action":"","position":0}])";
 
 struct Options {
@@ -58,8 +60,10 @@ std::vector<ScriptedKey> scriptOf(const Options& options, std::ostream& err) {
     return parseFile(options.scriptFile, parseScript, exampleScript, err);
   const std::string text = options.text ? *options.text : readInputFile(options.textFile);
   const auto strength = static_cast<float>(options.strength);
-  return typingScript(text, options.wpm, options.seed,
-                      [strength](std::size_t, std::size_t) { return strength; });
+  auto script = typingScript(text, options.wpm, options.seed,
+                             [strength](std::size_t, std::size_t) { return strength; });
+  if (script.empty()) warn(err, "no character of the text has a key: the sound is silent");
+  return script;
 }
 
 /// The sizes in a WAV file have 32 bits.
@@ -108,7 +112,7 @@ void run(const Options& options, const CommandStreams& streams) {
                                       ? EngineSettings()
                                       : parseFile(options.settingsFile, EngineSettings::fromJson,
                                                   EngineSettings().toJson(), streams.err);
-  const auto pack = LoadedPack::load(PackInfo::read(options.pack, false), engineRate);
+  const auto pack = LoadedPack::load(PackInfo::read(packFolder(options.pack), false), engineRate);
   OfflineRenderer::Sound sound;
   {
     Progress progress(streams.err, "rendering");
@@ -132,7 +136,7 @@ Examples:
 )";
 
 void addOptions(CLI::App& command, Options& options) {
-  command.add_option("PACKDIR", options.pack, "The pack's folder")->required();
+  command.add_option("PACKDIR", options.pack, "The pack's folder, or its id in 'list'")->required();
   auto* const source = command.add_option_group("Source", "What is played; one of");
   source->add_option("--text", options.text, "Text to type");
   source->add_option("--text-file", options.textFile, "File of text to type, - for standard input");
@@ -140,7 +144,7 @@ void addOptions(CLI::App& command, Options& options) {
   source->require_option(1);
   command.add_option("--out", options.out, "WAV file to write, replaced when complete")->required();
   command.add_option("--wpm", options.wpm, "Typing speed in words of five characters a minute")
-      ->check(numberFrom(1, 10'000))
+      ->check(numberFrom(1, fastestTyping))
       ->capture_default_str();
   command.add_option("--seed", options.seed, "Seed of the typing rhythm")
       ->check(wholeNumber())

@@ -86,6 +86,19 @@ TEST_F(PackWorkshop, ChecksWhatAPackHolds) {
       << last_.out;
 }
 
+TEST_F(PackWorkshop, TakesNamesOfTheLibraryAndGuessesWhatWasMeant) {
+  EXPECT_EQ(run({"check", "one"}), 0) << last_.err;
+  const auto says = [&](const std::vector<std::string>& arguments, const char* words) {
+    EXPECT_NE(run(arguments), 0);
+    EXPECT_NE(last_.err.find(words), std::string::npos) << last_.err;
+  };
+  says({"check", "onne"}, "is called 'onne', did you mean 'one'?");
+  says({"check", "something"}, "is called 'something'\n");
+  says({"rendr"}, "no command 'rendr', did you mean 'render'?");
+  EXPECT_EQ(run({"render", "one", "--text", "é", "--out", path("x.wav")}), 0);
+  EXPECT_NE(last_.err.find("the sound is silent"), std::string::npos) << last_.err;
+}
+
 TEST_F(PackWorkshop, WarnsOfUnknownNames) {
   const auto warnsOf = [&](const char* name, const std::vector<std::string>& arguments) {
     run(arguments);
@@ -133,7 +146,7 @@ TEST_F(PackWorkshop, RendersTheSameSoundEveryTime) {
 TEST_F(PackWorkshop, RefusesNumbersAndFilesThatMakeNoSense) {
   const std::string out = path("out.wav");
   const std::pair<std::string, std::vector<std::string>> senseless[] = {
-      {"--wpm", {"nan", "0", "1e300"}},
+      {"--wpm", {"nan", "0", "401"}},
       {"--seed", {"-1", "1e3", "18446744073709551616"}},
       {"--strength", {"3.5"}},
       {"--tail", {"-0.1", "inf"}},

@@ -37,15 +37,19 @@ int SelfTest::run() {
 
 std::shared_ptr<const LoadedPack> SelfTest::checkPacks() {
   const auto packs = parts_.discoverPacks();
-  check(!packs.empty(), "found " + std::to_string(packs.size()) + " sound packs");
+  check(!packs.empty(), "found " + std::to_string(packs.size()) + " sound packs",
+        "install Tobrin again, or name a folder of packs in TOBRIN_PACKS");
   if (packs.empty()) return nullptr;
   try {
     auto pack = parts_.loadPack(packs.front());
-    check(true, "loaded " + pack->info().name + " (" + std::to_string(pack->sampleCount()) +
-                    " takes, " + std::to_string(pack->memoryBytes() >> 10) + " KiB)");
+    check(true,
+          "loaded " + pack->info().name + " (" + std::to_string(pack->sampleCount()) + " takes, " +
+              std::to_string(pack->memoryBytes() >> 10) + " KiB)",
+          "");
     return pack;
   } catch (const std::exception& error) {
-    check(false, "loaded " + packs.front().name + ": " + error.what());
+    check(false, "loaded " + packs.front().name + ": " + error.what(),
+          "tobrin-packs check " + packs.front().id + ", or take the pack away");
     return nullptr;
   }
 }
@@ -65,29 +69,36 @@ void SelfTest::checkEngine(std::shared_ptr<const LoadedPack> pack) {
   });
   const bool isListening = monitor->start();
   const std::string tap(parts_.words.keyAccessCheck);
-  check(isListening, isListening ? tap : tap + ": " + monitor->problem());
+  check(isListening, isListening ? tap : tap + ": " + monitor->problem(),
+        parts_.words.keyAccessForProbe);
   parts_.sleep(settleTime);
   const AudioOutput& audio = conductor.audio();
-  check(audio.isRunning(), audio.isRunning() ? "audio engine running: " + audio.description()
-                                             : "audio engine running: " + audio.problem());
+  check(audio.isRunning(),
+        audio.isRunning() ? "audio engine running: " + audio.description()
+                          : "audio engine running: " + audio.problem(),
+        "start a sound server, or end the program that holds the sound card");
 
   checkKeys(isListening, [&] { return heard.load(std::memory_order_relaxed); });
   const uint64_t frames = audio.renderedFrames();
-  check(frames > 0, "render callback ran (" + std::to_string(frames) + " frames)");
-  check(audio.droppedCommands() == 0, "no dropped commands");
+  check(frames > 0, "render callback ran (" + std::to_string(frames) + " frames)",
+        "play a sound with another program; start the sound server again if it is silent too");
+  check(audio.droppedCommands() == 0, "no dropped commands", "again when the machine is less busy");
   if (watched == nullptr) {
     skip(std::string(parts_.words.noSensorCheck));
   } else {
     const uint64_t reports = watched->reportsReceived();
-    check(reports > 0, "motion sensor streaming (" + std::to_string(reports) + " reports)" +
-                           (reports > 0 ? "" : ": " + watched->problem()));
+    check(reports > 0,
+          "motion sensor streaming (" + std::to_string(reports) + " reports)" +
+              (reports > 0 ? "" : ": " + watched->problem()),
+          "another program may hold the sensor; a fixed strength works without it");
   }
   monitor->stop();
   conductor.shutdown();
 }
 
 void SelfTest::checkKeys(bool isListening, const std::function<int()>& heard) {
-  if (!isListening) return check(false, "synthetic key events: nothing listens");
+  if (!isListening)
+    return check(false, "synthetic key events: nothing listens", "what the keyboard tap needs");
   if (!parts_.typer->open()) return skip("synthetic key events (" + parts_.typer->problem() + ")");
   const int before = heard();
   int sent = 0;
@@ -99,13 +110,17 @@ void SelfTest::checkKeys(bool isListening, const std::function<int()>& heard) {
   }
   parts_.sleep(deliveryTime);
   const int received = heard() - before;
-  check(sent > 0 && received >= sent, "synthetic key events (" + std::to_string(received) + " of " +
-                                          std::to_string(sent) + " heard)");
+  check(sent > 0 && received >= sent,
+        "synthetic key events (" + std::to_string(received) + " of " + std::to_string(sent) +
+            " heard)",
+        "in a terminal of the session in which you type");
 }
 
-void SelfTest::check(bool passed, const std::string& text) {
+void SelfTest::check(bool passed, const std::string& text, std::string_view advice) {
   out_ << (passed ? "PASS  " : "FAIL  ") << text << std::endl;
-  if (!passed) ++failures_;
+  if (passed) return;
+  ++failures_;
+  out_ << "      Try: " << advice << std::endl;
 }
 
 void SelfTest::skip(const std::string& text) {

@@ -43,7 +43,8 @@ class SelfTest final {
   std::shared_ptr<const LoadedPack> checkPacks();
   void checkEngine(std::shared_ptr<const LoadedPack> pack);
   void checkKeys(bool isListening, const std::function<int()>& heard);
-  void check(bool passed, const std::string& text);
+  /// `advice` follows a check that failed: what to try.
+  void check(bool passed, const std::string& text, std::string_view advice);
   void skip(const std::string& text);
 
   Parts parts_;

@@ -1,5 +1,6 @@
 #include "Base/ReadJson.h"
 
+#include <algorithm>
 #include <string>
 
 namespace tobrin {
@@ -10,14 +11,13 @@ using Json = nlohmann::json;
 constexpr std::size_t longestText = std::size_t{16} << 20;
 constexpr int mostNested = 32;
 
-/// The library's "[json.exception.NAME.NUMBER] reason", which repeats a text that it took offence
-/// at in its whole length.
-std::string reasonOf(const Json::exception& error) {
-  constexpr std::size_t longestReason = 200;
-  std::string reason = error.what();
-  if (const auto start = reason.find("] "); start != std::string::npos) reason.erase(0, start + 2);
-  if (reason.size() > longestReason) reason.replace(longestReason, std::string::npos, "...");
-  return reason;
+/// Where a parser that counts bytes from 1 gave up, as an editor shows it.
+std::string placeOf(std::string_view text, std::size_t byte) {
+  const std::string_view before = text.substr(0, byte > 0 ? byte - 1 : 0);
+  const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+  const std::size_t lineStart = before.rfind('\n') + 1;  // 0 where there is none before
+  const std::size_t column = before.size() - lineStart + 1;
+  return "line " + std::to_string(line) + ", column " + std::to_string(column);
 }
 
 }  // namespace
@@ -32,8 +32,10 @@ Json readJson(std::string_view text, const Json::parser_callback_t& watch) {
   };
   try {
     return Json::parse(text, guard);
-  } catch (const Json::exception& error) {
-    throw JsonError("not valid JSON: " + reasonOf(error));
+  } catch (const Json::parse_error& error) {
+    throw JsonError("not valid JSON from " + placeOf(text, error.byte) + " on");
+  } catch (const Json::exception&) {
+    throw JsonError("not valid JSON: it has a number that is too large");
   }
 }
 

@@ -45,7 +45,7 @@ TEST(PackRecipe, RefusesWhatIsWrongByItsKey) {
           {recipe(R"(, "options": {"bigKeyShare": 1e300})"), "\"bigKeyShare\" must lie between"},
           {recipe(R"(, "options": {"preRollMs": 1001})"), "\"preRollMs\" must lie between"},
           {recipe(R"(, "options": {"noReleases": 1})"), "\"noReleases\" must be true or false"},
-          {recipe().substr(0, 40), "not valid JSON: parse error"},
+          {recipe().substr(0, 40), "not valid JSON from line 1, column 41 on"},
           {recipe(R"(, "options": {"x": )" + std::string(100'000, '[') + std::string(100'000, ']') +
                   "}"),
            "nested too deeply"},
