@@ -1,6 +1,7 @@
 /// Writes the few shapes of a drawing as SVG text. Positions and sizes in pixels. Thread: any.
 #pragma once
 
+#include <cassert>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -46,6 +47,7 @@ class SvgDocument {
   /// `text` holds nothing that SVG would have to escape.
   void label(double x, double y, std::string_view text, const char* color = "#1b1b20",
              Anchor anchor = Anchor::start) {
+    assert(text.find_first_of("<&") == std::string_view::npos);
     constexpr const char* anchors[] = {"start", "middle", "end"};
     add("<text x=\"%.1f\" y=\"%.1f\" text-anchor=\"%s\" fill=\"%s\">", x, y,
         anchors[static_cast<int>(anchor)], color);

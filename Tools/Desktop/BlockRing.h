@@ -27,7 +27,7 @@ class BlockRing final {
  public:
   BlockRing() : blocks_(512) {}
 
-  /// Any length; split into blocks. Thread: producer.
+  /// Any length; split into blocks. Called by the thread that pushes.
   void push(int64_t startNs, std::span<const float> interleaved) noexcept {
     while (!interleaved.empty()) {
       const size_t samples = std::min(interleaved.size(), TimedBlock::capacity * channelCount);
@@ -38,7 +38,7 @@ class BlockRing final {
     }
   }
 
-  /// Null when empty; the block stays valid until pop(). Thread: consumer.
+  /// Null when empty; the block stays valid until pop(). Called by the thread that takes.
   [[nodiscard]] const TimedBlock* front() const noexcept {
     const size_t read = read_.load(std::memory_order_relaxed);
     // Pairs with the store in pushBlock(), which publishes the block's contents.

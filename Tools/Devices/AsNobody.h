@@ -9,7 +9,7 @@
 
 namespace tobrin::testing {
 
-/// Starts `body` in a process of the user "nobody", and to one group if that is given.
+/// Starts `body` in a process of the user "nobody", and of one group if that is given.
 inline pid_t startAsNobody(const std::function<int()>& body, gid_t group = 65534) {
   const pid_t child = fork();
   if (child != 0) return child;

@@ -5,7 +5,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Pointer and focus leave in either order, at most 100 ms apart; on X11 the toolkit tells of the
+/// Pointer and focus leave in either order, at most 100 ms apart; on X11 the toolkit reports the
 /// focus another 100 ms late.
 constexpr FocusLoss::Duration together = 250ms;
 /// A hand takes that long from the tray to the panel; on its way the pointer crosses other windows.

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QCursor>
 #include <QLoggingCategory>
+#include <cassert>
 
 #include "Application/Application.h"
 #include "Application/Modules.h"
@@ -59,6 +60,7 @@ std::unique_ptr<QCoreApplication> TrayInterface::makeApplication(int& argc, char
 }
 
 void TrayInterface::start(AppModel& model) {
+  assert(model_ == nullptr);  // once
   model_ = &model;
   appearance_ = std::make_unique<Appearance>();
   unload_.setSingleShot(true);
@@ -167,6 +169,7 @@ void TrayInterface::showPanel() {
 }
 
 Panel* TrayInterface::panel() {
+  assert(model_ != nullptr);  // it has been started
   unload_.stop();
   if (panel_) return panel_.get();
   const PanelModule* const library = loadPanelModule();

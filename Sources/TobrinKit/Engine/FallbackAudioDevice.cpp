@@ -1,12 +1,14 @@
 #include "Engine/FallbackAudioDevice.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace tobrin {
 
 FallbackAudioDevice::FallbackAudioDevice(std::unique_ptr<AudioDevice> preferred, Maker makeFallback,
                                          std::function<bool()> mayFallBack)
     : makeFallback_(std::move(makeFallback)), mayFallBack_(std::move(mayFallBack)) {
+  assert(preferred != nullptr && makeFallback_ && mayFallBack_);
   preferred_.device = std::move(preferred);
 }
 
@@ -21,11 +23,13 @@ FallbackAudioDevice::~FallbackAudioDevice() {
 }
 
 void FallbackAudioDevice::setCallbacks(AudioCallbacks callbacks) {
+  assert(callbacks.render != nullptr && callbacks.changed);
   callbacks_ = std::move(callbacks);
   preferred_.device->setCallbacks(preferred_.callbacks());
 }
 
 bool FallbackAudioDevice::start() {
+  assert(callbacks_.render != nullptr);
   const std::lock_guard lock(mutex_);
   if (isClosing_) return false;
   if (preferred_.device->start()) {

@@ -1,14 +1,18 @@
 #include "Mic/FallbackMicSource.h"
 
+#include <cassert>
 #include <utility>
 
 namespace tobrin {
 
 FallbackMicSource::FallbackMicSource(std::unique_ptr<MicSource> preferred,
                                      std::unique_ptr<MicSource> fallback)
-    : preferred_(std::move(preferred)), fallback_(std::move(fallback)) {}
+    : preferred_(std::move(preferred)), fallback_(std::move(fallback)) {
+  assert(preferred_ != nullptr && fallback_ != nullptr);
+}
 
 void FallbackMicSource::start(std::function<void()> changed) {
+  assert(changed);
   changed_ = std::move(changed);
   preferred_->start(changed_);
 }

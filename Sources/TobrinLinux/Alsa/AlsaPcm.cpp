@@ -3,6 +3,7 @@
 #include <alsa/asoundlib.h>
 
 #include <algorithm>
+#include <cassert>
 #include <stdexcept>
 #include <utility>
 
@@ -112,6 +113,7 @@ uint32_t AlsaPcm::room() {
 }
 
 void AlsaPcm::write(std::span<const float> left, std::span<const float> right) {
+  assert(left.size() <= bufferFrames_ && right.size() == (isStereo() ? left.size() : 0));
   const std::size_t frameBytes = channels_ * bytesPerSample(format_);
   std::size_t done = 0;
   interleave(left, right, format_, bytes_.data());

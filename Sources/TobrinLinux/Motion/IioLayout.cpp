@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cassert>
 #include <charconv>
 #include <utility>
 
@@ -45,6 +46,7 @@ std::optional<IioScanType> IioScanType::parse(std::string_view text) {
 
 int64_t IioScanType::decode(std::span<const uint8_t> bytes) const {
   const std::size_t count = storage / 8;
+  assert(bytes.size() >= count);
   uint64_t word = 0;
   for (std::size_t i = 0; i < count; ++i)
     word = word << 8 | bytes[bigEndian ? i : count - 1 - i];
@@ -68,6 +70,7 @@ IioLayout::IioLayout(std::vector<Element> elements) {
 }
 
 IioLayout::Frame IioLayout::decode(std::span<const uint8_t> bytes) const {
+  assert(bytes.size() >= frameBytes());
   Frame frame;
   for (const Placed& placed : placed_) {
     const IioScanType& type = placed.element.type;

@@ -29,7 +29,7 @@ struct IioScanType {
   [[nodiscard]] int64_t decode(std::span<const uint8_t> bytes) const;
 };
 
-/// A frame of three axes and perhaps a time stamp. Each number lies at a multiple of its own size,
+/// A frame of three axes and perhaps a time stamp. Each number lies at a multiple of its size,
 /// in the order of the kernel's indices.
 class IioLayout {
  public:

@@ -36,7 +36,7 @@ namespace sysfs {
 }  // namespace sysfs
 
 /// Writes attributes and puts back what they held, last change first; what others have changed
-/// since is theirs. Thread: one.
+/// since is theirs. Thread: sensor.
 class AttributeChanges final {
  public:
   AttributeChanges() = default;

@@ -26,8 +26,9 @@ std::optional<uint32_t> numberOf(const spa_dict& properties, const char* key) {
   return number;
 }
 
-/// The server knows the process at the other end of its socket; what a program in a sandbox says
-/// of its own is of no use outside. Clients of the PulseAudio layer all share that layer's process.
+/// The server knows the process at the other end of its socket; the number that a program in a
+/// sandbox gives is of no use outside. All clients of the PulseAudio layer share that layer's
+/// process.
 int32_t processOf(const spa_dict& properties) {
   const bool isRelayed = textOf(properties, PW_KEY_CLIENT_API) == "pipewire-pulse";
   const auto own = numberOf(properties, PW_KEY_APP_PROCESS_ID);

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cassert>
 #include <csignal>
 #include <utility>
 
@@ -35,6 +36,7 @@ bool readAll(int input, std::chrono::steady_clock::time_point deadline, const Wa
 std::optional<std::string> childOutput(const std::vector<std::string>& command,
                                        std::chrono::steady_clock::time_point deadline,
                                        const WakeEvent& stop) {
+  assert(!command.empty());
   std::optional<Pipe> pipe = makePipe();
   if (!pipe) return std::nullopt;
   const Spawned started =

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cassert>
 #include <cerrno>
 #include <csignal>
 
@@ -38,6 +39,7 @@ class Streams final {
 
  private:
   void connect(int stream, int source, int mode) {
+    assert(source >= SpawnOptions::nowhere);
     if (source == SpawnOptions::nowhere)
       posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", mode, 0);
     else if (source >= 0)
@@ -86,6 +88,7 @@ Spawned spawn(std::vector<std::string> command, const SpawnOptions& options) {
 }
 
 int waitForEnd(pid_t child) {
+  assert(child > 0);  // other numbers stand for any child, or for a group
   int status = 0;
   if (retried([&] { return waitpid(child, &status, 0); }) < 0) return -1;
   constexpr int signalBase = 128;

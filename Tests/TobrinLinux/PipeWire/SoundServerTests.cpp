@@ -47,7 +47,7 @@ TEST_F(PipeWireOutputTest, FirstSoundAfterAPauseIsHeardWhole) {
     return std::ssize(heard) == before + pulse &&
            std::count(heard.begin() + before, heard.end(), std::pair(0.5F, -0.25F)) == pulse;
   };
-  // Where a cycle was missed, because the machine gives nobody real-time scheduling and has too
+  // Where a cycle was missed, because the machine gives no program real-time scheduling and has too
   // much to do, a block of the player or of the recording is lost in it: such a round tells
   // nothing.
   for (int whole = 0, rounds = 0; whole < 5; ++rounds) {
