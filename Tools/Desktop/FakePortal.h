@@ -24,6 +24,7 @@ class FakePortal final {
     uint32_t code = 0;     // the user agrees; 1: refuses
     Listing known = {};    // before anything is asked
     Listing bound = ours;  // in the answer
+    bool binds = true;     // false: turns the request down
   };
 
   explicit FakePortal(Behaviour behaviour) : behaviour_(std::move(behaviour)) {}
@@ -89,9 +90,15 @@ class FakePortal final {
     sd_bus_send(nullptr, response, nullptr);
     sd_bus_message_unref(response);
   }
-  static int onCreate(sd_bus_message* call, void*, sd_bus_error*) {
-    respond(call, "create", 0);
+  static int onCreate(sd_bus_message* call, void* self, sd_bus_error*) {
+    respond(call, "create", ++static_cast<FakePortal*>(self)->sessions_ == 1 ? 0 : 2);
     return 1;
+  }
+  /// A second session of the same name ends the first.
+  [[nodiscard]] bool refuses(sd_bus_message* call) const {
+    if (sessions_ == 1 && behaviour_.binds) return false;
+    sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "Invalid session");
+    return true;
   }
   static int onList(sd_bus_message* call, void* self, sd_bus_error*) {
     auto* portal = static_cast<FakePortal*>(self);
@@ -110,7 +117,8 @@ class FakePortal final {
     sd_bus_message_skip(call, "{sv}");
     sd_bus_message_read(call, "{sv}", &ignored, "s", &trigger);
     const Behaviour& behaviour = portal->behaviour_;
-    if (behaviour.answers) respond(call, "bind", behaviour.code, behaviour.bound);
+    if (!portal->refuses(call) && behaviour.answers)
+      respond(call, "bind", behaviour.code, behaviour.bound);
     const std::scoped_lock lock(portal->mutex_);
     portal->asked_.emplace_back(trigger);
     return 1;
@@ -137,6 +145,7 @@ class FakePortal final {
   const Behaviour behaviour_;
   std::atomic<int> activations_{0};
   std::atomic<bool> hasListed_{false};
+  int sessions_ = 0;  // the service's thread's
   mutable std::mutex mutex_;
   std::vector<std::string> asked_;  // guarded by mutex_
   std::optional<Listing> changed_;  // guarded by mutex_

@@ -119,10 +119,12 @@ struct PortalShortcut::Dialogue {
   void takeListing(bool hasOurs);
   void takeChange(bool hasOurs);
   void setBound(bool now);
-  void remember(const char* outcome);
+  void remember(std::string now);
   void takeResponse(std::string_view token, uint32_t code, sd_bus_message* results);
 
+  static int onNoSession(sd_bus_message* message, void* self, sd_bus_error*);
   static int onNoListing(sd_bus_message* message, void* self, sd_bus_error*);
+  static int onNoBinding(sd_bus_message* message, void* self, sd_bus_error*);
   static int onShortcutsChanged(sd_bus_message* message, void* self, sd_bus_error*);
   static int onResponse(sd_bus_message* message, void* self, sd_bus_error*);
   static int onActivated(sd_bus_message* message, void* self, sd_bus_error*);
@@ -133,8 +135,10 @@ struct PortalShortcut::Dialogue {
   const Listener listener;
   WakeEvent& stop;
   std::unique_ptr<sd_bus, CloseBus> bus;
-  std::string known;    // what became of the last request, as it is kept between runs
-  std::string session;  // its object path; empty while there is none
+  std::string known;         // what became of the last request, as it is kept between runs
+  std::string knownEarlier;  // the same before this session asked
+  std::string session;       // its object path; empty while there is none
+  bool isCreating = false;   // asked this portal for a session
   bool bound = false;
 };
 
@@ -178,11 +182,14 @@ bool PortalShortcut::Dialogue::subscribe() {
 }
 
 void PortalShortcut::Dialogue::createSession() {
+  // The very call may start the portal, whose arrival is told before it answers; a second session
+  // of the same name would cost us the first.
+  if (std::exchange(isCreating, true)) return;
   // By this the desktop knows whose shortcut it is; older portals find out by themselves.
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, registry, "Register", nullptr,
                            nullptr, "sa{sv}", applicationId, 0);
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, shortcuts, "CreateSession",
-                           nullptr, nullptr, "a{sv}", 2, "handle_token", "s", "create",
+                           onNoSession, this, "a{sv}", 2, "handle_token", "s", "create",
                            "session_handle_token", "s", "tobrin");
 }
 
@@ -193,10 +200,12 @@ void PortalShortcut::Dialogue::listShortcuts() {
 }
 
 void PortalShortcut::Dialogue::bindShortcut() {
+  if (session.empty()) return;  // closed meanwhile
   // First, as the answer may never come: the user must not be asked at each start.
-  remember(asked);
+  knownEarlier = known;
+  remember(asked + trigger);
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, shortcuts, "BindShortcuts",
-                           nullptr, nullptr, "oa(sa{sv})sa{sv}", session.c_str(), 1, shortcutId, 2,
+                           onNoBinding, this, "oa(sa{sv})sa{sv}", session.c_str(), 1, shortcutId, 2,
                            "description", "s", "Turn sounds on or off", "preferred_trigger", "s",
                            trigger.c_str(), "", 1, "handle_token", "s", "bind");
 }
@@ -213,12 +222,11 @@ void PortalShortcut::Dialogue::takeListing(bool hasOurs) {
 }
 
 void PortalShortcut::Dialogue::takeChange(bool hasOurs) {
-  remember(hasOurs ? granted : asked);
+  remember((hasOurs ? granted : asked) + trigger);
   setBound(hasOurs);
 }
 
-void PortalShortcut::Dialogue::remember(const char* outcome) {
-  std::string now = outcome + trigger;
+void PortalShortcut::Dialogue::remember(std::string now) {
   if (now == known) return;
   known = std::move(now);
   listener.remember(known);
@@ -240,9 +248,24 @@ void PortalShortcut::Dialogue::takeResponse(std::string_view token, uint32_t cod
   }
 }
 
+int PortalShortcut::Dialogue::onNoSession(sd_bus_message* message, void* self, sd_bus_error*) {
+  if (sd_bus_message_is_method_error(message, nullptr) > 0)
+    static_cast<Dialogue*>(self)->isCreating = false;
+  return 0;
+}
+
 int PortalShortcut::Dialogue::onNoListing(sd_bus_message* message, void* self, sd_bus_error*) {
   if (sd_bus_message_is_method_error(message, nullptr) > 0)
     static_cast<Dialogue*>(self)->takeListing(false);
+  return 0;
+}
+
+// A portal that turns the request down has asked nobody; one that breaks off may have.
+int PortalShortcut::Dialogue::onNoBinding(sd_bus_message* message, void* self, sd_bus_error*) {
+  auto* dialogue = static_cast<Dialogue*>(self);
+  if (sd_bus_message_is_method_error(message, nullptr) > 0 &&
+      sd_bus_message_is_method_error(message, SD_BUS_ERROR_NO_REPLY) <= 0)
+    dialogue->remember(dialogue->knownEarlier);
   return 0;
 }
 
@@ -293,6 +316,7 @@ int PortalShortcut::Dialogue::onPortalOwnerChanged(sd_bus_message* message, void
   if (sd_bus_message_read(message, "sss", &name, &before, &now) <= 0) return 0;
   if (*before != 0) {
     dialogue->session.clear();
+    dialogue->isCreating = false;
     dialogue->setBound(false);
   }
   if (*now != 0) dialogue->createSession();

@@ -130,6 +130,31 @@ TEST_F(PortalTest, BindsOnlyWhatIsListedAndAsksOnce) {
   }
 }
 
+TEST_F(PortalTest, ThePortalThatTheFirstCallStartsBindsToo) {
+  const testing::TempFolder folder;
+  folder.write("dbus-1/services/portal.service",
+               "[D-BUS Service]\nName=org.freedesktop.portal.Desktop\nExec=/bin/sleep 5\n");
+  setenv("XDG_DATA_HOME", folder.path().c_str(), 1);
+  const testing::PrivateBus startsServices("DBUS_SESSION_BUS_ADDRESS");
+  unsetenv("XDG_DATA_HOME");
+  startAgain();
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  FakePortal portal({});
+  EXPECT_TRUE(eventually([&] { return isBound(); }));
+  hotkey_.reset();
+  service_.reset();  // before its bus
+}
+
+TEST_F(PortalTest, ARequestThatIsTurnedDownIsMadeAgain) {
+  for (int run = 0; run < 2; ++run) {
+    FakePortal portal({.binds = false});
+    startAgain();
+    EXPECT_TRUE(eventually([&] { return portal.asked().size() == 1; })) << run;
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    hotkey_->unregister();
+  }
+}
+
 TEST_F(PortalTest, APressOfBothWaysCountsOnce) {
   FakePortal portal({.bound = {}});
   startAgain();
