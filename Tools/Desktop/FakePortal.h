@@ -20,11 +20,12 @@ class FakePortal final {
   static inline const Listing ours = {{"toggle-sounds", "Meta+K"}};
 
   struct Behaviour {
-    bool answers = true;   // to what is asked of the user
-    uint32_t code = 0;     // the user agrees; 1: refuses
-    Listing known = {};    // before anything is asked
-    Listing bound = ours;  // in the answer
-    bool binds = true;     // false: turns the request down
+    bool answers = true;      // to what is asked of the user
+    uint32_t code = 0;        // the user agrees; 1: refuses
+    Listing known = {};       // before anything is asked
+    bool takesEarly = false;  // `known` only where the shortcut came with the session
+    Listing bound = ours;     // in the answer
+    bool binds = true;        // false: turns the request down
   };
 
   explicit FakePortal(Behaviour behaviour) : behaviour_(std::move(behaviour)) {}
@@ -91,7 +92,16 @@ class FakePortal final {
     sd_bus_message_unref(response);
   }
   static int onCreate(sd_bus_message* call, void* self, sd_bus_error*) {
-    respond(call, "create", ++static_cast<FakePortal*>(self)->sessions_ == 1 ? 0 : 2);
+    auto* portal = static_cast<FakePortal*>(self);
+    const char* option = "";
+    sd_bus_message_enter_container(call, 'a', "{sv}");
+    while (sd_bus_message_enter_container(call, 'e', "sv") > 0) {
+      sd_bus_message_read(call, "s", &option);
+      sd_bus_message_skip(call, "v");
+      sd_bus_message_exit_container(call);
+    }
+    portal->cameEarly_ = option == std::string("shortcuts");
+    respond(call, "create", ++portal->sessions_ == 1 ? 0 : 2);
     return 1;
   }
   /// A second session of the same name ends the first.
@@ -102,7 +112,9 @@ class FakePortal final {
   }
   static int onList(sd_bus_message* call, void* self, sd_bus_error*) {
     auto* portal = static_cast<FakePortal*>(self);
-    respond(call, "list", 0, portal->behaviour_.known);
+    const Behaviour& behaviour = portal->behaviour_;
+    const bool knows = !behaviour.takesEarly || portal->cameEarly_;
+    respond(call, "list", 0, knows ? behaviour.known : Listing{});
     portal->hasListed_ = true;
     return 1;
   }
@@ -145,7 +157,8 @@ class FakePortal final {
   const Behaviour behaviour_;
   std::atomic<int> activations_{0};
   std::atomic<bool> hasListed_{false};
-  int sessions_ = 0;  // the service's thread's
+  int sessions_ = 0;  // the service's thread's, like the next
+  bool cameEarly_ = false;
   mutable std::mutex mutex_;
   std::vector<std::string> asked_;  // guarded by mutex_
   std::optional<Listing> changed_;  // guarded by mutex_

@@ -136,11 +136,13 @@ std::vector<Accelerator> acceleratorsInGsettings(std::string_view listing) {
   return result;
 }
 
-std::vector<Accelerator> acceleratorsInKGlobalShortcuts(std::string_view file) {
+std::vector<Accelerator> acceleratorsInKGlobalShortcuts(std::string_view file,
+                                                        std::string_view own) {
   std::vector<Accelerator> result;
   split(file, "\n", [&](std::string_view line) {
     const std::size_t equals = line.find('=');
-    if (equals == std::string_view::npos || line.starts_with("_k_friendly_name")) return;
+    const std::string_view name = line.substr(0, equals);
+    if (equals == std::string_view::npos || name == "_k_friendly_name" || name == own) return;
     split(firstOfList(line.substr(equals + 1)), "\\t", [&](std::string_view text) {
       if (auto accelerator = Accelerator::fromQt(text)) result.push_back(*std::move(accelerator));
     });

@@ -38,7 +38,9 @@ struct Accelerator {
 std::vector<Accelerator> acceleratorsInGsettings(std::string_view listing);
 
 /// All active combinations in KDE's file of global shortcuts:
-/// "Window Close=Alt+F4,Alt+F4,Close Window", alternatives separated by "\t".
-std::vector<Accelerator> acceleratorsInKGlobalShortcuts(std::string_view file);
+/// "Window Close=Alt+F4,Alt+F4,Close Window", alternatives separated by "\t". Those of `own`, the
+/// name by which the desktop knows a shortcut of ours, are left out.
+std::vector<Accelerator> acceleratorsInKGlobalShortcuts(std::string_view file,
+                                                        std::string_view own);
 
 }  // namespace tobrin

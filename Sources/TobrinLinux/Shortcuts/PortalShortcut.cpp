@@ -24,7 +24,8 @@ constexpr const char* request = "org.freedesktop.portal.Request";
 constexpr const char* sessions = "org.freedesktop.portal.Session";
 constexpr const char* registry = "org.freedesktop.host.portal.Registry";
 constexpr const char* applicationId = "app.tobrin.Tobrin";
-constexpr const char* shortcutId = "toggle-sounds";
+constexpr const char* shortcutId = PortalShortcut::id;
+constexpr const char* description = "Turn sounds on or off";
 // Before the combination, in what is kept between runs.
 constexpr const char* asked = "asked ";
 constexpr const char* granted = "granted ";
@@ -185,12 +186,16 @@ void PortalShortcut::Dialogue::createSession() {
   // The very call may start the portal, whose arrival is told before it answers; a second session
   // of the same name would cost us the first.
   if (std::exchange(isCreating, true)) return;
-  // By this the desktop knows whose shortcut it is; older portals find out by themselves.
+  // By Register the desktop knows whose shortcut it is; older portals find out by
+  // themselves. The first
+  // portals take shortcuts with the session alone, where later ones look away.
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, registry, "Register", nullptr,
                            nullptr, "sa{sv}", applicationId, 0);
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, shortcuts, "CreateSession",
-                           onNoSession, this, "a{sv}", 2, "handle_token", "s", "create",
-                           "session_handle_token", "s", "tobrin");
+                           onNoSession, this, "a{sv}", 3, "handle_token", "s", "create",
+                           "session_handle_token", "s", "tobrin", "shortcuts", "a(sa{sv})", 1,
+                           shortcutId, 2, "description", "s", description, "preferred_trigger", "s",
+                           trigger.c_str());
 }
 
 void PortalShortcut::Dialogue::listShortcuts() {
@@ -206,7 +211,7 @@ void PortalShortcut::Dialogue::bindShortcut() {
   remember(asked + trigger);
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, shortcuts, "BindShortcuts",
                            onNoBinding, this, "oa(sa{sv})sa{sv}", session.c_str(), 1, shortcutId, 2,
-                           "description", "s", "Turn sounds on or off", "preferred_trigger", "s",
+                           "description", "s", description, "preferred_trigger", "s",
                            trigger.c_str(), "", 1, "handle_token", "s", "bind");
 }
 

@@ -15,6 +15,9 @@ namespace tobrin {
 
 class PortalShortcut final {
  public:
+  /// What the desktop knows it by, also in its own settings.
+  static constexpr const char* id = "toggle-sounds";
+
   struct Listener {
     std::function<void()> pressed;
     /// Whether the desktop now reports presses: it says so by listing the shortcut, which it may

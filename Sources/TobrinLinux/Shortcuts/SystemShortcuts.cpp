@@ -7,6 +7,7 @@
 
 #include "Base/RegularFile.h"
 #include "Base/UserFolders.h"
+#include "Shortcuts/PortalShortcut.h"
 #include "System/ChildOutput.h"
 #include "Threads/ThreadPreparation.h"
 
@@ -66,8 +67,8 @@ SystemShortcuts::~SystemShortcuts() {
 
 std::vector<Accelerator> SystemShortcuts::current() {
   if (isDesktop("KDE"))
-    return acceleratorsInKGlobalShortcuts(
-        textOf(configFolder(environment_) / "kglobalshortcutsrc"));
+    return acceleratorsInKGlobalShortcuts(textOf(configFolder(environment_) / "kglobalshortcutsrc"),
+                                          PortalShortcut::id);
   const auto desktop = std::find_if(std::begin(gsettingsDesktops), std::end(gsettingsDesktops),
                                     [this](const auto& each) { return isDesktop(each.first); });
   if (desktop == std::end(gsettingsDesktops)) return {};

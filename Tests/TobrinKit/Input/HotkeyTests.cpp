@@ -88,9 +88,11 @@ TEST(Accelerator, FindsTheDesktopsOwnShortcutsByTheLayoutsNames) {
   const auto kde = acceleratorsInKGlobalShortcuts(
       "[kwin]\n_k_friendly_name=Meta+K\nWindow Close=Alt+F4\\tMeta+Esc,Alt+F4,Close Window\n"
       "Switch=none,Meta+L,Lock\nZoom=Meta+\\\\,,Meta+\\\\,,Zoom\n"
-      "In=Meta++,,In\nNone=Ctrl+,Ctrl+,None\nOdd=Meta+Hyper+K,none,Odd\n[services][org.kde.konsole."
+      "In=Meta++,,In\nours=Meta+O,,Ours\nNone=Ctrl+,Ctrl+,None\nOdd=Meta+Hyper+K,none,Odd\n["
+      "services][org.kde.konsole."
       "desktop]\n_launch=Ctrl+"
-      "Alt+PgUp\n");
+      "Alt+PgUp\n",
+      "ours");
   const struct {
     const char* label;
     const std::vector<Accelerator>& list;
@@ -108,6 +110,7 @@ TEST(Accelerator, FindsTheDesktopsOwnShortcutsByTheLayoutsNames) {
       {"KDE comma", kde, {43, {command}}, {"comma", ","}, true},
       {"KDE plus", kde, {24, {command}}, {"plus", "+"}, true},
       {"KDE launcher", kde, {116, {controlOption}}, {"Prior", ""}, true},
+      {"KDE, ours", kde, {31, {command}}, {"o", "o"}, false},
       {"KDE, a name is none", kde, {40, {command}}, {"k", "k"}, false},
   };
   for (const auto& row : rows) {

@@ -104,7 +104,8 @@ TEST_F(PortalTest, BindsOnlyWhatIsListedAndAsksOnce) {
                       {"denied", {.code = 1}, false, 0},
                       {"no answer", {.answers = false}, false, 0},
                       {"agrees again without the user", {}, true, 1},
-                      {"remembers by itself", {.known = ours}, true, 0}};
+                      {"remembers by itself", {.known = ours}, true, 0},
+                      {"takes it early", {.known = ours, .takesEarly = true}, true, 0}};
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     kept_.clear();
