@@ -1,6 +1,7 @@
 #include "Panel/PanelWindow.h"
 
 #include <QGuiApplication>
+#include <QIcon>
 #include <QKeyEvent>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -11,6 +12,7 @@
 #include "Base/Log.h"
 #include "Panel/DesktopFrames.h"
 #include "Panel/InputFocus.h"
+#include "Panel/SymbolPixmap.h"
 #include "Panel/SymbolProvider.h"
 
 namespace tobrin {
@@ -42,6 +44,14 @@ bool drawsOwnFrame() {
   return draws;
 }
 
+/// For title bars and lists of windows on X11; on Wayland they find it by the program's name.
+QIcon windowIcon() {
+  QIcon icon;
+  for (const int pixels : {16, 24, 32, 48, 64, 128})
+    icon.addPixmap(drawnPixmap(":/Panel/app.tobrin.Tobrin.svg", pixels));
+  return icon;
+}
+
 void layOut(QQuickItem& item) {
   item.ensurePolished();
   for (QQuickItem* child : item.childItems())
@@ -65,6 +75,7 @@ PanelWindow::PanelWindow(AppModel& model, std::function<void()> onClosed)
   view_ = std::make_unique<QQuickView>();
   view_->engine()->addImageProvider("symbol", new SymbolProvider);  // the engine owns it
   view_->setTitle("Tobrin");
+  if (!isOnWayland()) view_->setIcon(windowIcon());
   view_->setResizeMode(QQuickView::SizeRootObjectToView);
   view_->setInitialProperties({{"model", QVariant::fromValue(model_.get())}});
   view_->setSource(QUrl("qrc:/Tobrin/MenuView.qml"));

@@ -1,4 +1,4 @@
-/// A symbol drawn from its vector file in one colour. Thread: main.
+/// A symbol or an icon drawn from its vector file. Thread: main.
 #pragma once
 
 #include <QColor>
@@ -7,8 +7,10 @@
 
 namespace tobrin {
 
-/// Draws `file` (an SVG in black) with `color` into a square of `pixels`. An unreadable file gives
-/// a transparent square.
+/// Draws `file` (an SVG) into a square of `pixels`. An unreadable file gives a transparent square.
+QPixmap drawnPixmap(const QString& file, int pixels);
+
+/// The same with `color` in place of the drawing's own.
 QPixmap symbolPixmap(const QString& file, const QColor& color, int pixels);
 
 }  // namespace tobrin
