@@ -93,7 +93,9 @@ TEST(Interleaving, RoundsAndLimitsIntegers) {
 }
 
 TEST_F(AlsaOutputTest, TriesAgainUntilTheDeviceIsThere) {
-  configure("");
+  // As PulseAudio's: it is the default device where its server runs when ALSA reads this.
+  const std::string later = folder_.path() / "later.conf";
+  configure("@hooks [ { func load files [ \"" + later + "\" ] errors false } ]");
   AlsaOutput output("late");
   output.setCallbacks(player_.callbacks());
   EXPECT_FALSE(output.start());
@@ -102,7 +104,7 @@ TEST_F(AlsaOutputTest, TriesAgainUntilTheDeviceIsThere) {
   EXPECT_LT(testing::wakeUps() - tries, 10U);
   EXPECT_NE(output.problem().find("'late' cannot be opened"), std::string::npos)
       << output.problem();
-  configure("pcm.late { type null }");
+  folder_.write("later.conf", "pcm.late { type null }");
   EXPECT_TRUE(eventually([&] { return output.isRunning() && player_.changes == 1; }));
   EXPECT_EQ(output.problem(), "");
 }
