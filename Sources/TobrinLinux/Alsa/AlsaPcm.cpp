@@ -99,8 +99,10 @@ std::vector<pollfd> AlsaPcm::pollDescriptors() const {
 
 bool AlsaPcm::isReady(std::span<pollfd> polled) const {
   unsigned short events = 0;
-  snd_pcm_poll_descriptors_revents(pcm_, polled.data(), static_cast<unsigned>(polled.size()),
-                                   &events);
+  const int result = snd_pcm_poll_descriptors_revents(
+      pcm_, polled.data(), static_cast<unsigned>(polled.size()), &events);
+  // A sound server that went away leaves its descriptors ready for ever.
+  if (result < 0) fail("stopped", result);
   return (events & (POLLOUT | POLLERR | POLLHUP | POLLNVAL)) != 0;
 }
 

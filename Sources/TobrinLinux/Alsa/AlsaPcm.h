@@ -35,7 +35,8 @@ class AlsaPcm final {
   /// What to poll for room; never empty.
   [[nodiscard]] std::vector<pollfd> pollDescriptors() const;
 
-  /// Whether `polled`, as `poll` has left them, say that there is room or trouble.
+  /// Whether `polled`, as `poll` has left them, say that there is room or trouble. Throws as `room`
+  /// does.
   [[nodiscard]] bool isReady(std::span<pollfd> polled) const;
 
   /// Frames that can be written now without waiting. After an underrun or a sleep of the machine
