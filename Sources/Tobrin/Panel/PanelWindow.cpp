@@ -113,7 +113,7 @@ void PanelWindow::open(const QPoint* anchor) {
   }
   fitToScreen();
   view_->show();
-  QTimer::singleShot(framedAfter, this, &PanelWindow::keepFrameOnScreen);
+  QTimer::singleShot(framedAfter, this, &PanelWindow::windowIsFramed);
   view_->raise();
   view_->requestActivate();
 }
@@ -159,13 +159,21 @@ void PanelWindow::fitToScreen() {
 }
 
 void PanelWindow::takeSize() {
-  if (!isOnWayland()) return view_->resize(fitted_);
-  // Tiling desktops let a window float that has one size only; it must give that up to take
-  // another.
+  if (!isOnWayland() && view_->isVisible()) return view_->resize(fitted_);
+  // Tiling desktops let a window float that has one size only when it appears; it must give that up
+  // to take another.
   view_->setMinimumSize({});
   view_->setMaximumSize(fitted_);
   view_->resize(fitted_);
   view_->setMinimumSize(fitted_);
+}
+
+void PanelWindow::windowIsFramed() {
+  constexpr int unlimited = (1 << 24) - 1;  // the toolkit's own limit
+  if (isOnWayland()) return;
+  view_->setMinimumSize({});
+  view_->setMaximumSize({unlimited, unlimited});
+  keepFrameOnScreen();
 }
 
 /// The frame that a window manager puts around the window may push an edge of it off the screen.

@@ -30,6 +30,7 @@ class PanelWindow final : public QObject, public Panel {
   bool eventFilter(QObject* watched, QEvent* event) override;
   void fitToScreen();
   void takeSize();
+  void windowIsFramed();
   void keepFrameOnScreen();
   void followContent();
   void closeOnEscape(const QKeyEvent& key);
