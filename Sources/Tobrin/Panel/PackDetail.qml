@@ -70,7 +70,7 @@ ColumnLayout {
 
         HoverHandler { id: pointer }
         PanelTip {
-            visible: pointer.hovered && origin.truncated
+            shown: pointer.hovered && origin.truncated
             text: origin.text
         }
     }

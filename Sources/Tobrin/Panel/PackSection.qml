@@ -24,7 +24,7 @@ ColumnLayout {
             // A button that cannot be pushed knows of no pointer.
             HoverHandler { id: pointer }
             PanelTip {
-                visible: pointer.hovered && preview.hint !== ""
+                shown: pointer.hovered
                 text: preview.hint
             }
             PanelButton {

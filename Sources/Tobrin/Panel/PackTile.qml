@@ -24,7 +24,7 @@ T.RadioButton {
     Keys.onEnterPressed: clicked()
 
     PanelTip {
-        visible: (tile.hovered || tile.visualFocus) && (name.truncated || kind.truncated)
+        shown: (tile.hovered || tile.visualFocus) && (name.truncated || kind.truncated)
         text: tile.pack.name + "\n" + tile.pack.kind
     }
 

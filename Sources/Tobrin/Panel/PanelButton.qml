@@ -23,7 +23,7 @@ T.Button {
     Keys.onEnterPressed: clicked()
 
     PanelTip {
-        visible: control.hint !== "" && (control.hovered || control.visualFocus)
+        shown: control.hovered || control.visualFocus
         text: control.hint
     }
 

@@ -56,12 +56,11 @@ T.Slider {
         onPointChanged: if (hovered && point.scenePosition !== entered) came = true
     }
     PanelTip {
-        parent: control.handle
-        visible: control.valueText !== "" && (control.pressed || rest.running)
+        over: control.handle
+        above: true
+        shown: control.pressed || rest.running
         delay: 0
         text: control.valueText
-        x: (parent.width - width) / 2
-        y: -height - Theme.unit
     }
 
     background: Rectangle {

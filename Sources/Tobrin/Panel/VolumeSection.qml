@@ -46,7 +46,7 @@ Card {
                 }
             }
             PanelTip {
-                visible: mute.hovered || mute.visualFocus
+                shown: mute.hovered || mute.visualFocus
                 text: mute.Accessible.name
             }
         }
