@@ -1,4 +1,4 @@
-/// What a double click on a pack does: puts it among the user's own.
+/// What a double click on a pack does: puts it among the user's own. Thread: main.
 #pragma once
 
 #include <string>
