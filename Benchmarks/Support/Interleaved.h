@@ -8,7 +8,7 @@
 
 namespace tobrin {
 
-/// Something to be timed: carries out its work as many times over as it is told.
+/// Something to be timed: carries out its work the given number of times.
 struct Contestant {
   std::string name;
   std::function<void(std::size_t repetitions)> run;
@@ -34,7 +34,7 @@ struct InterleavedOptions {
   double secondsARun = 0.0003;  ///< the work is repeated to fill this: less than a time slice
 };
 
-/// Times the contestants in turn, round after round, so that whatever else the machine does falls
+/// Times the contestants in turn, round after round, so that what else the machine does falls
 /// on all of them alike. Returns one timing for each, in their order.
 std::vector<Timing> timeInterleaved(const std::vector<Contestant>& contestants,
                                     const InterleavedOptions& options = {});

@@ -1,4 +1,4 @@
-/// Renders a block every 5.3 ms as a sound card would ask for it, on a thread of its own, and tells
+/// Renders a block every 5.3 ms as a sound card would ask for it, on its own thread, and tells
 /// when the first sound since the last question was in it.
 #pragma once
 
@@ -45,7 +45,7 @@ class PacedDevice final : public AudioDevice {
       callbacks_.render(callbacks_.context, left.data(), right.data(), frames);
       if (firstSound_ != nullptr && *firstSound_ == 0 &&
           std::ranges::any_of(left, [](float sample) { return sample != 0; }))
-        *firstSound_ = MachTime::now();
+        *firstSound_ = machNow();
       std::this_thread::sleep_for(std::chrono::microseconds(5333));
     }
   }

@@ -32,7 +32,7 @@ class SteadySource final : public MotionSource {
   bool open() override { return true; }
   void run(const Sink& sink) override {
     for (int i = 0; !interrupted_; ++i) {
-      sink(encodeMotionReport({0, 0, 1 + 0.01 * (i % 7)}), MachTime::now());
+      sink(encodeMotionReport({0, 0, 1 + 0.01 * (i % 7)}), machNow());
       std::this_thread::sleep_for(1ms);
     }
   }
@@ -72,9 +72,9 @@ std::vector<double> timesThrough(AsioQueue& queue, const std::function<void(uint
   for (int i = 0; i < keys; ++i) {
     std::this_thread::sleep_for(5ms);
     std::promise<uint64_t> handled;
-    const uint64_t posted = MachTime::now();
+    const uint64_t posted = machNow();
     post(static_cast<uint16_t>(i % 48));
-    queue.async([&handled] { handled.set_value(MachTime::now()); });
+    queue.async([&handled] { handled.set_value(machNow()); });
     times.push_back(static_cast<double>(handled.get_future().get() - posted) * microsecondsATick);
   }
   std::sort(times.begin(), times.end());
@@ -113,7 +113,7 @@ void measure(Report& report, const std::string& name, double limit) {
     requestRealtimeScheduling();
     const auto bare = timesThrough(queue, [](uint16_t) {});
     const auto events = timesThrough(queue, [&conductor](uint16_t code) {
-      conductor.handle({code, KeyAction::down, MachTime::now()});
+      conductor.handle({code, KeyAction::down, machNow()});
     });
     report.add(
         Figure::under("key to ring, 99 of 100, " + name, percentile(events, 0.99), "us", limit, 0));

@@ -13,7 +13,7 @@ namespace tobrin {
 namespace {
 
 constexpr uint32_t blockFrames = 256;
-constexpr uint32_t lifeBlocks = 40;  // blocks a voice sounds before all start anew
+constexpr uint32_t lifeBlocks = 40;  // blocks a voice sounds before all start again
 
 using MixerHandle = std::unique_ptr<TBMixer, decltype(&tb_mixer_destroy)>;
 
@@ -54,7 +54,7 @@ std::vector<TBCommand> voicesOf(const std::vector<float>& sound, uint32_t voices
   return commands;
 }
 
-/// One block a call; starts the voices anew when they have ended.
+/// One block a call; starts the voices again when they have ended.
 template <typename Start, typename Render>
 auto blocks(const std::vector<TBCommand>& voices, Start start, Render render) {
   return [&voices, start, render, left = std::vector<float>(blockFrames),

@@ -5,22 +5,23 @@
 #include <vector>
 
 #include "Base/RecipeError.h"
-#include "Building/PackRecipe.h"
+#include "Building/RecordingSlicer.h"
 #include "FuzzInput.h"
 
 namespace {
 
-using tobrin::RecordingSlicer;
+using tobrin::RecordedTake;
+using tobrin::SlicedRecording;
 using tobrin::fuzz::require;
 
-void check(const RecordingSlicer::Take& take, std::size_t frames) {
+void check(const RecordedTake& take, std::size_t frames) {
   require(take.left.size() == take.right.size() && take.left.size() <= frames);
   const auto isNumber = [](float x) { return std::isfinite(x); };
   require(std::all_of(take.left.begin(), take.left.end(), isNumber));
   require(std::all_of(take.right.begin(), take.right.end(), isNumber));
 }
 
-void check(const RecordingSlicer::Result& result, std::size_t frames) {
+void check(const SlicedRecording& result, std::size_t frames) {
   require(result.fates.size() == result.hits.size());
   for (const auto& hit : result.hits)
     require(hit.onset < frames && hit.gapAfter <= frames);
@@ -43,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   constexpr double rate = 8000;
   constexpr std::size_t framesAByte = 32;  // 4 ms, so that few bytes make several hits
   constexpr std::size_t longest = 150 * framesAByte;
-  RecordingSlicer::Options options;
+  tobrin::SlicerOptions options;
   try {
     options = tobrin::slicerOptionsFromJson(input.text(input.take<uint8_t>()));
   } catch (const tobrin::RecipeError&) {
@@ -58,6 +59,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
       right.push_back(alternating / 2);
     }
   }
-  check(RecordingSlicer::slice(left, right, rate, options), left.size());
+  check(tobrin::sliceRecording(left, right, rate, options), left.size());
   return 0;
 }

@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     left.push_back(std::bit_cast<float>(input.take<uint32_t>()));
     right.push_back(std::bit_cast<float>(input.take<uint32_t>()));
   }
-  const std::string bytes = WAVWriter::encode(left, right, 48'000);
+  const std::string bytes = encodeWAV(left, right, 48'000);
   fuzz::require(bytes.size() == 44 + 4 * left.size());
   for (std::size_t frame = 0; frame < left.size(); ++frame) {
     requireClose(left[frame], sampleAt(bytes, 2 * frame));
@@ -45,6 +45,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   std::vector<float> programme(24'000);  // two blocks
   for (std::size_t frame = 0; frame < programme.size(); ++frame)
     programme[frame] = left[frame % left.size()];
-  Loudness::integrated(programme, {}, 48'000);
+  integratedLoudness(programme, {}, 48'000);
   return 0;
 }

@@ -11,7 +11,7 @@
 int main(int argc, char** argv) {
   // Whoever reads our output through a pipe gets each line as it is written.
   static_cast<void>(std::setvbuf(stdout, nullptr, _IOLBF, 0));
-  tobrin::Log::setSink(tobrin::systemLog());
+  tobrin::setLogSink(tobrin::systemLog());
   tobrin::keepNoCore();
   const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
   if (const auto status = tobrin::runDiagnostic(arguments)) return *status;

@@ -1,6 +1,7 @@
 #include "BlockRenderer.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace tobrin {
 
@@ -39,6 +40,7 @@ void BlockRenderer::renderStretch(const OutputChannels& output, uint32_t firstFr
 }
 
 void BlockRenderer::render(const OutputChannels& output, uint32_t frames, float master) noexcept {
+  assert(output.count == 1 || output.count == 2);
   if (pool_.silent()) {
     for (uint32_t c = 0; c < output.count; ++c)
       std::fill_n(output.samples[c], frames, 0.0F);

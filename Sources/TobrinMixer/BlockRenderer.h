@@ -1,3 +1,4 @@
+/// Turns voices into blocks of sound. Made on any thread. Thread: render.
 #pragma once
 
 #include <array>
@@ -15,7 +16,6 @@ struct OutputChannels {
   uint32_t count;
 };
 
-/// Turns voices into blocks of sound. Thread: render, after creation.
 class BlockRenderer final {
  public:
   /// Settles the instruction set. Fade lengths in frames.

@@ -1,3 +1,5 @@
+/// The queue between the one producer of commands and the render thread. Each function says which
+/// of the two it is for. Thread: render.
 #pragma once
 
 #include <array>
@@ -14,10 +16,8 @@ static_assert(std::is_trivially_copyable_v<TBCommand>);
 static_assert(std::atomic<uint32_t>::is_always_lock_free);
 static_assert(std::atomic<uint64_t>::is_always_lock_free);
 
-/// The queue between the one producer of commands and the render thread.
-///
 /// Both counts run on without bound and wrap at 2^32; a slot is its count modulo the capacity. Each
-/// count has one writer and a cache line of its own, so neither side slows the other by writing.
+/// count has one writer and its own cache line, so neither side slows the other by writing.
 class CommandRing final {
  public:
   /// `firstCount` is where both counts begin.

@@ -1,4 +1,4 @@
-// Reads lines at fractional positions. Included once for every instruction set.
+/// Reads lines at fractional positions. Included once for every instruction set. Thread: render.
 #if defined(TOBRIN_INTERPOLATION_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef TOBRIN_INTERPOLATION_INL_H
 #undef TOBRIN_INTERPOLATION_INL_H

@@ -1,4 +1,4 @@
-// Forms lines out of sources. Included once for every instruction set.
+/// Forms lines out of sources. Included once for every instruction set. Thread: render.
 #if defined(TOBRIN_LINE_SUM_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef TOBRIN_LINE_SUM_INL_H
 #undef TOBRIN_LINE_SUM_INL_H

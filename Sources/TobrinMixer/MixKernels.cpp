@@ -1,5 +1,7 @@
 #include "MixKernels.h"
 
+#include <cassert>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "MixKernels.cpp"
 #include "hwy/foreach_target.h"
@@ -131,8 +133,9 @@ void addPending(MixSpace& space) noexcept {
 }
 
 // Lines are formed now but added a turn later: reading them while the sums are still on their way
-// to the cache would stall. Voices are added in their order all the same, whatever way each takes.
+// to the cache would stall. Voices are added in their order all the same, by either way.
 void addStretch(const MixerVoice& voice, MixSpan span, MixSpace& space) noexcept {
+  assert(span.frames > 0 && span.offset + span.frames <= stretchFrames);
   if (suitsWindows(voice, span.frames)) {
     addPending(space);
     addWindows(voice, span, space.mix);
@@ -144,7 +147,7 @@ void addStretch(const MixerVoice& voice, MixSpan span, MixSpace& space) noexcept
   space.pending = &formed;
 }
 
-// What has no size, neither small nor large, becomes silence, lest it reach the device.
+// What has no size, neither small nor large, becomes silence: it must not reach the device.
 HWY_NOINLINE Floats softLimited(Floats sample) {
   const FloatTag d;
   const auto size = hn::Abs(sample);

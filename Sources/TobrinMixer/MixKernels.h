@@ -1,3 +1,5 @@
+/// The arithmetic of the mixer, compiled once for every instruction set, and the work space it
+/// needs. Thread: render.
 #pragma once
 
 #include <array>
@@ -40,7 +42,7 @@ struct FormedStretch {
   float panLeft, panRight;
 };
 
-/// Where voices are added up. Thread: render.
+/// Where voices are added up.
 struct MixSpace {
   alignas(64) MixBuffer mix{};
   std::array<FormedStretch, 2> formed{};  ///< used in turn
@@ -54,8 +56,8 @@ struct MasterRamp {
 };
 
 /// The arithmetic of the mixer for one instruction set. All of them give the same bits: each
-/// frame is computed by the same operations in the same order, however wide the vectors and
-/// wherever a block begins.
+/// frame is computed by the same operations in the same order, for vectors of any width and
+/// for blocks that begin anywhere.
 struct MixKernels {
   /// Adds what `voice` sounds from its present position on. The frames lie within its sound and
   /// within its ramp, if one runs, and its lines hold and are not silent. May leave the stretch

@@ -1,3 +1,4 @@
+/// One sounding voice: what it plays, where it is, and how its gains move. Thread: render.
 #pragma once
 
 #include <array>
@@ -15,16 +16,14 @@ struct VoiceLayer {
   uint64_t frames = 0;
 };
 
-/// One sounding voice. Owned by the render thread.
-///
 /// Positions and rates are fixed-point numbers with `fractionBits` binary places. A float rate
-/// between 0.25 and 4 is a whole number of those units, so positions are exact however far a voice
-/// has run, and so is the count of frames it has left.
+/// between 0.25 and 4 is a whole number of those units, so positions are exact as far as a voice
+/// may run, and so is the count of frames it has left.
 struct MixerVoice {
   static constexpr int fractionBits = 25;
   static constexpr uint64_t one = uint64_t{1} << fractionBits;
 
-  bool releasing = false;  ///< fading out for good
+  bool releasing = false;  ///< fading out to its end
   uint32_t tag = 0;
   uint64_t sequence = 0;  ///< how many voices had started with this one; the smallest is oldest
   std::array<VoiceLayer, TB_LAYERS> layers;
@@ -52,8 +51,8 @@ struct MixerVoice {
     return rampFrom[layer] + rampStep[layer] * static_cast<float>(rampFrame);
   }
 
-  /// Starts a ramp of `frames` from the present gains to `gains`. The lines are to be gathered
-  /// anew.
+  /// Starts a ramp of `frames` from the present gains to `gains`. The lines are then to be
+  /// gathered again.
   void rampTo(const std::array<float, TB_LAYERS>& gains, uint32_t frames) noexcept;
 
   /// Whether all of the next `frames` frames, at least one, lie within the sound.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cassert>
 #include <cmath>
 #include <new>
 
@@ -70,6 +71,7 @@ void tb_mixer_destroy(TBMixer* mixer) noexcept {
 }
 
 bool tb_mixer_push(TBMixer* mixer, const TBCommand* command) noexcept {
+  assert(mixer != nullptr && command != nullptr);
   if (mixer->ring.push(*command)) return true;
   mixer->droppedCommands.fetch_add(1, std::memory_order_relaxed);
   return false;
@@ -89,6 +91,7 @@ float tb_mixer_get_master(const TBMixer* mixer) noexcept {
 }
 
 void tb_mixer_render(TBMixer* mixer, float* left, float* right, uint32_t frames) noexcept {
+  assert(mixer != nullptr && (left != nullptr || frames == 0));
   applyCommands(*mixer);
   const float master = mixer->masterTarget.load(std::memory_order_relaxed);
   const OutputChannels output{.samples = {left, right},

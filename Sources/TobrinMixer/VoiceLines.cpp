@@ -1,6 +1,7 @@
 #include "VoiceLines.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "MixerVoice.h"
 
@@ -19,6 +20,7 @@ struct LayerGain {
 };
 
 void addSource(Line& line, const float* samples, uint64_t frames, LayerGain gain, float factor) {
+  assert(line.count < line.sources.size());
   line.sources[line.count++] = {
       .samples = samples, .frames = frames, .gain = gain.gain * factor, .step = gain.step * factor};
 }
@@ -41,6 +43,7 @@ void addLayer(const MixerVoice& voice, const VoiceLayer& layer, LayerGain gain, 
 }  // namespace
 
 void gatherLines(MixerVoice& voice, uint32_t channels) noexcept {
+  assert(channels == 1 || channels == 2);
   VoiceLines& lines = voice.lines;
   lines.channels = channels;
   lines.lineCount = channels == 2 && !isMono(voice) ? 2 : 1;

@@ -1,3 +1,4 @@
+/// What the layers of a voice add up to before they are interpolated. Thread: render.
 #pragma once
 
 #include <array>
@@ -29,7 +30,7 @@ struct Line {
 /// source ends, or the output gets another number of channels.
 struct VoiceLines {
   std::array<Line, 2> lines;
-  uint32_t channels = 0;   ///< of the output they are for, 0 when they are to be gathered anew
+  uint32_t channels = 0;   ///< of the output they are for, 0 when they are to be gathered again
   uint32_t lineCount = 0;  ///< 1 for mono sound or mono output; two carry the voice's panning
   uint64_t shortest = 0;   ///< frames of the source that ends first
 

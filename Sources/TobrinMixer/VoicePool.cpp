@@ -1,6 +1,7 @@
 #include "VoicePool.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <numbers>
 
@@ -71,6 +72,7 @@ bool VoicePool::start(const TBCommand& command) noexcept {
   const uint32_t length = longestLayer(command);
   if (length == 0) return false;
   const size_t slot = slotForNewVoice();
+  assert(slot < TB_VOICES);
   active_ |= 1U << slot;
   MixerVoice& voice = voices_[slot];
   voice = MixerVoice{};

@@ -1,3 +1,4 @@
+/// The voices of one mixer and what the commands do to them. Thread: render.
 #pragma once
 
 #include <array>
@@ -10,7 +11,6 @@
 
 namespace tobrin {
 
-/// The voices of one mixer and what the commands do to them. Thread: render.
 class VoicePool final {
  public:
   VoicePool(uint32_t fadeFrames, uint32_t releaseFrames) noexcept

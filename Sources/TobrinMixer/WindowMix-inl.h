@@ -1,6 +1,6 @@
-// Mixes a stretch without storing its lines: where one instruction picks lanes out of two vectors,
-// the sums stay in registers between forming and interpolating. Included once for every instruction
-// set.
+/// Mixes a stretch without storing its lines: where one instruction picks lanes out of two vectors,
+/// the sums stay in registers between forming and interpolating. Included once for every
+/// instruction set. Thread: render.
 #if defined(TOBRIN_WINDOW_MIX_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef TOBRIN_WINDOW_MIX_INL_H
 #undef TOBRIN_WINDOW_MIX_INL_H

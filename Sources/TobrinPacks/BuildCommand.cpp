@@ -10,7 +10,7 @@
 #include "Commands.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
-#include "Packs/LoadedPack.h"
+#include "Packs/PackLoader.h"
 #include "System/SpawningProcessRunner.h"
 #include "Warnings.h"
 
@@ -45,7 +45,7 @@ PackRecipe recipeFrom(const std::string& file, std::ostream& err) {
 }
 
 void printResult(const fs::path& folder, std::ostream& out) {
-  const auto pack = LoadedPack::load(PackInfo::read(folder, false), RecordedPackBuilder::rate);
+  const auto pack = loadPack(PackInfo::read(folder, false), recordedPackRate);
   printJson({{"id", pack->info().id},
              {"path", folder.string()},
              {"takes", pack->sampleCount()},
@@ -58,7 +58,7 @@ void run(const Options& options, const CommandStreams& streams) {
   const fs::path cache = options.cache.empty() ? defaultCache() : fs::path(options.cache);
   std::ostream& progress = options.json ? streams.err : streams.out;
   progress << "building " << recipe.name << std::endl;
-  RecordedPackBuilder::build(
+  buildRecordedPack(
       recipe, cache, options.into, [&](const std::string& line) { progress << line << std::endl; },
       SpawningProcessRunner(), exchangeFolders);
   if (options.json) printResult(options.into, streams.out);

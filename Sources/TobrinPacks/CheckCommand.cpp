@@ -8,7 +8,7 @@
 #include "InputFile.h"
 #include "JsonOutput.h"
 #include "PackArgument.h"
-#include "Packs/LoadedPack.h"
+#include "Packs/PackLoader.h"
 #include "PrintableText.h"
 #include "Warnings.h"
 
@@ -100,7 +100,7 @@ void run(const Options& options, const CommandStreams& streams) {
   const PackInfo info = PackInfo::read(packFolder(options.folder), false);
   const std::string manifest = (info.directory / PackManifest::fileName).string();
   warnOfUnknownNames(manifest, readInputFile(manifest), exampleManifest(), streams.err);
-  const auto pack = LoadedPack::load(info, engineRate);
+  const auto pack = loadPack(info, engineRate);
   if (options.json)
     printJson(asJson(*pack), streams.out);
   else

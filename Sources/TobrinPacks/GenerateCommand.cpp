@@ -29,7 +29,7 @@ void run(const Options& options, const CommandStreams& streams) {
   };
   for (const SynthProfile& profile : SynthProfile::starterPacks())
     if (isWanted(profile.id))
-      streams.out << printable(PackGenerator::generate(profile, options.folder).string()) << '\n';
+      streams.out << printable(generatePack(profile, options.folder).string()) << '\n';
 }
 
 constexpr const char* footer = R"(

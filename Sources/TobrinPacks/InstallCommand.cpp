@@ -22,7 +22,7 @@ void print(const PackInstall::Installed& pack, std::ostream& out) {
 void run(const std::vector<std::string>& sources, const CommandStreams& streams) {
   const SpawningProcessRunner programs;
   const PackImport::Services services{virtualCodeOf, programs, exchangeFolders};
-  const auto folder = PackLibrary::userPacksDirectory();
+  const auto folder = userPacksDirectory();
   std::vector<std::unique_ptr<PackInstall>> packs;
   for (const std::string& source : sources)
     packs.push_back(std::make_unique<PackInstall>(source, folder, services));

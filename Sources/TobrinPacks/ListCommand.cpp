@@ -44,7 +44,7 @@ nlohmann::ordered_json asJson(const std::vector<PackInfo>& packs) {
 }
 
 void run(bool json, const CommandStreams& streams) {
-  const std::vector<PackInfo> packs = PackLibrary::discover();
+  const std::vector<PackInfo> packs = discoverPacks();
   if (json)
     printJson(asJson(packs), streams.out);
   else

@@ -28,7 +28,7 @@ double fileLoudness(const std::filesystem::path& file) {
   const std::span left(sound->left(), sound->frames());
   std::optional<std::span<const float>> right;
   if (!sound->isMono()) right = {sound->right(), sound->frames()};
-  return Loudness::integrated(left, right, measuringRate);
+  return integratedLoudness(left, right, measuringRate);
 }
 
 void run(const Options& options, const CommandStreams& streams) {

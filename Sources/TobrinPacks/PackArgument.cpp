@@ -45,7 +45,7 @@ std::filesystem::path packFolder(const std::string& argument) {
   if (std::filesystem::exists(argument, error) || argument.find('/') != std::string::npos)
     return argument;
   std::vector<std::string> ids;
-  for (const PackInfo& pack : PackLibrary::discover()) {
+  for (const PackInfo& pack : discoverPacks()) {
     if (pack.id == argument) return pack.directory;
     ids.push_back(pack.id);
   }

@@ -13,6 +13,7 @@
 #include "NumberRange.h"
 #include "PackArgument.h"
 #include "Packs/FloatWAVWriter.h"
+#include "Packs/PackLoader.h"
 #include "Packs/WAVWriter.h"
 #include "PrintableText.h"
 #include "Progress.h"
@@ -72,7 +73,7 @@ void demandRoom(const std::vector<ScriptedKey>& script, const Options& options) 
   for (const ScriptedKey& key : script)
     last = std::max(last, key.time);
   const auto bytesPerFrame = options.format == "f32" ? 8 : 4;
-  const auto limit = static_cast<double>(FloatWAVWriter::maxFrames) * 8 / bytesPerFrame;
+  const auto limit = static_cast<double>(maxFloatWAVFrames) * 8 / bytesPerFrame;
   const double seconds = last + options.tail;
   if (seconds * engineRate <= limit) return;
   throw std::runtime_error("the sound would last " + std::to_string(std::lround(seconds / 60)) +
@@ -80,14 +81,14 @@ void demandRoom(const std::vector<ScriptedKey>& script, const Options& options) 
                            std::to_string(std::lround(limit / engineRate / 60)));
 }
 
-void write(const OfflineRenderer::Sound& sound, const Options& options) {
+void write(const RenderedSound& sound, const Options& options) {
   if (options.format == "f32")
-    FloatWAVWriter::write(sound.left, sound.right, engineRate, options.out);
+    writeFloatWAV(sound.left, sound.right, engineRate, options.out);
   else
-    WAVWriter::write(sound.left, sound.right, engineRate, options.out);
+    writeWAV(sound.left, sound.right, engineRate, options.out);
 }
 
-float peakOf(const OfflineRenderer::Sound& sound) {
+float peakOf(const RenderedSound& sound) {
   float peak = 0;
   for (const auto* channel : {&sound.left, &sound.right})
     for (const float sample : *channel)
@@ -95,7 +96,7 @@ float peakOf(const OfflineRenderer::Sound& sound) {
   return peak;
 }
 
-void report(const OfflineRenderer::Sound& sound, const Options& options, std::ostream& out) {
+void report(const RenderedSound& sound, const Options& options, std::ostream& out) {
   const double seconds = static_cast<double>(sound.left.size()) / engineRate;
   out << std::fixed << std::setprecision(2) << printable(options.out) << ": " << seconds << " s";
   if (const float peak = peakOf(sound); peak > 0)
@@ -112,11 +113,11 @@ void run(const Options& options, const CommandStreams& streams) {
                                       ? EngineSettings()
                                       : parseFile(options.settingsFile, EngineSettings::fromJson,
                                                   EngineSettings().toJson(), streams.err);
-  const auto pack = LoadedPack::load(PackInfo::read(packFolder(options.pack), false), engineRate);
-  OfflineRenderer::Sound sound;
+  const auto pack = loadPack(PackInfo::read(packFolder(options.pack), false), engineRate);
+  RenderedSound sound;
   {
     Progress progress(streams.err, "rendering");
-    sound = OfflineRenderer::render(
+    sound = renderOffline(
         *pack, script, settings, options.tail, engineRate,
         [&](double fraction) { progress.show(fraction); }, preferLargePages);
   }

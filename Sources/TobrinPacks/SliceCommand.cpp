@@ -12,6 +12,7 @@
 #include "Base/RecipeError.h"
 #include "Building/PackRecipe.h"
 #include "Building/RecordedPackBuilder.h"
+#include "Building/RecordingCache.h"
 #include "Building/RecordingConversion.h"
 #include "Commands.h"
 #include "InputFile.h"
@@ -33,9 +34,9 @@ struct Options {
   bool json = false;
 };
 
-constexpr double rate = RecordedPackBuilder::rate;
+constexpr double rate = recordedPackRate;
 
-Json asJson(const RecordingSlicer::Hit& hit) {
+Json asJson(const RecordedHit& hit) {
   return {{"onset", hit.onset},         {"peak", hit.peak},
           {"energy", hit.energy},       {"brightness", hit.brightness},
           {"decayMs", hit.decayMs},     {"preActivity", hit.preActivity},
@@ -43,7 +44,7 @@ Json asJson(const RecordingSlicer::Hit& hit) {
           {"isRelease", hit.isRelease}, {"isBig", hit.isBig}};
 }
 
-Json asJson(const RecordingSlicer::Result& result) {
+Json asJson(const SlicedRecording& result) {
   Json hits = Json::array();
   for (const auto& hit : result.hits)
     hits.push_back(asJson(hit));
@@ -57,7 +58,7 @@ Json asJson(const RecordingSlicer::Result& result) {
           {"down", down}, {"up", result.up.size()},          {"report", result.report}};
 }
 
-void printSummary(const RecordingSlicer::Result& result, std::ostream& out) {
+void printSummary(const SlicedRecording& result, std::ostream& out) {
   out << result.report << '\n';
   for (const auto& [group, tiers] : result.down) {
     out << "takes for " << (group == KeyGroup::alpha ? "ordinary keys:" : "wide keys:");
@@ -70,7 +71,7 @@ void printSummary(const RecordingSlicer::Result& result, std::ostream& out) {
 
 /// What a build would do with the recording.
 struct Plan {
-  RecordingSlicer::Options options;
+  SlicerOptions options;
   PackRecipe::Source part;  // its `start` and `end`
 };
 
@@ -106,7 +107,7 @@ Plan planOf(const Options& options, std::ostream& err) {
     PackRecipe recipe = PackRecipe::fromJson(content);
     warnOfUnknownNames(file, content, exampleRecipe(), err);
     recipe.resolvePaths(std::filesystem::path(file).parent_path());
-    return {recipe.options.value_or(RecordingSlicer::Options()), partOf(recipe, options, err)};
+    return {recipe.options.value_or(SlicerOptions()), partOf(recipe, options, err)};
   } catch (const RecipeError& error) {
     throw std::runtime_error(file + ": " + error.what());
   }
@@ -153,8 +154,8 @@ std::unique_ptr<SampleBuffer> decoded(const std::string& recording, std::ostream
 void run(const Options& options, const CommandStreams& streams) {
   const Plan plan = planOf(options, streams.err);
   const auto recording = decoded(options.recording, streams.err);
-  const auto [left, right] = RecordedPackBuilder::part(*recording, plan.part);
-  const auto result = RecordingSlicer::slice(left, right, rate, plan.options);
+  const auto [left, right] = partOf(*recording, plan.part);
+  const auto result = sliceRecording(left, right, rate, plan.options);
   if (!options.plotFile.empty()) {
     writeFileAtomically(options.plotFile, slicePlot(result, left, right, rate, plan.options));
   }

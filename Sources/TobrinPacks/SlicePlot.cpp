@@ -11,8 +11,8 @@
 namespace tobrin {
 namespace {
 
-using Fate = RecordingSlicer::Fate;
-using Result = RecordingSlicer::Result;
+using Fate = HitFate;
+using Result = SlicedRecording;
 using Anchor = SvgDocument::Anchor;
 
 struct FateStyle {
@@ -69,11 +69,11 @@ std::vector<float> mixed(std::span<const float> left, std::span<const float> rig
 class Drawing {
  public:
   Drawing(const Result& result, std::span<const float> left, std::span<const float> right,
-          double rate, const RecordingSlicer::Options& options)
+          double rate, const SlicerOptions& options)
       : result_(result),
         rate_(rate),
         options_(options),
-        levels_(HitDetector::levels(mixed(left, right), rate)),
+        levels_(detectionLevels(mixed(left, right), rate)),
         secondsARow_(std::clamp(static_cast<double>(left.size()) / rate, fewestSecondsARow,
                                 mostSecondsARow)),
         rows_(static_cast<std::size_t>(
@@ -121,8 +121,7 @@ class Drawing {
   /// The highest level in a part of the recording.
   double levelWithin(double beginSeconds, double endSeconds) const {
     const auto place = [this](double seconds) {
-      return std::min(static_cast<std::size_t>(seconds / HitDetector::levelSeconds),
-                      levels_.size());
+      return std::min(static_cast<std::size_t>(seconds / detectionLevelSeconds), levels_.size());
     };
     double highest = silenceDb;
     for (std::size_t i = place(beginSeconds); i < place(endSeconds); ++i)
@@ -172,7 +171,7 @@ class Drawing {
     }
   }
 
-  void hit(const RecordingSlicer::Hit& hit, Fate fate) {
+  void hit(const RecordedHit& hit, Fate fate) {
     const double seconds = static_cast<double>(hit.onset) / rate_;
     const auto row = std::min(static_cast<std::size_t>(seconds / secondsARow_), rows_ - 1);
     const double x =
@@ -198,7 +197,7 @@ class Drawing {
     const double width = plotWidth / 2 - 40;
     svg_.rectangle({x, rankTop, width, rankHeight}, "#f4f4f8");
     if (energies.empty()) return;
-    const auto bands = TierAssignment::bands(energies.size(), variants);
+    const auto bands = tierBands(energies.size(), variants);
     for (const auto& band : bands) {
       svg_.rectangle({x + band.low * width, rankTop, (band.high - band.low) * width, rankHeight},
                      tierStyles[index(band.tier)].band);
@@ -219,8 +218,8 @@ class Drawing {
   }
 
   /// The quietest bar still shows, so the scale starts a little below it.
-  void energyBars(const std::vector<float>& energies,
-                  const std::vector<TierAssignment::Band>& bands, double x, double width) {
+  void energyBars(const std::vector<float>& energies, const std::vector<TierBand>& bands, double x,
+                  double width) {
     const double high = decibels(energies.back());
     const double low = std::min(decibels(energies.front()), high - 6) - 3;
     const auto count = static_cast<double>(energies.size());
@@ -247,7 +246,7 @@ class Drawing {
 
   const Result& result_;
   double rate_;
-  const RecordingSlicer::Options& options_;
+  const SlicerOptions& options_;
   const std::vector<float> levels_;  // as `HitDetector` has them
   double secondsARow_;
   std::size_t rows_;
@@ -258,9 +257,8 @@ class Drawing {
 
 }  // namespace
 
-std::string slicePlot(const RecordingSlicer::Result& result, std::span<const float> left,
-                      std::span<const float> right, double rate,
-                      const RecordingSlicer::Options& options) {
+std::string slicePlot(const SlicedRecording& result, std::span<const float> left,
+                      std::span<const float> right, double rate, const SlicerOptions& options) {
   return Drawing(result, left, right, rate, options).document();
 }
 

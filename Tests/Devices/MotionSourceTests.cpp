@@ -56,21 +56,20 @@ class MotionSourceTest : public ::testing::Test {
     ASSERT_TRUE(streams()) << sensor->problem();
     const uint64_t time = device.strike(g);
     std::this_thread::sleep_for(milliseconds(30));
-    const auto window =
-        sensor->window(time - MachTime::ticks(windowMs), time + MachTime::ticks(windowMs));
+    const auto window = sensor->window(time - machTicks(windowMs), time + machTicks(windowMs));
     ASSERT_TRUE(window) << sensor->description();
     EXPECT_GT(window->samples, 2);
-    EXPECT_NEAR(MachTime::delta(window->peakTime, time), 1.5, 4.5) << sensor->description();
+    EXPECT_NEAR(machDelta(window->peakTime, time), 1.5, 4.5) << sensor->description();
     EXPECT_GT(static_cast<double>(window->peak), g * 0.4) << sensor->description();
     EXPECT_LT(static_cast<double>(window->peak), g * 1.2) << sensor->description();
   }
 
   [[nodiscard]] double measuredRate() const {
     const uint64_t before = sensor->reportsReceived();
-    const uint64_t start = MachTime::now();
+    const uint64_t start = machNow();
     std::this_thread::sleep_for(milliseconds(1000));
     return static_cast<double>(sensor->reportsReceived() - before) * 1000 /
-           MachTime::delta(MachTime::now(), start);
+           machDelta(machNow(), start);
   }
 
   std::optional<ForceSensor> sensor;
@@ -81,7 +80,7 @@ TEST_F(MotionSourceTest, AnIioSensorStreamsAtItsHighestRateAndIsPutBack) {
   ASSERT_TRUE(start());
   expectStrikeInPlace(device, 0.5);
   EXPECT_NEAR(measuredRate(), 1000, 30) << sensor->description();
-  EXPECT_LT(MachTime::delta(MachTime::now(), sensor->lastSampleTime()), 10);
+  EXPECT_LT(machDelta(machNow(), sensor->lastSampleTime()), 10);
   const IioDevice found = IioDevice::findAll({})[0];
   EXPECT_EQ(sysfs::readNumber(found.folder / "buffer/enable"), 1);
   EXPECT_EQ(sensor->description(), found.title() + ", 1000 Hz");

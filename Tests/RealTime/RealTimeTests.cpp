@@ -67,8 +67,8 @@ int engineUnderLoad() {
 
   const auto disturb = [&](uint16_t presses) {
     for (uint16_t i = 0; i < presses; ++i) {
-      conductor.handle({i, KeyAction::down, MachTime::now()});
-      conductor.handle({i, KeyAction::up, MachTime::now()});
+      conductor.handle({i, KeyAction::down, machNow()});
+      conductor.handle({i, KeyAction::up, machNow()});
       if (i % 20 == 0) conductor.setPack(testing::TestPack::simple(4800));
       conductor.apply({.volume = 0.001F * static_cast<float>(i)}, true);
       std::this_thread::sleep_for(1ms);

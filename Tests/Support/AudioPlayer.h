@@ -1,4 +1,4 @@
-/// What a sound device calls in tests: plays a pulse when told to, and counts what happens to it.
+/// What a sound device calls in tests: plays a pulse on request, and counts what happens to it.
 #pragma once
 
 #include <algorithm>

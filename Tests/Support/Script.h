@@ -1,4 +1,4 @@
-/// What a test keeps of a source of events that somebody else owns and runs on a thread of its own.
+/// What a test keeps of a source of events that somebody else owns and runs on another thread.
 #pragma once
 
 #include <atomic>
@@ -8,7 +8,7 @@
 
 namespace tobrin::testing {
 
-/// Opens or refuses as told and hands on what the test sends. Thread: any.
+/// Opens or refuses as the test wants and hands on what the test sends. Thread: any.
 template <typename Item>
 class Script {
  public:

@@ -1,4 +1,4 @@
-/// A folder of its own for one test, gone with it, and what files hold.
+/// A folder for one test alone, removed with it, and what files hold.
 #pragma once
 
 #include <stdlib.h>

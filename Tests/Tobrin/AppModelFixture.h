@@ -104,11 +104,11 @@ class DeskShortcuts final : public ShortcutService {
 class AppModelTest : public ::testing::Test {
  protected:
   AppModelTest() {
-    Log::setSink([this](const std::string& line) { log_ += line + "\n"; });
+    setLogSink([this](const std::string& line) { log_ += line + "\n"; });
   }
   ~AppModelTest() override {
     model_.reset();
-    Log::setSink(nullptr);
+    setLogSink(nullptr);
   }
 
   static PackInfo pack(const std::string& id) {
@@ -146,7 +146,7 @@ class AppModelTest : public ::testing::Test {
   void advance(double milliseconds) {
     constexpr double step = 50;
     for (double passed = 0; passed < milliseconds; passed += step)
-      moveTo(main_.now() + MachTime::ticks(std::min(step, milliseconds - passed)));
+      moveTo(main_.now() + machTicks(std::min(step, milliseconds - passed)));
     moveTo(main_.now());
   }
 
@@ -178,7 +178,7 @@ class AppModelTest : public ::testing::Test {
   }
 
   // The key monitor's clock is the machine's, and the virtual one starts with it.
-  const uint64_t begin_ = MachTime::now();
+  const uint64_t begin_ = machNow();
   VirtualQueue main_{"main", begin_}, loader_{"loader", begin_},
       conductorQueue_{"conductor", begin_}, micQueue_{"mic", begin_};
   MemorySettings settings_;

@@ -202,10 +202,10 @@ TEST_F(AppModelTest, SensesForceWhereThereIsASensor) {
   advance(0);
   EXPECT_EQ(model.statusLine(), "The leopold · Force sensing on");
   motion_.awaitOpens(1);
-  const uint64_t now = MachTime::now();
+  const uint64_t now = machNow();
   motion_.send({{0, 0, 1}, now - 1});
   for (int i = 0; i < 1000; ++i)  // shakes evenly for some seconds
-    motion_.send({{0, 0, 1 + (i % 2 == 0 ? 0.05 : -0.05)}, now + MachTime::ticks(5.0 * i)});
+    motion_.send({{0, 0, 1 + (i % 2 == 0 ? 0.05 : -0.05)}, now + machTicks(5.0 * i)});
   advance(5000);
   const auto stroke = [&] {
     keys_.press(0);

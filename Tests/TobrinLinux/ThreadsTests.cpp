@@ -59,9 +59,9 @@ TEST(AsioQueue, TimersComeNoEarlierThanAskedAndSyncWaits) {
   int count = 0;
   queue.sync([&] { count = 1; });
   EXPECT_EQ(count, 1);
-  while (firedAt == 0 && queue.now() - start < MachTime::ticks(5000))
+  while (firedAt == 0 && queue.now() - start < machTicks(5000))
     std::this_thread::yield();
-  EXPECT_GE(firedAt - start, MachTime::ticks(20));
+  EXPECT_GE(firedAt - start, machTicks(20));
 }
 
 /// Key, main, sensor and render threads at once; the thread sanitizer watches.
@@ -83,14 +83,14 @@ TEST(Conductor, TakesKeysSettingsAndPacksFromManyThreads) {
   });
   std::thread sensor([&] {
     while (!ending) {
-      motion.send({{0, 0, 1.1}, MachTime::now()});
+      motion.send({{0, 0, 1.1}, machNow()});
       std::this_thread::sleep_for(1ms);
     }
   });
   std::thread keys([&] {
     for (uint16_t i = 0; i < 200; ++i) {
-      conductor->handle({i, KeyAction::down, MachTime::now()});
-      conductor->handle({i, KeyAction::up, MachTime::now()});
+      conductor->handle({i, KeyAction::down, machNow()});
+      conductor->handle({i, KeyAction::up, machNow()});
       std::this_thread::sleep_for(1ms);
     }
   });

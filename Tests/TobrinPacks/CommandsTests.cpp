@@ -21,7 +21,7 @@ TEST(GenerateCommand, WritesTheNamedPacksAndNothingElse) {
   const testing::TempFolder folder;
   const std::string into = folder.path() / "packs";
   ASSERT_EQ(run({"generate", "dome", "cream", "dome", "--into", into}).status, 0);
-  const auto packs = PackLibrary::discover(into, false);
+  const auto packs = discoverPacks(into, false);
   ASSERT_EQ(packs.size(), 2u);
   EXPECT_EQ(packs[0].id + packs[1].id, "creamdome");
 
@@ -29,7 +29,7 @@ TEST(GenerateCommand, WritesTheNamedPacksAndNothingElse) {
   const Outcome unknown = run({"generate", "panda", "leopold", "--into", into});
   EXPECT_EQ(unknown.status, 2);
   EXPECT_NE(unknown.err.find("leopold"), std::string::npos);
-  EXPECT_EQ(PackLibrary::discover(into, false).size(), 2u);
+  EXPECT_EQ(discoverPacks(into, false).size(), 2u);
   EXPECT_EQ(run({"generate", "cream", "--into", folder.write("file", "")}).status, 1);
 }
 
@@ -40,13 +40,13 @@ TEST(LoudnessCommand, MeasuresFilesAtAnyRateAndPacksInUse) {
   for (std::size_t n = 0; n < sine.size(); ++n)
     sine[n] = 0.1f * static_cast<float>(
                          std::sin(2 * std::numbers::pi * 997 * static_cast<double>(n) / 44'100));
-  WAVWriter::write(sine, sine, 44'100, file);
+  writeWAV(sine, sine, 44'100, file);
   const auto measured = nlohmann::json::parse(run({"loudness", file, "--json"}).out);
   EXPECT_NEAR(measured["lufs"].get<double>(), -20, 0.05);
-  WAVWriter::write(sine, {}, 44'100, file);
+  writeWAV(sine, {}, 44'100, file);
   EXPECT_EQ(run({"loudness", file}).out, "-23.01 LUFS\n");
 
-  WAVWriter::write(std::span(sine).first(4'000), {}, 44'100, file);
+  writeWAV(std::span(sine).first(4'000), {}, 44'100, file);
   EXPECT_EQ(nlohmann::json::parse(run({"loudness", file, "--json"}).out)["lufs"], nullptr);
 
   ASSERT_EQ(run({"generate", "cream", "--into", folder.path()}).status, 0);

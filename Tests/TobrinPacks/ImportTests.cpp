@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "Packs/LoadedPack.h"
+#include "Packs/PackLoader.h"
 #include "RunWorkshop.h"
 #include "Support/ForeignPacks.h"
 
@@ -24,7 +24,7 @@ Json imported(const fs::path& source, const fs::path& into) {
 }
 
 std::shared_ptr<const LoadedPack> loaded(const fs::path& folder) {
-  return LoadedPack::load(PackInfo::read(folder, false), 48000);
+  return loadPack(PackInfo::read(folder, false), 48000);
 }
 
 TEST(ImportCommand, MakesPacksOfEveryFormatFromFoldersAndArchives) {

@@ -92,7 +92,7 @@ class UhidDevice final {
 
   void answerGet(const uhid_event& request) const {
     const Bytes bytes = request.u.get_report.rtype == UHID_INPUT_REPORT
-                            ? behaviour_.input(MachTime::now())
+                            ? behaviour_.input(machNow())
                             : behaviour_.feature();
     uhid_event reply{};
     reply.type = UHID_GET_REPORT_REPLY;
@@ -113,10 +113,10 @@ class UhidDevice final {
 
   void report() {
     askForRealTime();
-    uint64_t next = MachTime::now();
+    uint64_t next = machNow();
     while (!reportingEnds_) {
       const double hz = behaviour_.rate(opened_);
-      next = hz > 0 ? next + static_cast<uint64_t>(1e9 / hz) : MachTime::now() + 2'000'000;
+      next = hz > 0 ? next + static_cast<uint64_t>(1e9 / hz) : machNow() + 2'000'000;
       const timespec due{static_cast<time_t>(next / 1'000'000'000),
                          static_cast<long>(next % 1'000'000'000)};
       clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &due, nullptr);

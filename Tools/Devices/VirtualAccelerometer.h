@@ -47,7 +47,7 @@ class VirtualAccelerometer final {
   uint64_t strike(double g) {
     struckAt_ = UINT64_MAX;
     struckG_ = g;
-    const uint64_t time = MachTime::now();
+    const uint64_t time = machNow();
     struckAt_ = time;
     return time;
   }

@@ -14,7 +14,7 @@
 namespace tobrin {
 namespace {
 
-using Fate = RecordingSlicer::Fate;
+using Fate = HitFate;
 using Sound = ComposedTyping::Sound;
 
 constexpr double seconds = 60;
@@ -54,8 +54,7 @@ double rankCorrelation(const std::vector<double>& a, const std::vector<double>& 
 /// The stroke of each hit, -1 for none. The loudest stroke chooses first and takes the loudest hit
 /// around it: a touch may come before the strike itself, and a hit may begin with a release that
 /// another key's press follows.
-std::vector<int> strokesOf(const ComposedTyping& typing,
-                           const std::vector<RecordingSlicer::Hit>& hits) {
+std::vector<int> strokesOf(const ComposedTyping& typing, const std::vector<RecordedHit>& hits) {
   constexpr double early = 0.025;  // s
   constexpr double late = 0.030;
   std::vector<std::size_t> order(typing.strokes.size());
@@ -79,7 +78,7 @@ std::vector<int> strokesOf(const ComposedTyping& typing,
 }
 
 Score judge(const ComposedTyping& typing) {
-  const auto result = RecordingSlicer::slice(typing.left, typing.right, typing.rate, {});
+  const auto result = sliceRecording(typing.left, typing.right, typing.rate, {});
   const auto owners = strokesOf(typing, result.hits);
   Score score;
   double presses = 0, found = 0, kept = 0, keptPresses = 0, unmarked = 0, wide = 0, wideFound = 0;

@@ -106,7 +106,7 @@ class Typist {
   void add(double at, double db, const Key& key, Sound sound, bool isWide) {
     auto& cached = sounds_[key];
     if (cached.left.empty()) {
-      cached = KeySynth::render(key.group, key.tier, key.variant, *condition_.profile);
+      cached = renderKey(key.group, key.tier, key.variant, *condition_.profile);
       const double scale = 1 / std::max(norm(cached.left), norm(cached.right));
       for (auto* channel : {&cached.left, &cached.right})
         for (float& x : *channel)
@@ -117,7 +117,7 @@ class Typist {
     const auto gain = static_cast<float>(amplitude(db));
     for (std::size_t i = 0; start + i < result_.left.size(); ++i) {
       // A sound made for 48 kHz, read by lines at another rate.
-      const double place = static_cast<double>(i) * KeySynth::sampleRate / condition_.rate;
+      const double place = static_cast<double>(i) * synthSampleRate / condition_.rate;
       const auto from = static_cast<std::size_t>(place);
       if (from + 1 >= cached.left.size()) break;
       const auto part = static_cast<float>(place - static_cast<double>(from));
@@ -133,7 +133,7 @@ class Typist {
   const TypingCondition& condition_;
   SplitMix64 random_;
   ComposedTyping result_;
-  std::map<Key, KeySynth::Sound> sounds_;
+  std::map<Key, KeySound> sounds_;
 };
 
 void addNoise(std::vector<float>& samples, double db, SplitMix64& random) {
@@ -150,7 +150,7 @@ void lowPass(std::vector<float>& samples, double hz, double rate, int times = 2)
   }
 }
 
-/// Digital silence wherever the level stays low, as a voice call's gate leaves it.
+/// Digital silence where the level stays low, as a voice call's gate leaves it.
 void gate(std::vector<float>& samples, double rate) {
   const double threshold = amplitude(-52);
   const double fall = std::exp(-1 / (0.025 * rate));

@@ -49,7 +49,7 @@ bool tenMinutesStereo(Report& report) {
   double theirs = 0;
   const auto timings = timeInterleaved(
       {contestant("tobrin",
-                  [&] { ours = Loudness::integrated(signal.left, signal.right, double{rate}); }),
+                  [&] { ours = integratedLoudness(signal.left, signal.right, double{rate}); }),
        contestant("libebur128", [&] { theirs = libraryLoudness(signal); })},
       {.rounds = 7});
   report.add(

@@ -47,7 +47,7 @@ void memoryOfTenMinutes(Report& report) {
   const std::vector<float> left = typing(600);
   // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): a recording of two channels
   const std::vector<float> right = left;
-  RecordingSlicer::slice(left, right, rate, {});
+  sliceRecording(left, right, rate, {});
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   constexpr double bytesAUnit = 1024;
@@ -62,9 +62,8 @@ bool twoMinutes(Report& report) {
   const std::vector<float> recording = typing(seconds);
   std::size_t hits = 0;
   const auto timings = timeInterleaved(
-      {contestant(
-          "tobrin",
-          [&] { hits = RecordingSlicer::slice(recording, recording, rate, {}).hits.size(); })},
+      {contestant("tobrin",
+                  [&] { hits = sliceRecording(recording, recording, rate, {}).hits.size(); })},
       {.rounds = 7});
   constexpr double goal = 300;
   report.add(Figure::over("slicing of 2 minutes of typing", seconds / timings[0].median,

@@ -10,8 +10,8 @@
 
 #include "Base/MachTime.h"
 #include "Engine/Conductor.h"
-#include "Packs/LoadedPack.h"
 #include "Packs/PackLibrary.h"
+#include "Packs/PackLoader.h"
 #include "Support/PacedDevice.h"
 #include "Support/Report.h"
 #include "Synth/PackGenerator.h"
@@ -29,18 +29,18 @@ double switchTime(Conductor& conductor, const PackInfo& info, PacedDevice::First
   // The phrase before has ended, and its pack is gone.
   std::this_thread::sleep_for(2500ms);
   firstSound = 0;
-  const uint64_t selected = MachTime::now();
-  conductor.setPack(LoadedPack::load(info, AudioOutput::sampleRate));
+  const uint64_t selected = machNow();
+  conductor.setPack(loadPack(info, AudioOutput::sampleRate));
   conductor.audition();
   while (firstSound == 0)
     std::this_thread::sleep_for(1ms);
-  return MachTime::milliseconds(firstSound - selected);
+  return machMilliseconds(firstSound - selected);
 }
 
 void measure(Report& report, const fs::path& folder) {
   std::vector<PackInfo> packs;
   for (std::size_t i = 0; i < 2; ++i) {
-    const fs::path pack = PackGenerator::generate(SynthProfile::starterPacks()[i], folder);
+    const fs::path pack = generatePack(SynthProfile::starterPacks()[i], folder);
     packs.push_back(PackInfo::read(pack, false));
   }
   PacedDevice::FirstSound firstSound = 0;

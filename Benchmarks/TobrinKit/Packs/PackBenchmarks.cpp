@@ -13,7 +13,7 @@
 #include "Engine/OfflineRenderer.h"
 #include "Engine/Voicing.h"
 #include "Input/KeyLayout.h"
-#include "Packs/LoadedPack.h"
+#include "Packs/PackLoader.h"
 #include "ScalarMixer.h"
 #include "Support/Interleaved.h"
 #include "Support/Report.h"
@@ -103,7 +103,7 @@ void addLoad(Report& report, const std::string& name, const Timing& ours, const 
 }
 
 void measureLoading(Report& report, const fs::path& folder) {
-  const fs::path pack = PackGenerator::generate(SynthProfile::starterPacks()[0], folder);
+  const fs::path pack = generatePack(SynthProfile::starterPacks()[0], folder);
   const fs::path copy = withOtherRate(pack, folder / "other-rate");
   const std::vector<fs::path> files = soundFiles(pack);
   std::vector<Sound> sounds;
@@ -111,7 +111,7 @@ void measureLoading(Report& report, const fs::path& folder) {
     sounds.push_back(decode(file));
 
   const auto load = [](const fs::path& from) {
-    return [info = PackInfo::read(from, false)] { (void)LoadedPack::load(info, engineRate); };
+    return [info = PackInfo::read(from, false)] { (void)loadPack(info, engineRate); };
   };
   const auto timings = timeInterleaved({contestant("load", load(pack)),
                                         contestant("libsndfile", [&] { decodeAll(files); }),
@@ -127,46 +127,36 @@ void renderByScalarLoop(const LoadedPack& pack, const std::vector<ScriptedKey>& 
   const EngineSettings settings;
   const auto frames = static_cast<std::size_t>(script.back().time * engineRate);
   std::vector<float> left(frames), right(frames);
+  const Voicing voicing(pack, settings);
   ScalarMixer mixer;
   auto key = script.begin();
   for (std::size_t done = 0; done + blockFrames <= left.size(); done += blockFrames) {
     for (; key != script.end() && key->time * engineRate < static_cast<double>(done + blockFrames);
          ++key) {
-      TBCommand command{};
-      command.type = TB_COMMAND_START;
-      command.rate = Voicing::detune(key->code);
-      command.pan = Voicing::pan(key->code, settings);
-      const KeyGroup group = KeyLayout::group(key->code);
-      const std::size_t variant = Voicing::variant(key->code, pack, group);
-      if (key->action == KeyAction::down) {
-        const auto layers = pack.layers(group, variant);
-        Voicing::setLayers(command, layers.samples);
-        Voicing::setWeights(command, Voicing::weights(key->position, 1, layers.gains, true, 1));
-      } else if (const auto release = pack.release(group, variant)) {
-        command.layers[0] = release->sample;
-        command.weights[0] = release->gain;
-      }
-      mixer.start(command);
+      const auto command = key->action == KeyAction::down
+                               ? voicing.press(key->code, {key->position, 1}, {})
+                               : voicing.release(key->code, 1, {});
+      if (command) mixer.start(*command);
     }
     mixer.render(left.data() + done, right.data() + done, blockFrames);
   }
 }
 
 void measureTyping(Report& report, const fs::path& folder) {
-  const fs::path pack = PackGenerator::generate(SynthProfile::starterPacks()[0], folder);
-  const auto loaded = LoadedPack::load(PackInfo::read(pack, false), engineRate);
+  const fs::path pack = generatePack(SynthProfile::starterPacks()[0], folder);
+  const auto loaded = loadPack(PackInfo::read(pack, false), engineRate);
   std::string text;
   while (text.size() < 425)  // a minute at 85 words a minute
     text += "the quick brown fox jumps over the lazy dog ";
   const auto script = typingScript(text, 85, 3, [](std::size_t, std::size_t) { return 1.0f; });
   const double seconds = script.back().time;
-  const auto timings = timeInterleaved(
-      {contestant("render",
-                  [&] {
-                    (void)OfflineRenderer::render(*loaded, script, EngineSettings(), 0, engineRate,
-                                                  {}, preferLargePages);
-                  }),
-       contestant("scalar", [&] { renderByScalarLoop(*loaded, script); })});
+  const auto timings =
+      timeInterleaved({contestant("render",
+                                  [&] {
+                                    (void)renderOffline(*loaded, script, EngineSettings(), 0,
+                                                        engineRate, {}, preferLargePages);
+                                  }),
+                       contestant("scalar", [&] { renderByScalarLoop(*loaded, script); })});
   report.add(Figure::over("a minute of typing, offline", seconds / timings[0].median, "x real time",
                           4000, timings[0].spread));
   report.add(

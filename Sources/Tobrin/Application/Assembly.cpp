@@ -13,6 +13,7 @@
 #include "Evdev/KeyCodes.h"
 #include "Motion/FindMotionSource.h"
 #include "Packs/PackLibrary.h"
+#include "Packs/PackLoader.h"
 #include "PipeWire/PipeWireLoop.h"
 #include "Shortcuts/DesktopShortcuts.h"
 #include "Threads/ThreadPreparation.h"
@@ -67,18 +68,18 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
       .micSource = makeMicSource(soundServer),
       .onThreadStart = prepareTimelyThread,
       .keyOfScanCode = [](uint32_t code) { return virtualCodeOf(code - xKeyCodeOffset); },
-      .discoverPacks = [] { return PackLibrary::discover(); },
+      .discoverPacks = [] { return discoverPacks(); },
       .loadPack =
           [this](const PackInfo& info) {
             main_.after(settleTime, [] { malloc_trim(0); });  // free heap goes back to the system
-            return LoadedPack::load(info, AudioOutput::sampleRate);
+            return loadPack(info, AudioOutput::sampleRate);
           },
   };
   const bool isPreview = preview.has_value();
   model_ = std::make_unique<AppModel>(std::move(services), std::move(preview));
   if (!isPreview)
-    packsWatch_ = std::make_unique<PacksWatch>(PackLibrary::userPacksDirectory(),
-                                               [this] { model_->lookForPacks(); });
+    packsWatch_ =
+        std::make_unique<PacksWatch>(userPacksDirectory(), [this] { model_->lookForPacks(); });
 }
 
 }  // namespace tobrin

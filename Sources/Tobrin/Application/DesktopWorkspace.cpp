@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 /// Empty where the system knows no home folder.
 fs::path packsFolder() {
   try {
-    return PackLibrary::userPacksDirectory();
+    return userPacksDirectory();
   } catch (const std::runtime_error&) {
     return {};
   }

@@ -13,6 +13,7 @@
 #include "Engine/Conductor.h"
 #include "Motion/FindMotionSource.h"
 #include "Packs/PackLibrary.h"
+#include "Packs/PackLoader.h"
 #include "System/ProcessName.h"
 #include "Threads/AsioQueue.h"
 #include "Threads/ThreadPreparation.h"
@@ -54,9 +55,8 @@ int runMicWatch(double seconds) {
 int runSelfTest() {
   AsioQueue queue(Conductor::queueName);
   SelfTest::Parts parts{
-      .discoverPacks = [] { return PackLibrary::discover(); },
-      .loadPack =
-          [](const PackInfo& info) { return LoadedPack::load(info, AudioOutput::sampleRate); },
+      .discoverPacks = [] { return discoverPacks(); },
+      .loadPack = [](const PackInfo& info) { return loadPack(info, AudioOutput::sampleRate); },
       .conductorQueue = queue,
       .audioDevice = makeAudioDevice(makePipeWireLoop()),
       .sensor = findSensor(),

@@ -25,7 +25,7 @@ const Module* load(const std::string& name) {
   loader.setLoadHints(QLibrary::ResolveAllSymbolsHint | QLibrary::PreventUnloadHint);
   const auto* module = qobject_cast<Module*>(loader.instance());
   if (module == nullptr)
-    Log::line("can't load the " + name + ": " + loader.errorString().toStdString());
+    logLine("can't load the " + name + ": " + loader.errorString().toStdString());
   return module;
 }
 

@@ -26,12 +26,12 @@ bool installFiles(const std::vector<std::string>& files) {
   workshop.start(QString::fromStdString((thisProgram().parent_path() / "tobrin-packs").string()),
                  arguments);
   const bool isOver = workshop.waitForFinished(-1);
-  const bool isDone = isOver && workshop.exitStatus() == QProcess::NormalExit &&
-                      workshop.exitCode() == 0;
+  const bool isDone =
+      isOver && workshop.exitStatus() == QProcess::NormalExit && workshop.exitCode() == 0;
   std::string said = workshop.readAllStandardError().trimmed().toStdString();
   if (!isOver) said = "tobrin-packs: " + workshop.errorString().toStdString();
   if (!said.empty()) std::fprintf(stderr, "%s\n", said.c_str());
-  if (!isDone) Log::line("A pack couldn't be installed: " + said);
+  if (!isDone) logLine("A pack couldn't be installed: " + said);
   return isDone;
 }
 

@@ -34,7 +34,7 @@ void tellWhy(const std::string& problem) {
 }  // namespace
 
 Probe::Time Probe::realTime() {
-  return {&MachTime::now, [](milliseconds pause) { std::this_thread::sleep_for(pause); }};
+  return {&machNow, [](milliseconds pause) { std::this_thread::sleep_for(pause); }};
 }
 
 Probe::Probe(Devices devices, std::ostream& out, std::filesystem::path folder, Time time)
@@ -52,7 +52,7 @@ int Probe::run(double seconds) {
   listenFor(seconds);
   time_.sleep(milliseconds(120));  // the last impacts reach the ring
   monitor_->stop();
-  const double elapsedMs = std::max(MachTime::delta(time_.now(), start), 1.0);
+  const double elapsedMs = std::max(machDelta(time_.now(), start), 1.0);
   const auto reports = static_cast<double>(sensor.reportsReceived() - reportsBefore);
   const Summary summary{reports * 1000 / elapsedMs, sensor.noiseFloor()};
   sensor.stop();
@@ -85,9 +85,9 @@ bool Probe::startDevices() {
 // Traces are taken while it runs: the sensor's ring holds no more than some seconds.
 void Probe::listenFor(double seconds) {
   constexpr milliseconds step{100};
-  const uint64_t deadline = time_.now() + MachTime::ticks(seconds * 1000);
+  const uint64_t deadline = time_.now() + machTicks(seconds * 1000);
   for (uint64_t now = time_.now(); now < deadline; now = time_.now()) {
-    const double left = MachTime::delta(deadline, now);
+    const double left = machDelta(deadline, now);
     out_ << '\r' << static_cast<long long>(std::ceil(left / 1000)) << "s left, " << keyCount()
          << " keys so far " << std::flush;
     time_.sleep(std::min(step, milliseconds(static_cast<int64_t>(std::ceil(left)))));
@@ -109,13 +109,13 @@ void Probe::collect(uint64_t until) {
     for (; collected_ < keys_.size(); ++collected_) {
       const KeyDown& key = keys_[collected_];
       // Some slack for samples on their way.
-      if (until != UINT64_MAX && MachTime::delta(until, key.time) < 2 * lagMs) break;
+      if (until != UINT64_MAX && machDelta(until, key.time) < 2 * lagMs) break;
       due.push_back(key);
     }
   }
   for (const KeyDown& key : due) {
-    const uint64_t from = key.time - std::min(key.time, MachTime::ticks(leadMs));
-    const auto samples = devices_.sensor->samples(from, key.time + MachTime::ticks(lagMs));
+    const uint64_t from = key.time - std::min(key.time, machTicks(leadMs));
+    const auto samples = devices_.sensor->samples(from, key.time + machTicks(lagMs));
     if (auto hit = hitOf(key.code, key.time, samples)) hits_.push_back(std::move(*hit));
   }
 }

@@ -29,7 +29,7 @@ class Probe final {
 
   /// What the probe measures time by; both on the clock of keys and sensor.
   struct Time {
-    std::function<uint64_t()> now = &MachTime::now;
+    std::function<uint64_t()> now = &machNow;
     std::function<void(std::chrono::milliseconds)> sleep;
   };
   static Time realTime();

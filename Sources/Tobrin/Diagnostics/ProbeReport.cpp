@@ -50,12 +50,9 @@ std::optional<Hit> hitOf(uint16_t code, uint64_t time, const std::vector<ForceSa
   const auto strongest = std::max_element(
       samples.begin(), samples.end(),
       [](const ForceSample& a, const ForceSample& b) { return a.value < b.value; });
-  Hit hit{rawValue(KeyLayout::group(code)),
-          MachTime::delta(strongest->time, time),
-          strongest->value,
-          {}};
+  Hit hit{rawValue(keyGroupOf(code)), machDelta(strongest->time, time), strongest->value, {}};
   for (const ForceSample& sample : samples)
-    hit.trace.push_back({MachTime::delta(sample.time, time), sample.value});
+    hit.trace.push_back({machDelta(sample.time, time), sample.value});
   return hit;
 }
 

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "Engine/Conductor.h"
+#include "Packs/PackLoader.h"
 
 namespace tobrin {
 namespace {

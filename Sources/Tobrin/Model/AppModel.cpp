@@ -72,7 +72,7 @@ void AppModel::readSavedState(const std::optional<Preview>& preview) {
       settings_ = EngineSettings::fromJson(*saved);
     } catch (const std::exception& error) {
       services_.settings.keepAside(settingsKey);
-      Log::line(std::string("saved settings can't be read, using the defaults: ") + error.what());
+      logLine(std::string("saved settings can't be read, using the defaults: ") + error.what());
     }
   }
   isFirstStart_ =
@@ -208,7 +208,7 @@ void AppModel::micChanged(bool inUse) {
 
 void AppModel::sensorChanged(const std::string& problem) {
   sensorProblem_ = problem;
-  if (!problem.empty()) Log::line("force can't be sensed: " + problem);
+  if (!problem.empty()) logLine("force can't be sensed: " + problem);
   emit statusChanged();
 }
 
@@ -228,7 +228,7 @@ void AppModel::registerShortcut() {
                                                 ? std::optional(settings_.shortcut)
                                                 : std::nullopt);
   if (settings_.shortcutEnabled && shortcutProblem()) {
-    Log::line("shortcut " + display(settings_.shortcut) + " unavailable: " + *shortcutProblem());
+    logLine("shortcut " + display(settings_.shortcut) + " unavailable: " + *shortcutProblem());
   }
   emit shortcutStatusChanged();
 }
@@ -240,7 +240,7 @@ void AppModel::captureShortcut(bool captures) {
 
 bool AppModel::chooseShortcut(uint32_t scanCode, Modifiers modifiers) {
   const auto code = services_.keyOfScanCode(scanCode);
-  const bool isOwnKey = code && KeyLayout::group(*code) != KeyGroup::modifier;
+  const bool isOwnKey = code && keyGroupOf(*code) != KeyGroup::modifier;
   const bool isFree = (modifiers.rawValue & ~Modifiers::shift) != 0;
   if (!isOwnKey || !isFree) return false;
   EngineSettings changed = settings_;
@@ -352,7 +352,7 @@ void AppModel::install(std::shared_ptr<const LoadedPack> pack, bool audition) {
 void AppModel::setPackError(std::optional<std::string> text) {
   if (text == packError_) return;
   packError_ = std::move(text);
-  if (packError_) Log::line(*packError_);
+  if (packError_) logLine(*packError_);
   emit packErrorChanged();
   emit statusChanged();
 }
@@ -394,7 +394,7 @@ void AppModel::readLoginItem() {
 
 void AppModel::setLaunchAtLogin(bool on) {
   const std::string problem = services_.loginItem.setEnabled(on);
-  if (!problem.empty()) Log::line("launch at login change failed: " + problem);
+  if (!problem.empty()) logLine("launch at login change failed: " + problem);
   loginItemProblem_ = problem.empty() ? "" : "This can't be changed: " + problem + ".";
   readLoginItem();
   emit launchAtLoginChanged();  // the switch may have to go back
@@ -402,7 +402,7 @@ void AppModel::setLaunchAtLogin(bool on) {
 
 void AppModel::openPacksFolder() {
   const std::string problem = services_.workspace.openPacksFolder();
-  if (!problem.empty()) Log::line("packs folder can't be shown: " + problem);
+  if (!problem.empty()) logLine("packs folder can't be shown: " + problem);
   packsFolderProblem_ = problem.empty() ? "" : "The packs folder can't be shown: " + problem + ".";
   emit packsFolderProblemChanged();
 }
@@ -415,7 +415,7 @@ void AppModel::openKeyAccessSettings() {
   services_.workspace.openKeyAccessSettings([this, self = self_](const std::string& problem) {
     if (*self == nullptr) return;
     keyAccessProblem_ = problem.empty() ? "" : "Access to keys can't be set up: " + problem;
-    if (!problem.empty()) Log::line(keyAccessProblem_);
+    if (!problem.empty()) logLine(keyAccessProblem_);
     emit permissionChanged();
     lookForKeyAccess();
   });
@@ -424,7 +424,7 @@ void AppModel::openKeyAccessSettings() {
 void AppModel::relaunch() {
   const std::string problem = services_.workspace.relaunch();
   if (!problem.empty()) {
-    Log::line("can't start again: " + problem);
+    logLine("can't start again: " + problem);
     return;
   }
   services_.workspace.terminate();

@@ -57,7 +57,7 @@ void KeyAccessWatch::look() {
   start();
   if (state_.listening) return;
   if (!grantedWithoutKeys_) grantedWithoutKeys_ = main_.now();
-  const double waitedMs = MachTime::delta(main_.now(), *grantedWithoutKeys_);
+  const double waitedMs = machDelta(main_.now(), *grantedWithoutKeys_);
   if (waitedMs > relaunchAfterMs) publish({.hasPermission = true, .needsRelaunch = true});
 }
 

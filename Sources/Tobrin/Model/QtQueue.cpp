@@ -32,7 +32,7 @@ bool QtQueue::isCurrent() const {
 }
 
 uint64_t QtQueue::now() const {
-  return MachTime::now();
+  return machNow();
 }
 
 }  // namespace tobrin

@@ -65,9 +65,9 @@ PanelModel::PanelModel(AppModel& model, QObject* parent)
 void PanelModel::lightKey() {
   if (!hasReading()) return;
   const uint16_t code = model_.lastForce()->code;
-  const KeyGroup group = KeyLayout::group(code);
+  const KeyGroup group = keyGroupOf(code);
   const double strength = static_cast<double>(model_.lastForce()->position) / 3;
-  emit keyStruck(KeyLayout::column(code).value_or(0),
+  emit keyStruck(keyColumn(code).value_or(0),
                  group == KeyGroup::space || group == KeyGroup::modifier, readingTier(),
                  std::clamp(strength, 0.0, 1.0));
 }

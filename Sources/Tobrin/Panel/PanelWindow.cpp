@@ -80,7 +80,7 @@ PanelWindow::PanelWindow(AppModel& model, std::function<void()> onClosed)
   view_->setInitialProperties({{"model", QVariant::fromValue(model_.get())}});
   view_->setSource(QUrl("qrc:/Tobrin/MenuView.qml"));
   for (const QQmlError& error : view_->errors())
-    Log::line(error.toString().toStdString());
+    logLine(error.toString().toStdString());
   view_->installEventFilter(this);
   if (QQuickItem* root = view_->rootObject()) {
     // Texts wrap only once they know their width, and cards come and go.

@@ -1,6 +1,7 @@
 #include "Base/AtomicFile.h"
 
 #include <atomic>
+#include <cassert>
 #include <cerrno>
 #include <cstdio>
 #include <string>
@@ -37,6 +38,7 @@ class AsideFile final {
   }
 
   void write(std::string_view content) {
+    assert(file_ != nullptr);
     if (std::fwrite(content.data(), 1, content.size(), file_) != content.size()) failNow();
     // Some file systems report a failed write only here.
     if (std::fclose(std::exchange(file_, nullptr)) != 0) failNow();

@@ -1,6 +1,7 @@
 #include "Base/Biquad.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <numbers>
 
@@ -10,6 +11,7 @@ namespace {
 /// What the three designs share; near half the rate they would be unstable or silent.
 struct Design {
   Design(double frequency, double q, double rate) {
+    assert(frequency > 0 && q > 0 && rate > 0);
     const double w = 2 * std::numbers::pi * std::min(frequency, 0.45 * rate) / rate;
     alpha = std::sin(w) / (2 * q);
     c = std::cos(w);

@@ -1,5 +1,5 @@
 /// A second-order filter section (transposed direct form II) in double precision, with the usual
-/// designs by centre or corner frequency. A plain value with its state; no thread of its own.
+/// designs by centre or corner frequency. A plain value with its state. Thread: any.
 #pragma once
 
 #include <array>

@@ -1,4 +1,4 @@
-/// Waits until what was written is on the disk.
+/// Waits until what was written is on the disk. Thread: any.
 #pragma once
 
 #include <filesystem>
@@ -7,7 +7,7 @@ namespace tobrin {
 
 /// Returns once the content of a file, or the entries of a folder, survive a power cut. A file
 /// system that cannot flush folders is no error. Throws `std::filesystem::filesystem_error` that
-/// names the file. Thread: any; waits for the disk.
+/// names the file.
 void flushToDisk(const std::filesystem::path& fileOrFolder);
 
 }  // namespace tobrin

@@ -1,7 +1,8 @@
 /// Reads the fields of one JSON object with errors that name the key. For the sources that parse
-/// recipes; keeps the JSON library out of every other header.
+/// recipes; keeps the JSON library out of every other header. Thread: any.
 #pragma once
 
+#include <cassert>
 #include <cmath>
 #include <cstdint>
 #include <optional>
@@ -40,6 +41,7 @@ class JsonFields final {
 
   [[nodiscard]] int64_t integer(const char* key, const nlohmann::json& value, int64_t least,
                                 int64_t most) const {
+    assert(least <= most);
     const bool fits = value.is_number_unsigned()
                           ? value.get<uint64_t>() <= static_cast<uint64_t>(INT64_MAX)
                           : value.is_number_integer();
@@ -53,6 +55,7 @@ class JsonFields final {
 
   [[nodiscard]] double number(const char* key, const nlohmann::json& value, double least,
                               double most) const {
+    assert(least <= most);
     if (!value.is_number()) fail(key, "must be a number");
     const auto number = value.get<double>();
     if (!std::isfinite(number) || number < least || number > most) {

@@ -1,5 +1,5 @@
-/// The values every part of the system speaks in: key events, key groups and force tiers.
-/// Plain copyable values; names and numbers of groups and tiers are part of the file formats.
+/// The values that every part of the system uses: key events, key groups and force tiers. Plain
+/// values; names and numbers of groups and tiers are part of the file formats. Thread: any.
 #pragma once
 
 #include <array>

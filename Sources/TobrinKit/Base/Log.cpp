@@ -9,11 +9,11 @@ namespace tobrin {
 namespace {
 
 Mutex sinkLock;
-Log::Sink currentSink TOBRIN_GUARDED_BY(sinkLock);  // empty: standard error
+LogSink currentSink TOBRIN_GUARDED_BY(sinkLock);  // empty: standard error
 
 }  // namespace
 
-void Log::line(const std::string& text) {
+void logLine(const std::string& text) {
   const std::string line = "Tobrin: " + text;
   MutexLock lock(sinkLock);
   if (currentSink)
@@ -22,7 +22,7 @@ void Log::line(const std::string& text) {
     static_cast<void>(std::fprintf(stderr, "%s\n", line.c_str()));
 }
 
-void Log::setSink(Sink sink) {
+void setLogSink(LogSink sink) {
   MutexLock lock(sinkLock);
   currentSink = std::move(sink);
 }

@@ -1,5 +1,5 @@
-/// The program's diagnostics: one line each, prefixed "Tobrin: ". Never key codes. Thread: any but
-/// the render thread.
+/// The program's log: one line each, with "Tobrin: " in front. Never key codes. Not for the render
+/// thread. Thread: any.
 #pragma once
 
 #include <functional>
@@ -7,15 +7,13 @@
 
 namespace tobrin {
 
-struct Log {
-  using Sink = std::function<void(const std::string& line)>;
+using LogSink = std::function<void(const std::string& line)>;
 
-  /// Writes "Tobrin: " and `text` as one line to the sink, standard error by default.
-  static void line(const std::string& text);
+/// Writes "Tobrin: " and `text` as one line to the sink, standard error by default.
+void logLine(const std::string& text);
 
-  /// Replaces where lines go; null restores the default. The sink is called with the log locked and
-  /// must not log itself.
-  static void setSink(Sink sink);
-};
+/// Replaces where lines go; null restores the default. The sink is called with the log locked and
+/// must not log itself.
+void setLogSink(LogSink sink);
 
 }  // namespace tobrin

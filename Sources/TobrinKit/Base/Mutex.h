@@ -1,5 +1,6 @@
 /// A mutex that clang's thread-safety analysis can follow, and the marks that go with it. Declare
 /// what a lock guards with TOBRIN_GUARDED_BY, and what must hold it with TOBRIN_REQUIRES.
+/// Thread: any.
 #pragma once
 
 #include <mutex>
@@ -16,7 +17,6 @@
 
 namespace tobrin {
 
-/// Thread: any.
 class TOBRIN_THREAD_MARK(capability("mutex")) Mutex {
  public:
   void lock() TOBRIN_THREAD_MARK(acquire_capability()) { mutex_.lock(); }

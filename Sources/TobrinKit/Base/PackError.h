@@ -1,5 +1,5 @@
 /// The one error type of sound packs: a missing or invalid manifest, a file that cannot be decoded,
-/// a pack without sound. Its text is shown to the user as it stands.
+/// a pack without sound. Its text is shown to the user as it stands. Thread: any.
 #pragma once
 
 #include <filesystem>

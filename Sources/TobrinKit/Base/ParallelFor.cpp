@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cassert>
 #include <exception>
 #include <system_error>
 #include <thread>
@@ -10,7 +11,7 @@
 namespace tobrin {
 namespace {
 
-/// The pieces in order, handed out to whoever asks next.
+/// The pieces in order, handed out to the thread that asks next.
 class Pieces final {
  public:
   Pieces(std::size_t count, const std::function<void(std::size_t)>& work)
@@ -38,7 +39,7 @@ class Pieces final {
 
  private:
   const std::function<void(std::size_t)>& work_;
-  std::vector<std::exception_ptr> errors_;  // one entry a piece, written by whoever ran it
+  std::vector<std::exception_ptr> errors_;  // one entry a piece, written by the thread that ran it
   std::atomic<std::size_t> next_{0};
   std::atomic<bool> failed_{false};
 };
@@ -47,6 +48,7 @@ class Pieces final {
 
 void parallelFor(std::size_t count, unsigned threads,
                  const std::function<void(std::size_t)>& work) {
+  assert(work);
   if (threads == 0) threads = std::max(1u, std::thread::hardware_concurrency());
   Pieces pieces(count, work);
   {

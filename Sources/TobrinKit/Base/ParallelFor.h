@@ -1,4 +1,4 @@
-/// Runs independent pieces of work on several threads. Thread: any; returns when all have ended.
+/// Runs independent pieces of work on several threads; the one way to do so. Thread: any.
 #pragma once
 
 #include <cstddef>

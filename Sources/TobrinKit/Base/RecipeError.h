@@ -1,4 +1,4 @@
-/// What is wrong with a recipe or with slicer options, in words.
+/// What is wrong with a recipe or with slicer options, in words. Thread: any.
 #pragma once
 
 #include <stdexcept>

@@ -44,7 +44,7 @@ int RegularFile::duplicate() const {
 std::string RegularFile::readText(uint64_t maxBytes) const {
   if (size_ > maxBytes) fail(EFBIG);
   std::string text;
-  // One byte more than the size shows the end; a file that grows meanwhile is read on.
+  // One byte more than the size shows the end; a file that grows in that time is read on.
   for (std::size_t length = 0;;) {
     text.resize(length == 0 ? size_ + 1 : 2 * length);
     const ssize_t count =

@@ -1,5 +1,6 @@
-/// A serial queue of tasks: whatever runs on one queue never overlaps. The owner of state that
-/// several threads ask for keeps it on one queue and posts to it.
+/// A serial queue of tasks: what runs on one queue never overlaps. State that several threads ask
+/// for has one owner, which keeps it on one queue and posts to it. Implemented over a thread, over
+/// the event loop and over time that a driver moves. Thread: any.
 #pragma once
 
 #include <chrono>
@@ -16,13 +17,14 @@ class SerialQueue {
 
   virtual ~SerialQueue() = default;
 
-  /// Runs `task` on the queue after everything posted before it. Thread: any; never waits.
+  /// Runs `task` on the queue after everything posted before it. Never waits.
   virtual void async(Task task) = 0;
 
-  /// Runs `task` on the queue and returns when it has ended. Thread: any but the queue's own.
+  /// Runs `task` on the queue and returns when it has ended. Not to be called on the
+  /// queue itself.
   virtual void sync(const Task& task) = 0;
 
-  /// Runs `task` on the queue once `delay` has passed. Thread: any. There is no cancelling: a task
+  /// Runs `task` on the queue once `delay` has passed. There is no cancelling: a task
   /// that may come too late looks at its owner's state when it runs.
   virtual void after(Duration delay, Task task) = 0;
 

@@ -1,5 +1,5 @@
 /// The only random generator of the system (SplitMix64, Steele, Lea and Flood 2014), always seeded
-/// explicitly, so that every sound can be made again. A plain value; no thread of its own.
+/// explicitly, so that every sound can be made again. A plain value. Thread: any.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 /// A serial queue whose time stands still until its driver moves it: for replays and for tests.
-/// Tasks run on the driver's thread, in order of their time and then of their posting. Threads:
-/// posting from any; everything else from the driver's.
+/// Tasks run on the driver's thread, in order of their time and then of their posting. Posting is
+/// for any thread, all else for the driver's. Thread: any.
 #pragma once
 
 #include <map>

@@ -4,6 +4,7 @@
 #include "Engine/EngineSettings.h"
 #include "Engine/OfflineRenderer.h"
 #include "Engine/TypingScript.h"
+#include "Packs/PackLoader.h"
 
 namespace tobrin {
 namespace {
@@ -21,13 +22,12 @@ constexpr float typicalStroke = 1;  // the position of the medium tier
 double demoLoudness(const LoadedPack& pack) {
   const auto script = typingScript(sentence, wordsPerMinute, seed,
                                    [](std::size_t, std::size_t) { return typicalStroke; });
-  const auto sound =
-      OfflineRenderer::render(pack, script, EngineSettings(), tailSeconds, sampleRate);
-  return Loudness::integrated(sound.left, sound.right, sampleRate);
+  const auto sound = renderOffline(pack, script, EngineSettings(), tailSeconds, sampleRate);
+  return integratedLoudness(sound.left, sound.right, sampleRate);
 }
 
 double demoLoudness(const std::filesystem::path& packFolder) {
-  return demoLoudness(*LoadedPack::load(PackInfo::read(packFolder, false), sampleRate));
+  return demoLoudness(*loadPack(PackInfo::read(packFolder, false), sampleRate));
 }
 
 }  // namespace tobrin

@@ -19,7 +19,7 @@ constexpr const char* protocols = "http,https";  // no server points into our fi
 std::size_t append(const char* data, std::size_t size, std::size_t count, void* into) {
   auto& content = *static_cast<std::string*>(into);
   const std::size_t bytes = size * count;
-  if (content.size() + bytes > static_cast<std::size_t>(Download::largestBytes)) return 0;
+  if (content.size() + bytes > static_cast<std::size_t>(largestDownload)) return 0;
   content.append(data, bytes);
   return bytes;
 }
@@ -32,14 +32,14 @@ std::string problemOf(CURLcode code, CURL* transfer, const std::string& content,
     return "the server answered " + std::to_string(status);
   }
   if (code == CURLE_FILESIZE_EXCEEDED || (code == CURLE_WRITE_ERROR && !content.empty())) {
-    return "larger than " + std::to_string(Download::largestBytes >> 20) + " MiB";
+    return "larger than " + std::to_string(largestDownload >> 20) + " MiB";
   }
   return std::string_view(detail).empty() ? curl_easy_strerror(code) : detail;
 }
 
 }  // namespace
 
-void Download::fetch(const std::string& url, const std::filesystem::path& file) {
+void download(const std::string& url, const std::filesystem::path& file) {
   static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
   const std::unique_ptr<CURL, void (*)(CURL*)> transfer(curl_easy_init(), &curl_easy_cleanup);
   if (started != CURLE_OK || !transfer) throw DownloadError("Can't fetch " + url + ": no memory");
@@ -56,7 +56,7 @@ void Download::fetch(const std::string& url, const std::filesystem::path& file) 
   curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT, connectSeconds);
   curl_easy_setopt(curl, CURLOPT_LOW_SPEED_TIME, stalledSeconds);
   curl_easy_setopt(curl, CURLOPT_LOW_SPEED_LIMIT, stalledBytesPerSecond);
-  curl_easy_setopt(curl, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(largestBytes));
+  curl_easy_setopt(curl, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(largestDownload));
   curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
   curl_easy_setopt(curl, CURLOPT_USERAGENT, "Tobrin/" TOBRIN_VERSION);
   curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &append);

@@ -1,4 +1,4 @@
-/// Fetches a resource by its address into a file.
+/// Fetches a resource by its address into a file. Waits for the network. Thread: any.
 #pragma once
 
 #include <cstdint>
@@ -14,13 +14,11 @@ class DownloadError final : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-struct Download {
-  static constexpr int64_t largestBytes = 512LL << 20;  ///< more is refused
+inline constexpr int64_t largestDownload = 512LL << 20;  ///< bytes; more is refused
 
-  /// Fetches http and https addresses, following redirects, and moves the result to `file`
-  /// only when it is complete. A server that stalls is given up after half a minute. Throws
-  /// `DownloadError`, or `std::filesystem::filesystem_error` where it cannot be kept. Thread: any.
-  static void fetch(const std::string& url, const std::filesystem::path& file);
-};
+/// Fetches http and https addresses, following redirects, and moves the result to `file` only when
+/// it is complete. A server that stalls is given up after half a minute. Throws `DownloadError`, or
+/// `std::filesystem::filesystem_error` where it cannot be kept.
+void download(const std::string& url, const std::filesystem::path& file);
 
 }  // namespace tobrin

@@ -1,6 +1,7 @@
 #include "Building/HitDetector.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
 #include "Base/Biquad.h"
@@ -12,7 +13,7 @@ namespace {
 constexpr double detectionHz = 700;
 constexpr double butterworthQ = 0.7071;
 constexpr double frameSeconds = 0.001;
-constexpr double hopSeconds = HitDetector::levelSeconds;
+constexpr double hopSeconds = detectionLevelSeconds;
 constexpr float silenceDb = -120;
 constexpr double floorPercentile = 0.2;
 constexpr float riseDb = 12;  // over the quietest of the last 3 ms
@@ -131,16 +132,16 @@ std::size_t refined(std::span<const float> signal, std::size_t onset, std::size_
 
 }  // namespace
 
-std::vector<float> HitDetector::levels(std::span<const float> mono, double rate) {
+std::vector<float> detectionLevels(std::span<const float> mono, double rate) {
   return envelope(highPassed(mono, rate), rate);
 }
 
-HitDetector::Onsets HitDetector::find(std::span<const float> mono, double rate,
-                                      double mergeWithinMs) {
+Onsets findOnsets(std::span<const float> mono, double rate, double mergeWithinMs) {
+  assert(rate > 0);
   Onsets result;
   result.signal = highPassed(mono, rate);
   const std::vector<float> levels = envelope(result.signal, rate);
-  const float floorDb = RecordingSlicer::percentile(levels, floorPercentile);
+  const float floorDb = percentile(levels, floorPercentile);
   result.floor = static_cast<float>(std::pow(10.0, static_cast<double>(floorDb) / 20));
   if (levels.empty()) return result;
   const auto mergeDistance =

@@ -1,6 +1,7 @@
 #include "Building/HitFeatures.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
 #include "Base/Biquad.h"
@@ -38,11 +39,11 @@ double power(std::span<const float> samples) {
 /// Measures hits of one recording; holds what all of them share.
 class Meter {
  public:
-  Meter(const RecordingView& recording, const HitDetector::Onsets& onsets)
+  Meter(const RecordingView& recording, const Onsets& onsets)
       : recording_(recording), onsets_(onsets) {}
 
-  RecordingSlicer::Hit hit(std::size_t index) const {
-    RecordingSlicer::Hit hit;
+  RecordedHit hit(std::size_t index) const {
+    RecordedHit hit;
     hit.onset = onsets_.samples[index];
     const bool isLast = index + 1 == onsets_.samples.size();
     const std::size_t next = isLast ? recording_.mono.size() : onsets_.samples[index + 1];
@@ -72,14 +73,14 @@ class Meter {
 
   /// What a stroke radiates in its first 30 ms ranks its force far better than a peak does. A next
   /// hit ends the sum, but not the span: what is missing by then is little.
-  float energy(const RecordingSlicer::Hit& hit) const {
+  float energy(const RecordedHit& hit) const {
     const auto span = from(recording_.mono, hit.onset, energySeconds);
     const double sum = power(span.first(std::min(span.size(), hit.gapAfter)));
     const auto full = static_cast<double>(std::max<std::size_t>(samples(energySeconds), 1));
     return static_cast<float>(std::sqrt(sum / full));
   }
 
-  float brightness(const RecordingSlicer::Hit& hit) const {
+  float brightness(const RecordedHit& hit) const {
     Biquad filter = Biquad::highpass(brightHz, butterworthQ, recording_.rate);
     const std::size_t settling = std::min(samples(settlingSeconds), hit.onset);
     for (const float x : recording_.mono.subspan(hit.onset - settling, settling))
@@ -95,7 +96,7 @@ class Meter {
   }
 
   /// The end of the last 5 ms window within reach whose power is within 20 dB of the loudest.
-  double decayMs(const RecordingSlicer::Hit& hit) const {
+  double decayMs(const RecordedHit& hit) const {
     const auto reach = from(recording_.mono, hit.onset, decayLimitSeconds);
     const auto heard = reach.first(std::min(reach.size(), std::max<std::size_t>(hit.gapAfter, 1)));
     const std::size_t window = std::max<std::size_t>(samples(decayWindowSeconds), 1);
@@ -114,7 +115,7 @@ class Meter {
 
   /// Above 700 Hz, so that rumble and hum do not count as activity; against the whole hit, so that
   /// a touch ahead of a low thud does not either.
-  float preActivity(const RecordingSlicer::Hit& hit) const {
+  float preActivity(const RecordedHit& hit) const {
     const std::size_t length = std::min(samples(beforeSeconds), hit.onset);
     const std::span<const float> signal = onsets_.signal;
     const float before = largest(signal.subspan(hit.onset - length, length));
@@ -123,15 +124,15 @@ class Meter {
   }
 
   const RecordingView& recording_;
-  const HitDetector::Onsets& onsets_;
+  const Onsets& onsets_;
 };
 
 }  // namespace
 
-std::vector<RecordingSlicer::Hit> HitFeatures::measure(const RecordingView& recording,
-                                                       const HitDetector::Onsets& onsets) {
+std::vector<RecordedHit> measureHits(const RecordingView& recording, const Onsets& onsets) {
+  assert(recording.right.size() >= recording.left.size());
   const Meter meter(recording, onsets);
-  std::vector<RecordingSlicer::Hit> hits;
+  std::vector<RecordedHit> hits;
   hits.reserve(onsets.samples.size());
   for (std::size_t i = 0; i < onsets.samples.size(); ++i)
     hits.push_back(meter.hit(i));

@@ -1,4 +1,4 @@
-/// Measures a detected hit: how loud, how bright, how long, how clean.
+/// Measures a detected hit: how loud, how bright, how long, how clean. Thread: any.
 #pragma once
 
 #include <span>
@@ -17,10 +17,8 @@ struct RecordingView {
   double rate = 48000;           ///< samples a second
 };
 
-struct HitFeatures {
-  /// One hit an onset, in order, measured but not yet sorted into presses and releases.
-  static std::vector<RecordingSlicer::Hit> measure(const RecordingView& recording,
-                                                   const HitDetector::Onsets& onsets);
-};
+/// One hit an onset, in order, measured but not yet sorted into presses and releases.
+[[nodiscard]] std::vector<RecordedHit> measureHits(const RecordingView& recording,
+                                                   const Onsets& onsets);
 
 }  // namespace tobrin

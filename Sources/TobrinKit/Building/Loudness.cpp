@@ -32,7 +32,7 @@ struct Section {
   }
 
   /// Ends a decay long before its numbers become subnormal, where arithmetic is many times slower.
-  /// Not even the square of what is dropped could be told from zero.
+  /// What is dropped is so small that its square is zero.
   void dropInaudibleState() {
     for (int channel = 0; channel < 2; ++channel)
       if (std::fabs(z1[channel]) < 1e-200 && std::fabs(z2[channel]) < 1e-200)
@@ -119,7 +119,8 @@ double mean(const std::vector<double>& powers) {
 
 }  // namespace
 
-double Loudness::integrated(Channel left, std::optional<Channel> right, double rate) {
+double integratedLoudness(std::span<const float> left, std::optional<std::span<const float>> right,
+                          double rate) {
   if (rate != 48000 || (right && right->size() < left.size())) std::abort();
   std::vector<double> powers =
       right ? BlockPowers<true>(left.data(), right->data()).measure(left.size())

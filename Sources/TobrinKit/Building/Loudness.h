@@ -7,15 +7,12 @@
 
 namespace tobrin {
 
-struct Loudness {
-  using Channel = std::span<const float>;
-
-  /// Loudness in LUFS; minus infinity where the signal is shorter than one block or never louder
-  /// than the absolute gate, -200.691 where no block passes the relative gate. The length of `left`
-  /// is the frame count; `right` must be at least as long. `rate` must be 48000, the one that the
-  /// filter's coefficients hold for. A caller that breaks these promises ends the process. Mono
-  /// counts as one channel, not as two.
-  static double integrated(Channel left, std::optional<Channel> right, double rate);
-};
+/// Loudness in LUFS; minus infinity where the signal is shorter than one block or never louder than
+/// the absolute gate, -200.691 where no block passes the relative gate. The length of `left` is the
+/// frame count; `right` must be at least as long. `rate` must be 48000, the one that the filter's
+/// coefficients hold for. A caller that breaks these promises ends the process. Mono counts as one
+/// channel, not as two.
+[[nodiscard]] double integratedLoudness(std::span<const float> left,
+                                        std::optional<std::span<const float>> right, double rate);
 
 }  // namespace tobrin

@@ -1,4 +1,4 @@
-/// A pack folder under construction: written aside, then moved into place whole.
+/// A pack folder that is being built: written aside, then moved into place whole. Thread: any.
 #pragma once
 
 #include <filesystem>

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Building/RecordingSlicer.h"
+#include "Building/SlicerOptions.h"
 
 namespace tobrin {
 
@@ -40,7 +40,7 @@ struct PackRecipe {
   std::string summary;
   std::vector<Source> sources;
   std::optional<std::vector<Source>> enterSources;  ///< for the return key alone
-  std::optional<RecordingSlicer::Options> options;
+  std::optional<SlicerOptions> options;
 
   bool operator==(const PackRecipe&) const = default;
 
@@ -58,9 +58,5 @@ struct PackRecipe {
   static PackRecipe fromJson(std::string_view text);
   [[nodiscard]] std::string toJson() const;
 };
-
-/// Slicer options as a JSON object; absent keys take their defaults. Throws `RecipeError`.
-RecordingSlicer::Options slicerOptionsFromJson(std::string_view text);
-std::string toJson(const RecordingSlicer::Options& options);
 
 }  // namespace tobrin

@@ -1,4 +1,4 @@
-/// Runs another program and waits for it: the seam between pack building and the system.
+/// Runs another program and waits for it: pack building's way to the system. Thread: any.
 #pragma once
 
 #include <filesystem>
@@ -14,7 +14,7 @@ class ProcessRunner {
   /// Runs `program` with `arguments` as they are, never through a shell, with this process's
   /// environment, no standard input, and nowhere to print. Returns its exit status, 128 and the
   /// signal's number where a signal ended it. Throws `std::system_error` where it cannot be
-  /// started. Thread: any, several at once.
+  /// started. Several may run at once.
   [[nodiscard]] virtual int run(const std::filesystem::path& program,
                                 const std::vector<std::string>& arguments) const = 0;
 };

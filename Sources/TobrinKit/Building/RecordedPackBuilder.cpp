@@ -11,7 +11,7 @@
 #include "Base/RecipeError.h"
 #include "Building/DemoLoudness.h"
 #include "Building/HitFeatures.h"
-#include "Building/PackFolder.h"
+#include "Building/RecordingCache.h"
 #include "Building/TakeCollection.h"
 #include "Building/TakeCutter.h"
 #include "Packs/PackManifest.h"
@@ -21,8 +21,8 @@ namespace tobrin {
 namespace {
 
 namespace fs = std::filesystem;
-using Take = RecordingSlicer::Take;
-using Options = RecordingSlicer::Options;
+using Take = RecordedTake;
+using Options = SlicerOptions;
 
 constexpr double toleratedLu = 0.2;
 
@@ -32,20 +32,20 @@ struct Workplace {
   const ProcessRunner& programs;
 };
 
-RecordingSlicer::Result sliced(const PackRecipe::Source& source, const Workplace& workplace,
-                               const Options& options) {
-  const auto recording = RecordedPackBuilder::load(source, workplace.cache, workplace.programs);
-  const auto part = RecordedPackBuilder::part(*recording, source);
-  return RecordingSlicer::slice(part.left, part.right, RecordedPackBuilder::rate, options);
+SlicedRecording sliced(const PackRecipe::Source& source, const Workplace& workplace,
+                       const Options& options) {
+  const auto recording = loadRecording(source, workplace.cache, workplace.programs);
+  const auto part = partOf(*recording, source);
+  return sliceRecording(part.left, part.right, recordedPackRate, options);
 }
 
 /// Every press of a recording of the return key alone, as many as wide keys have variants.
 std::vector<Take> enterTakes(const PackRecipe::Source& source, const Workplace& workplace,
                              const Options& options) {
-  const auto recording = RecordedPackBuilder::load(source, workplace.cache, workplace.programs);
-  const auto part = RecordedPackBuilder::part(*recording, source);
-  const double rate = RecordedPackBuilder::rate;
-  const auto found = RecordingSlicer::detect(part.left, part.right, rate, options);
+  const auto recording = loadRecording(source, workplace.cache, workplace.programs);
+  const auto part = partOf(*recording, source);
+  const double rate = recordedPackRate;
+  const auto found = detectHits(part.left, part.right, rate, options);
   const TakeCutter cutter({part.left, part.right, {}, rate}, options);
   std::vector<Take> takes;
   for (const auto& hit : found.hits) {
@@ -69,14 +69,14 @@ std::vector<Result> forEachSource(const std::vector<PackRecipe::Source>& sources
 }
 
 TakeCollection collected(const PackRecipe& recipe, const Workplace& workplace,
-                         const RecordedPackBuilder::Log& log) {
+                         const BuildLog& log) {
   const Options options = recipe.options.value_or(Options());
   TakeCollection takes(options);
   // Once for each recording, also when several sources are parts of the same one.
   forEachSource<fs::path>(recipe.credits(), [&](const auto& source) {
-    return RecordedPackBuilder::fetch(source, workplace.cache, workplace.programs);
+    return fetchRecording(source, workplace.cache, workplace.programs);
   });
-  auto results = forEachSource<RecordingSlicer::Result>(
+  auto results = forEachSource<SlicedRecording>(
       recipe.sources, [&](const auto& source) { return sliced(source, workplace, options); });
   for (std::size_t i = 0; i < results.size(); ++i) {
     log("  " + recipe.sources[i].title + ": " + results[i].report);
@@ -104,15 +104,15 @@ class TakeWriter {
     for (Take take : takes) {
       scale(take, correction_);
       names.push_back(prefix + "-" + std::to_string(names.size() + 1) + ".wav");
-      WAVWriter::write(take.left, take.right, static_cast<int64_t>(RecordedPackBuilder::rate),
-                       folder_ / names.back());
+      writeWAV(take.left, take.right, static_cast<int64_t>(recordedPackRate),
+               folder_ / names.back());
       ++count_;
     }
     return names;
   }
 
   std::map<std::string, std::vector<std::string>> write(const std::string& prefix,
-                                                        const RecordingSlicer::TierTakes& tiers) {
+                                                        const RecordedTiers& tiers) {
     std::map<std::string, std::vector<std::string>> names;
     for (const auto& [tier, takes] : tiers) {
       const std::string tierName(name(tier));
@@ -205,9 +205,9 @@ void refuseSharedNumbers(const PackRecipe& recipe) {
 
 }  // namespace
 
-void RecordedPackBuilder::build(const PackRecipe& recipe, const fs::path& cache,
-                                const fs::path& into, const Log& log, const ProcessRunner& programs,
-                                const FolderExchange& exchange) {
+void buildRecordedPack(const PackRecipe& recipe, const fs::path& cache, const fs::path& into,
+                       const BuildLog& log, const ProcessRunner& programs,
+                       const FolderExchange& exchange) {
   if (recipe.sources.empty()) throw RecipeError("\"sources\" must name at least one recording");
   refuseSharedNumbers(recipe);
   const fs::path target = PackFolder::replaceable(into);
@@ -222,23 +222,6 @@ void RecordedPackBuilder::build(const PackRecipe& recipe, const fs::path& cache,
   }
   folder.moveIntoPlace(exchange);
   log(summary(count, target, loudness));
-}
-
-RecordedPackBuilder::Part RecordedPackBuilder::part(const SampleBuffer& recording,
-                                                    const PackRecipe::Source& source) {
-  const std::size_t frames = recording.frames();
-  const auto place = [&](double seconds) {
-    return std::min(static_cast<std::size_t>(seconds * rate), frames);
-  };
-  const std::size_t begin = place(source.start.value_or(0));
-  if (source.start && begin == frames) {
-    char text[96];
-    (void)std::snprintf(text, sizeof text, ": \"start\" is %.6g s, but it lasts %.6g s",
-                        *source.start, recording.duration());
-    throw RecipeError(source.title + text);
-  }
-  const std::size_t end = source.end ? std::max(place(*source.end), begin) : frames;
-  return {{recording.left() + begin, end - begin}, {recording.right() + begin, end - begin}};
 }
 
 }  // namespace tobrin

@@ -1,9 +1,14 @@
+#include "Building/RecordingCache.h"
+
+#include <algorithm>
+#include <cstdio>
 #include <fstream>
 #include <string>
 #include <system_error>
 
 #include "Base/AtomicFile.h"
 #include "Base/PackError.h"
+#include "Base/RecipeError.h"
 #include "Base/RegularFile.h"
 #include "Building/Download.h"
 #include "Building/RecordedPackBuilder.h"
@@ -92,13 +97,13 @@ class ChangeMark {
 
 void obtain(const Source& source, const fs::path& preview) {
   const auto file = source.file();
-  if (!file) return Download::fetch(source.previewURL, preview);
+  if (!file) return download(source.previewURL, preview);
   const auto fail = [&](const std::string& why) {
     throw DownloadError("Can't read " + source.previewURL + ": " + why);
   };
   std::string content;
   try {
-    content = RegularFile(*file).readText(Download::largestBytes);
+    content = RegularFile(*file).readText(largestDownload);
   } catch (const std::system_error& error) {
     fail(error.code().message());
   }
@@ -118,8 +123,8 @@ void convert(const Source& source, const CacheEntry& entry, const ProcessRunner&
 
 }  // namespace
 
-fs::path RecordedPackBuilder::fetch(const Source& source, const fs::path& cache,
-                                    const ProcessRunner& programs) {
+fs::path fetchRecording(const Source& source, const fs::path& cache,
+                        const ProcessRunner& programs) {
   const CacheEntry entry(cache, source);
   const Identity recording(source);
   const bool isKnown = entry.holds(recording);
@@ -134,9 +139,25 @@ fs::path RecordedPackBuilder::fetch(const Source& source, const fs::path& cache,
   return entry.wav;
 }
 
-std::unique_ptr<SampleBuffer> RecordedPackBuilder::load(const Source& source, const fs::path& cache,
-                                                        const ProcessRunner& programs) {
-  return SampleBuffer::load(fetch(source, cache, programs), rate);
+std::unique_ptr<SampleBuffer> loadRecording(const Source& source, const fs::path& cache,
+                                            const ProcessRunner& programs) {
+  return SampleBuffer::load(fetchRecording(source, cache, programs), recordedPackRate);
+}
+
+RecordingPart partOf(const SampleBuffer& recording, const PackRecipe::Source& source) {
+  const std::size_t frames = recording.frames();
+  const auto place = [&](double seconds) {
+    return std::min(static_cast<std::size_t>(seconds * recordedPackRate), frames);
+  };
+  const std::size_t begin = place(source.start.value_or(0));
+  if (source.start && begin == frames) {
+    char text[96];
+    (void)std::snprintf(text, sizeof text, ": \"start\" is %.6g s, but it lasts %.6g s",
+                        *source.start, recording.duration());
+    throw RecipeError(source.title + text);
+  }
+  const std::size_t end = source.end ? std::max(place(*source.end), begin) : frames;
+  return {{recording.left() + begin, end - begin}, {recording.right() + begin, end - begin}};
 }
 
 }  // namespace tobrin

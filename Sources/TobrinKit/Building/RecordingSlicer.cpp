@@ -1,6 +1,7 @@
 #include "Building/RecordingSlicer.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <cstdio>
 #include <utility>
@@ -16,11 +17,11 @@
 namespace tobrin {
 namespace {
 
-using Hit = RecordingSlicer::Hit;
-using Take = RecordingSlicer::Take;
-using TierTakes = RecordingSlicer::TierTakes;
-using Options = RecordingSlicer::Options;
-using Fate = RecordingSlicer::Fate;
+using Hit = RecordedHit;
+using Take = RecordedTake;
+using TierTakes = RecordedTiers;
+using Options = SlicerOptions;
+using Fate = HitFate;
 
 constexpr float busyBeforePress = 0.25f;
 constexpr float busyBeforeRelease = 0.7f;
@@ -34,6 +35,7 @@ constexpr double loudPercentile = 0.9;
 constexpr float faintestPeak = 1e-4f;
 
 std::vector<float> monoOf(std::span<const float> left, std::span<const float> right) {
+  assert(right.size() >= left.size());
   std::vector<float> mono(left.size());
   for (std::size_t i = 0; i < left.size(); ++i)
     mono[i] = (left[i] + right[i]) * 0.5f;
@@ -45,7 +47,7 @@ float faintestEnergy(const std::vector<Hit>& hits) {
   energies.reserve(hits.size());
   for (const Hit& hit : hits)
     energies.push_back(hit.energy);
-  return faintestShare * RecordingSlicer::percentile(std::move(energies), loudPercentile);
+  return faintestShare * percentile(std::move(energies), loudPercentile);
 }
 
 Fate fateOf(const Hit& hit, float faintest) {
@@ -73,7 +75,7 @@ std::vector<Fate> fatesOf(const std::vector<Hit>& hits, std::size_t mergeDistanc
   return fates;
 }
 
-std::vector<Hit> hitsOf(Fate fate, const RecordingSlicer::Result& result) {
+std::vector<Hit> hitsOf(Fate fate, const SlicedRecording& result) {
   std::vector<Hit> chosen;
   for (std::size_t i = 0; i < result.hits.size(); ++i) {
     if (result.fates[i] == fate) chosen.push_back(result.hits[i]);
@@ -100,24 +102,24 @@ float medianLevel(const std::map<KeyGroup, TierTakes>& down) {
         levels.push_back(take.level);
     }
   }
-  return RecordingSlicer::percentile(std::move(levels), 0.5);
+  return percentile(std::move(levels), 0.5);
 }
 
-void levelAll(RecordingSlicer::Result& result) {
+void levelAll(SlicedRecording& result) {
   const float target = medianLevel(result.down);
   for (auto& [group, tiers] : result.down) {
     const float groupFactor = group == KeyGroup::alpha ? 1.0f : wideFactor;
     for (auto& [tier, takes] : tiers) {
-      TierAssignment::level(takes, target * TierAssignment::factor(tier) * groupFactor);
+      levelTakes(takes, target * tierLoudness(tier) * groupFactor);
     }
   }
   std::vector<float> levels;
   for (const Take& take : result.up)
     levels.push_back(take.level);
-  TierAssignment::level(result.up, RecordingSlicer::percentile(std::move(levels), 0.5));
+  levelTakes(result.up, percentile(std::move(levels), 0.5));
 }
 
-std::string reportOf(const RecordingSlicer::Result& result) {
+std::string reportOf(const SlicedRecording& result) {
   const auto count = [&](Fate fate) {
     return std::count(result.fates.begin(), result.fates.end(), fate);
   };
@@ -133,33 +135,30 @@ std::string reportOf(const RecordingSlicer::Result& result) {
 }
 
 /// Detection over a mix that the caller keeps for later steps.
-RecordingSlicer::Detection detectIn(const RecordingView& recording, const Options& options) {
-  const auto onsets = HitDetector::find(recording.mono, recording.rate, options.mergeWithinMs);
-  RecordingSlicer::Detection result{HitFeatures::measure(recording, onsets), onsets.floor};
-  if (!options.noReleases) ReleaseMarking::mark(result.hits, recording.rate);
-  WideKeyMarking::mark(result.hits, recording.mono, recording.rate,
-                       options.bigKeyShare * wideOverlap);
+HitDetection detectIn(const RecordingView& recording, const Options& options) {
+  const auto onsets = findOnsets(recording.mono, recording.rate, options.mergeWithinMs);
+  HitDetection result{measureHits(recording, onsets), onsets.floor};
+  if (!options.noReleases) markReleases(result.hits, recording.rate);
+  markWideKeys(result.hits, recording.mono, recording.rate, options.bigKeyShare * wideOverlap);
   return result;
 }
 
 }  // namespace
 
-RecordingSlicer::Detection RecordingSlicer::detect(std::span<const float> left,
-                                                   std::span<const float> right, double rate,
-                                                   const Options& options) {
+HitDetection detectHits(std::span<const float> left, std::span<const float> right, double rate,
+                        const Options& options) {
   const auto mono = monoOf(left, right);
   return detectIn({left, right, mono, rate}, options);
 }
 
-RecordingSlicer::Result RecordingSlicer::slice(std::span<const float> left,
-                                               std::span<const float> right, double rate,
-                                               const Options& options) {
+SlicedRecording sliceRecording(std::span<const float> left, std::span<const float> right,
+                               double rate, const Options& options) {
   const auto mono = monoOf(left, right);
   const RecordingView recording{left, right, mono, rate};
-  Detection detection = detectIn(recording, options);
+  HitDetection detection = detectIn(recording, options);
   const auto mergeDistance =
       static_cast<std::size_t>(rate * std::clamp(options.mergeWithinMs, 0.0, 60'000.0) / 1000);
-  Result result;
+  SlicedRecording result;
   result.fates = fatesOf(detection.hits, mergeDistance);
   result.hits = std::move(detection.hits);
   result.noiseFloor = detection.floor;
@@ -169,10 +168,10 @@ RecordingSlicer::Result RecordingSlicer::slice(std::span<const float> left,
     return
         [&, longestMs](const Hit& hit) { return cutter.cut(hit, longestMs, options.minPressMs); };
   };
-  auto keys = TierAssignment::tiers(hitsOf(Fate::press, result), options.alphaVariants,
-                                    cutUpTo(options.maxPressMs));
-  auto wide = TierAssignment::tiers(hitsOf(Fate::bigPress, result), options.bigVariants,
-                                    cutUpTo(options.maxBigPressMs));
+  auto keys =
+      takesByTier(hitsOf(Fate::press, result), options.alphaVariants, cutUpTo(options.maxPressMs));
+  auto wide = takesByTier(hitsOf(Fate::bigPress, result), options.bigVariants,
+                          cutUpTo(options.maxBigPressMs));
   if (!keys.empty()) result.down.emplace(KeyGroup::alpha, std::move(keys));
   if (!wide.empty()) result.down.emplace(KeyGroup::space, std::move(wide));
   result.up = releaseTakes(hitsOf(Fate::release, result), cutter, options);
@@ -181,7 +180,7 @@ RecordingSlicer::Result RecordingSlicer::slice(std::span<const float> left,
   return result;
 }
 
-float RecordingSlicer::percentile(std::vector<float> values, double p) {
+float percentile(std::vector<float> values, double p) {
   if (values.empty()) return 0;
   const auto last = static_cast<double>(values.size() - 1);
   const double place = std::clamp(p * last, 0.0, last);

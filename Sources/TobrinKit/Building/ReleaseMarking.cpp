@@ -42,10 +42,10 @@ double pressLevelAround(const std::vector<TypedHit>& hits, const std::vector<dou
   }
   for (std::size_t i = index; i-- > 0 && isNear(i);)
     around.push_back(static_cast<float>(levels[i]));
-  return static_cast<double>(RecordingSlicer::percentile(std::move(around), pressPercentile));
+  return static_cast<double>(percentile(std::move(around), pressPercentile));
 }
 
-std::vector<TypedHit> typed(const std::vector<RecordingSlicer::Hit>& hits, double rate) {
+std::vector<TypedHit> typed(const std::vector<RecordedHit>& hits, double rate) {
   std::vector<TypedHit> result;
   std::vector<double> levels;
   for (const auto& hit : hits) {
@@ -60,14 +60,14 @@ std::vector<TypedHit> typed(const std::vector<RecordingSlicer::Hit>& hits, doubl
 
 struct Fit {
   TypingModel model;
-  TypingLattice::Reading reading;
+  TypingReading reading;
 };
 
 /// Expectation maximisation with hard assignments. Models are drawn towards `expected`.
 void improve(Fit& fit, const TypingModel& expected, const std::vector<TypedHit>& hits, int rounds) {
   for (int round = 0; round < rounds; ++round) {
     fit.model = expected.fitted(hits, fit.reading.assignment);
-    auto next = TypingLattice::read(fit.model, hits);
+    auto next = readTyping(fit.model, hits);
     const bool settled = next.assignment == fit.reading.assignment;
     fit.reading = std::move(next);
     if (settled) return;
@@ -89,21 +89,21 @@ Fit bestFit(const std::vector<TypedHit>& hits) {
       guess.logInterval.mean = std::log(pace.interval);
       guess.logHold.mean = std::log(pace.hold);
       guess.releaseDb.mean = releaseDb;
-      Fit fit{guess, TypingLattice::read(guess, some)};
+      Fit fit{guess, readTyping(guess, some)};
       improve(fit, guess, some, firstRounds);
       if (fit.reading.logLikelihood <= best.reading.logLikelihood) continue;
       best = std::move(fit);
       expected = guess;
     }
   }
-  best.reading = TypingLattice::read(best.model, hits);
+  best.reading = readTyping(best.model, hits);
   improve(best, expected, hits, lastRounds);
   return best;
 }
 
 /// How much of the presses may be lost on the whole: hits are taken for releases, the surest first,
 /// until the chance of a press among them adds up to that.
-void markSurest(std::vector<RecordingSlicer::Hit>& hits, const std::vector<double>& pressChance) {
+void markSurest(std::vector<RecordedHit>& hits, const std::vector<double>& pressChance) {
   std::vector<std::size_t> order(hits.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::stable_sort(order.begin(), order.end(),
@@ -118,7 +118,7 @@ void markSurest(std::vector<RecordingSlicer::Hit>& hits, const std::vector<doubl
 
 }  // namespace
 
-void ReleaseMarking::mark(std::vector<RecordingSlicer::Hit>& hits, double rate) {
+void markReleases(std::vector<RecordedHit>& hits, double rate) {
   for (auto& hit : hits)
     hit.isRelease = false;
   if (hits.size() < 2) return;

@@ -1,10 +1,11 @@
+#include "Building/SlicerOptions.h"
+
 #include "Base/JsonFields.h"
-#include "Building/PackRecipe.h"
 
 namespace tobrin {
 namespace {
 
-using Options = RecordingSlicer::Options;
+using Options = SlicerOptions;
 using Json = nlohmann::json;
 
 struct NumberKey {
@@ -44,7 +45,7 @@ constexpr CountKey counts[] = {
 
 }  // namespace
 
-RecordingSlicer::Options slicerOptionsFromJson(std::string_view text) {
+SlicerOptions slicerOptionsFromJson(std::string_view text) {
   const Json document = parsedJson(text);
   const JsonFields fields(document, "");
   Options options;

@@ -6,14 +6,14 @@
 namespace tobrin {
 namespace {
 
-using Take = RecordingSlicer::Take;
-using TierTakes = RecordingSlicer::TierTakes;
+using Take = RecordedTake;
+using TierTakes = RecordedTiers;
 
 constexpr float smallestPeak = 1e-6f;
 constexpr float enterFactor = 1.15f;  // the return key is a wide key
 
 /// The peak of a recording's typical medium take, of ordinary keys where there are any.
-float typicalPeak(const RecordingSlicer::Result& recording) {
+float typicalPeak(const SlicedRecording& recording) {
   std::vector<float> peaks;
   for (const auto& [group, tiers] : recording.down) {
     const auto medium = tiers.find(Tier::medium);
@@ -21,7 +21,7 @@ float typicalPeak(const RecordingSlicer::Result& recording) {
     for (const Take& take : medium->second)
       peaks.push_back(peak(take));
   }
-  return RecordingSlicer::percentile(std::move(peaks), 0.5);
+  return percentile(std::move(peaks), 0.5);
 }
 
 /// The first takes of every list, then the second ones, and so on.
@@ -60,7 +60,7 @@ void scale(Take& take, float gain) {
   take.level *= applied;
 }
 
-void TakeCollection::add(RecordingSlicer::Result sliced) {
+void TakeCollection::add(SlicedRecording sliced) {
   const float gain = referencePeak / std::max(typicalPeak(sliced), smallestPeak);
   for (auto& [group, tiers] : sliced.down) {
     for (auto& [tier, takes] : tiers) {
@@ -80,7 +80,7 @@ void TakeCollection::addEnter(std::vector<Take> takes) {
     for (const Take& take : list)
       levels.push_back(take.level);
   }
-  const float target = RecordingSlicer::percentile(std::move(levels), 0.5) * enterFactor;
+  const float target = percentile(std::move(levels), 0.5) * enterFactor;
   for (Take& take : takes) {
     const float wanted = target > 0 ? target / std::max(take.level, smallestPeak)
                                     : referencePeak / std::max(peak(take), smallestPeak);

@@ -1,6 +1,7 @@
 #include "Building/TakeCutter.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <numbers>
 
@@ -16,7 +17,7 @@ constexpr double fadeOutMs = 12;
 constexpr double clearOfNextMs = 3;
 
 std::vector<float> prepared(std::span<const float> channel, double rate,
-                            const RecordingSlicer::Options& options) {
+                            const SlicerOptions& options) {
   const double gain = std::pow(10.0, options.gainDb / 20);
   std::vector<float> result(channel.size());
   if (!(options.highPassHz > 0)) {
@@ -40,6 +41,7 @@ float fadeGain(std::size_t step, std::size_t length) {
 void fadeEnds(std::vector<float>& samples, std::size_t in, std::size_t out) {
   for (std::size_t i = 0; i < std::min(in, samples.size()); ++i)
     samples[i] *= fadeGain(i, in);
+  assert(!samples.empty());
   const std::size_t last = samples.size() - 1;
   for (std::size_t i = 0; i < std::min(out, samples.size()); ++i) {
     samples[last - i] *= fadeGain(i, out);
@@ -48,7 +50,7 @@ void fadeEnds(std::vector<float>& samples, std::size_t in, std::size_t out) {
 
 }  // namespace
 
-TakeCutter::TakeCutter(const RecordingView& recording, const RecordingSlicer::Options& options)
+TakeCutter::TakeCutter(const RecordingView& recording, const SlicerOptions& options)
     : rate_(recording.rate),
       preRoll_(samples(options.preRollMs)),
       left_(prepared(recording.left, recording.rate, options)),
@@ -59,8 +61,9 @@ std::size_t TakeCutter::samples(double milliseconds) const {
   return static_cast<std::size_t>(rate_ * std::clamp(milliseconds, 0.0, longest) / 1000);
 }
 
-std::optional<RecordingSlicer::Take> TakeCutter::cut(const RecordingSlicer::Hit& hit,
-                                                     double longestMs, double shortestMs) const {
+std::optional<RecordedTake> TakeCutter::cut(const RecordedHit& hit, double longestMs,
+                                            double shortestMs) const {
+  assert(hit.onset <= left_.size());
   const std::size_t available = std::min(hit.gapAfter, left_.size() - hit.onset);
   const bool isLast = hit.onset + hit.gapAfter >= left_.size();
   const std::size_t clear = isLast ? 0 : samples(clearOfNextMs);
@@ -71,7 +74,7 @@ std::optional<RecordingSlicer::Take> TakeCutter::cut(const RecordingSlicer::Hit&
   const std::size_t lead = std::min(preRoll_, hit.onset);
   const auto begin = static_cast<std::ptrdiff_t>(hit.onset - lead);
   const auto end = static_cast<std::ptrdiff_t>(hit.onset + length);
-  RecordingSlicer::Take take;
+  RecordedTake take;
   take.left.assign(left_.begin() + begin, left_.begin() + end);
   take.right.assign(right_.begin() + begin, right_.begin() + end);
   const std::size_t fadeOut = std::min(samples(fadeOutMs), length / 2 + 1);
@@ -81,7 +84,7 @@ std::optional<RecordingSlicer::Take> TakeCutter::cut(const RecordingSlicer::Hit&
   return take;
 }
 
-float takeLevel(const RecordingSlicer::Take& take, double rate) {
+float takeLevel(const RecordedTake& take, double rate) {
   const std::size_t length =
       std::min(take.left.size(), static_cast<std::size_t>(levelSeconds * rate));
   double sum = 0;

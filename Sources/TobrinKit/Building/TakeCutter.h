@@ -1,4 +1,5 @@
 /// Cuts single takes out of a recording: rumble removed, both ends faded, never into the next hit.
+/// Thread: any.
 #pragma once
 
 #include <optional>
@@ -13,12 +14,12 @@ namespace tobrin {
 class TakeCutter final {
  public:
   /// Filters and amplifies both channels once, by `highPassHz` and `gainDb`.
-  TakeCutter(const RecordingView& recording, const RecordingSlicer::Options& options);
+  TakeCutter(const RecordingView& recording, const SlicerOptions& options);
 
   /// A take from `preRollMs` before the hit to at most `longestMs` after it, ended earlier by the
   /// next hit. Nothing where less than `shortestMs` would remain.
-  [[nodiscard]] std::optional<RecordingSlicer::Take> cut(const RecordingSlicer::Hit& hit,
-                                                         double longestMs, double shortestMs) const;
+  [[nodiscard]] std::optional<RecordedTake> cut(const RecordedHit& hit, double longestMs,
+                                                double shortestMs) const;
 
  private:
   [[nodiscard]] std::size_t samples(double milliseconds) const;
@@ -30,6 +31,6 @@ class TakeCutter final {
 };
 
 /// A take's level: root mean square of its first 30 ms, both channels together.
-float takeLevel(const RecordingSlicer::Take& take, double rate);
+float takeLevel(const RecordedTake& take, double rate);
 
 }  // namespace tobrin

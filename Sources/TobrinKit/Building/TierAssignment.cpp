@@ -2,14 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cmath>
 #include <span>
 
 namespace tobrin {
 namespace {
 
-using Hit = RecordingSlicer::Hit;
-using Take = RecordingSlicer::Take;
+using Hit = RecordedHit;
+using Take = RecordedTake;
 
 constexpr int64_t fewestPerTake = 4;
 constexpr float levellingExponent = 0.7f;
@@ -20,8 +21,7 @@ std::size_t part(double fraction, std::size_t count) {
 }
 
 /// Takes out of one band, the hits at even strides first.
-std::vector<Take> takesOf(std::span<const Hit> band, int64_t variants,
-                          const TierAssignment::Cut& cut) {
+std::vector<Take> takesOf(std::span<const Hit> band, int64_t variants, const CutTake& cut) {
   const auto wanted = static_cast<std::size_t>(std::max<int64_t>(variants, 0));
   const std::size_t count = band.size();
   const std::size_t stride = wanted < 2       ? std::max<std::size_t>(count, 1)
@@ -43,7 +43,7 @@ std::vector<Take> takesOf(std::span<const Hit> band, int64_t variants,
 
 }  // namespace
 
-std::vector<TierAssignment::Band> TierAssignment::bands(std::size_t count, int64_t variants) {
+std::vector<TierBand> tierBands(std::size_t count, int64_t variants) {
   const bool isScarce = static_cast<double>(count) < static_cast<double>(variants) * fewestPerTake;
   if (isScarce) return {{Tier::medium, 0.0, 1.0}};
   return {{Tier::soft, 0.08, 0.30},
@@ -52,13 +52,13 @@ std::vector<TierAssignment::Band> TierAssignment::bands(std::size_t count, int64
           {Tier::slam, 0.92, 1.0}};
 }
 
-RecordingSlicer::TierTakes TierAssignment::tiers(std::vector<Hit> hits, int64_t variants,
-                                                 const Cut& cut) {
+RecordedTiers takesByTier(std::vector<Hit> hits, int64_t variants, const CutTake& cut) {
+  assert(cut);
   std::stable_sort(hits.begin(), hits.end(),
                    [](const Hit& a, const Hit& b) { return a.energy < b.energy; });
-  RecordingSlicer::TierTakes result;
+  RecordedTiers result;
   if (hits.empty()) return result;
-  for (const Band& band : bands(hits.size(), variants)) {
+  for (const TierBand& band : tierBands(hits.size(), variants)) {
     const std::size_t begin = std::min(part(band.low, hits.size()), hits.size() - 1);
     const std::size_t end =
         std::max(std::min(part(band.high, hits.size()), hits.size()), begin + 1);
@@ -68,7 +68,7 @@ RecordingSlicer::TierTakes TierAssignment::tiers(std::vector<Hit> hits, int64_t 
   return result;
 }
 
-void TierAssignment::level(std::vector<Take>& takes, float target) {
+void levelTakes(std::vector<Take>& takes, float target) {
   for (Take& take : takes) {
     const float gain = std::pow(target / std::max(take.level, quietest), levellingExponent);
     for (float& x : take.left)
@@ -79,7 +79,7 @@ void TierAssignment::level(std::vector<Take>& takes, float target) {
   }
 }
 
-float TierAssignment::factor(Tier tier) {
+float tierLoudness(Tier tier) {
   constexpr std::array<float, tierCount> factors = {0.55f, 1.0f, 1.45f, 2.0f};
   return factors[index(tier)];
 }

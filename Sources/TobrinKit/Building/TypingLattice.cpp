@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cassert>
 #include <cmath>
 #include <cstdint>
 #include <functional>
@@ -51,6 +52,7 @@ struct State {
     return static_cast<std::size_t>(std::find(held.begin(), held.end(), none) - held.begin());
   }
   void letGo(std::size_t place) {
+    assert(place < mostHeld);
     std::copy(held.begin() + static_cast<std::ptrdiff_t>(place) + 1, held.end(),
               held.begin() + static_cast<std::ptrdiff_t>(place));
     held.back() = none;
@@ -117,10 +119,10 @@ class Lattice {
     steps_[0].nodes.push_back({State(), 0, impossible});
   }
 
-  TypingLattice::Reading read() {
+  TypingReading read() {
     for (std::size_t i = 0; i < hits_.size(); ++i)
       advance(i);
-    TypingLattice::Reading reading;
+    TypingReading reading;
     double total = impossible;
     for (Node& node : steps_.back().nodes) {
       node.backward = static_cast<double>(node.state.heldCount()) * logUnheard_;
@@ -223,7 +225,7 @@ class Lattice {
     step.nodes = std::move(kept);
   }
 
-  void retreat(std::size_t index, TypingLattice::Reading& reading) {
+  void retreat(std::size_t index, TypingReading& reading) {
     auto& nodes = steps_[index].nodes;
     const Step& next = steps_[index + 1];
     std::vector<std::pair<int, double>> chances;
@@ -260,8 +262,7 @@ class Lattice {
 
 }  // namespace
 
-TypingLattice::Reading TypingLattice::read(const TypingModel& model,
-                                           const std::vector<TypedHit>& hits) {
+TypingReading readTyping(const TypingModel& model, const std::vector<TypedHit>& hits) {
   return Lattice(model, hits).read();
 }
 

@@ -1,6 +1,7 @@
 #include "Building/TypingModel.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
 namespace tobrin {
@@ -29,6 +30,7 @@ double share(std::size_t count, std::size_t of, double expected) {
 double Bell::logDensity(double x) const {
   constexpr double freedom = 5;
   constexpr double logScale = -0.9686;  // log of gamma(3) / (gamma(5 / 2) sqrt(5 pi))
+  assert(deviation > 0);
   const double z = (x - mean) / deviation;
   return logScale - (freedom + 1) / 2 * std::log1p(z * z / freedom) - std::log(deviation);
 }
@@ -51,6 +53,7 @@ Bell Bell::fit(std::vector<double> values, const Bell& expected, double weight,
 
 TypingModel TypingModel::fitted(const std::vector<TypedHit>& hits,
                                 const Assignment& assignment) const {
+  assert(assignment.size() == hits.size());
   std::vector<double> pressLevels, releaseLevels, strayLevels, holds, intervals;
   double lastPress = -longestInterval;
   for (std::size_t i = 0; i < hits.size(); ++i) {

@@ -1,5 +1,6 @@
 /// How somebody types on a recording, learned from the recording: how loud presses and releases are
 /// against the presses around them, how long keys are held, and how fast presses follow each other.
+/// Thread: any.
 #pragma once
 
 #include <vector>

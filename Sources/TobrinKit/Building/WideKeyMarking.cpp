@@ -10,7 +10,7 @@
 namespace tobrin {
 namespace {
 
-using Hit = RecordingSlicer::Hit;
+using Hit = RecordedHit;
 
 constexpr double frequencySeconds = 0.030;
 constexpr double lowSeconds = 0.040;
@@ -88,8 +88,7 @@ std::vector<double> ranks(const std::vector<double>& values) {
 
 }  // namespace
 
-void WideKeyMarking::mark(std::vector<Hit>& hits, std::span<const float> mono, double rate,
-                          double share) {
+void markWideKeys(std::vector<Hit>& hits, std::span<const float> mono, double rate, double share) {
   std::vector<Hit*> presses;
   std::array<std::vector<double>, measureCount> measures;
   for (Hit& hit : hits) {
@@ -107,7 +106,7 @@ void WideKeyMarking::mark(std::vector<Hit>& hits, std::span<const float> mono, d
     for (std::size_t i = 0; i < places.size(); ++i)
       places[i] += static_cast<float>(ranked[i]);
   }
-  const float threshold = RecordingSlicer::percentile(places, std::min(share, 1.0));
+  const float threshold = percentile(places, std::min(share, 1.0));
   for (std::size_t i = 0; i < presses.size(); ++i)
     presses[i]->isBig = places[i] < threshold;
 }

@@ -1,4 +1,5 @@
 /// Tells the wide keys (space, return, backspace) among the presses of a recording by their sound.
+/// Thread: any.
 #pragma once
 
 #include <span>
@@ -8,16 +9,15 @@
 
 namespace tobrin {
 
+/// Sets `isBig` on the presses among `hits`. `mono` is the recording's mix at `rate` samples a
+/// second; `share` of all presses (0 to 1) is marked.
+///
 /// Wide keys sound lower and longer. Each press is ranked among all presses by its mean frequency,
 /// by how much of it lies below 200 and below 400 Hz, and by its decay: no single one of them holds
 /// across keyboards, and ranks need no scale that would. The share of presses ranked lowest is
 /// taken for wide. Where wide keys do not differ, that picks ordinary keys of the lower and longer
 /// kind, which still suit a wide key.
-struct WideKeyMarking {
-  /// Sets `isBig` on the presses among `hits`. `mono` is the recording's mix; `share` of all
-  /// presses (0 to 1) is marked.
-  static void mark(std::vector<RecordingSlicer::Hit>& hits, std::span<const float> mono,
-                   double rate, double share);
-};
+void markWideKeys(std::vector<RecordedHit>& hits, std::span<const float> mono, double rate,
+                  double share);
 
 }  // namespace tobrin

@@ -1,5 +1,6 @@
-/// The audio platform as the engine needs it: one callback-driven 48 kHz float output that follows
-/// the user's default device. Implemented once per sound system.
+/// The audio platform as the engine needs it: one output of 48 kHz float samples that asks for them
+/// by a callback and follows the user's default device. Implemented once for each sound system.
+/// Thread: any.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +11,7 @@ namespace tobrin {
 
 /// What a device calls. `render` fills `frames` samples of each channel on the render thread and
 /// must be real-time safe; `right` is null or equal to `left` for a mono device. `changed` may come
-/// on any thread of the device's own, never from inside `render` nor with a lock held that `start`
+/// on any thread of the device, never from inside `render` nor with a lock held that `start`
 /// or `pause` take: the default device or its format was switched, the sound server was lost, or it
 /// came back. The device's destructor waits for it.
 struct AudioCallbacks {
@@ -26,8 +27,8 @@ class AudioDevice {
   /// Connects if need be and starts calling `render` in blocks of about 256 frames. Returns whether
   /// the stream runs, or is sure to as soon as the server schedules it; false leaves the reason in
   /// `problem`. After a failure or a lost server a started device goes on trying by itself until
-  /// `pause`, and says `changed` when it runs again. Thread: any; calls are serialised by the
-  /// owner.
+  /// `pause`, and says `changed` when it runs again. The owner calls it
+  /// from one thread at a time.
   virtual bool start() = 0;
 
   /// Stops calling `render` and leaves the device idle once it has played what it took: no wake-ups

@@ -1,5 +1,6 @@
 #include "Engine/AudioOutput.h"
 
+#include <cassert>
 #include <cstdlib>
 #include <utility>
 
@@ -12,7 +13,7 @@ TBMixer* makeMixer() {
   TBMixer* const mixer = tb_mixer_create(static_cast<float>(AudioOutput::sampleRate),
                                          AudioOutput::crossfadeMilliseconds);
   if (mixer == nullptr) {
-    Log::line("no memory for the voice mixer");
+    logLine("no memory for the voice mixer");
     std::abort();
   }
   return mixer;
@@ -22,6 +23,7 @@ TBMixer* makeMixer() {
 
 AudioOutput::AudioOutput(std::unique_ptr<AudioDevice> device)
     : mixer_(makeMixer()), device_(std::move(device)) {
+  assert(device_);
   device_->setCallbacks(
       {.render = &render, .context = mixer_, .changed = [this] { deviceChanged(); }});
 }
@@ -54,7 +56,7 @@ bool AudioOutput::startLocked() {
 
 void AudioOutput::tellProblem(std::string problem) {
   if (toldProblem_ == problem) return;
-  if (!problem.empty()) Log::line("audio engine failed to start: " + problem);
+  if (!problem.empty()) logLine("audio engine failed to start: " + problem);
   toldProblem_ = std::move(problem);
   if (onProblem_) onProblem_(*toldProblem_);
 }

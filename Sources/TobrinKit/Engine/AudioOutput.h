@@ -1,6 +1,6 @@
-/// The voice mixer joined to the default output device. Everything above it speaks in mixer
-/// commands. Threads: `start`, `pause` and the device's change notice are serialised by one mutex
-/// that the render callback never takes; counters and volume may be read from any thread.
+/// The voice mixer joined to the default output device. What uses it speaks in mixer commands. One
+/// mutex, which the render callback never takes, lets `start`, `pause` and the device's notice of a
+/// change run one at a time. Thread: any.
 #pragma once
 
 #include <atomic>

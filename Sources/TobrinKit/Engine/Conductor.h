@@ -1,8 +1,8 @@
 /// Turns key events into sounding voices: picks the take, measures the force, starts the voice and
-/// refines its weights as the sensor's picture completes, plays releases, and suspends the engine
-/// when nobody types. All its state belongs to the conductor's queue, which is also the one
-/// producer of the mixer's ring. Public operations may be called from any thread and hop onto the
-/// queue, without waiting unless they say so.
+/// refines its weights as the sensor shows more, plays releases, and suspends the engine when
+/// nobody types. All its state belongs to the conductor's queue, which is also the one producer of
+/// the mixer's ring. Its operations post to that queue, without waiting unless they say so.
+/// Thread: any.
 #pragma once
 
 #include <array>
@@ -26,7 +26,7 @@ class ConductorCore;
 class Conductor final {
  public:
   static constexpr const char* queueName = "app.tobrin.conductor";
-  /// Milliseconds after a key-down at which its voice is weighted anew; the last is final.
+  /// Milliseconds after a key-down at which its voice gets new weights; the last ones are final.
   static constexpr std::array<double, 3> refineAtMs = {4, 10, 16};
 
   /// Called on the queue once per key-down.
@@ -36,7 +36,7 @@ class Conductor final {
   /// The queue outlives the conductor. `sensor` may be null.
   Conductor(SerialQueue& queue, std::unique_ptr<AudioOutput> audio,
             std::unique_ptr<ForceSensor> sensor);
-  /// Shuts down; when it returns, the last callback has ended. Thread: any but the queue's.
+  /// Shuts down; when it returns, the last callback has ended. Not to be called on the queue.
   ~Conductor();
   Conductor(const Conductor&) = delete;
   Conductor& operator=(const Conductor&) = delete;
@@ -44,7 +44,7 @@ class Conductor final {
   /// For strokes handled from now on.
   void setOnForce(ForceCallback onForce);
   /// Called on the queue each time that it changes why force cannot be sensed though it is wanted
-  /// and there is a sensor: in words, empty while all is well. The fixed strength plays meanwhile.
+  /// and there is a sensor: in words, empty while all is well. Until then the fixed strength plays.
   void setOnSensorProblem(SensorProblemCallback onProblem);
   /// For tools that look at each stage of the measurement; for strokes handled from now on.
   void setOnForceStage(ForceStageCallback onStage);

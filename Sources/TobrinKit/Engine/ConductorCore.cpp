@@ -5,6 +5,7 @@
 #include <chrono>
 #include <utility>
 
+#include "Base/Key.h"
 #include "Engine/Conductor.h"
 
 namespace tobrin {
@@ -59,9 +60,7 @@ void ConductorCore::strikeSensed(const KeyEvent& event) {
   const StrokeMeter::Reading reading =
       meter_.provisional(*devices_->sensor(), event.time, queue_.now());
   const StrokeStrength strength = reading.strength.value_or(meter_.typical());
-  const double gain = 1 + 0.06 * rng_.signedUnit();
-  const double rate = 1 + 0.004 * rng_.signedUnit();
-  const Voicing::Variation variation{static_cast<float>(gain), static_cast<float>(rate)};
+  const StrokeVariation variation = StrokeVariation::draw(rng_);
   const uint32_t tag = player_.press(event.code, strength, variation);
   if (tag == 0) return;
   showStage(event, 0, reading);
@@ -184,7 +183,7 @@ void ConductorCore::audition() {
 }
 
 void ConductorCore::demonstrateKey() {
-  play({PhraseKey{.code = 38}});  // J, in the middle
+  play({PhraseKey{.code = codeOf(Key::j)}});  // in the middle
 }
 
 void ConductorCore::play(const std::vector<PhraseKey>& phrase) {

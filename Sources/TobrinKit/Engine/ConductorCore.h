@@ -1,4 +1,5 @@
-/// What the conductor does, on its queue. Tasks waiting on the queue share it.
+/// What the conductor does, on its queue. Tasks that wait on the queue share it. Made on any
+/// thread. Thread: conductor.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +19,6 @@
 
 namespace tobrin {
 
-/// Thread: the conductor's queue, but for the constructor.
 class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
  public:
   using ForceCallback = std::function<void(const ForceReading&)>;

@@ -1,4 +1,5 @@
 /// A short phrase that shows what a pack sounds like: two words typed by somebody in practice.
+/// Thread: any.
 #pragma once
 
 #include <chrono>

@@ -1,4 +1,5 @@
 /// What the application asks of the desktop it runs in, besides keys, sound and shortcuts.
+/// Thread: main.
 #pragma once
 
 #include <functional>
@@ -6,7 +7,7 @@
 
 namespace tobrin {
 
-/// Whether the program starts with the session. Thread: main.
+/// Whether the program starts with the session.
 class LoginItem {
  public:
   virtual ~LoginItem() = default;
@@ -15,7 +16,7 @@ class LoginItem {
   virtual std::string setEnabled(bool on) = 0;
 };
 
-/// The session's notices and actions. Thread: main; the notices come on it too.
+/// The session's notices and actions. The notices come on the main thread.
 class Workspace {
  public:
   virtual ~Workspace() = default;
@@ -26,8 +27,8 @@ class Workspace {
   /// Shows the user's packs in the file manager, making their folder if it is missing; returns why
   /// it failed.
   virtual std::string openPacksFolder() = 0;
-  /// Offers the user the one-time grant of access to keys. `onEnd` is told why it failed, or an
-  /// empty text; never once the workspace is gone.
+  /// Offers the user the one-time grant of access to keys. `onEnd` gets why it failed, or an
+  /// empty text; it is not called once the workspace is gone.
   virtual void openKeyAccessSettings(std::function<void(const std::string& problem)> onEnd) = 0;
   /// Starts a new instance of the program, which waits for this one to end; returns why it failed.
   virtual std::string relaunch() = 0;

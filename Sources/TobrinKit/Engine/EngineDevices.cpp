@@ -1,5 +1,6 @@
 #include "Engine/EngineDevices.h"
 
+#include <cassert>
 #include <utility>
 
 #include "Base/MachTime.h"
@@ -20,19 +21,21 @@ void EngineDevices::watchIdleness() {
 }
 
 void EngineDevices::checkIdleness() {
-  if (MachTime::delta(queue_.now(), lastActivity_) > idleLimitMs)
+  if (machDelta(queue_.now(), lastActivity_) > idleLimitMs)
     suspend();
   else
     watchIdleness();
 }
 
 void EngineDevices::wake() {
+  assert(queue_.isCurrent());
   output_->start();
   output_->expectSound();
   if (std::exchange(isSuspended_, false)) watchIdleness();
 }
 
 void EngineDevices::suspend() {
+  assert(queue_.isCurrent());
   if (isSuspended_) return;
   isSuspended_ = true;
   ++watch_;
@@ -46,6 +49,7 @@ void EngineDevices::shutdown() {
 }
 
 void EngineDevices::restart() {
+  assert(queue_.isCurrent());
   if (isSuspended_) return;
   sensing_->restart();
   output_->restart();

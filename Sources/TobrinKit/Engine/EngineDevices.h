@@ -1,5 +1,5 @@
-/// Output and motion sensor, run together while somebody types and rested when nobody does.
-/// Thread: the conductor's queue, but for the constructor.
+/// Output and motion sensor, run together while somebody types and rested when nobody does. Made on
+/// any thread. Thread: conductor.
 #pragma once
 
 #include <cstdint>

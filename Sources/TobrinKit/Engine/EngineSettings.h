@@ -1,5 +1,5 @@
-/// The user's choices that the sound engine obeys, and what it reports back of each stroke.
-/// Plain values; coded as JSON by field name, every field optional when read.
+/// The user's choices that the sound engine follows, and what it reports of each stroke. Plain
+/// values; as JSON by field name, every field optional when read. Thread: any.
 #pragma once
 
 #include <cstdint>

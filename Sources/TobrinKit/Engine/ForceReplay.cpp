@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <deque>
 #include <map>
 #include <memory>
@@ -99,7 +100,7 @@ std::vector<ReplayedStage> Replay::run(const KeyTrace& keys, float sensitivity) 
     conductor_.handle({key.code, KeyAction::down, key.time});
     runUntil(key.time);
   }
-  runUntil(queue_.now() + MachTime::ticks(Conductor::refineAtMs.back()));
+  runUntil(queue_.now() + machTicks(Conductor::refineAtMs.back()));
   conductor_.shutdown();
   return stages;
 }
@@ -120,6 +121,7 @@ void Replay::runUntil(uint64_t time) {
 
 std::vector<ReplayedStage> replayForce(const MotionTrace& motion, const KeyTrace& keys,
                                        float sensitivity) {
+  assert(!motion.samples.empty());
   uint64_t start = motion.samples.front().time;
   if (!keys.keys.empty()) start = std::min(start, keys.keys.front().time);
   return Replay(motion, start).run(keys, sensitivity);

@@ -1,5 +1,6 @@
-/// Runs a recorded motion trace and the key-downs beside it through the sensor, the classifier and
-/// the conductor themselves, in virtual time: what the engine would have made of each key.
+/// Runs a recorded motion trace and the key-downs recorded with it through the sensor, the
+/// classifier and the conductor themselves, in virtual time: what the engine would have made of
+/// each key. Thread: any.
 #pragma once
 
 #include <vector>
@@ -16,7 +17,7 @@ struct ReplayedStage {
 };
 
 /// All stages in order of time. The same input gives the same stages. `sensitivity` is the user's
-/// setting. Thread: any; blocks.
+/// setting. Returns when all is done.
 [[nodiscard]] std::vector<ReplayedStage> replayForce(const MotionTrace& motion,
                                                      const KeyTrace& keys, float sensitivity);
 

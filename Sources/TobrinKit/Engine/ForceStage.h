@@ -1,4 +1,5 @@
 /// What the conductor made of the sensor at one stage of a key-down, for tools that look into it.
+/// Thread: any.
 #pragma once
 
 #include <cstdint>

@@ -8,18 +8,16 @@
 #include <stdexcept>
 
 #include "Base/SplitMix64.h"
+#include "Engine/AudioOutput.h"
 #include "Engine/Voicing.h"
 #include "Force/ForceClassifier.h"
-#include "Input/KeyLayout.h"
 #include "TobrinMixer.h"
 
 namespace tobrin {
 namespace {
 
 constexpr std::size_t blockFrames = 64;
-constexpr float crossfadeMs = 4;
 constexpr uint64_t jitterSeed = 42;
-constexpr float releaseLevel = 0.8f;              // releases are quieter than presses
 constexpr std::size_t framesPerNotice = 1 << 20;  // of progress; divisible by the block
 
 struct MixerDeleter {
@@ -35,53 +33,28 @@ float relativeStrength(float position) {
   return centers[static_cast<std::size_t>(std::min(nearest, 3.0f))];
 }
 
-/// Turns scripted keys into commands; draws the jitter, so keys must come in order.
-class Voicer final {
+/// Turns scripted keys into commands; draws the variations, so keys must come in order.
+class ScriptVoicer final {
  public:
-  Voicer(const LoadedPack& pack, const EngineSettings& settings)
-      : pack_(pack), settings_(settings) {}
+  ScriptVoicer(const LoadedPack& pack, const EngineSettings& settings)
+      : voicing_(pack, settings), releaseSounds_(settings.releaseSounds) {}
 
-  /// Nothing where the key has no sound. The jitter is drawn all the same.
+  /// Nothing where the key has no sound. The variation is drawn all the same.
   std::optional<TBCommand> command(const ScriptedKey& key) {
-    const Voicing::Variation variation = draw();
-    const KeyGroup group = KeyLayout::group(key.code);
-    const std::size_t variant = Voicing::variant(key.code, pack_, group);
-    TBCommand command{};
-    command.type = TB_COMMAND_START;
-    command.tag = ++tag_;
-    command.pan = Voicing::pan(key.code, settings_);
-    command.rate = variation.rate * Voicing::detune(key.code);
+    const StrokeVariation variation = StrokeVariation::draw(rng_);
+    const float relative = relativeStrength(key.position);
+    std::optional<TBCommand> command;
     if (key.action == KeyAction::down)
-      press(command, key.position, variation.gain, pack_.layers(group, variant));
-    else if (!release(command, key.position, variation.gain, pack_.release(group, variant)))
-      return std::nullopt;
+      command = voicing_.press(key.code, {key.position, relative}, variation);
+    else if (releaseSounds_)
+      command = voicing_.release(key.code, relative, variation);
+    if (command) command->tag = ++tag_;
     return command;
   }
 
  private:
-  Voicing::Variation draw() {
-    const double gain = 1 + 0.06 * rng_.signedUnit();
-    const double rate = 1 + 0.004 * rng_.signedUnit();
-    return {static_cast<float>(gain), static_cast<float>(rate)};
-  }
-
-  void press(TBCommand& command, float position, float gain, const LoadedPack::Layers& layers) {
-    Voicing::setLayers(command, layers.samples);
-    Voicing::setWeights(command, Voicing::weights(position, relativeStrength(position),
-                                                  layers.gains, settings_.blendTiers, gain));
-  }
-
-  bool release(TBCommand& command, float position, float gain,
-               const std::optional<LoadedPack::Take>& take) {
-    if (!settings_.releaseSounds || !take) return false;
-    const float strength = Voicing::releaseGain(relativeStrength(position));
-    command.layers[0] = take->sample;
-    command.weights[0] = gain * strength * take->gain * releaseLevel;
-    return true;
-  }
-
-  const LoadedPack& pack_;
-  const EngineSettings& settings_;
+  Voicing voicing_;
+  bool releaseSounds_;
   SplitMix64 rng_{jitterSeed};
   uint32_t tag_ = 0;
 };
@@ -96,7 +69,7 @@ std::size_t lengthInFrames(double seconds, double sampleRate) {
 
 // Room for a channel, as yet untouched: memory that is cleared block by block, right before the
 // block is rendered, is still in the cache then.
-std::vector<float> roomFor(std::size_t frames, OfflineRenderer::MemoryHint hint) {
+std::vector<float> roomFor(std::size_t frames, MemoryHint hint) {
   std::vector<float> channel;
   channel.reserve(frames);
   if (hint != nullptr) hint(channel.data(), frames * sizeof(float));
@@ -105,23 +78,23 @@ std::vector<float> roomFor(std::size_t frames, OfflineRenderer::MemoryHint hint)
 
 }  // namespace
 
-OfflineRenderer::Sound OfflineRenderer::render(const LoadedPack& pack,
-                                               std::vector<ScriptedKey> script,
-                                               const EngineSettings& settings, double tail,
-                                               double sampleRate, const Progress& progress,
-                                               MemoryHint hint) {
+RenderedSound renderOffline(const LoadedPack& pack, std::vector<ScriptedKey> script,
+                            const EngineSettings& settings, double tail, double sampleRate,
+                            const RenderProgress& progress, MemoryHint hint) {
+  assert(sampleRate > 0);
   assert(std::all_of(script.begin(), script.end(),
                      [](const ScriptedKey& key) { return std::isfinite(key.time); }));
-  const Mixer mixer(tb_mixer_create(static_cast<float>(sampleRate), crossfadeMs));
+  const Mixer mixer(
+      tb_mixer_create(static_cast<float>(sampleRate), AudioOutput::crossfadeMilliseconds));
   if (!mixer) return {};
   tb_mixer_set_master(mixer.get(), settings.volume);
   std::stable_sort(script.begin(), script.end(),
                    [](const ScriptedKey& a, const ScriptedKey& b) { return a.time < b.time; });
   const double lastTime = script.empty() ? 0 : script.back().time;
   const std::size_t frames = lengthInFrames(tail + lastTime, sampleRate);
-  Sound sound{roomFor(frames, hint), roomFor(frames, hint)};
+  RenderedSound sound{roomFor(frames, hint), roomFor(frames, hint)};
 
-  Voicer voicer(pack, settings);
+  ScriptVoicer voicer(pack, settings);
   auto next = script.cbegin();
   for (std::size_t start = 0; start < frames; start += blockFrames) {
     const std::size_t end = std::min(start + blockFrames, frames);

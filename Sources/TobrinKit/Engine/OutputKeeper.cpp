@@ -1,5 +1,6 @@
 #include "Engine/OutputKeeper.h"
 
+#include <cassert>
 #include <utility>
 
 #include "Base/MachTime.h"
@@ -17,15 +18,18 @@ constexpr uint64_t fadeFrames = 288;  // the 6 ms in which the mixer releases it
 }  // namespace
 
 OutputKeeper::OutputKeeper(SerialQueue& queue, std::unique_ptr<AudioOutput> audio)
-    : queue_(queue), audio_(std::move(audio)) {}
+    : queue_(queue), audio_(std::move(audio)) {
+  assert(audio_);
+}
 
 void OutputKeeper::start() {
+  assert(queue_.isCurrent());
   if (std::exchange(state_, State::playing) == State::fading) ++fadeNumber_;
   if (audio_->isRunning() || queue_.now() < retry_) return;
   if (audio_->start())
     watchFlow(startLimit);
   else
-    retry_ = queue_.now() + MachTime::ticks(retryMs);
+    retry_ = queue_.now() + machTicks(retryMs);
 }
 
 void OutputKeeper::expectSound() {
@@ -41,8 +45,8 @@ void OutputKeeper::watchFlow(SerialQueue::Duration limit) {
   });
 }
 
-// A server that goes away or a card that hangs is noticed late or not at all, and keys are pushed
-// meanwhile. They must not all sound at once when it plays again.
+// A server that goes away or a card that hangs is noticed late or not at all, and until then keys
+// are pushed. They must not all sound at once when it plays again.
 void OutputKeeper::checkFlow(uint64_t renderedBefore) {
   isWatching_ = false;
   const bool expecting = std::exchange(isExpecting_, false);
@@ -54,6 +58,7 @@ void OutputKeeper::checkFlow(uint64_t renderedBefore) {
 }
 
 void OutputKeeper::rest() {
+  assert(queue_.isCurrent());
   if (state_ != State::playing) return;
   const uint64_t fadedAt = audio_->renderedFrames() + fadeFrames;
   if (!audio_->isRunning() || !fadeOut()) {
@@ -87,6 +92,7 @@ void OutputKeeper::checkFade(const Fade& fade) {
 }
 
 void OutputKeeper::pause() {
+  assert(queue_.isCurrent());
   state_ = State::paused;
   ++fadeNumber_;
   retry_ = 0;

@@ -1,6 +1,6 @@
-/// The output as the engine runs it: started when something is to sound, rid of what comes too late
-/// to be played, and paused only once what sounded has faded out. Thread: the conductor's queue,
-/// but for the constructor.
+/// The output as the engine runs it: started when something is to sound, emptied of what comes too
+/// late to be played, and paused only once what sounded has faded out. Made on any thread.
+/// Thread: conductor.
 #pragma once
 
 #include <cstdint>

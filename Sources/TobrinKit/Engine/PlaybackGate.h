@@ -1,5 +1,5 @@
 /// Decides from the user's switch and the microphone watch whether sounds play at all, and which
-/// reason to show where they do not. A plain value.
+/// reason to show where they do not. A plain value. Thread: any.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,7 @@
 #include "Engine/SensorKeeper.h"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace tobrin {
@@ -16,6 +17,7 @@ SensorKeeper::SensorKeeper(SerialQueue& queue, std::unique_ptr<ForceSensor> sens
     : queue_(queue), sensor_(std::move(sensor)) {}
 
 void SensorKeeper::start() {
+  assert(queue_.isCurrent());
   if (!sensor_ || std::exchange(isWanted_, true)) return;
   if (attempt_ == 0) {
     sensor_->setOnChange([&queue = queue_, weak = weak_from_this()] {
@@ -46,6 +48,7 @@ void SensorKeeper::giveUpWaiting() {
 }
 
 void SensorKeeper::sensorChanged() {
+  assert(queue_.isCurrent());
   if (!isWanted_ || sensor_->isStarting()) return;
   std::string problem = sensor_->problem();
   if (sensor_->isRunning()) {
@@ -59,6 +62,7 @@ void SensorKeeper::sensorChanged() {
 }
 
 void SensorKeeper::stop() {
+  assert(queue_.isCurrent());
   if (!std::exchange(isWanted_, false)) return;
   ++attempt_;
   sensor_->stop();

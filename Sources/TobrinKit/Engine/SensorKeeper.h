@@ -1,6 +1,5 @@
 /// Keeps the motion sensor streaming while it is wanted, without ever making a key wait for it: a
-/// start that fails is tried again in the background. Thread: the conductor's queue, but for the
-/// constructor.
+/// start that fails is tried again in the background. Made on any thread. Thread: conductor.
 #pragma once
 
 #include <cstdint>
@@ -38,7 +37,7 @@ class SensorKeeper final : public std::enable_shared_from_this<SensorKeeper> {
   void attempt();
   void sensorChanged();
   void tell(std::string problem);
-  /// Runs `task` later unless there was another attempt or a stop meanwhile.
+  /// Runs `task` later unless there was another attempt or a stop since.
   void later(SerialQueue::Duration delay, void (SensorKeeper::*task)());
   void giveUpWaiting();
 

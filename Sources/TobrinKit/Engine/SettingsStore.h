@@ -1,4 +1,5 @@
-/// Where the user's choices outlive the program: JSON values under a few keys.
+/// Keeps the user's choices from one run of the program to the next: JSON values under a few keys.
+/// Thread: main.
 #pragma once
 
 #include <optional>

@@ -1,6 +1,7 @@
 #include "Engine/StrokeMeter.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "Base/MachTime.h"
 
@@ -8,7 +9,7 @@ namespace tobrin {
 namespace {
 
 uint64_t windowStart(uint64_t keyTime) {
-  return keyTime - std::min(keyTime, MachTime::ticks(StrokeMeter::leadMs));
+  return keyTime - std::min(keyTime, machTicks(StrokeMeter::leadMs));
 }
 
 }  // namespace
@@ -32,7 +33,7 @@ StrokeMeter::Reading StrokeMeter::read(const ForceSensor& sensor, uint64_t keyTi
                                        uint64_t now) const {
   constexpr float noiseFactor = 3;
   constexpr float leastImpact = 0.0015f;  // g
-  const uint64_t end = std::min(now, keyTime + MachTime::ticks(lagMs));
+  const uint64_t end = std::min(now, keyTime + machTicks(lagMs));
   Reading reading{sensor.window(windowStart(keyTime), end), sensor.noiseFloor(), std::nullopt};
   if (reading.window && reading.window->peak > std::max(noiseFactor * reading.noise, leastImpact))
     reading.strength = strength(reading.window->peak, reading.noise);
@@ -40,6 +41,7 @@ StrokeMeter::Reading StrokeMeter::read(const ForceSensor& sensor, uint64_t keyTi
 }
 
 void StrokeMeter::learn(const Reading& reading) {
+  assert(reading.window && reading.strength);
   constexpr float adaptation = 0.1f;
   classifier_.record(reading.window->peak);
   typicalPosition_ += adaptation * (reading.strength->position - typicalPosition_);

@@ -1,5 +1,5 @@
 /// Measures how hard keys are struck: pairs a key with the strongest impact of the sensor around
-/// it, and learns the user's typical stroke from final readings. Owned by the conductor's queue.
+/// it, and learns the user's typical stroke from final readings. Thread: conductor.
 #pragma once
 
 #include <cstdint>

@@ -1,8 +1,10 @@
 #include "Engine/TypingScript.h"
 
 #include <array>
+#include <cassert>
 #include <optional>
 
+#include "Base/Key.h"
 #include "Base/SplitMix64.h"
 
 namespace tobrin {
@@ -11,7 +13,6 @@ namespace {
 constexpr double firstKeyTime = 0.15;  // s
 constexpr double shortestHold = 0.06;  // s
 constexpr double holdSpread = 0.04;    // s
-constexpr uint16_t spaceCode = 49;
 constexpr uint16_t noKey = 0xFFFF;
 
 /// Virtual key codes 0 to 51 by the character each types, in lower case; NUL where there is none.
@@ -55,6 +56,7 @@ std::vector<uint16_t> typedCodes(std::string_view text) {
 
 std::vector<ScriptedKey> typingScript(std::string_view text, double wpm, uint64_t seed,
                                       const TypingStrength& strength) {
+  assert(wpm > 0 && strength);
   const std::vector<uint16_t> typed = typedCodes(text);
   const double beat = 60 / (wpm * 5);
   SplitMix64 rng(seed);
@@ -66,7 +68,7 @@ std::vector<ScriptedKey> typingScript(std::string_view text, double wpm, uint64_
     script.push_back({time, typed[i], KeyAction::down, position});
     const double release = time + shortestHold + holdSpread * rng.unit();
     script.push_back({release, typed[i], KeyAction::up, position});
-    double gap = typed[i] == spaceCode ? 0.3 * beat : 0;
+    double gap = Key{typed[i]} == Key::space ? 0.3 * beat : 0;
     gap += beat * (0.6 + 0.8 * rng.unit());
     time += gap;
   }

@@ -24,7 +24,7 @@ struct ScriptedKey {
 using TypingStrength = std::function<float(std::size_t index, std::size_t count)>;
 
 /// Types UTF-8 text on a US keyboard at `wpm` words a minute (five characters a word, above 0).
-/// Letter case does not matter; characters without a key of their own take no time.
+/// Letter case does not matter; characters that have no key take no time.
 std::vector<ScriptedKey> typingScript(std::string_view text, double wpm, uint64_t seed,
                                       const TypingStrength& strength);
 

@@ -1,6 +1,6 @@
-/// Turns keys into commands for the mixer, by the current pack and settings, and hands out the
-/// voices' tags. Where the output does not run, commands go nowhere: nothing piles up in the ring
-/// to sound all at once when it does. Owned by the conductor's queue.
+/// Sends the commands for keys to the mixer, by the current pack and settings, and gives the voices
+/// their tags. Where the output does not run, commands are dropped: else they would wait in the
+/// ring and all sound at once when it does. Thread: conductor.
 #pragma once
 
 #include <cstdint>
@@ -28,10 +28,9 @@ class VoicePlayer final {
   [[nodiscard]] bool hasPack() const { return pack_ != nullptr; }
 
   /// Starts a key's press and returns its voice's tag; 0 without a pack and with a full ring.
-  uint32_t press(uint16_t code, const StrokeStrength& strength,
-                 const Voicing::Variation& variation);
+  uint32_t press(uint16_t code, const StrokeStrength& strength, const StrokeVariation& variation);
 
-  /// Weights the voice of a press anew.
+  /// Gives the voice of a press new weights.
   void reweigh(uint32_t tag, uint16_t code, const StrokeStrength& strength, float gain);
 
   /// Plays the key's release, where the pack has one: as loud as the press was hard, give or take
@@ -39,20 +38,13 @@ class VoicePlayer final {
   void release(uint16_t code, float relative, SplitMix64& rng);
 
  private:
-  struct Take {
-    KeyGroup group;
-    std::size_t variant;
-  };
-
-  [[nodiscard]] Take take(uint16_t code) const;
-  [[nodiscard]] TBCommand startCommand(uint16_t code, float rate);
-  void setWeights(TBCommand& command, const LoadedPack::Layers& layers,
-                  const StrokeStrength& strength, float gain) const;
+  [[nodiscard]] Voicing voicing() const { return {*pack_, settings_}; }
+  uint32_t nextTag();
   bool send(const TBCommand& command);
 
   AudioOutput& audio_;
   const EngineSettings& settings_;
-  std::shared_ptr<const LoadedPack> pack_;  // shared with whoever lists it; null: silence
+  std::shared_ptr<const LoadedPack> pack_;  // shared with those who list it; null: silence
   uint32_t lastTag_ = 0;
 };
 

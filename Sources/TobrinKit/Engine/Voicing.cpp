@@ -1,6 +1,8 @@
 #include "Engine/Voicing.h"
 
 #include <algorithm>
+#include <array>
+#include <cassert>
 #include <cmath>
 
 #include "Force/ForceClassifier.h"
@@ -11,47 +13,82 @@ namespace {
 
 static_assert(tierCount == TB_LAYERS, "a voice has one layer a tier");
 
-}  // namespace
-
-std::size_t Voicing::variant(uint16_t code, const LoadedPack& pack, KeyGroup group) {
-  const std::size_t takes = std::max<std::size_t>(pack.variantCount(group), 1);
-  return static_cast<std::size_t>(KeyLayout::identity(code) % takes);
-}
-
-float Voicing::detune(uint16_t code) {
+/// The key's fixed pitch factor, within 1.2 % of 1.
+float detune(uint16_t code) {
   constexpr double range = 0.012;
   constexpr int steps = 1000;  // to either side
-  const int step = static_cast<int>((KeyLayout::identity(code) >> 24) % (2 * steps + 1)) - steps;
+  const int step = static_cast<int>((keyIdentity(code) >> 24) % (2 * steps + 1)) - steps;
   return static_cast<float>(1 + range * step / steps);
 }
 
-float Voicing::pan(uint16_t code, const EngineSettings& settings) {
-  constexpr float widest = 0.6f;
-  return KeyLayout::pan(code) * settings.spatial * widest;
-}
-
-std::array<float, tierCount> Voicing::weights(float position, float relative,
-                                              std::span<const float> gains, bool blend,
-                                              float gain) {
-  const std::array<float, tierCount> tiers = ForceClassifier::weights(position, blend);
-  const float edge = ForceClassifier::edgeGain(relative);
-  std::array<float, tierCount> weights{};
-  for (std::size_t i = 0; i < std::min(tiers.size(), gains.size()); ++i)
-    weights[i] = gain * (edge * (tiers[i] * gains[i]));
-  return weights;
-}
-
-float Voicing::releaseGain(float relative) {
+/// Loudness of a release by the strength of its press: the root, within 0.5 to 1.3.
+float releaseGain(float relative) {
   return std::clamp(std::sqrt(relative), 0.5f, 1.3f);
 }
 
-void Voicing::setLayers(TBCommand& command, std::span<const TBSample> samples) {
-  std::copy_n(samples.begin(), std::min<std::size_t>(samples.size(), TB_LAYERS), command.layers);
+}  // namespace
+
+StrokeVariation StrokeVariation::draw(SplitMix64& rng) {
+  const double gain = 1 + 0.06 * rng.signedUnit();
+  const double rate = 1 + 0.004 * rng.signedUnit();
+  return {static_cast<float>(gain), static_cast<float>(rate)};
 }
 
-void Voicing::setWeights(TBCommand& command, std::span<const float> weights) {
-  for (std::size_t i = 0; i < TB_LAYERS; ++i)
-    command.weights[i] = i < weights.size() ? weights[i] : 0;
+TBCommand Voicing::press(uint16_t code, const StrokeStrength& strength,
+                         const StrokeVariation& variation) const {
+  const auto [group, variant] = take(code);
+  const LoadedPack::Layers layers = pack_.layers(group, variant);
+  TBCommand command = start(code, variation.rate);
+  std::copy(layers.samples.begin(), layers.samples.end(), command.layers);
+  setWeights(command, layers, strength, variation.gain);
+  return command;
+}
+
+TBCommand Voicing::reweigh(uint32_t tag, uint16_t code, const StrokeStrength& strength,
+                           float gain) const {
+  assert(tag != 0);
+  const auto [group, variant] = take(code);
+  TBCommand command{};
+  command.type = TB_COMMAND_SET_WEIGHTS;
+  command.tag = tag;
+  setWeights(command, pack_.layers(group, variant), strength, gain);
+  return command;
+}
+
+std::optional<TBCommand> Voicing::release(uint16_t code, float relative,
+                                          const StrokeVariation& variation) const {
+  constexpr float level = 0.8f;  // releases are quieter than presses
+  const auto [group, variant] = take(code);
+  const std::optional<LoadedPack::Take> released = pack_.release(group, variant);
+  if (!released) return std::nullopt;
+  TBCommand command = start(code, variation.rate);
+  command.layers[0] = released->sample;
+  command.weights[0] = variation.gain * releaseGain(relative) * released->gain * level;
+  return command;
+}
+
+/// The take a key plays; the same key always plays the same one.
+Voicing::Take Voicing::take(uint16_t code) const {
+  const KeyGroup group = keyGroupOf(code);
+  const std::size_t takes = std::max<std::size_t>(pack_.variantCount(group), 1);
+  return {group, static_cast<std::size_t>(keyIdentity(code) % takes)};
+}
+
+TBCommand Voicing::start(uint16_t code, float rate) const {
+  constexpr float widestPan = 0.6f;
+  TBCommand command{};
+  command.type = TB_COMMAND_START;
+  command.pan = keyPan(code) * settings_.spatial * widestPan;
+  command.rate = rate * detune(code);
+  return command;
+}
+
+void Voicing::setWeights(TBCommand& command, const LoadedPack::Layers& layers,
+                         const StrokeStrength& strength, float gain) const {
+  const auto tiers = ForceClassifier::weights(strength.position, settings_.blendTiers);
+  const float edge = ForceClassifier::edgeGain(strength.relative);
+  for (std::size_t tier = 0; tier < tierCount; ++tier)
+    command.weights[tier] = gain * (edge * (tiers[tier] * layers.gains[tier]));
 }
 
 }  // namespace tobrin

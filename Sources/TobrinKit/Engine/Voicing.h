@@ -1,48 +1,63 @@
-/// Pure logic that fills a mixer command for a key: which take, where in the stereo field, how the
-/// tier weights combine with the pack's gains. Thread: any.
+/// How a key becomes a command for the mixer: which take, where in the stereo field, how loud and
+/// how fast. The same for live playing and for offline rendering. Draws no numbers itself, so that
+/// the order of draws stays with the caller. Thread: any.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <span>
+#include <optional>
 
 #include "Base/KeyEvent.h"
+#include "Base/SplitMix64.h"
 #include "Engine/EngineSettings.h"
+#include "Engine/StrokeMeter.h"
 #include "Packs/LoadedPack.h"
 #include "TobrinMixer.h"
 
 namespace tobrin {
 
-struct Voicing {
-  /// Random factors of one stroke, chosen at key-down and kept by its refinements.
-  struct Variation {
-    float gain = 1;
-    float rate = 1;
+/// Random factors of one stroke, chosen at key-down and kept by its refinements.
+struct StrokeVariation {
+  float gain = 1;  ///< linear
+  float rate = 1;  ///< of playback
+
+  /// Within 6 % and 0.4 % of 1. Takes two draws, the gain's first.
+  static StrokeVariation draw(SplitMix64& rng);
+};
+
+class Voicing final {
+ public:
+  /// Both outlive this object.
+  Voicing(const LoadedPack& pack, const EngineSettings& settings)
+      : pack_(pack), settings_(settings) {}
+
+  /// Starts the four layers of the key's take. The caller gives the voice its tag.
+  [[nodiscard]] TBCommand press(uint16_t code, const StrokeStrength& strength,
+                                const StrokeVariation& variation) const;
+
+  /// New weights for the voice `tag`, which a press of the key started; `gain` is that of its
+  /// variation.
+  [[nodiscard]] TBCommand reweigh(uint32_t tag, uint16_t code, const StrokeStrength& strength,
+                                  float gain) const;
+
+  /// Starts the key's release take, as loud as its press was hard (`relative` to a typical stroke);
+  /// nothing where the pack has none. The caller gives the voice its tag.
+  [[nodiscard]] std::optional<TBCommand> release(uint16_t code, float relative,
+                                                 const StrokeVariation& variation) const;
+
+ private:
+  struct Take {
+    KeyGroup group;
+    std::size_t variant;
   };
 
-  /// The take a key plays in a pack; the same key always plays the same take.
-  static std::size_t variant(uint16_t code, const LoadedPack& pack, KeyGroup group);
+  [[nodiscard]] Take take(uint16_t code) const;
+  [[nodiscard]] TBCommand start(uint16_t code, float rate) const;
+  void setWeights(TBCommand& command, const LoadedPack::Layers& layers,
+                  const StrokeStrength& strength, float gain) const;
 
-  /// The key's fixed pitch factor, within 1.2 % of 1.
-  static float detune(uint16_t code);
-
-  /// -0.6 to +0.6, by the key's column and the stereo width.
-  static float pan(uint16_t code, const EngineSettings& settings);
-
-  /// Layer weights of a stroke: tier weights times `gains` times edge gain times `gain`; as many as
-  /// the shorter list, the rest 0.
-  static std::array<float, tierCount> weights(float position, float relative,
-                                              std::span<const float> gains, bool blend, float gain);
-
-  /// Loudness of a release by the strength of its press: the root, within 0.5 to 1.3.
-  static float releaseGain(float relative);
-
-  /// Copies the first four samples into the command; the other layers stay as they were.
-  static void setLayers(TBCommand& command, std::span<const TBSample> samples);
-
-  /// Writes all four weights, 0 past the end of the list.
-  static void setWeights(TBCommand& command, std::span<const float> weights);
+  const LoadedPack& pack_;
+  const EngineSettings& settings_;
 };
 
 }  // namespace tobrin

@@ -1,6 +1,6 @@
 /// Turns one impact peak into a strength relative to the user's own typical stroke, and that into a
 /// tier position, layer weights and an edge gain. Calibrates itself by the running median of recent
-/// peaks. A plain value owned by the conductor's queue; all arithmetic in 32-bit float.
+/// peaks. A plain value; all arithmetic in 32-bit float. Thread: conductor.
 #pragma once
 
 #include <array>

@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "Base/Key.h"
 #include "Input/KeyLayout.h"
 
 namespace tobrin {
@@ -76,8 +77,9 @@ void ForceRecorder::addKey(const KeyEvent& event) {
 }
 
 uint16_t ForceRecorder::representative(uint16_t code) {
-  constexpr std::array<uint16_t, allKeyGroups.size()> codes = {0, 49, 36, 51, 56};  // A, Space, ...
-  return codes[index(KeyLayout::group(code))];
+  constexpr std::array<Key, allKeyGroups.size()> keys = {Key::a, Key::space, Key::enter,
+                                                         Key::backspace, Key::leftShift};
+  return codeOf(keys[index(keyGroupOf(code))]);
 }
 
 }  // namespace tobrin

@@ -1,5 +1,6 @@
 /// Records what a motion source sends and when keys go down, for a later replay. Of a key only its
-/// group is kept. Threads: `take` and the rest from one; samples and keys arrive on their own.
+/// group is kept. Samples and keys arrive on the sensor's and the key monitor's threads; all calls
+/// come from one thread. Thread: any.
 #pragma once
 
 #include <functional>

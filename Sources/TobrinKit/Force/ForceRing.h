@@ -1,5 +1,5 @@
 /// The newest impact magnitudes with their times. Not guarded: the force sensor holds its lock
-/// around every call. All memory is taken by the constructor.
+/// around every call. All memory is taken by the constructor. Thread: any.
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,7 @@
 #include "Force/ForceSensor.h"
 
 #include <atomic>
+#include <cassert>
 #include <future>
 #include <system_error>
 #include <thread>
@@ -69,6 +70,7 @@ bool ForceSensor::awaitStart() {
 }
 
 void ForceSensor::State::launch(ForceSensor& sensor) {
+  assert(source);
   if (thread.joinable()) thread.join();  // its source ended by itself
   filter.rest();
   std::promise<void> promise;

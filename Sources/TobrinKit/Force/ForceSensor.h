@@ -1,7 +1,7 @@
-/// Streams an accelerometer on a thread of its own, turns each report into one impact magnitude in
-/// g with slow gravity and tilt removed, keeps a running noise floor, and answers which impact was
-/// the strongest between two times. Threads: `ingest` on the sensor thread; queries from any thread
-/// under the ring's lock; `start` and `stop` from any thread, serialised.
+/// Streams an accelerometer on its own thread, turns each report into one impact magnitude in g
+/// without slow gravity and tilt, follows the noise floor, and answers which impact was the
+/// strongest between two times. Queries hold the ring's lock; starts and stops run one at a time.
+/// Thread: any.
 #pragma once
 
 #include <cstddef>
@@ -52,8 +52,8 @@ class ForceSensor final {
   [[nodiscard]] std::string problem() const;
   [[nodiscard]] std::string description() const;
 
-  /// Takes one report. Reports of any length but 22 bytes are ignored. Thread: sensor, or the one
-  /// thread of a test or a replay that never starts the sensor. Never allocates.
+  /// Takes one report. Reports of any length but 22 bytes are ignored. Never allocates. A test
+  /// or a replay that never starts the sensor may call it from one thread. Thread: sensor.
   void ingest(std::span<const uint8_t> report, uint64_t time);
 
   /// The strongest sample with from <= time <= to; nothing where there is no sample.

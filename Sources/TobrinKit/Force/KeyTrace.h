@@ -1,5 +1,5 @@
 /// A recorded list of key-downs: a CSV file with the header `time_ns,code`, one line a key, times
-/// in nanoseconds on the clock of the motion trace beside it. Thread: any.
+/// in nanoseconds on the clock of the motion trace that goes with it. Thread: any.
 #pragma once
 
 #include <cstdint>

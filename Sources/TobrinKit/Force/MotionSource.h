@@ -1,5 +1,5 @@
-/// A stream of accelerometer reports as the force sensor takes them. Implemented once per kind of
-/// device. All calls but `interrupt` come from the sensor's own thread.
+/// A stream of accelerometer reports as the force sensor takes them. Implemented once for each kind
+/// of device. Thread: sensor.
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,7 @@
 #include "Force/MotionTrace.h"
 
 #include <array>
+#include <cassert>
 #include <charconv>
 #include <cmath>
 #include <ostream>
@@ -51,6 +52,7 @@ MotionTrace MotionTrace::parse(std::string_view text, const std::string& name) {
 }
 
 uint64_t MotionTrace::period() const {
+  assert(samples.size() >= 2);
   const uint64_t length = samples.back().time - samples.front().time;
   return length + length / (samples.size() - 1);
 }

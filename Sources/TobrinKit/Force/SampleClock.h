@@ -1,7 +1,7 @@
-/// Places samples that are read in batches, with time stamps of doubtful origin, on the clock of
-/// the reader. Stamps on that clock are believed; those of a counter that runs at the clock's pace
-/// are shifted onto it; all others, and the first few, are replaced by the time of reading.
-/// Thread: one, the reader's.
+/// Places samples that are read in batches on the clock of their reader, though the origin of their
+/// time stamps is not known. Stamps on that clock are believed; those of a counter that runs at the
+/// clock's pace are shifted onto it; all others, and the first few, are replaced by the time of
+/// reading. Thread: sensor.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +15,7 @@ class SampleClock {
   enum class Origin {
     reading,  ///< no stamp is believed
     clock,    ///< stamps are on the reader's clock
-    counter,  ///< stamps count nanoseconds from an origin of their own
+    counter,  ///< stamps count nanoseconds from their own origin
   };
 
   /// The time of one sample in ticks: never after `readTime`, never before the sample placed last.

@@ -7,7 +7,7 @@
 namespace tobrin {
 
 uint64_t RealTraceClock::now() const {
-  return MachTime::now();
+  return machNow();
 }
 
 bool RealTraceClock::sleepUntil(uint64_t time) {

@@ -1,5 +1,5 @@
 /// The clock that a trace is played by: the real one, or one that a driver moves by hand. A clock
-/// serves one source. Threads: `sleepUntil` on the sensor's, everything else on any.
+/// serves one source, on whose thread `sleepUntil` waits. Thread: any.
 #pragma once
 
 #include <condition_variable>
@@ -48,8 +48,8 @@ class VirtualTraceClock final : public TraceClock {
   void rearm() override;
 
   /// Moves the present to `time` and returns once the source, where one runs, waits for a later
-  /// one: everything due has then been handed on. Thread: the driver's, which also starts and stops
-  /// the source.
+  /// one: everything due has then been handed on. For the driver, which also starts and stops the
+  /// source.
   void advanceTo(uint64_t time);
 
  private:

@@ -1,5 +1,6 @@
 #include "Force/TraceCsv.h"
 
+#include <cassert>
 #include <charconv>
 #include <cmath>
 #include <system_error>
@@ -54,6 +55,7 @@ bool TraceCsv::next() {
 }
 
 uint64_t TraceCsv::whole(std::size_t field, uint64_t largest) const {
+  assert(field < fields_.size());
   uint64_t number = 0;
   if (!parse(fields_[field], number) || number > largest)
     fail(std::string(columns_[field]) + " is no whole number from 0 to " + std::to_string(largest) +
@@ -62,6 +64,7 @@ uint64_t TraceCsv::whole(std::size_t field, uint64_t largest) const {
 }
 
 double TraceCsv::number(std::size_t field) const {
+  assert(field < fields_.size());
   double number = 0;
   if (!parse(fields_[field], number) || !std::isfinite(number))
     fail(std::string(columns_[field]) + " is no number: " + quoted(fields_[field]));

@@ -1,5 +1,5 @@
 /// Reads the small CSV files of this subsystem: one fixed header line, then lines of numbers.
-/// Whatever is malformed throws `TraceError`, which names the file and the line. Lines may end in
+/// What is malformed throws `TraceError`, which names the file and the line. Lines may end in
 /// CR LF; empty lines at the end are taken. Thread: any.
 #pragma once
 

@@ -1,5 +1,6 @@
 #include "Force/TraceSource.h"
 
+#include <cassert>
 #include <utility>
 
 #include "Base/MachTime.h"
@@ -9,11 +10,15 @@ namespace tobrin {
 
 TraceSource::TraceSource(MotionTrace trace, std::string name, std::shared_ptr<TraceClock> clock,
                          Times times)
-    : name_(std::move(name)), clock_(std::move(clock)), times_(times), trace_(std::move(trace)) {}
+    : name_(std::move(name)), clock_(std::move(clock)), times_(times), trace_(std::move(trace)) {
+  assert(clock_);
+}
 
 TraceSource::TraceSource(const std::filesystem::path& file, std::shared_ptr<TraceClock> clock,
                          Times times)
-    : name_(file.string()), clock_(std::move(clock)), times_(times) {}
+    : name_(file.string()), clock_(std::move(clock)), times_(times) {
+  assert(clock_);
+}
 
 bool TraceSource::open() {
   try {
@@ -42,7 +47,7 @@ void TraceSource::interrupt() {
 void TraceSource::repeat(const Sink& sink) {
   // After this much delay (the machine was stopped) the trace goes on from the present instead of
   // catching up.
-  const uint64_t mostBehind = MachTime::ticks(250);
+  const uint64_t mostBehind = machTicks(250);
   const uint64_t first = trace_->samples.front().time;
   const uint64_t period = trace_->period();
   for (uint64_t round = opened_;; round += period) {

@@ -1,5 +1,5 @@
 /// Plays a recorded trace as a motion source, so that everything behind the sensor can be run
-/// without one. Threads: as `MotionSource` says.
+/// without one. Thread: sensor.
 #pragma once
 
 #include <filesystem>

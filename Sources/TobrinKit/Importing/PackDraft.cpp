@@ -17,7 +17,7 @@ namespace tobrin {
 namespace {
 
 namespace fs = std::filesystem;
-using Take = RecordingSlicer::Take;
+using Take = RecordedTake;
 
 constexpr double toleratedLu = 0.05;
 constexpr int mostRounds = 6;  // takes that would clip stay behind, so one may not do
@@ -62,9 +62,9 @@ std::unique_ptr<SampleBuffer> bufferOf(const Take& take) {
 void writeTake(const Take& take, const fs::path& file) {
   const auto rate = static_cast<int64_t>(SoundLoader::rate);
   if (take.left == take.right)
-    WAVWriter::write(take.left, std::nullopt, rate, file);
+    writeWAV(take.left, std::nullopt, rate, file);
   else
-    WAVWriter::write(take.left, take.right, rate, file);
+    writeWAV(take.left, take.right, rate, file);
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ class PackDraft final {
   [[nodiscard]] const TakeSet& takes() const { return takes_; }
 
  private:
-  using Take = RecordingSlicer::Take;
+  using Take = RecordedTake;
 
   void shorten(ImportNotes& notes);
   void addGroups();

@@ -12,7 +12,7 @@
 #include "Importing/SoundLoader.h"
 #include "Importing/SourceFiles.h"
 #include "Importing/Utf8Names.h"
-#include "Packs/LoadedPack.h"
+#include "Packs/PackLoader.h"
 
 namespace tobrin {
 namespace {
@@ -88,7 +88,7 @@ void demandInstallable(const SourceFiles& files) {
 }  // namespace
 
 PackManifest PackExport::run(const fs::path& packFolder, const fs::path& file) {
-  const auto pack = LoadedPack::load(PackInfo::read(packFolder, false), SoundLoader::rate);
+  const auto pack = loadPack(PackInfo::read(packFolder, false), SoundLoader::rate);
   ImportNotes links;  // those that leave the folder are no part of a pack that loads
   const SourceFiles files = SourceFiles::ofFolder(packFolder, links);
   demandInstallable(files);

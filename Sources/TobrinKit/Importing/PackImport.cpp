@@ -81,7 +81,7 @@ PackImport::Made PackImport::make(const Request& request, const Services& servic
       collectTakes(pack, loader, notes, [&](double part) { report(reading + cutting * part); });
   PackDraft draft(identityOf(request, pack, files), std::move(takes), notes);
   Result result = resultOf(draft, pack);
-  result.lufs = draft.level(RecordedPackBuilder::targetLoudness);
+  result.lufs = draft.level(targetLoudness);
   report(reading + cutting);
   if (!namesLicense(draft.manifest())) notes.leftOut("a licence, which the source does not name");
   result.notes = notes.all();

@@ -7,8 +7,8 @@
 #include "Importing/SoundLoader.h"
 #include "Importing/TemporaryFolder.h"
 #include "Importing/Unpacking.h"
-#include "Packs/LoadedPack.h"
 #include "Packs/PackLibrary.h"
+#include "Packs/PackLoader.h"
 
 namespace tobrin {
 namespace {
@@ -42,7 +42,7 @@ void copyFolder(const SourceFiles& files, std::string_view folder, const fs::pat
 
 /// Where a pack goes: in place of the one with its id, else into a folder that is still free.
 fs::path placeFor(const std::string& id, const fs::path& packsFolder) {
-  for (const PackInfo& pack : PackLibrary::discover(packsFolder, false))
+  for (const PackInfo& pack : discoverPacks(packsFolder, false))
     if (pack.id == id) return pack.directory;
   const std::string name = folderNameOf(id);
   fs::path place = packsFolder / name;
@@ -73,7 +73,7 @@ PackInstall::PackInstall(const fs::path& source, const fs::path& packsFolder,
 void PackInstall::prepare(const fs::path& source, const PackImport::Progress& progress) {
   if (!copyOwn(source)) import(source, progress);
   // Also what was made here: what cannot be loaded must never take the place of what can.
-  (void)LoadedPack::load(PackInfo::read(folder_->aside(), false), SoundLoader::rate);
+  (void)loadPack(PackInfo::read(folder_->aside(), false), SoundLoader::rate);
 }
 
 /// False where the source is no pack of ours.

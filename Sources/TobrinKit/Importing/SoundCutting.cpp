@@ -10,7 +10,7 @@
 namespace tobrin {
 namespace {
 
-using Take = RecordingSlicer::Take;
+using Take = RecordedTake;
 
 constexpr double longestMs = 2000;   // no key sounds longer
 constexpr double shortestMs = 2;     // less is a click of its own
@@ -129,7 +129,7 @@ Take cut(const SampleBuffer& sound, Range range) {
   const std::vector<float> left = withLead(sound.left(), range, lead);
   const std::vector<float> right = withLead(sound.right(), range, lead);
   const TakeCutter cutter({left, right, {}, sound.sampleRate()}, {});
-  RecordingSlicer::Hit hit;
+  RecordedHit hit;
   hit.onset = lead + onset - range.begin;
   hit.gapAfter = left.size() - hit.onset;
   return *cutter.cut(hit, longestMs, 0);

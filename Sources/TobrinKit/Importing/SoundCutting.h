@@ -13,8 +13,8 @@ namespace tobrin {
 
 /// The sound in a part of a file, or in all of it; noted and nothing where there is none. `ref`
 /// names it in notes.
-std::optional<RecordingSlicer::Take> cutSound(const SampleBuffer& sound, const SoundRef& ref,
-                                              ImportNotes& notes);
+std::optional<RecordedTake> cutSound(const SampleBuffer& sound, const SoundRef& ref,
+                                     ImportNotes& notes);
 
 /// Whether the release in a part of `sound` is no sound of a key let go: it lies in the press, or
 /// only goes on with it, as where somebody took one sound in two.

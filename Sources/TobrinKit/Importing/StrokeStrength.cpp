@@ -11,7 +11,7 @@
 namespace tobrin {
 namespace {
 
-using Take = RecordingSlicer::Take;
+using Take = RecordedTake;
 
 constexpr double levelExponent = 1.25;   // of strength, as `KeySynth` has it
 constexpr double brightnessDb = 0.35;    // above the corner, for each dB of level
@@ -47,7 +47,7 @@ void sharpen(std::vector<float>& channel, double gain) {
 }  // namespace
 
 double StrokeStrength::levelDb(Tier tier) {
-  const double ratio = KeySynth::strength(tier) / KeySynth::strength(Tier::medium);
+  const double ratio = strikeStrength(tier) / strikeStrength(Tier::medium);
   return 20 * levelExponent * std::log10(ratio);
 }
 

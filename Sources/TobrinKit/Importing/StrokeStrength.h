@@ -22,7 +22,7 @@ struct StrokeStrength {
   static double levelDb(Tier tier);
 
   /// A take of `tier` from one struck as most are; `medium` comes back as it is.
-  static RecordingSlicer::Take derived(const RecordingSlicer::Take& medium, Tier tier);
+  static RecordedTake derived(const RecordedTake& medium, Tier tier);
 };
 
 }  // namespace tobrin

@@ -12,7 +12,7 @@
 namespace tobrin {
 namespace {
 
-using Take = RecordingSlicer::Take;
+using Take = RecordedTake;
 
 constexpr uint16_t endOfCodes = 128;  // beyond, no key has a place on the keyboard
 
@@ -105,7 +105,7 @@ class Sorting final {
       add(set, code, key);
     if (pack_.others.down.empty()) return;
     for (uint16_t code = 0; code < endOfCodes; ++code)
-      if (KeyLayout::column(code) && !pack_.keys.contains(code)) add(set, code, pack_.others);
+      if (keyColumn(code) && !pack_.keys.contains(code)) add(set, code, pack_.others);
   }
 
  private:
@@ -116,7 +116,7 @@ class Sorting final {
     if (down.empty() && !sounds.down.empty()) return;
     TakeSet::Key& key = set.keys[code];
     if (down.empty()) return;
-    TakeSet::Group& group = set.groups[KeyLayout::group(code)];
+    TakeSet::Group& group = set.groups[keyGroupOf(code)];
     key.down = placesIn(group.down, down);
     key.up = placesIn(group.up, releases_.entries(sounds.up));
   }

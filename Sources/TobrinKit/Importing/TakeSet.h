@@ -32,8 +32,8 @@ struct TakeSet {
     List up;
   };
 
-  std::vector<RecordingSlicer::Take> presses;
-  std::vector<RecordingSlicer::Take> releases;
+  std::vector<RecordedTake> presses;
+  std::vector<RecordedTake> releases;
   std::map<KeyGroup, Group> groups;  ///< those that have a press
   std::map<uint16_t, Key> keys;      ///< by key code; those that the pack says something about
 };

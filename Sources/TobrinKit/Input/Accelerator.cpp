@@ -1,6 +1,7 @@
 #include "Input/Accelerator.h"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace tobrin {
@@ -26,7 +27,7 @@ constexpr std::pair<std::string_view, std::string_view> otherNames[] = {
     {"pgdn", "next"},    {"page_down", "next"}, {"del", "delete"},     {"ins", "insert"},
     {"enter", "return"}, {"sysreq", "print"},   {"above_tab", "grave"}};
 
-/// ASCII only, whatever the locale.
+/// ASCII only, in every locale.
 std::string lowerCase(std::string_view text) {
   std::string result(text);
   std::transform(result.begin(), result.end(), result.begin(), [](char c) {
@@ -58,6 +59,7 @@ bool add(const Name (&names)[count], std::string_view text, Modifiers& modifiers
 /// Calls `use` with each piece of `text` between separators.
 template <typename Use>
 void split(std::string_view text, std::string_view separator, const Use& use) {
+  assert(!separator.empty());
   for (;;) {
     const std::size_t end = text.find(separator);
     use(text.substr(0, end));

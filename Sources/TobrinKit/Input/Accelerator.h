@@ -1,5 +1,5 @@
 /// Key combinations as desktops write them in their settings, and whether one of them is a given
-/// shortcut. Texts come from outside: whatever does not parse is no combination. Thread: any.
+/// shortcut. Texts come from outside: what does not parse is no combination. Thread: any.
 #pragma once
 
 #include <optional>

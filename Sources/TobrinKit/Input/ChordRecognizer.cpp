@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "Base/Key.h"
 #include "Input/ModifierTracker.h"
 
 namespace tobrin {
@@ -9,13 +10,13 @@ namespace {
 
 struct Sides {
   uint32_t modifier;
-  uint16_t left;
-  uint16_t right;
+  Key left;
+  Key right;
 };
-constexpr Sides sides[] = {{Modifiers::control, 59, 62},
-                           {Modifiers::option, 58, 61},
-                           {Modifiers::shift, 56, 60},
-                           {Modifiers::command, 55, 54}};
+constexpr Sides sides[] = {{Modifiers::control, Key::leftControl, Key::rightControl},
+                           {Modifiers::option, Key::leftOption, Key::rightOption},
+                           {Modifiers::shift, Key::leftShift, Key::rightShift},
+                           {Modifiers::command, Key::leftCommand, Key::rightCommand}};
 
 }  // namespace
 
@@ -46,7 +47,8 @@ void ChordRecognizer::observe(const KeyEvent& event) {
 uint32_t ChordRecognizer::modifiers() const {
   uint32_t result = 0;
   for (const Sides& side : sides) {
-    const uint32_t either = ModifierTracker::mask(side.left) | ModifierTracker::mask(side.right);
+    const uint32_t either =
+        ModifierTracker::mask(codeOf(side.left)) | ModifierTracker::mask(codeOf(side.right));
     if ((held_ & either) != 0) result |= side.modifier;
   }
   return result;

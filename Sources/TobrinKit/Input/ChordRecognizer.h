@@ -1,5 +1,5 @@
 /// Recognises one key combination in a stream of key events: the way to a global shortcut where the
-/// desktop offers none. Other programs see the keys as well.
+/// desktop offers none. Other programs see the keys as well. Thread: any.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ class ChordRecognizer final {
   /// its modifiers, of either side, Caps Lock and Num Lock aside. Thread: any.
   void set(const Hotkey& hotkey, std::function<void()> pressed);
 
-  /// When it returns, the last `pressed` has ended. Thread: any but from `pressed`.
+  /// When it returns, the last `pressed` has ended. Not to be called within `pressed`.
   void clear();
 
   /// Takes one event; every event must come, also while no combination is set. Thread: key.

@@ -1,5 +1,6 @@
 /// One shortcut that works in any application: registers it with the desktop, runs an action when
-/// it is pressed, and knows what became of it. Thread: main; the action runs on the service's.
+/// it is pressed, and knows what became of it. The action runs on the service's thread.
+/// Thread: main.
 #pragma once
 
 #include <cstdint>

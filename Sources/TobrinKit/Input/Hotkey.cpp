@@ -7,6 +7,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "Base/Key.h"
+
 namespace tobrin {
 namespace {
 
@@ -22,21 +24,44 @@ constexpr Label modifierSymbols[] = {{Modifiers::control, "⌃"},
 
 /// Keys without a character, and those whose character does not show.
 constexpr Label specialKeys[] = {
-    {49, "Space"}, {36, "↩"},    {48, "⇥"},    {51, "⌫"},    {117, "⌦"},   {53, "⎋"},
-    {123, "←"},    {124, "→"},   {125, "↓"},   {126, "↑"},   {115, "↖"},   {119, "↘"},
-    {116, "⇞"},    {121, "⇟"},   {122, "F1"},  {120, "F2"},  {99, "F3"},   {118, "F4"},
-    {96, "F5"},    {97, "F6"},   {98, "F7"},   {100, "F8"},  {101, "F9"},  {109, "F10"},
-    {103, "F11"},  {111, "F12"}, {105, "F13"}, {107, "F14"}, {113, "F15"}, {106, "F16"},
-    {64, "F17"},   {79, "F18"},  {80, "F19"},  {90, "F20"}};
+    {codeOf(Key::space), "Space"}, {codeOf(Key::enter), "↩"},         {codeOf(Key::tab), "⇥"},
+    {codeOf(Key::backspace), "⌫"}, {codeOf(Key::forwardDelete), "⌦"}, {codeOf(Key::escape), "⎋"},
+    {codeOf(Key::leftArrow), "←"}, {codeOf(Key::rightArrow), "→"},    {codeOf(Key::downArrow), "↓"},
+    {codeOf(Key::upArrow), "↑"},   {codeOf(Key::home), "↖"},          {codeOf(Key::end), "↘"},
+    {codeOf(Key::pageUp), "⇞"},    {codeOf(Key::pageDown), "⇟"},      {codeOf(Key::f1), "F1"},
+    {codeOf(Key::f2), "F2"},       {codeOf(Key::f3), "F3"},           {codeOf(Key::f4), "F4"},
+    {codeOf(Key::f5), "F5"},       {codeOf(Key::f6), "F6"},           {codeOf(Key::f7), "F7"},
+    {codeOf(Key::f8), "F8"},       {codeOf(Key::f9), "F9"},           {codeOf(Key::f10), "F10"},
+    {codeOf(Key::f11), "F11"},     {codeOf(Key::f12), "F12"},         {codeOf(Key::f13), "F13"},
+    {codeOf(Key::f14), "F14"},     {codeOf(Key::f15), "F15"},         {codeOf(Key::f16), "F16"},
+    {codeOf(Key::f17), "F17"},     {codeOf(Key::f18), "F18"},         {codeOf(Key::f19), "F19"},
+    {codeOf(Key::f20), "F20"}};
 
 /// The US layout, for keys that the current layout gives no character.
-constexpr Label qwertyKeys[] = {
-    {0, "A"},  {11, "B"}, {8, "C"},  {2, "D"},  {14, "E"}, {3, "F"},   {5, "G"},  {4, "H"},
-    {34, "I"}, {38, "J"}, {40, "K"}, {37, "L"}, {46, "M"}, {45, "N"},  {31, "O"}, {35, "P"},
-    {12, "Q"}, {15, "R"}, {1, "S"},  {17, "T"}, {32, "U"}, {9, "V"},   {13, "W"}, {7, "X"},
-    {16, "Y"}, {6, "Z"},  {29, "0"}, {18, "1"}, {19, "2"}, {20, "3"},  {21, "4"}, {23, "5"},
-    {22, "6"}, {26, "7"}, {28, "8"}, {25, "9"}, {27, "-"}, {24, "="},  {33, "["}, {30, "]"},
-    {41, ";"}, {39, "'"}, {43, ","}, {47, "."}, {44, "/"}, {42, "\\"}, {50, "`"}};
+constexpr Label qwertyKeys[] = {{codeOf(Key::a), "A"},           {codeOf(Key::b), "B"},
+                                {codeOf(Key::c), "C"},           {codeOf(Key::d), "D"},
+                                {codeOf(Key::e), "E"},           {codeOf(Key::f), "F"},
+                                {codeOf(Key::g), "G"},           {codeOf(Key::h), "H"},
+                                {codeOf(Key::i), "I"},           {codeOf(Key::j), "J"},
+                                {codeOf(Key::k), "K"},           {codeOf(Key::l), "L"},
+                                {codeOf(Key::m), "M"},           {codeOf(Key::n), "N"},
+                                {codeOf(Key::o), "O"},           {codeOf(Key::p), "P"},
+                                {codeOf(Key::q), "Q"},           {codeOf(Key::r), "R"},
+                                {codeOf(Key::s), "S"},           {codeOf(Key::t), "T"},
+                                {codeOf(Key::u), "U"},           {codeOf(Key::v), "V"},
+                                {codeOf(Key::w), "W"},           {codeOf(Key::x), "X"},
+                                {codeOf(Key::y), "Y"},           {codeOf(Key::z), "Z"},
+                                {codeOf(Key::digit0), "0"},      {codeOf(Key::digit1), "1"},
+                                {codeOf(Key::digit2), "2"},      {codeOf(Key::digit3), "3"},
+                                {codeOf(Key::digit4), "4"},      {codeOf(Key::digit5), "5"},
+                                {codeOf(Key::digit6), "6"},      {codeOf(Key::digit7), "7"},
+                                {codeOf(Key::digit8), "8"},      {codeOf(Key::digit9), "9"},
+                                {codeOf(Key::minus), "-"},       {codeOf(Key::equal), "="},
+                                {codeOf(Key::leftBracket), "["}, {codeOf(Key::rightBracket), "]"},
+                                {codeOf(Key::semicolon), ";"},   {codeOf(Key::quote), "'"},
+                                {codeOf(Key::comma), ","},       {codeOf(Key::period), "."},
+                                {codeOf(Key::slash), "/"},       {codeOf(Key::backslash), "\\"},
+                                {codeOf(Key::grave), "`"}};
 
 template <std::size_t count>
 std::optional<std::string> labelOf(uint32_t keyCode, const Label (&labels)[count]) {
@@ -64,7 +89,8 @@ std::string keyLabel(uint32_t keyCode, const Hotkey::KeyName& keyName) {
 const std::array<Hotkey, 4>& Hotkey::presets() {
   constexpr Modifiers all = {Modifiers::control | Modifiers::option | Modifiers::command};
   static constexpr std::array<Hotkey, 4> presets = {
-      Hotkey{40, all}, Hotkey{1, all}, Hotkey{46, all}, Hotkey{17, all}};  // K, S, M, T
+      Hotkey{codeOf(Key::k), all}, Hotkey{codeOf(Key::s), all}, Hotkey{codeOf(Key::m), all},
+      Hotkey{codeOf(Key::t), all}};
   return presets;
 }
 

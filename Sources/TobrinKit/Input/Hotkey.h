@@ -1,4 +1,4 @@
-/// A keyboard shortcut as a value: key code and modifiers, with its display text.
+/// A keyboard shortcut as a value: key code and modifiers, with its display text. Thread: any.
 #pragma once
 
 #include <array>

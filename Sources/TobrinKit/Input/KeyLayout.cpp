@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <initializer_list>
 
+#include "Base/Key.h"
 #include "Base/SplitMix64.h"
 
 namespace tobrin {
@@ -15,42 +16,52 @@ constexpr double noColumn = -1;
 
 using Columns = std::array<double, codeCount>;
 
-/// Keys at even distances, from the left.
-constexpr void placeRow(Columns& columns, double first, double step,
-                        std::initializer_list<std::size_t> codes) {
-  int i = 0;
-  for (const std::size_t code : codes)
-    columns[code] = first + step * i++;
+constexpr double& at(Columns& columns, Key key) {
+  return columns[codeOf(key)];
 }
 
-/// What other keyboards have besides, in and around the main block.
+/// Keys at even distances, from the left.
+constexpr void placeRow(Columns& columns, double first, double step,
+                        std::initializer_list<Key> keys) {
+  int i = 0;
+  for (const Key key : keys)
+    at(columns, key) = first + step * i++;
+}
+
+/// What other keyboards have in addition, in and around the main block.
 constexpr void placeOtherLayouts(Columns& columns) {
-  columns[10] = 1.75;   // ISO: between left Shift and Z
-  columns[93] = 13.25;  // JIS: Yen, before Delete
-  columns[94] = 12.75;  // JIS: underscore, before right Shift
-  columns[102] = 5.0;   // JIS: left of Space
-  columns[104] = 10.0;  // JIS: right of Space
-  columns[110] = 13.4;  // context menu
-  columns[62] = 14.4;   // right Control
+  at(columns, Key::isoSection) = 1.75;       // ISO: between left Shift and Z
+  at(columns, Key::jisYen) = 13.25;          // JIS: Yen, before Delete
+  at(columns, Key::jisUnderscore) = 12.75;   // JIS: underscore, before right Shift
+  at(columns, Key::jisLeftOfSpace) = 5.0;    // JIS: left of Space
+  at(columns, Key::jisRightOfSpace) = 10.0;  // JIS: right of Space
+  at(columns, Key::menu) = 13.4;             // context menu
+  at(columns, Key::rightControl) = 14.4;     // right Control
 }
 
 /// What stands right of the main block, squeezed into what is left of its width: the sound of a key
 /// beyond it would leave the stage.
 constexpr void placeRightOfMainBlock(Columns& columns) {
-  placeRow(columns, 14.6, 0.1, {105, 107, 113});  // F13 to F15
-  placeRow(columns, 14.6, 0.1, {114, 115, 116});  // Insert, Home, Page Up
-  placeRow(columns, 14.7, 0.1, {119, 121});       // End, Page Down, beside forward Delete
+  placeRow(columns, 14.6, 0.1, {Key::f13, Key::f14, Key::f15});         // F13 to F15
+  placeRow(columns, 14.6, 0.1, {Key::insert, Key::home, Key::pageUp});  // Insert, Home, Page Up
+  placeRow(columns, 14.7, 0.1, {Key::end, Key::pageDown});  // End, Page Down, beside forward Delete
 
   constexpr double keypad = 14.85;
   constexpr double step = 0.05;
-  placeRow(columns, keypad, step, {106, 64, 79, 80});  // F16 to F19
-  placeRow(columns, keypad, step, {71, 75, 67, 78});   // Num Lock / * -
-  placeRow(columns, keypad, step, {89, 91, 92, 69});   // 7 8 9 +
-  placeRow(columns, keypad, step, {86, 87, 88, 95});   // 4 5 6 and a comma
-  placeRow(columns, keypad, step, {83, 84, 85, 76});   // 1 2 3 Enter
-  placeRow(columns, keypad, 2 * step, {82, 65});       // 0, two keys wide, and the point
-  columns[81] = columns[75];                           // = where keypads have one
-  columns[90] = columns[80];                           // F20
+  placeRow(columns, keypad, step, {Key::f16, Key::f17, Key::f18, Key::f19});  // F16 to F19
+  placeRow(
+      columns, keypad, step,
+      {Key::numLock, Key::keypadDivide, Key::keypadMultiply, Key::keypadMinus});  // Num Lock / * -
+  placeRow(columns, keypad, step,
+           {Key::keypad7, Key::keypad8, Key::keypad9, Key::keypadPlus});  // 7 8 9 +
+  placeRow(columns, keypad, step,
+           {Key::keypad4, Key::keypad5, Key::keypad6, Key::keypadComma});  // 4 5 6 and a comma
+  placeRow(columns, keypad, step,
+           {Key::keypad1, Key::keypad2, Key::keypad3, Key::keypadEnter});  // 1 2 3 Enter
+  placeRow(columns, keypad, 2 * step,
+           {Key::keypad0, Key::keypadPoint});  // 0, two keys wide, and the point
+  at(columns, Key::keypadEqual) = at(columns, Key::keypadDivide);  // = where keypads have one
+  at(columns, Key::f20) = at(columns, Key::f19);                   // F20
 }
 
 constexpr Columns placeKeys() {
@@ -60,36 +71,42 @@ constexpr Columns placeKeys() {
   placeRightOfMainBlock(columns);
 
   // A laptop keyboard in the ANSI layout.
-  columns[53] = 0.5;            // Escape
-  placeRow(columns, 1.6, 1.08,  // F1 to F12
-           {122, 120, 99, 118, 96, 97, 98, 100, 101, 109, 103, 111});
-  placeRow(columns, 0.5, 1.0,  // ` 1 to 0 - =
-           {50, 18, 19, 20, 21, 23, 22, 26, 28, 25, 29, 27, 24});
-  columns[51] = 14.0;          // Delete
-  columns[48] = 0.75;          // Tab
-  placeRow(columns, 2.0, 1.0,  // Q to P [ ]
-           {12, 13, 14, 15, 17, 16, 32, 34, 31, 35, 33, 30});
-  columns[42] = 14.25;          // backslash
-  columns[57] = 0.9;            // Caps Lock
-  placeRow(columns, 2.25, 1.0,  // A to L ; '
-           {0, 1, 2, 3, 5, 4, 38, 40, 37, 41, 39});
-  columns[36] = 14.0;           // Return
-  columns[56] = 1.2;            // left Shift
-  placeRow(columns, 2.75, 1.0,  // Z to M , . /
-           {6, 7, 8, 9, 11, 45, 46, 43, 47, 44});
-  columns[60] = 13.9;   // right Shift
-  columns[63] = 0.5;    // Fn
-  columns[59] = 1.5;    // Control
-  columns[58] = 2.5;    // Option
-  columns[55] = 3.75;   // Command
-  columns[49] = 7.5;    // Space
-  columns[54] = 11.25;  // right Command
-  columns[61] = 12.4;   // right Option
-  columns[123] = 13.1;  // left arrow
-  columns[126] = 14.0;  // up arrow
-  columns[125] = 14.0;  // down arrow
-  columns[124] = 14.9;  // right arrow
-  columns[117] = 14.6;  // forward Delete
+  at(columns, Key::escape) = 0.5;
+  placeRow(columns, 1.6, 1.08,
+           {Key::f1, Key::f2, Key::f3, Key::f4, Key::f5, Key::f6, Key::f7, Key::f8, Key::f9,
+            Key::f10, Key::f11, Key::f12});
+  placeRow(
+      columns, 0.5, 1.0,
+      {Key::grave, Key::digit1, Key::digit2, Key::digit3, Key::digit4, Key::digit5, Key::digit6,
+       Key::digit7, Key::digit8, Key::digit9, Key::digit0, Key::minus, Key::equal});
+  at(columns, Key::backspace) = 14.0;
+  at(columns, Key::tab) = 0.75;
+  placeRow(columns, 2.0, 1.0,
+           {Key::q, Key::w, Key::e, Key::r, Key::t, Key::y, Key::u, Key::i, Key::o, Key::p,
+            Key::leftBracket, Key::rightBracket});
+  at(columns, Key::backslash) = 14.25;
+  at(columns, Key::capsLock) = 0.9;
+  placeRow(columns, 2.25, 1.0,
+           {Key::a, Key::s, Key::d, Key::f, Key::g, Key::h, Key::j, Key::k, Key::l, Key::semicolon,
+            Key::quote});
+  at(columns, Key::enter) = 14.0;
+  at(columns, Key::leftShift) = 1.2;
+  placeRow(columns, 2.75, 1.0,
+           {Key::z, Key::x, Key::c, Key::v, Key::b, Key::n, Key::m, Key::comma, Key::period,
+            Key::slash});
+  at(columns, Key::rightShift) = 13.9;
+  at(columns, Key::function) = 0.5;
+  at(columns, Key::leftControl) = 1.5;
+  at(columns, Key::leftOption) = 2.5;
+  at(columns, Key::leftCommand) = 3.75;
+  at(columns, Key::space) = 7.5;
+  at(columns, Key::rightCommand) = 11.25;
+  at(columns, Key::rightOption) = 12.4;
+  at(columns, Key::leftArrow) = 13.1;
+  at(columns, Key::upArrow) = 14.0;
+  at(columns, Key::downArrow) = 14.0;
+  at(columns, Key::rightArrow) = 14.9;
+  at(columns, Key::forwardDelete) = 14.6;
   return columns;
 }
 
@@ -97,38 +114,45 @@ constexpr Columns columns = placeKeys();
 
 }  // namespace
 
-KeyGroup KeyLayout::group(uint16_t code) {
-  constexpr uint16_t tab = 48;
-  constexpr uint16_t firstModifier = 54;
-  constexpr uint16_t lastModifier = 63;
-  switch (code) {
-    case 49:
+KeyGroup keyGroupOf(uint16_t code) {
+  switch (Key{code}) {
+    case Key::space:
       return KeyGroup::space;
-    case 36:  // Return
-    case 76:  // Enter on the keypad
+    case Key::enter:
+    case Key::keypadEnter:
       return KeyGroup::enter;
-    case 51:   // Delete
-    case 117:  // forward Delete
+    case Key::backspace:
+    case Key::forwardDelete:
       return KeyGroup::backspace;
+    case Key::tab:
+    case Key::rightCommand:
+    case Key::leftCommand:
+    case Key::leftShift:
+    case Key::capsLock:
+    case Key::leftOption:
+    case Key::leftControl:
+    case Key::rightShift:
+    case Key::rightOption:
+    case Key::rightControl:
+    case Key::function:
+      return KeyGroup::modifier;
     default:
-      break;
+      return KeyGroup::alpha;
   }
-  const bool modifier = code == tab || (code >= firstModifier && code <= lastModifier);
-  return modifier ? KeyGroup::modifier : KeyGroup::alpha;
 }
 
-std::optional<double> KeyLayout::column(uint16_t code) {
+std::optional<double> keyColumn(uint16_t code) {
   if (code >= columns.size() || columns[code] == noColumn) return std::nullopt;
   return columns[code];
 }
 
-float KeyLayout::pan(uint16_t code) {
-  const std::optional<double> place = column(code);
+float keyPan(uint16_t code) {
+  const std::optional<double> place = keyColumn(code);
   if (!place) return 0;
   return static_cast<float>((*place / keyboardWidth - 0.5) * 2);
 }
 
-uint64_t KeyLayout::identity(uint16_t code) {
+uint64_t keyIdentity(uint16_t code) {
   return SplitMix64(code).next();
 }
 

@@ -63,8 +63,8 @@ void KeyMonitor::run(std::promise<bool> opened) {
   }
 }
 
-/// After `run` has ended: false if it was told to, else waits until the source opens again. The
-/// order matters: `close` forgets an interrupt, and whoever interrupts has set `stopping_` before.
+/// After `run` has ended: false if it was asked to, else waits until the source opens again. The
+/// order matters: `close` forgets an interrupt, and who interrupts has set `stopping_` before.
 bool KeyMonitor::openAgain() {
   if (stopsWithin({})) return false;
   if (options_.onChange) options_.onChange();
@@ -84,7 +84,7 @@ bool KeyMonitor::stopsWithin(std::chrono::milliseconds time) {
 }
 
 void KeyMonitor::handle(const KeySource::Event& event) {
-  static const uint64_t staleTicks = MachTime::ticks(staleMs);
+  static const uint64_t staleTicks = machTicks(staleMs);
   const uint64_t time = options_.now();
   const bool stale = event.time && time > *event.time && time - *event.time > staleTicks;
 

@@ -1,6 +1,6 @@
-/// Hears every key press and release of every application on a thread of its own and hands each one
-/// to a handler. Only key code, press or release and time leave it; it never blocks, alters or
-/// records keystrokes.
+/// Receives every key press and release of every application on its own thread and hands each one
+/// to a handler. Only key code, press or release, and time leave it; it never blocks, alters or
+/// records keystrokes. Thread: any.
 #pragma once
 
 #include <atomic>
@@ -31,10 +31,10 @@ struct KeyMonitorOptions {
   /// held follows from all of them. Called as the handler is.
   std::function<void(const KeyEvent&)> observer = nullptr;
   /// Called when a source in use was lost and when it is open again, that is, whenever `isRunning`
-  /// changes by itself. Thread: the monitor's.
+  /// changes by itself. Thread: key.
   std::function<void()> onChange = nullptr;
   /// The clock events are stamped with on delivery, in `MachTime` ticks.
-  std::function<uint64_t()> now = &MachTime::now;
+  std::function<uint64_t()> now = &machNow;
   /// The first pause before a lost source is opened again; doubles up to `longestRetry`.
   std::chrono::milliseconds firstRetry{250};
   std::chrono::milliseconds longestRetry{4000};
@@ -56,11 +56,11 @@ class KeyMonitor final {
 
   /// Starts listening; true if it does or already did. False where the source cannot open (no
   /// permission, no keyboards to be had): nothing then runs, and the caller may try again later.
-  /// Waits until the source is open. Thread: any but the monitor's.
+  /// Waits until the source is open. Not to be called on the monitor's thread.
   bool start();
 
   /// When it returns, the handler's last call has ended. Which modifiers are held is remembered.
-  /// Thread: any but the monitor's.
+  /// Not to be called on the monitor's thread.
   void stop();
 
   /// Whether keys are heard now; false while a lost source is being waited for. Thread: any.

@@ -1,5 +1,6 @@
 /// The keyboards as the key monitor takes them: presses, releases and changes of modifier keys, of
-/// every application, heard and never altered. Implemented once per way of hearing them.
+/// every application, received and never altered. Implemented once for each way to receive them.
+/// Thread: key.
 #pragma once
 
 #include <cstdint>
@@ -31,13 +32,13 @@ class KeySource {
   /// Starts to listen; false leaves the reason in `problem`. Thread: key.
   virtual bool open() = 0;
 
-  /// Hands events to `sink` until `interrupt`, or until the source is lost for good; then `problem`
+  /// Hands events to `sink` until `interrupt`, or until the source is lost; then `problem`
   /// says why and the source may be closed and opened again. Keyboards that come and go are the
   /// source's own business. No wake-ups while nobody types. Thread: key.
   virtual void run(const Sink& sink) = 0;
 
-  /// Stops listening, if it does; forgets an `interrupt`. Thread: key, or the one that has ended
-  /// it.
+  /// Stops listening, if it does; forgets an `interrupt`. Thread: key, or the one that
+  /// has ended it.
   virtual void close() = 0;
 
   /// Ends a `run`, also one that has yet to begin; in force until `close`. Thread: any.

@@ -1,5 +1,5 @@
-/// Makes key events that reach every listener of the session, as if somebody typed. For checking
-/// the program's own ears.
+/// Makes key events that reach every listener of the session, as if somebody typed. With it the
+/// program checks that it receives keys. Thread: main.
 #pragma once
 
 #include <cstdint>

@@ -1,24 +1,23 @@
 /// Turns changes of the modifier flags into presses and releases of single modifier keys. Each side
-/// has a flag of its own, so that both Shift keys go down and up independently. Thread: key.
+/// has its own flag, so that both Shift keys go down and up independently. Thread: key.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 
+#include "Base/Key.h"
 #include "Base/KeyEvent.h"
 
 namespace tobrin {
 
 class ModifierTracker {
  public:
-  static constexpr uint16_t capsLock = 57;
-
   /// The flag of the modifier key with this virtual key code; 0 for every other key, Caps Lock
   /// among them.
   static uint32_t mask(uint16_t code);
 
-  /// Whether the key is told by changes of the flags instead of presses and releases.
-  static bool isModifier(uint16_t code) { return code == capsLock || mask(code) != 0; }
+  /// Whether the key shows by changes of the flags instead of presses and releases.
+  static bool isModifier(uint16_t code) { return Key{code} == Key::capsLock || mask(code) != 0; }
 
   /// What key `code` did, now that the flags are `flags`; nothing where its state is unchanged or
   /// the key is no modifier. Caps Lock only toggles a flag: each change is a `down`, never an `up`.

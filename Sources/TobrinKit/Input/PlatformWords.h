@@ -1,6 +1,6 @@
 /// What a platform calls its own parts, where the program speaks to a person. The platform supplies
-/// one value; the application hands it to whatever speaks. All texts are UTF-8 and live as long as
-/// the program. Thread: any.
+/// one value; the application hands it to all that writes texts for people. All texts are UTF-8 and
+/// live as long as the program. Thread: any.
 #pragma once
 
 #include <array>

@@ -1,5 +1,5 @@
-/// The desktop's way of telling a program that a key combination was pressed in any application.
-/// Implemented once per platform. Thread: main, but for `observe`.
+/// The desktop's way to tell a program that a key combination was pressed in any application.
+/// Implemented once for each desktop. Thread: main.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace tobrin {
 
-/// What became of the wish to be told of a key combination.
+/// What became of the request for a key combination.
 struct ShortcutGrab {
   enum class Result : uint8_t {
     granted,
@@ -25,7 +25,7 @@ struct ShortcutGrab {
   bool operator==(const ShortcutGrab&) const = default;
 };
 
-/// The way by which presses of a shortcut are learnt of.
+/// The way by which presses of a shortcut arrive.
 enum class ShortcutRoute : uint8_t {
   exclusive,  ///< nobody else sees the combination
   desktop,    ///< the desktop tells; its settings may have made it another combination
@@ -50,7 +50,7 @@ class ShortcutService {
   /// be registered again. When this returns, the last call of an earlier `changed` has ended.
   virtual void setOnChanged(std::function<void()> changed) = 0;
 
-  /// Asks to be told of each press of `hotkey`, once a press however long it is held. An earlier
+  /// Asks for a call at each press of `hotkey`, once a press however long it is held. An earlier
   /// grab is given back, also where this one fails. `pressed` is called on a thread of the service
   /// and must return quickly.
   virtual ShortcutGrab grab(const Hotkey& hotkey, std::function<void()> pressed) = 0;
@@ -61,7 +61,7 @@ class ShortcutService {
   /// The character the current keyboard layout gives the key, UTF-8; nothing where it gives none.
   [[nodiscard]] virtual std::optional<std::string> keyName(uint32_t keyCode) = 0;
 
-  /// Must be told of every key event, late ones as well. A service falls back on them where the
+  /// Must get every key event, late ones as well. A service falls back on them where the
   /// desktop offers nothing better; other programs then see the combination too. Thread: key.
   virtual void observe(const KeyEvent& event) = 0;
 

@@ -1,4 +1,4 @@
-/// Who uses a microphone, as far as the sound system tells. A plain value.
+/// Who uses a microphone, as far as the sound system tells. A plain value. Thread: any.
 #pragma once
 
 #include <cstdint>

@@ -8,9 +8,12 @@ namespace tobrin {
 class MicMonitor::Core : public std::enable_shared_from_this<Core> {
  public:
   Core(SerialQueue& queue, SerialQueue& main, std::unique_ptr<MicSource> source)
-      : queue_(queue), main_(main), source_(std::move(source)) {}
+      : queue_(queue), main_(main), source_(std::move(source)) {
+    assert(source_);
+  }
 
   void start() {
+    assert(queue_.isCurrent());
     if (running_) return;
     running_ = true;
     source_->start([weak = weak_from_this(), &queue = queue_] {
@@ -23,6 +26,7 @@ class MicMonitor::Core : public std::enable_shared_from_this<Core> {
   }
 
   void stop() {
+    assert(queue_.isCurrent());
     if (!running_) return;
     running_ = false;
     ++pendingRelease_;
@@ -42,6 +46,7 @@ class MicMonitor::Core : public std::enable_shared_from_this<Core> {
 
  private:
   void evaluate() {
+    assert(queue_.isCurrent());
     if (!running_) return;
     if (source_->read().micInUse()) {
       ++pendingRelease_;

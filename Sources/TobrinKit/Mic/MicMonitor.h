@@ -1,6 +1,6 @@
 /// Tells whether some other application uses a microphone: at once when one is taken, and only
 /// after a second without use when it is free again, so that short gaps in a call do not start
-/// sounds. All state belongs to the queue "app.tobrin.mic".
+/// sounds. All state belongs to the queue "app.tobrin.mic"; operations post to it. Thread: any.
 #pragma once
 
 #include <chrono>
@@ -31,14 +31,14 @@ class MicMonitor final {
   /// How long a microphone must be free before that is reported. Set before `start`.
   void setReleaseDelay(std::chrono::duration<double> delay);
 
-  /// Starts watching and reports the present state once. Thread: any; does not wait.
+  /// Starts watching and reports the present state once. Does not wait.
   void start();
-  /// Ends watching without a report. Thread: any; does not wait.
+  /// Ends watching without a report. Does not wait.
   void stop();
-  /// Reads everything anew. Thread: any; does not wait.
+  /// Reads everything again. Does not wait.
   void refresh();
 
-  /// The present state, read now. Thread: any but the queue's; waits for the queue.
+  /// The present state, read now. Waits for the queue, so it is not to be called there.
   [[nodiscard]] MicActivity current();
 
  private:

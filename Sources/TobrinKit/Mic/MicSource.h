@@ -1,5 +1,5 @@
-/// The sound system's view of microphones and of who records, as the microphone watch needs it.
-/// State only: no audio is ever read.
+/// What the sound system says of microphones and of who records, as the microphone watch needs it.
+/// State only: no audio is ever read. Thread: mic.
 #pragma once
 
 #include <functional>
@@ -12,7 +12,7 @@ class MicSource {
  public:
   virtual ~MicSource() = default;
 
-  /// Begins to follow the sound system and calls `changed` (on a thread of the source's own)
+  /// Begins to follow the sound system and calls `changed` (on a thread of the source)
   /// whenever what `read` tells may differ. A server that goes away is waited for.
   virtual void start(std::function<void()> changed) = 0;
 
@@ -20,8 +20,8 @@ class MicSource {
   virtual void stop() = 0;
 
   /// The present state; nothing in use, and unknown who records, where no server answers. Also
-  /// while stopped, then by asking the server once. Thread: any one at a time; may wait for the
-  /// server.
+  /// while stopped, then by asking the server once. One thread at a time; may wait for the server.
+  /// Thread: any.
   [[nodiscard]] virtual MicActivity read() = 0;
 };
 

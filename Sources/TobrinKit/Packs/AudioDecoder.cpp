@@ -27,12 +27,12 @@ struct Closer {
 };
 using SoundFile = std::unique_ptr<SNDFILE, Closer>;
 
-// The library has one place for the reason of a refusal, which each file opened meanwhile clears.
+// The library has one place for the reason of a refusal, and clears it for each file it opens.
 std::shared_mutex openings;
 
 SoundFile opened(const RegularFile& file, SF_INFO& info) {
-  // A descriptor of its own: the library closes the one of a file that it refuses even where it is
-  // told not to, and a second close could hit what another thread has opened meanwhile.
+  // A descriptor for the library alone: it closes the one of a file that it refuses even if asked
+  // not to, and a second close could hit what another thread has opened since.
   return SoundFile(sf_open_fd(file.duplicate(), SFM_READ, &info, SF_TRUE));
 }
 

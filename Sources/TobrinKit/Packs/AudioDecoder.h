@@ -1,6 +1,7 @@
 /// Decodes audio files (WAV, FLAC, Ogg, MP3 and what else libsndfile reads) to planar float at one
-/// sample rate. Trusts nothing that a header says: memory follows what was really decoded. A
-/// decoder's files share what is costly to set up, see `Resampler`.
+/// sample rate. Trusts nothing that a header says: memory follows what was really decoded. The
+/// files of one decoder share what takes long to set up, see `Resampler`. One thread at a time.
+/// Thread: any.
 #pragma once
 
 #include <filesystem>

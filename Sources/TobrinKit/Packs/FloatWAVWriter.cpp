@@ -61,9 +61,9 @@ void writeSamples(SNDFILE* file, std::span<const float> left, std::span<const fl
 
 }  // namespace
 
-void FloatWAVWriter::write(std::span<const float> left, std::span<const float> right,
-                           int sampleRate, const std::filesystem::path& file) {
-  assert(left.size() == right.size() && left.size() <= maxFrames);
+void writeFloatWAV(std::span<const float> left, std::span<const float> right, int sampleRate,
+                   const std::filesystem::path& file) {
+  assert(left.size() == right.size() && left.size() <= maxFloatWAVFrames);
   MemoryFile memory;
   memory.bytes.reserve(8 * left.size() + 128);
   SF_VIRTUAL_IO access = {MemoryFile::length, MemoryFile::seek, MemoryFile::read, MemoryFile::write,

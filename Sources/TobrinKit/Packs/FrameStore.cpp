@@ -1,6 +1,7 @@
 #include "Packs/FrameStore.h"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace tobrin {
@@ -27,6 +28,7 @@ void FrameStore::expect(uint64_t frames, uint64_t credible) {
 }
 
 void FrameStore::append(const float* left, const float* right, std::size_t frames) {
+  assert(left != nullptr && stereo_ == (right != nullptr));
   const std::size_t wanted = blocks_.frames + frames;
   if (wanted > taken_) {
     allowance_.take(wanted - taken_);
@@ -41,6 +43,7 @@ void FrameStore::append(const float* left, const float* right, std::size_t frame
 
 SampleBuffer::Blocks FrameStore::finish() {
   if (capacity_ > blocks_.frames + slackFrames || !blocks_.left) setCapacity(blocks_.frames);
+  assert(taken_ >= blocks_.frames);
   allowance_.giveBack(taken_ - blocks_.frames);
   taken_ = 0;
   return std::move(blocks_);

@@ -1,5 +1,5 @@
 /// Collects decoded frames into the channel blocks of one sound. Every frame is taken off an
-/// allowance before memory is taken for it. One thread at a time.
+/// allowance before memory is taken for it. One thread at a time. Thread: any.
 #pragma once
 
 #include <cmath>

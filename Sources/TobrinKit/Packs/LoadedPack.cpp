@@ -1,6 +1,7 @@
 #include "Packs/LoadedPack.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <cstdlib>
 
@@ -89,6 +90,7 @@ LoadedPack::Layers LoadedPack::layers(KeyGroup group, std::size_t variant) const
   Layers layers;
   for (std::size_t tier = 0; tier < tierCount; ++tier) {
     const std::vector<Take>& list = down_[index(group)][tier];
+    assert(!list.empty());  // no gap is left once a pack is made
     const Take& take = list[variant % list.size()];
     layers.samples[tier] = take.sample;
     layers.gains[tier] = take.gain;

@@ -1,6 +1,6 @@
 /// A pack decoded and ready to play: for every key group four tiers of press takes and the release
-/// takes, all gaps filled at load time. Immutable; shared read-only between the conductor and
-/// whoever lists it. Its samples must outlive every voice that plays them.
+/// takes, all gaps filled at load time. Never changes; the conductor and those that list packs
+/// share it. Its samples must outlive every voice that plays them. Thread: any.
 #pragma once
 
 #include <array>
@@ -40,12 +40,6 @@ class LoadedPack final {
     std::map<KeyGroup, std::map<Tier, std::vector<std::size_t>>> down;
     std::map<KeyGroup, std::vector<std::size_t>> up;
   };
-
-  /// Decodes "pack.json" of a folder. Throws `PackError::missingManifest`, or the decoding error.
-  static PackManifest readManifest(const std::filesystem::path& directory);
-
-  /// Loads a pack folder at `sampleRate` frames a second. Throws `PackError`.
-  static std::shared_ptr<const LoadedPack> load(const PackInfo& info, double sampleRate);
 
   /// Fills the gaps of decoded takes. Throws `PackError::empty` where there is no press take.
   LoadedPack(PackInfo info, PackManifest manifest, Contents contents);

@@ -1,5 +1,5 @@
-/// The order in which a file browser lists names: by the user's language, letter case last, runs
-/// of digits by their number.
+/// The order in which a file browser lists names: by the user's language, letter case last, runs of
+/// digits by their number. Thread: any.
 #pragma once
 
 #include <memory>

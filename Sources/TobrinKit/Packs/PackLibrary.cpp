@@ -48,13 +48,13 @@ std::vector<fs::path> visibleEntries(const fs::path& folder) {
 
 }  // namespace
 
-fs::path PackLibrary::userPacksDirectory(const Environment& environment) {
+fs::path userPacksDirectory(const Environment& environment) {
   const fs::path data = dataFolder(environment);
   if (data.empty()) throw std::runtime_error("the system knows no home folder of this user");
   return data / "Tobrin/Packs";
 }
 
-std::optional<fs::path> PackLibrary::bundledPacksDirectory(const Environment& environment) {
+std::optional<fs::path> bundledPacksDirectory(const Environment& environment) {
   if (const auto folder = environment("TOBRIN_PACKS")) return fs::path(*folder);
   std::error_code missing;
   const fs::path program = thisProgram().parent_path();
@@ -65,14 +65,14 @@ std::optional<fs::path> PackLibrary::bundledPacksDirectory(const Environment& en
   return std::nullopt;
 }
 
-std::vector<PackInfo> PackLibrary::discover(const Environment& environment) {
+std::vector<PackInfo> discoverPacks(const Environment& environment) {
   std::map<std::string, PackInfo> byID;
   const auto merge = [&byID](std::vector<PackInfo> packs) {
     for (PackInfo& pack : packs)
       byID.insert_or_assign(pack.id, std::move(pack));
   };
-  if (const auto bundled = bundledPacksDirectory(environment)) merge(discover(*bundled, true));
-  merge(discover(userPacksDirectory(environment), false));
+  if (const auto bundled = bundledPacksDirectory(environment)) merge(discoverPacks(*bundled, true));
+  merge(discoverPacks(userPacksDirectory(environment), false));
 
   std::vector<PackInfo> packs;
   packs.reserve(byID.size());
@@ -82,13 +82,13 @@ std::vector<PackInfo> PackLibrary::discover(const Environment& environment) {
   return packs;
 }
 
-std::vector<PackInfo> PackLibrary::discover(const fs::path& folder, bool isBundled) {
+std::vector<PackInfo> discoverPacks(const fs::path& folder, bool isBundled) {
   std::vector<PackInfo> packs;
   for (const fs::path& entry : visibleEntries(folder)) {
     try {
       packs.push_back(PackInfo::read(entry, isBundled));
     } catch (const PackError&) {
-      // No pack: whatever else lies in the folder is none of the library's business.
+      // No pack: other things may lie in the folder, too.
     }
   }
   return packs;

@@ -12,23 +12,20 @@
 
 namespace tobrin {
 
-struct PackLibrary {
-  /// Where the user's packs lie: "Tobrin/Packs" in the user's data folder, which need not exist.
-  /// Throws `std::runtime_error` where the system knows no home folder of the user.
-  static std::filesystem::path userPacksDirectory(
-      const Environment& environment = processEnvironment);
+/// Where the user's packs lie: "Tobrin/Packs" in the user's data folder, which need not exist.
+/// Throws `std::runtime_error` where the system knows no home folder of the user.
+std::filesystem::path userPacksDirectory(const Environment& environment = processEnvironment);
 
-  /// Where the shipped packs lie: "TOBRIN_PACKS" unchecked where it is set, else the build
-  /// tree's or the installation's that this program is part of; nothing where neither exists.
-  static std::optional<std::filesystem::path> bundledPacksDirectory(
-      const Environment& environment = processEnvironment);
+/// Where the shipped packs lie: "TOBRIN_PACKS" unchecked where it is set, else the build tree's or
+/// the installation's that this program is part of; nothing where neither exists.
+std::optional<std::filesystem::path> bundledPacksDirectory(
+    const Environment& environment = processEnvironment);
 
-  /// All packs: shipped ones first, each kind by name as a file browser orders names. A user's pack
-  /// takes the place of a shipped one with the same id. What cannot be read is left out.
-  static std::vector<PackInfo> discover(const Environment& environment = processEnvironment);
+/// All packs: shipped ones first, each kind by name as a file browser orders names. A user's pack
+/// takes the place of a shipped one with the same id. What cannot be read is left out.
+std::vector<PackInfo> discoverPacks(const Environment& environment = processEnvironment);
 
-  /// The packs directly inside one folder, by folder name; none where it cannot be listed.
-  static std::vector<PackInfo> discover(const std::filesystem::path& folder, bool isBundled);
-};
+/// The packs directly inside one folder, by folder name; none where it cannot be listed.
+std::vector<PackInfo> discoverPacks(const std::filesystem::path& folder, bool isBundled);
 
 }  // namespace tobrin

@@ -1,12 +1,12 @@
 #include "Packs/PackLoader.h"
 
 #include <algorithm>
-#include <atomic>
+#include <cassert>
 #include <system_error>
-#include <thread>
 
 #include "Base/MachTime.h"
 #include "Base/PackError.h"
+#include "Base/ParallelFor.h"
 #include "Packs/AudioDecoder.h"
 
 namespace tobrin {
@@ -25,19 +25,6 @@ bool isWithin(const std::filesystem::path& folder, const std::filesystem::path& 
 }
 
 }  // namespace
-
-std::shared_ptr<const LoadedPack> LoadedPack::load(const PackInfo& info, double sampleRate) {
-  PackManifest manifest;
-  try {
-    manifest = readManifest(info.directory);
-  } catch (const PackError&) {
-    throw;
-  } catch (const std::runtime_error& error) {
-    throw PackError::invalidManifest(info.directory / PackManifest::fileName, error.what());
-  }
-  Contents contents = PackLoader(info.directory, sampleRate).load(manifest);
-  return std::make_shared<const LoadedPack>(info, std::move(manifest), std::move(contents));
-}
 
 LoadedPack::Contents PackLoader::load(const PackManifest& manifest) {
   std::error_code ignored;
@@ -73,47 +60,26 @@ std::vector<std::size_t> PackLoader::entries(const std::vector<std::string>& pat
 }
 
 /// Decodes what it can, on several threads where that is worth it, under one budget. A file that
-/// fails, or that finds the budget used up by whatever else is being decoded, is left open:
+/// fails, or that finds the budget used up by others that are being decoded, is left open:
 /// `settle` has the last word.
 void PackLoader::decodeAhead() {
+  if (batches() == 0) return;
   FrameAllowance allowance(budgetFrames);
-  std::atomic<std::size_t> next{0};
-  std::atomic<bool> failed{false};
-  const auto work = [&](std::size_t endBatch) {
-    // Relaxed: the results are read after the join.
-    while (!failed.load(std::memory_order_relaxed)) {
-      const std::size_t batch = next.fetch_add(1, std::memory_order_relaxed);
-      if (batch >= endBatch) return;
-      try {
-        decodeBatch(batch, allowance);
-      } catch (...) {
-        failed.store(true, std::memory_order_relaxed);
-      }
-    }
-  };
-  const uint64_t start = MachTime::now();
-  work(1);
-  next.store(1, std::memory_order_relaxed);
-  const std::size_t wanted = helpers(MachTime::milliseconds(MachTime::now() - start));
-
-  std::vector<std::jthread> others;
   try {
-    while (others.size() < wanted)
-      others.emplace_back(work, batches());
-  } catch (const std::system_error&) {
-    // The system refuses more threads: those that run do the work.
+    const uint64_t start = machNow();
+    decodeBatch(0, allowance);
+    const double probedMs = machMilliseconds(machNow() - start);
+    parallelFor(batches() - 1, threadsWorth(probedMs),
+                [&](std::size_t i) { decodeBatch(i + 1, allowance); });
+  } catch (...) {
+    // It comes again in `settle`, where a single thread would have met it.
   }
-  work(batches());
 }
 
-/// How many threads are worth starting beside this one, by the time the first batch took.
-std::size_t PackLoader::helpers(double probedMs) const {
-  if (batches() <= 1) return 0;
-  const std::size_t left = batches() - 1;
-  const double work = probedMs * static_cast<double>(left);
-  if (threads_ == 0 && work < leastWorkForHelp) return 0;
-  const std::size_t threads = threads_ != 0 ? threads_ : std::thread::hardware_concurrency();
-  return std::min(std::max<std::size_t>(threads, 1) - 1, left);
+/// The most threads to decode with, as `parallelFor` counts them, by the time the first batch took.
+unsigned PackLoader::threadsWorth(double probedMs) const {
+  const double work = probedMs * static_cast<double>(batches() - 1);
+  return threads_ == 0 && work < leastWorkForHelp ? 1 : threads_;
 }
 
 /// Goes through the batches in order, keeps those that are there, decodes the others, and meets
@@ -143,6 +109,7 @@ std::size_t PackLoader::batches() const {
 }
 
 std::span<PackLoader::Buffer> PackLoader::filesOf(std::size_t batch) {
+  assert(batch < batches());
   const std::size_t first = batch * batchFiles;
   return std::span(contents_.buffers).subspan(first, std::min(batchFiles, paths_.size() - first));
 }
@@ -166,6 +133,19 @@ std::filesystem::path PackLoader::resolved(const std::string& path) const {
   const auto target = std::filesystem::canonical(file, missing);
   if (!missing && !isWithin(realDirectory_, target)) throw escapes();
   return file;
+}
+
+std::shared_ptr<const LoadedPack> loadPack(const PackInfo& info, double sampleRate) {
+  PackManifest manifest;
+  try {
+    manifest = PackManifest::read(info.directory);
+  } catch (const PackError&) {
+    throw;
+  } catch (const std::runtime_error& error) {
+    throw PackError::invalidManifest(info.directory / PackManifest::fileName, error.what());
+  }
+  LoadedPack::Contents contents = PackLoader(info.directory, sampleRate).load(manifest);
+  return std::make_shared<const LoadedPack>(info, std::move(manifest), std::move(contents));
 }
 
 }  // namespace tobrin

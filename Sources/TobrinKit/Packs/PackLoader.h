@@ -1,6 +1,6 @@
-/// Decodes the takes that a manifest lists, on all cores where that saves time. What comes out, and
-/// which error where something is wrong, is what one thread going through the lists in order would
-/// give.
+/// Loads packs: decodes the takes that a manifest lists, on all cores where that saves time. What
+/// comes out, and which error where something is wrong, is what one thread that goes through the
+/// lists in order would give. Thread: any.
 #pragma once
 
 #include <filesystem>
@@ -32,7 +32,7 @@ class PackLoader final {
   void plan(const PackManifest& manifest);
   std::vector<std::size_t> entries(const std::vector<std::string>& paths);
   void decodeAhead();
-  [[nodiscard]] std::size_t helpers(double probedMs) const;
+  [[nodiscard]] unsigned threadsWorth(double probedMs) const;
   void settle();
   [[nodiscard]] std::size_t batches() const;
   std::span<Buffer> filesOf(std::size_t batch);
@@ -47,5 +47,8 @@ class PackLoader final {
   std::unordered_map<std::string, std::size_t> entryOf_;
   LoadedPack::Contents contents_;
 };
+
+/// Loads a pack folder at `sampleRate` frames a second. Throws `PackError`.
+std::shared_ptr<const LoadedPack> loadPack(const PackInfo& info, double sampleRate);
 
 }  // namespace tobrin

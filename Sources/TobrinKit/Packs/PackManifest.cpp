@@ -8,7 +8,6 @@
 #include "Base/PackError.h"
 #include "Base/ReadJson.h"
 #include "Base/RegularFile.h"
-#include "Packs/LoadedPack.h"
 
 namespace tobrin {
 namespace {
@@ -138,7 +137,7 @@ std::string PackManifest::toJson() const {
   return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-PackManifest LoadedPack::readManifest(const std::filesystem::path& directory) {
+PackManifest PackManifest::read(const std::filesystem::path& directory) {
   std::string text;
   try {
     text = RegularFile(directory / PackManifest::fileName).readText(maxManifestBytes);
@@ -151,7 +150,7 @@ PackManifest LoadedPack::readManifest(const std::filesystem::path& directory) {
 
 PackInfo PackInfo::read(const std::filesystem::path& directory, bool isBundled) {
   try {
-    PackManifest manifest = LoadedPack::readManifest(directory);
+    PackManifest manifest = PackManifest::read(directory);
     return {std::move(manifest.id),
             std::move(manifest.name),
             std::move(manifest.kind),

@@ -1,5 +1,5 @@
-/// A pack's description as it stands in its "pack.json", and the summary the library lists.
-/// Plain values, compared field by field.
+/// A pack's description as it stands in its "pack.json", and the summary the library lists. Plain
+/// values, compared field by field. Thread: any.
 #pragma once
 
 #include <cstdint>
@@ -36,6 +36,10 @@ struct PackManifest {
 
   /// Decodes JSON text. Throws `std::runtime_error` whose text names the key at fault.
   static PackManifest fromJson(std::string_view text);
+
+  /// Decodes the "pack.json" of a folder. Throws `PackError` (missingManifest) where there is none,
+  /// else what `fromJson` throws.
+  static PackManifest read(const std::filesystem::path& directory);
 
   /// JSON text: pretty-printed, keys sorted at every level, "/" not escaped, absent fields left
   /// out.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cmath>
 #include <numeric>
 #include <stdexcept>
@@ -55,6 +56,7 @@ Resampler::Resampler(double fromRate, double toRate, bool stereo)
       toRate_(toRate),
       left_(stepFrames),
       right_(stereo ? stepFrames : 0) {
+  assert(fromRate > 0 && toRate > 0);
   const auto from = static_cast<uint64_t>(fromRate);
   const auto to = static_cast<uint64_t>(toRate);
   const uint64_t common = std::gcd(from, to);
@@ -75,6 +77,7 @@ bool Resampler::mayGoOn() const {
 
 void Resampler::process(const float* left, const float* right, std::size_t frames,
                         const Sink& sink) {
+  assert(right_.empty() == (right == nullptr));
   loudest_ = loudestOf(right, frames, loudestOf(left, frames, loudest_));
   soundFrames_ += frames;
   feed(left, right, frames, sink);
@@ -91,7 +94,7 @@ void Resampler::finish(const Sink& sink) {
 }
 
 void Resampler::beginSound() {
-  end_ = made_;  // what comes out meanwhile belongs to no sound
+  end_ = made_;  // what comes out until `begin_` belongs to no sound
   if (period_ > 0) {
     feedSilence((period_ - fed_ % period_) % period_, {});
     begin_ = fed_ / period_ * periodOut_;

@@ -1,10 +1,10 @@
 /// Converts sounds of one or two channels to another sample rate, at very high quality and without
 /// delay. Streaming: feed a sound in pieces, then finish. The result does not depend on how the
-/// input is cut. One thread at a time.
+/// input is cut.
 ///
 /// To set a converter up takes as long as converting thousands of frames, so one may go on to the
-/// next sound: silence in between keeps them apart. A sound comes out as it would alone, save that
-/// one sample in many millions may round the other way.
+/// next sound: silence in between keeps them apart. A sound comes out as it would alone, except
+/// that one sample in many millions may round the other way. One thread at a time. Thread: any.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,6 @@
 /// One decoded sound: non-interleaved 32-bit float at the engine rate, at a fixed address for its
-/// life, so that the mixer reads it through raw pointers. Immutable after construction.
+/// life, so that the mixer reads it through raw pointers. Never changes after construction.
+/// Thread: any.
 #pragma once
 
 #include <cstdint>

@@ -11,6 +11,8 @@
 namespace tobrin {
 namespace {
 
+using Channel = std::span<const float>;
+
 constexpr std::size_t headerBytes = 44;
 constexpr std::size_t riffHeaderBytes = headerBytes - 8;  // what the RIFF size counts
 constexpr std::size_t bytesPerSample = 2;
@@ -78,7 +80,7 @@ void writeHeader(ByteFiller& out, uint64_t channels, uint64_t rate, uint64_t dat
 
 }  // namespace
 
-std::string WAVWriter::encode(Channel left, std::optional<Channel> right, int64_t sampleRate) {
+std::string encodeWAV(Channel left, std::optional<Channel> right, int64_t sampleRate) {
   require(sampleRate >= 0 && (!right || right->size() >= left.size()));
   const std::size_t channels = right ? 2 : 1;
   require(left.size() <= (maxField - riffHeaderBytes) / (channels * bytesPerSample));
@@ -94,9 +96,9 @@ std::string WAVWriter::encode(Channel left, std::optional<Channel> right, int64_
   return bytes;
 }
 
-void WAVWriter::write(Channel left, std::optional<Channel> right, int64_t sampleRate,
-                      const std::filesystem::path& file) {
-  writeFileAtomically(file, encode(left, right, sampleRate));
+void writeWAV(Channel left, std::optional<Channel> right, int64_t sampleRate,
+              const std::filesystem::path& file) {
+  writeFileAtomically(file, encodeWAV(left, right, sampleRate));
 }
 
 }  // namespace tobrin

@@ -10,18 +10,16 @@
 
 namespace tobrin {
 
-struct WAVWriter {
-  using Channel = std::span<const float>;
+/// The bytes of a whole file: mono where `right` is absent, else stereo. The length of `left` is
+/// the frame count; `right` must be at least as long. `sampleRate` in frames a second. Samples at
+/// or above 1, and those that are no number, become 32767, those at or below -1 become -32767. A
+/// rate, or a length, that the header's 32-bit fields cannot hold is a broken promise of the caller
+/// and ends the process.
+std::string encodeWAV(std::span<const float> left, std::optional<std::span<const float>> right,
+                      int64_t sampleRate);
 
-  /// The bytes of a whole file: mono where `right` is absent, else stereo. The length of `left` is
-  /// the frame count; `right` must be at least as long. Samples at or above 1, and those that are
-  /// no number, become 32767, those at or below -1 become -32767. A rate, or a length, that the
-  /// header's 32-bit fields cannot hold is a broken promise of the caller and ends the process.
-  static std::string encode(Channel left, std::optional<Channel> right, int64_t sampleRate);
-
-  /// Encodes into a file, which is replaced atomically. Throws `std::filesystem::filesystem_error`.
-  static void write(Channel left, std::optional<Channel> right, int64_t sampleRate,
-                    const std::filesystem::path& file);
-};
+/// Encodes into a file, which is replaced atomically. Throws `std::filesystem::filesystem_error`.
+void writeWAV(std::span<const float> left, std::optional<std::span<const float>> right,
+              int64_t sampleRate, const std::filesystem::path& file);
 
 }  // namespace tobrin

@@ -35,10 +35,10 @@ class TakeRenderer {
   TakeRenderer(KeyGroup group, std::optional<Tier> tier, uint64_t variant,
                const SynthProfile& profile)
       : profile_(profile),
-        shape_(KeySynth::shape(group)),
+        shape_(groupShape(group)),
         tier_(tier),
         hasBell_(profile.bellOnEnter && group == KeyGroup::enter),
-        strength_(KeySynth::strength(tier)),
+        strength_(strikeStrength(tier)),
         shapeRng_(takeSeed({profile.id, rawValue(group), "key", std::to_string(variant)})),
         noiseRng_(takeSeed(
             {profile.id, rawValue(group), tier ? name(*tier) : "up", std::to_string(variant)})),
@@ -213,12 +213,12 @@ class TakeRenderer {
     constexpr double rumbleHz = 55;
     const double force = isRelease() ? 1.1 : 0.5 + 0.5 * strength_;
     const double corner = profile_.brightness * force;
-    buffer_.filter(Biquad::lowpass(corner, butterworthQ, KeySynth::sampleRate),
-                   Biquad::highpass(rumbleHz, butterworthQ, KeySynth::sampleRate));
+    buffer_.filter(Biquad::lowpass(corner, butterworthQ, synthSampleRate),
+                   Biquad::highpass(rumbleHz, butterworthQ, synthSampleRate));
   }
 
   const SynthProfile& profile_;
-  KeySynth::GroupShape shape_;
+  GroupShape shape_;
   std::optional<Tier> tier_;
   bool hasBell_;
   double strength_;
@@ -241,7 +241,7 @@ std::vector<float> asFloats(const std::vector<double>& samples) {
 
 }  // namespace
 
-KeySynth::GroupShape KeySynth::shape(KeyGroup group) {
+GroupShape groupShape(KeyGroup group) {
   static constexpr std::array<GroupShape, allKeyGroups.size()> shapes = {{
       {.frequency = 1.0, .decay = 1.0, .level = 1.0, .rattle = 0.0},     // alpha
       {.frequency = 0.72, .decay = 1.7, .level = 1.15, .rattle = 1.0},   // space
@@ -252,13 +252,13 @@ KeySynth::GroupShape KeySynth::shape(KeyGroup group) {
   return shapes[index(group)];
 }
 
-double KeySynth::strength(std::optional<Tier> tier) {
+double strikeStrength(std::optional<Tier> tier) {
   static constexpr std::array<double, tierCount> strengths = {0.45, 0.72, 1.0, 1.4};
   return tier ? strengths[index(*tier)] : releaseStrength;
 }
 
-KeySynth::Sound KeySynth::render(KeyGroup group, std::optional<Tier> tier, uint64_t variant,
-                                 const SynthProfile& profile) {
+KeySound renderKey(KeyGroup group, std::optional<Tier> tier, uint64_t variant,
+                   const SynthProfile& profile) {
   const StereoTake take = TakeRenderer(group, tier, variant, profile).render();
   return {.left = asFloats(take.left), .right = asFloats(take.right)};
 }

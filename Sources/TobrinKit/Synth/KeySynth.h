@@ -11,30 +11,30 @@
 
 namespace tobrin {
 
-struct KeySynth {
-  static constexpr double sampleRate = 48000;  ///< Hz, of every take
+inline constexpr double synthSampleRate = 48000;  ///< Hz, of every take
 
-  /// How a group's keys differ from the letters: factors, and the amount of stabiliser rattle.
-  struct GroupShape {
-    double frequency = 1;
-    double decay = 1;
-    double level = 1;
-    double rattle = 0;
-  };
-
-  struct Sound {
-    std::vector<float> left;
-    std::vector<float> right;  ///< as long as `left`
-  };
-
-  static GroupShape shape(KeyGroup group);
-  /// 0.45 to 1.4 for a press; 0.6 for a release, which has no tier.
-  static double strength(std::optional<Tier> tier);
-
-  /// One take, its level as it comes. No tier stands for the key's release; `variant` counts from 0
-  /// and changes the noise and every detail of the key.
-  static Sound render(KeyGroup group, std::optional<Tier> tier, uint64_t variant,
-                      const SynthProfile& profile);
+/// How a group's keys differ from the letters: factors, and the amount of stabiliser rattle.
+struct GroupShape {
+  double frequency = 1;
+  double decay = 1;
+  double level = 1;
+  double rattle = 0;
 };
+
+/// A synthesized key sound at `synthSampleRate`.
+struct KeySound {
+  std::vector<float> left;
+  std::vector<float> right;  ///< as long as `left`
+};
+
+[[nodiscard]] GroupShape groupShape(KeyGroup group);
+
+/// How hard the key strikes: 0.45 to 1.4 for a press; 0.6 for a release, which has no tier.
+[[nodiscard]] double strikeStrength(std::optional<Tier> tier);
+
+/// One take, its level as it comes. No tier stands for the key's release; `variant` counts from 0
+/// and changes the noise and every detail of the key.
+[[nodiscard]] KeySound renderKey(KeyGroup group, std::optional<Tier> tier, uint64_t variant,
+                                 const SynthProfile& profile);
 
 }  // namespace tobrin

@@ -18,13 +18,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr unsigned alphaVariants = 4;    // per tier, and releases, of the letters
+constexpr unsigned otherVariants = 2;    // of every other group
+constexpr float referencePeak = 0.316f;  // of the loudest medium letter, about -10 dBFS
 constexpr float leastPeak = 0.000001f;
 
 struct Take {
   KeyGroup group = KeyGroup::alpha;
   std::optional<Tier> tier;  // none for a release
   unsigned variant = 0;
-  KeySynth::Sound sound;
+  KeySound sound;
   std::string file;  // the WAV file's bytes
 
   [[nodiscard]] std::string name() const {
@@ -40,8 +43,7 @@ struct Take {
 std::vector<Take> plannedTakes() {
   std::vector<Take> takes;
   for (const KeyGroup group : allKeyGroups) {
-    const unsigned count =
-        group == KeyGroup::alpha ? PackGenerator::alphaVariants : PackGenerator::otherVariants;
+    const unsigned count = group == KeyGroup::alpha ? alphaVariants : otherVariants;
     const auto add = [&](std::optional<Tier> tier) {
       for (unsigned variant = 0; variant < count; ++variant)
         takes.push_back(
@@ -67,15 +69,14 @@ float levellingGain(const std::vector<Take>& takes) {
   for (const Take& take : takes)
     if (take.isReference())
       peak = std::max({peak, peakOf(take.sound.left), peakOf(take.sound.right)});
-  return PackGenerator::referencePeak / std::max(peak, leastPeak);
+  return referencePeak / std::max(peak, leastPeak);
 }
 
 void encode(Take& take, float gain) {
   for (auto* channel : {&take.sound.left, &take.sound.right})
     for (float& sample : *channel)
       sample *= gain;
-  take.file = WAVWriter::encode(take.sound.left, take.sound.right,
-                                static_cast<int64_t>(KeySynth::sampleRate));
+  take.file = encodeWAV(take.sound.left, take.sound.right, static_cast<int64_t>(synthSampleRate));
 }
 
 PackManifest manifestOf(const SynthProfile& profile, const std::vector<Take>& takes) {
@@ -107,15 +108,14 @@ void requireFolderName(const std::string& id) {
 
 }  // namespace
 
-fs::path PackGenerator::generate(const SynthProfile& profile, const fs::path& parent,
-                                 unsigned threads) {
+fs::path generatePack(const SynthProfile& profile, const fs::path& parent, unsigned threads) {
   requireFolderName(profile.id);
   fs::path folder = parent / profile.id;
   fs::remove_all(folder);
   fs::create_directories(folder);
   std::vector<Take> takes = plannedTakes();
   parallelFor(takes.size(), threads, [&](std::size_t i) {
-    takes[i].sound = KeySynth::render(takes[i].group, takes[i].tier, takes[i].variant, profile);
+    takes[i].sound = renderKey(takes[i].group, takes[i].tier, takes[i].variant, profile);
   });
   const float gain = levellingGain(takes);
   parallelFor(takes.size(), threads, [&](std::size_t i) { encode(takes[i], gain); });

@@ -1,6 +1,6 @@
 /// The sine of partials. Plain arithmetic, without a branch or a table, so that compilers work out
-/// several at a time; and of one make everywhere, where the libraries' own differ in last bits from
-/// one processor to the next.
+/// several at a time; and the same on every machine, where the libraries' own differ in last bits
+/// from one processor to the next. Thread: any.
 #pragma once
 
 #include <bit>

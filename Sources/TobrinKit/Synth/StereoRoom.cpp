@@ -1,6 +1,7 @@
 #include "Synth/StereoRoom.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <cstddef>
 #include <numbers>
@@ -77,6 +78,7 @@ StereoTake withRoom(std::vector<double> dry, double amount) {
 }
 
 void trim(StereoTake& take) {
+  assert(take.left.size() == take.right.size());
   const double peak = std::max(peakOf(take.left), peakOf(take.right));
   if (!(peak > 0)) return;
   const std::size_t kept =

@@ -1,5 +1,5 @@
 /// The last steps of a key sound: early reflections that make it stereo, and the cut of its silent
-/// tail. No thread of its own.
+/// tail. Thread: any.
 #pragma once
 
 #include <vector>

@@ -1,6 +1,7 @@
 /// The mono buffer in which a key sound is put together from noise bursts and ringing partials.
 /// Every component adds to what is there and is cut at the buffer's end. The order of operations
 /// and of random draws is part of the sound: other orders give other bits. One thread at a time.
+/// Thread: any.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,5 @@
 /// The fixed recipe of one synthesized switch sound. Plain values; the built-in profiles are
-/// constants of the program.
+/// constants of the program. Thread: any.
 #pragma once
 
 #include <optional>

@@ -1,5 +1,5 @@
 /// Seeds of synthesized takes: a hash of what identifies them, so that every take can be made again
-/// on its own. No thread of its own.
+/// alone. Thread: any.
 #pragma once
 
 #include <cstdint>

@@ -36,7 +36,7 @@ int addRules(scmp_filter_ctx filter) {
 }
 
 void report(const char* what, int error) {
-  if (error != 0) Log::line(std::string(what) + ": " + std::generic_category().message(error));
+  if (error != 0) logLine(std::string(what) + ": " + std::generic_category().message(error));
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ bool JsonSettingsStore::write(std::string_view key, std::string_view json) {
     save();
     return true;
   } catch (const std::exception& error) {
-    Log::line("settings can't be saved: " + std::string(error.what()));
+    logLine("settings can't be saved: " + std::string(error.what()));
     return false;
   }
 }
@@ -60,9 +60,9 @@ void JsonSettingsStore::keepAside(std::string_view key) {
     writeFileAtomically(aside, RegularFile(file_).readText(largestFile), flushToDisk);
     values_.erase(found);
     save();
-    Log::line("the settings as they were are kept as " + aside.string());
+    logLine("the settings as they were are kept as " + aside.string());
   } catch (const std::exception& error) {
-    Log::line("settings can't be kept aside: " + std::string(error.what()));
+    logLine("settings can't be kept aside: " + std::string(error.what()));
   }
 }
 
@@ -70,8 +70,8 @@ void JsonSettingsStore::moveAside(const std::string& reason) const {
   const fs::path aside = nameAside();
   std::error_code error;
   fs::rename(file_, aside, error);
-  Log::line("settings file " + file_.string() + " can't be read: " + reason +
-            (error ? "; nor renamed: " + error.message() : "; kept as " + aside.string()));
+  logLine("settings file " + file_.string() + " can't be read: " + reason +
+          (error ? "; nor renamed: " + error.message() : "; kept as " + aside.string()));
 }
 
 /// Beside the file, and of nothing that was kept before.

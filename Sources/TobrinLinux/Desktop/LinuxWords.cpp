@@ -1,13 +1,25 @@
 #include "Desktop/LinuxWords.h"
 
+#include "Base/Key.h"
+
 namespace tobrin {
 namespace {
 
 /// As they are printed on keyboards.
-constexpr PlatformWords::KeyLabel keyLabels[] = {
-    {49, "Space"}, {36, "Enter"}, {48, "Tab"},      {51, "Backspace"}, {117, "Delete"},
-    {53, "Esc"},   {123, "Left"}, {124, "Right"},   {125, "Down"},     {126, "Up"},
-    {115, "Home"}, {119, "End"},  {116, "Page Up"}, {121, "Page Down"}};
+constexpr PlatformWords::KeyLabel keyLabels[] = {{codeOf(Key::space), "Space"},
+                                                 {codeOf(Key::enter), "Enter"},
+                                                 {codeOf(Key::tab), "Tab"},
+                                                 {codeOf(Key::backspace), "Backspace"},
+                                                 {codeOf(Key::forwardDelete), "Delete"},
+                                                 {codeOf(Key::escape), "Esc"},
+                                                 {codeOf(Key::leftArrow), "Left"},
+                                                 {codeOf(Key::rightArrow), "Right"},
+                                                 {codeOf(Key::downArrow), "Down"},
+                                                 {codeOf(Key::upArrow), "Up"},
+                                                 {codeOf(Key::home), "Home"},
+                                                 {codeOf(Key::end), "End"},
+                                                 {codeOf(Key::pageUp), "Page Up"},
+                                                 {codeOf(Key::pageDown), "Page Down"}};
 
 }  // namespace
 

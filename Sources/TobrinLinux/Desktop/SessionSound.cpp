@@ -25,7 +25,7 @@ std::shared_ptr<PipeWireLoop> makePipeWireLoop() {
   try {
     return std::make_shared<PipeWireLoop>();
   } catch (const std::runtime_error& error) {
-    Log::line(error.what());
+    logLine(error.what());
     return nullptr;
   }
 }

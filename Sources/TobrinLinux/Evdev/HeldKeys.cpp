@@ -1,5 +1,6 @@
 #include "Evdev/HeldKeys.h"
 
+#include "Base/Key.h"
 #include "Evdev/KeyCodes.h"
 #include "Input/ModifierTracker.h"
 
@@ -16,7 +17,7 @@ std::optional<KeySource::Event> HeldKeys::take(uint32_t kernelCode, Change chang
   KeySource::Event event{.code = *code, .flags = flags_, .time = time};
   if (ModifierTracker::isModifier(*code)) {
     // Caps Lock changes its flag when pressed, all others when pressed and released.
-    const bool capsReleased = *code == ModifierTracker::capsLock && change == Change::release;
+    const bool capsReleased = *code == codeOf(Key::capsLock) && change == Change::release;
     if (change == Change::repeat || capsReleased) return std::nullopt;
     event.type = KeySource::EventType::flagsChanged;
     return event;

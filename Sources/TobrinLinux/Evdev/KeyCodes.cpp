@@ -4,153 +4,155 @@
 
 #include <array>
 
+#include "Base/Key.h"
+
 namespace tobrin {
 namespace {
 
-struct Key {
+struct Row {
   uint16_t kernelCode;
-  uint16_t virtualCode;
+  Key key;
 };
 
 /// By place on the keyboard. Where two keys share a virtual code, the usual one stands first.
-constexpr Key keys[] = {
-    {KEY_ESC, 53},
-    {KEY_F1, 122},
-    {KEY_F2, 120},
-    {KEY_F3, 99},
-    {KEY_F4, 118},
-    {KEY_F5, 96},
-    {KEY_F6, 97},
-    {KEY_F7, 98},
-    {KEY_F8, 100},
-    {KEY_F9, 101},
-    {KEY_F10, 109},
-    {KEY_F11, 103},
-    {KEY_F12, 111},
-    {KEY_F13, 105},
-    {KEY_F14, 107},
-    {KEY_F15, 113},
-    {KEY_F16, 106},
-    {KEY_F17, 64},
-    {KEY_F18, 79},
-    {KEY_F19, 80},
-    {KEY_F20, 90},
+constexpr Row rows[] = {
+    {KEY_ESC, Key::escape},
+    {KEY_F1, Key::f1},
+    {KEY_F2, Key::f2},
+    {KEY_F3, Key::f3},
+    {KEY_F4, Key::f4},
+    {KEY_F5, Key::f5},
+    {KEY_F6, Key::f6},
+    {KEY_F7, Key::f7},
+    {KEY_F8, Key::f8},
+    {KEY_F9, Key::f9},
+    {KEY_F10, Key::f10},
+    {KEY_F11, Key::f11},
+    {KEY_F12, Key::f12},
+    {KEY_F13, Key::f13},
+    {KEY_F14, Key::f14},
+    {KEY_F15, Key::f15},
+    {KEY_F16, Key::f16},
+    {KEY_F17, Key::f17},
+    {KEY_F18, Key::f18},
+    {KEY_F19, Key::f19},
+    {KEY_F20, Key::f20},
     // Print Screen, Scroll Lock and Pause stand where other keyboards have F13 to F15.
-    {KEY_SYSRQ, 105},
-    {KEY_SCROLLLOCK, 107},
-    {KEY_PAUSE, 113},
+    {KEY_SYSRQ, Key::f13},
+    {KEY_SCROLLLOCK, Key::f14},
+    {KEY_PAUSE, Key::f15},
 
-    {KEY_GRAVE, 50},
-    {KEY_ZENKAKUHANKAKU, 50},  // JIS: in the place of the grave accent
-    {KEY_1, 18},
-    {KEY_2, 19},
-    {KEY_3, 20},
-    {KEY_4, 21},
-    {KEY_5, 23},
-    {KEY_6, 22},
-    {KEY_7, 26},
-    {KEY_8, 28},
-    {KEY_9, 25},
-    {KEY_0, 29},
-    {KEY_MINUS, 27},
-    {KEY_EQUAL, 24},
-    {KEY_YEN, 93},  // JIS
-    {KEY_BACKSPACE, 51},
+    {KEY_GRAVE, Key::grave},
+    {KEY_ZENKAKUHANKAKU, Key::grave},  // JIS: in the place of the grave accent
+    {KEY_1, Key::digit1},
+    {KEY_2, Key::digit2},
+    {KEY_3, Key::digit3},
+    {KEY_4, Key::digit4},
+    {KEY_5, Key::digit5},
+    {KEY_6, Key::digit6},
+    {KEY_7, Key::digit7},
+    {KEY_8, Key::digit8},
+    {KEY_9, Key::digit9},
+    {KEY_0, Key::digit0},
+    {KEY_MINUS, Key::minus},
+    {KEY_EQUAL, Key::equal},
+    {KEY_YEN, Key::jisYen},  // JIS
+    {KEY_BACKSPACE, Key::backspace},
 
-    {KEY_TAB, 48},
-    {KEY_Q, 12},
-    {KEY_W, 13},
-    {KEY_E, 14},
-    {KEY_R, 15},
-    {KEY_T, 17},
-    {KEY_Y, 16},
-    {KEY_U, 32},
-    {KEY_I, 34},
-    {KEY_O, 31},
-    {KEY_P, 35},
-    {KEY_LEFTBRACE, 33},
-    {KEY_RIGHTBRACE, 30},
-    {KEY_BACKSLASH, 42},
+    {KEY_TAB, Key::tab},
+    {KEY_Q, Key::q},
+    {KEY_W, Key::w},
+    {KEY_E, Key::e},
+    {KEY_R, Key::r},
+    {KEY_T, Key::t},
+    {KEY_Y, Key::y},
+    {KEY_U, Key::u},
+    {KEY_I, Key::i},
+    {KEY_O, Key::o},
+    {KEY_P, Key::p},
+    {KEY_LEFTBRACE, Key::leftBracket},
+    {KEY_RIGHTBRACE, Key::rightBracket},
+    {KEY_BACKSLASH, Key::backslash},
 
-    {KEY_CAPSLOCK, 57},
-    {KEY_A, 0},
-    {KEY_S, 1},
-    {KEY_D, 2},
-    {KEY_F, 3},
-    {KEY_G, 5},
-    {KEY_H, 4},
-    {KEY_J, 38},
-    {KEY_K, 40},
-    {KEY_L, 37},
-    {KEY_SEMICOLON, 41},
-    {KEY_APOSTROPHE, 39},
-    {KEY_ENTER, 36},
+    {KEY_CAPSLOCK, Key::capsLock},
+    {KEY_A, Key::a},
+    {KEY_S, Key::s},
+    {KEY_D, Key::d},
+    {KEY_F, Key::f},
+    {KEY_G, Key::g},
+    {KEY_H, Key::h},
+    {KEY_J, Key::j},
+    {KEY_K, Key::k},
+    {KEY_L, Key::l},
+    {KEY_SEMICOLON, Key::semicolon},
+    {KEY_APOSTROPHE, Key::quote},
+    {KEY_ENTER, Key::enter},
 
-    {KEY_LEFTSHIFT, 56},
-    {KEY_102ND, 10},  // ISO: between left Shift and Z
-    {KEY_Z, 6},
-    {KEY_X, 7},
-    {KEY_C, 8},
-    {KEY_V, 9},
-    {KEY_B, 11},
-    {KEY_N, 45},
-    {KEY_M, 46},
-    {KEY_COMMA, 43},
-    {KEY_DOT, 47},
-    {KEY_SLASH, 44},
-    {KEY_RO, 94},  // JIS, Brazilian: before right Shift
-    {KEY_RIGHTSHIFT, 60},
+    {KEY_LEFTSHIFT, Key::leftShift},
+    {KEY_102ND, Key::isoSection},  // ISO: between left Shift and Z
+    {KEY_Z, Key::z},
+    {KEY_X, Key::x},
+    {KEY_C, Key::c},
+    {KEY_V, Key::v},
+    {KEY_B, Key::b},
+    {KEY_N, Key::n},
+    {KEY_M, Key::m},
+    {KEY_COMMA, Key::comma},
+    {KEY_DOT, Key::period},
+    {KEY_SLASH, Key::slash},
+    {KEY_RO, Key::jisUnderscore},  // JIS, Brazilian: before right Shift
+    {KEY_RIGHTSHIFT, Key::rightShift},
 
-    {KEY_LEFTCTRL, 59},
-    {KEY_FN, 63},
-    {KEY_LEFTMETA, 55},
-    {KEY_LEFTALT, 58},
-    {KEY_SPACE, 49},
-    {KEY_RIGHTALT, 61},
-    {KEY_RIGHTMETA, 54},
-    {KEY_COMPOSE, 110},  // the context menu key
-    {KEY_RIGHTCTRL, 62},
+    {KEY_LEFTCTRL, Key::leftControl},
+    {KEY_FN, Key::function},
+    {KEY_LEFTMETA, Key::leftCommand},
+    {KEY_LEFTALT, Key::leftOption},
+    {KEY_SPACE, Key::space},
+    {KEY_RIGHTALT, Key::rightOption},
+    {KEY_RIGHTMETA, Key::rightCommand},
+    {KEY_COMPOSE, Key::menu},  // the context menu key
+    {KEY_RIGHTCTRL, Key::rightControl},
     // JIS and Korean: the keys next to the space bar, left and right.
-    {KEY_MUHENKAN, 102},
-    {KEY_HANJA, 102},
-    {KEY_KATAKANAHIRAGANA, 104},
-    {KEY_HENKAN, 104},
-    {KEY_KATAKANA, 104},
-    {KEY_HIRAGANA, 104},
-    {KEY_HANGEUL, 104},
+    {KEY_MUHENKAN, Key::jisLeftOfSpace},
+    {KEY_HANJA, Key::jisLeftOfSpace},
+    {KEY_KATAKANAHIRAGANA, Key::jisRightOfSpace},
+    {KEY_HENKAN, Key::jisRightOfSpace},
+    {KEY_KATAKANA, Key::jisRightOfSpace},
+    {KEY_HIRAGANA, Key::jisRightOfSpace},
+    {KEY_HANGEUL, Key::jisRightOfSpace},
 
-    {KEY_INSERT, 114},
-    {KEY_HELP, 114},
-    {KEY_DELETE, 117},
-    {KEY_HOME, 115},
-    {KEY_END, 119},
-    {KEY_PAGEUP, 116},
-    {KEY_PAGEDOWN, 121},
-    {KEY_LEFT, 123},
-    {KEY_RIGHT, 124},
-    {KEY_DOWN, 125},
-    {KEY_UP, 126},
+    {KEY_INSERT, Key::insert},
+    {KEY_HELP, Key::insert},
+    {KEY_DELETE, Key::forwardDelete},
+    {KEY_HOME, Key::home},
+    {KEY_END, Key::end},
+    {KEY_PAGEUP, Key::pageUp},
+    {KEY_PAGEDOWN, Key::pageDown},
+    {KEY_LEFT, Key::leftArrow},
+    {KEY_RIGHT, Key::rightArrow},
+    {KEY_DOWN, Key::downArrow},
+    {KEY_UP, Key::upArrow},
 
-    {KEY_NUMLOCK, 71},
-    {KEY_KPEQUAL, 81},
-    {KEY_KPSLASH, 75},
-    {KEY_KPASTERISK, 67},
-    {KEY_KPMINUS, 78},
-    {KEY_KPPLUS, 69},
-    {KEY_KPENTER, 76},
-    {KEY_KPDOT, 65},
-    {KEY_KPJPCOMMA, 95},
-    {KEY_KPCOMMA, 95},
-    {KEY_KP0, 82},
-    {KEY_KP1, 83},
-    {KEY_KP2, 84},
-    {KEY_KP3, 85},
-    {KEY_KP4, 86},
-    {KEY_KP5, 87},
-    {KEY_KP6, 88},
-    {KEY_KP7, 89},
-    {KEY_KP8, 91},
-    {KEY_KP9, 92},
+    {KEY_NUMLOCK, Key::numLock},
+    {KEY_KPEQUAL, Key::keypadEqual},
+    {KEY_KPSLASH, Key::keypadDivide},
+    {KEY_KPASTERISK, Key::keypadMultiply},
+    {KEY_KPMINUS, Key::keypadMinus},
+    {KEY_KPPLUS, Key::keypadPlus},
+    {KEY_KPENTER, Key::keypadEnter},
+    {KEY_KPDOT, Key::keypadPoint},
+    {KEY_KPJPCOMMA, Key::keypadComma},
+    {KEY_KPCOMMA, Key::keypadComma},
+    {KEY_KP0, Key::keypad0},
+    {KEY_KP1, Key::keypad1},
+    {KEY_KP2, Key::keypad2},
+    {KEY_KP3, Key::keypad3},
+    {KEY_KP4, Key::keypad4},
+    {KEY_KP5, Key::keypad5},
+    {KEY_KP6, Key::keypad6},
+    {KEY_KP7, Key::keypad7},
+    {KEY_KP8, Key::keypad8},
+    {KEY_KP9, Key::keypad9},
 };
 
 constexpr uint16_t none = 0xFFFF;
@@ -160,8 +162,8 @@ constexpr Table virtualCodes = [] {
   Table table{};
   for (auto& entry : table)
     entry = none;
-  for (const Key& key : keys)
-    table.at(key.kernelCode) = key.virtualCode;
+  for (const Row& row : rows)
+    table.at(row.kernelCode) = codeOf(row.key);
   return table;
 }();
 
@@ -174,8 +176,8 @@ std::optional<uint16_t> virtualCodeOf(uint32_t kernelCode) {
 
 std::vector<uint16_t> kernelCodesOf(uint32_t virtualCode) {
   std::vector<uint16_t> result;
-  for (const Key& key : keys) {
-    if (key.virtualCode == virtualCode) result.push_back(key.kernelCode);
+  for (const Row& row : rows) {
+    if (codeOf(row.key) == virtualCode) result.push_back(row.kernelCode);
   }
   return result;
 }

@@ -77,7 +77,7 @@ bool Keyboard::takeAll(const KeySource::Sink& sink) {
 }
 
 void Keyboard::releaseAll(const KeySource::Sink& sink) {
-  held_.releaseAll(MachTime::now(), sink);
+  held_.releaseAll(machNow(), sink);
 }
 
 }  // namespace tobrin

@@ -86,7 +86,7 @@ void HidrawSource::readAll(const Sink& sink) {
     const HidMotionReport& report = device_.report;
     if (static_cast<std::size_t>(length) != report.bytes) continue;
     if (report.id != 0 && buffer[0] != report.id) continue;
-    sink(std::span(buffer).subspan(report.skip, MotionSource::reportBytes), MachTime::now());
+    sink(std::span(buffer).subspan(report.skip, MotionSource::reportBytes), machNow());
   }
 }
 

@@ -146,7 +146,7 @@ void IioBufferReader::chooseTrigger() {
 IioReader::End IioBufferReader::stream(const MotionSource::Sink& sink, const WakeEvent& interrupt,
                                        DeviceWatch& watch) {
   constexpr int quietMs = 1500;  // longer than any device of use takes to send its first sample
-  uint64_t last = MachTime::now();
+  uint64_t last = machNow();
   bool heard = false;
   for (;;) {
     // A waiting poll does not notice that the device is removed, but the news of it does.
@@ -156,12 +156,12 @@ IioReader::End IioBufferReader::stream(const MotionSource::Sink& sink, const Wak
         retried([&] { return ::read(file_.get(), bytes_.data(), bytes_.size()); });
     if (length > 0) {
       heard = true;
-      last = MachTime::now();
+      last = machNow();
       pass(static_cast<std::size_t>(length) / layout_.frameBytes(), last, sink);
       continue;
     }
     if (length == 0 || errno != EAGAIN) return End::gone;
-    if (MachTime::delta(MachTime::now(), last) >= quietMs) {
+    if (machDelta(machNow(), last) >= quietMs) {
       if (!isSwitchedOn(device_)) return End::taken;
       if (!heard) return End::silent;
     }

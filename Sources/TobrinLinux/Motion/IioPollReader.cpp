@@ -65,9 +65,9 @@ IioReader::End IioPollReader::stream(const MotionSource::Sink& sink, const WakeE
   constexpr int mostFailures = 100;
   int failures = 0;
   while (!isRaised(interrupt)) {
-    const uint64_t before = MachTime::now();
+    const uint64_t before = machNow();
     const auto counts = readCounts();
-    const uint64_t after = MachTime::now();
+    const uint64_t after = machNow();
     if (!counts && (errno == ENODEV || ++failures == mostFailures))
       return errno == EBUSY ? End::taken : End::gone;
     if (counts) {
@@ -75,8 +75,7 @@ IioReader::End IioPollReader::stream(const MotionSource::Sink& sink, const WakeE
       sink(encodeMotionReport(calibration_.apply(*counts)), before + (after - before) / 2);
     }
     // Slow buses get as much rest as work.
-    const double rest =
-        std::max(intervalMs - MachTime::delta(after, before), MachTime::delta(after, before));
+    const double rest = std::max(intervalMs - machDelta(after, before), machDelta(after, before));
     waitForAny({interrupt.fd()}, static_cast<int>(std::ceil(std::min(rest, 100.0))));
   }
   return End::interrupted;

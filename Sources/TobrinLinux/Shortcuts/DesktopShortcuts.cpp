@@ -77,9 +77,9 @@ void DesktopShortcuts::portalBoundChanged(bool bound) {
 void DesktopShortcuts::press(ShortcutRoute route) {
   constexpr double samePressMs = 200;
   const MutexLock lock(mutex_);
-  const uint64_t before = std::exchange(pressedAt_, MachTime::now());
+  const uint64_t before = std::exchange(pressedAt_, machNow());
   const bool isOther = std::exchange(pressedBy_, route) != route;
-  if (isOther && before != 0 && MachTime::delta(pressedAt_, before) < samePressMs) return;
+  if (isOther && before != 0 && machDelta(pressedAt_, before) < samePressMs) return;
   if (pressed_) pressed_();
 }
 

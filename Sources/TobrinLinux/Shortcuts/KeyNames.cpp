@@ -70,8 +70,8 @@ KeyNaming KeyNames::naming(uint32_t keyCode) {
 }
 
 void KeyNames::load() {
-  const uint64_t now = MachTime::now();
-  if (!context_ || (keymap_ && MachTime::delta(now, loadedAt_) < reloadAfterMs)) return;
+  const uint64_t now = machNow();
+  if (!context_ || (keymap_ && machDelta(now, loadedAt_) < reloadAfterMs)) return;
   loadedAt_ = now;
   if (!display_.empty() && loadFromServer()) return;
   if (!keymap_) loadFromSettings();

@@ -94,7 +94,7 @@ bool listsOurs(sd_bus_message* message) {
 int waitLimitMs(sd_bus* bus) {
   uint64_t deadline = 0;  // microseconds on the monotonic clock
   if (sd_bus_get_timeout(bus, &deadline) <= 0 || deadline == UINT64_MAX) return -1;
-  const uint64_t now = MachTime::now() / 1000;
+  const uint64_t now = machNow() / 1000;
   return deadline <= now
              ? 0
              : static_cast<int>(std::min<uint64_t>(deadline - now, 60'000'000) / 1000) + 1;

@@ -48,7 +48,7 @@ bool standardErrorIsTheJournal() {
 
 }  // namespace
 
-Log::Sink systemLog(const std::filesystem::path& socket) {
+LogSink systemLog(const std::filesystem::path& socket) {
   const auto daemon =
       standardErrorIsTheJournal() ? nullptr : std::make_shared<const Daemon>(socket);
   return [daemon](const std::string& line) {

@@ -8,8 +8,8 @@
 
 namespace tobrin {
 
-/// For `Log::setSink`. It sends to the log daemon's socket and never waits: a daemon that hangs or
+/// For `setLogSink`. It sends to the log daemon's socket and never waits: a daemon that hangs or
 /// is missing costs lines, not keys.
-[[nodiscard]] Log::Sink systemLog(const std::filesystem::path& socket = "/dev/log");
+[[nodiscard]] LogSink systemLog(const std::filesystem::path& socket = "/dev/log");
 
 }  // namespace tobrin

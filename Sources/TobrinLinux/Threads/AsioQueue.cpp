@@ -61,7 +61,7 @@ bool AsioQueue::isCurrent() const {
 }
 
 uint64_t AsioQueue::now() const {
-  return MachTime::now();
+  return machNow();
 }
 
 }  // namespace tobrin

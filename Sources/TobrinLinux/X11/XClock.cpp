@@ -38,9 +38,9 @@ std::optional<uint32_t> serverTime(xcb_connection_t* connection) {
 }  // namespace
 
 XClock XClock::compare(xcb_connection_t* connection) {
-  const uint32_t before = serverMs(MachTime::now());
+  const uint32_t before = serverMs(machNow());
   const auto time = serverTime(connection);
-  const uint32_t after = serverMs(MachTime::now());
+  const uint32_t after = serverMs(machNow());
   return XClock(time && wrappedDifference(*time, before) >= -toleranceMs &&
                 wrappedDifference(after, *time) >= -toleranceMs);
 }

@@ -111,8 +111,7 @@ void XKeySource::takeKey(const xcb_generic_event_t& event, HeldKeys::Change chan
   if (change == HeldKeys::Change::press && (repeats || keyboard.isHeld(kernelCode))) {
     change = HeldKeys::Change::repeat;
   }
-  if (const auto told =
-          keyboard.take(kernelCode, change, clock_.ticks(raw.time, MachTime::now()))) {
+  if (const auto told = keyboard.take(kernelCode, change, clock_.ticks(raw.time, machNow()))) {
     sink(*told);
   }
 }
@@ -127,7 +126,7 @@ void XKeySource::takeKeyboardsChanged(const xcb_generic_event_t& event, const Si
     if ((infos.data->flags & gone) == 0) continue;
     const auto found = keyboards_.find(infos.data->deviceid);
     if (found == keyboards_.end()) continue;
-    found->second.releaseAll(clock_.ticks(hierarchy.time, MachTime::now()), sink);
+    found->second.releaseAll(clock_.ticks(hierarchy.time, machNow()), sink);
     keyboards_.erase(found);
   }
 }

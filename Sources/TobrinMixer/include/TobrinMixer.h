@@ -1,9 +1,9 @@
 /// The real-time voice mixer: 32 voices of up to four sample layers, fed through a lock-free
 /// single-producer, single-consumer ring of commands.
 ///
-/// Threads: one producer (`tb_mixer_push`), one consumer (`tb_mixer_render`); the master gain and
-/// the counters may be used from any thread. Nothing here allocates, locks, logs or makes a system
-/// call after `tb_mixer_create`. Compiles as C11 and as C++20.
+/// One producer calls `tb_mixer_push` and `tb_mixer_forget`, one consumer, the render thread,
+/// `tb_mixer_render`. Nothing here allocates, locks, logs or makes a system call after
+/// `tb_mixer_create`. Compiles as C11 and as C++20. Thread: any.
 #ifndef TOBRIN_MIXER_H
 #define TOBRIN_MIXER_H
 
@@ -57,13 +57,13 @@ TBMixer* tb_mixer_create(float sampleRate, float crossfadeMs) TB_NOEXCEPT;
 /// Frees a mixer (null is allowed). No other call may be running or follow.
 void tb_mixer_destroy(TBMixer* mixer) TB_NOEXCEPT;
 
-/// Adds one command to the ring. Thread: the one producer; never blocks, never allocates.
+/// Adds one command to the ring. For the one producer; never blocks, never allocates.
 /// Returns false when all 512 slots are taken; the command is then lost and counted as dropped.
 bool tb_mixer_push(TBMixer* mixer, const TBCommand* command) TB_NOEXCEPT;
 
 /// Ends every voice without a fade and drops the commands that wait, before the next render does
 /// anything else: for an output that has been silent too long to go on where it was. No sample that
-/// was pushed before is read any more. Thread: the one producer; never blocks.
+/// was pushed before is read any more. For the one producer; never blocks.
 void tb_mixer_forget(TBMixer* mixer) TB_NOEXCEPT;
 
 /// Sets the master gain, linear, clamped to [0, 4]; reached across the next rendered block.
@@ -73,7 +73,7 @@ void tb_mixer_set_master(TBMixer* mixer, float gain) TB_NOEXCEPT;
 float tb_mixer_get_master(const TBMixer* mixer) TB_NOEXCEPT;
 
 /// Applies the queued commands, then overwrites `frames` samples of each channel with the mix.
-/// Thread: the one consumer. The output is mono (half the sum of both channels) when `right` is
+/// For the one consumer. The output is mono (half the sum of both channels) when `right` is
 /// null or equal to `left`. Any frame count works; 0 applies the commands alone.
 void tb_mixer_render(TBMixer* mixer, float* left, float* right, uint32_t frames) TB_NOEXCEPT;
 

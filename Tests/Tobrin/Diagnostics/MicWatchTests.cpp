@@ -43,7 +43,7 @@ TEST(MicWatch, SaysWhatItSeesWordForWord) {
     for (const bool called : {true, false}) {
       mic->activity.recordingProcesses = called ? std::vector<int32_t>{7} : std::vector<int32_t>();
       mic->changed();
-      queue.runUntil(queue.now() + MachTime::ticks(2000));
+      queue.runUntil(queue.now() + machTicks(2000));
       main.runUntil(queue.now());
     }
   };

@@ -36,7 +36,7 @@ class ScriptTyper final : public KeyTyper {
 /// The self-test of a machine on which everything works or nothing does: all its words, and its
 /// status.
 std::string selfTest(bool works) {
-  Log::setSink([](const std::string&) {});
+  setLogSink([](const std::string&) {});
   testing::KeyScript keys;
   testing::MotionScript motion;
   keys.allowed = works;
@@ -46,39 +46,39 @@ std::string selfTest(bool works) {
   VirtualQueue queue("conductor");
   const PlatformWords words{.keyAccessCheck = "tap", .noSensorCheck = "no sensor here"};
   std::ostringstream out;
-  SelfTest test(
-      {.discoverPacks =
-           [&] {
-             return std::vector<PackInfo>(
-                 works ? 2 : 1,
-                 {.id = "", .name = "Bad", .kind = "", .summary = "", .directory = ""});
-           },
-       .loadPack =
-           [&](const PackInfo&) {
-             if (!works) throw std::runtime_error("it is damaged");
-             return testing::TestPack::simple(512);
-           },
-       .conductorQueue = queue,
-       .audioDevice = std::make_unique<testing::HandDrivenDevice>(device),
-       .sensor = works ? nullptr
-                       : std::make_unique<ForceSensor>(
-                             std::make_unique<testing::ScriptedMotionSource>(motion)),
-       .listen =
-           [&](KeyMonitor::Handler handler) {
-             return std::make_unique<KeyMonitor>(std::make_unique<testing::ScriptedKeySource>(keys),
-                                                 std::move(handler), KeyMonitorOptions{});
-           },
-       .typer = std::make_unique<ScriptTyper>(keys),
-       .sleep =
-           [&](std::chrono::milliseconds time) {
-             queue.runUntil(queue.now() + MachTime::ticks(static_cast<double>(time.count())));
-             for (const float value : device->render(100).first)
-               EXPECT_EQ(value, 0) << "muted";
-           },
-       .words = words},
-      out);
+  SelfTest test({.discoverPacks =
+                     [&] {
+                       return std::vector<PackInfo>(
+                           works ? 2 : 1,
+                           {.id = "", .name = "Bad", .kind = "", .summary = "", .directory = ""});
+                     },
+                 .loadPack =
+                     [&](const PackInfo&) {
+                       if (!works) throw std::runtime_error("it is damaged");
+                       return testing::TestPack::simple(512);
+                     },
+                 .conductorQueue = queue,
+                 .audioDevice = std::make_unique<testing::HandDrivenDevice>(device),
+                 .sensor = works ? nullptr
+                                 : std::make_unique<ForceSensor>(
+                                       std::make_unique<testing::ScriptedMotionSource>(motion)),
+                 .listen =
+                     [&](KeyMonitor::Handler handler) {
+                       return std::make_unique<KeyMonitor>(
+                           std::make_unique<testing::ScriptedKeySource>(keys), std::move(handler),
+                           KeyMonitorOptions{});
+                     },
+                 .typer = std::make_unique<ScriptTyper>(keys),
+                 .sleep =
+                     [&](std::chrono::milliseconds time) {
+                       queue.runUntil(queue.now() + machTicks(static_cast<double>(time.count())));
+                       for (const float value : device->render(100).first)
+                         EXPECT_EQ(value, 0) << "muted";
+                     },
+                 .words = words},
+                out);
   const int status = test.run();
-  Log::setSink(nullptr);
+  setLogSink(nullptr);
   return out.str() + "status " + std::to_string(status) + "\n";
 }
 

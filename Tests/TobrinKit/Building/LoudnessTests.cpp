@@ -50,21 +50,21 @@ TEST(Loudness, MeasuresReferenceProgrammes) {
     std::vector<float> channel;
     for (const auto& [seconds, peakDb] : row.parts)
       addSine(channel, seconds, peakDb);
-    EXPECT_NEAR(Loudness::integrated(channel, channel, rate), row.lufs, 0.1) << row.label;
+    EXPECT_NEAR(integratedLoudness(channel, channel, rate), row.lufs, 0.1) << row.label;
   }
 }
 
 TEST(Loudness, NeedsOneLoudBlockAndDropsThePartialOneAtTheEnd) {
   auto sound = noise(43'200, 0.1);
-  EXPECT_EQ(Loudness::integrated(std::span(sound).first(19'199), {}, rate), silent);
-  EXPECT_GT(Loudness::integrated(std::span(sound).first(19'200), {}, rate), -30);
-  EXPECT_EQ(Loudness::integrated(noise(48'000, 1e-4), {}, rate), silent);
-  EXPECT_EQ(Loudness::integrated({}, {}, rate), silent);
-  const double whole = Loudness::integrated(sound, {}, rate);
+  EXPECT_EQ(integratedLoudness(std::span(sound).first(19'199), {}, rate), silent);
+  EXPECT_GT(integratedLoudness(std::span(sound).first(19'200), {}, rate), -30);
+  EXPECT_EQ(integratedLoudness(noise(48'000, 1e-4), {}, rate), silent);
+  EXPECT_EQ(integratedLoudness({}, {}, rate), silent);
+  const double whole = integratedLoudness(sound, {}, rate);
   sound.resize(43'200 + 4'799, 1.0f);
-  EXPECT_EQ(Loudness::integrated(sound, {}, rate), whole);
+  EXPECT_EQ(integratedLoudness(sound, {}, rate), whole);
   sound.resize(43'200 + 4'800, 1.0f);
-  EXPECT_NE(Loudness::integrated(sound, {}, rate), whole);
+  EXPECT_NE(integratedLoudness(sound, {}, rate), whole);
 }
 
 /// A long pause takes the filter's state to zero, which must leave no trace in what follows.
@@ -75,7 +75,7 @@ TEST(Loudness, ForgetsWhatLiesBeforeALongPause) {
   std::vector<float> twice = sound;
   twice.resize(480'000 - 96'000);
   twice.insert(twice.end(), sound.begin(), sound.end());
-  EXPECT_NEAR(Loudness::integrated(twice, {}, rate), Loudness::integrated(late, {}, rate), 0.05);
+  EXPECT_NEAR(integratedLoudness(twice, {}, rate), integratedLoudness(late, {}, rate), 0.05);
 }
 
 }  // namespace

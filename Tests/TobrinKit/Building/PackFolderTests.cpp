@@ -31,7 +31,7 @@ TEST(PackFolder, TheOldPackStaysUntilTheNewOneIsWhole) {
   EXPECT_EQ(entriesIn(folder.path()), 2) << "nothing else is left behind";
 }
 
-TEST(PackFolder, ReplacesPacksByWhateverNameAndNothingElse) {
+TEST(PackFolder, ReplacesPacksByAnyNameAndNothingElse) {
   const testing::TempFolder folder;
   const fs::path pack = folder.write("mine/pack.json", "").parent_path();
   folder.write("letters/first.txt", "dear");

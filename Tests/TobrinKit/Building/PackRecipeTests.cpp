@@ -25,11 +25,11 @@ TEST(PackRecipe, CreditsEveryRecordingOnceAndSurvivesWriting) {
   EXPECT_TRUE(
       text.ends_with("/s/7/ (CC0); \"More\" by bob (CC BY). Sliced and leveled for Tobrin."))
       << "a file of one's own has nobody's page: " << text;
-  RecordingSlicer::Options expected;
+  SlicerOptions expected;
   expected.alphaVariants = 8;
   EXPECT_EQ(read.options, expected);
   EXPECT_EQ(PackRecipe::fromJson(read.toJson()), read);
-  EXPECT_EQ(slicerOptionsFromJson("{}"), RecordingSlicer::Options());
+  EXPECT_EQ(slicerOptionsFromJson("{}"), SlicerOptions());
 }
 
 TEST(PackRecipe, RefusesWhatIsWrongByItsKey) {

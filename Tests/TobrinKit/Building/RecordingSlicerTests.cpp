@@ -9,6 +9,7 @@
 #include "Base/SplitMix64.h"
 #include "Building/RecordedPackBuilder.h"
 #include "Building/TypingLattice.h"
+#include "Packs/SampleBuffer.h"
 #include "Support/AudioFiles.h"
 #include "Support/KeptText.h"
 #include "Support/TempFolder.h"
@@ -48,8 +49,8 @@ class Composition {
     }
   }
 
-  RecordingSlicer::Result slice(const RecordingSlicer::Options& options = {}) const {
-    return RecordingSlicer::slice(samples_, samples_, rate, options);
+  SlicedRecording slice(const SlicerOptions& options = {}) const {
+    return sliceRecording(samples_, samples_, rate, options);
   }
   SplitMix64& rng() { return rng_; }
   [[nodiscard]] const std::vector<float>& samples() const { return samples_; }
@@ -82,8 +83,7 @@ Composition everything(double pace, std::vector<std::size_t>& presses) {
 }
 
 /// How many of the composed presses are found as presses, in spite of all that disturbs them.
-double shareOfPresses(const RecordingSlicer::Result& result,
-                      const std::vector<std::size_t>& presses) {
+double shareOfPresses(const SlicedRecording& result, const std::vector<std::size_t>& presses) {
   const auto found = std::ranges::count_if(presses, [&](std::size_t onset) {
     return std::ranges::any_of(result.hits, [&](const auto& hit) {
       return !hit.isRelease && hit.onset + 96 > onset && hit.onset < onset + 96;  // 2 ms
@@ -106,10 +106,10 @@ std::string line(const char* format, auto... values) {
   return text;
 }
 
-std::string describe(const RecordingSlicer::Result& result) {
+std::string describe(const SlicedRecording& result) {
   constexpr const char* fates[] = {"press",       "bigPress", "release", "clipped",
                                    "overlapping", "faint",    "repeated"};
-  const auto takes = [](const std::string& of, const std::vector<RecordingSlicer::Take>& list) {
+  const auto takes = [](const std::string& of, const std::vector<RecordedTake>& list) {
     std::string text;
     for (const auto& take : list) {
       const auto peak =
@@ -161,7 +161,7 @@ TEST(RecordedPack, EveryHitTakeAndWordOfAComposedRecordingIsAsItWas) {
                           {{source(2, "me", 3, 9)}},
                           {}};
   const auto pack = folder.path() / "own";
-  RecordedPackBuilder::build(
+  buildRecordedPack(
       recipe, folder.path() / "cache", pack,
       [&](const std::string& logged) { text += logged + "\n"; }, NoConverter());
   for (const auto& [name, content] : testing::filesIn(pack)) {
@@ -188,7 +188,7 @@ TEST(TypingLattice, TellsAllReadingsApart) {
   SplitMix64 rng(5);
   for (double time = 0; hits.size() < 200; time += 0.03 + 0.2 * rng.unit())
     hits.push_back({time, -14 * rng.unit()});
-  EXPECT_NEAR(TypingLattice::read({}, hits).logLikelihood, -453.908303180815, 1e-9);
+  EXPECT_NEAR(readTyping({}, hits).logLikelihood, -453.908303180815, 1e-9);
 }
 
 }  // namespace

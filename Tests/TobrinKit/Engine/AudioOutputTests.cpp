@@ -11,9 +11,9 @@ namespace {
 class AudioOutputTest : public ::testing::Test {
  protected:
   AudioOutputTest() {
-    Log::setSink([this](const std::string& line) { logged_.push_back(line); });
+    setLogSink([this](const std::string& line) { logged_.push_back(line); });
   }
-  ~AudioOutputTest() override { Log::setSink(nullptr); }
+  ~AudioOutputTest() override { setLogSink(nullptr); }
 
   std::vector<std::string> logged_;
   std::shared_ptr<testing::HandDrivenDevice::Controls> device_ =

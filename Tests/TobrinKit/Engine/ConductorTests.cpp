@@ -22,21 +22,21 @@ constexpr double stalledMs = 400;     // after which no fade is waited for
 class ConductorTest : public ::testing::Test {
  protected:
   ConductorTest() {
-    Log::setSink([](const std::string&) {});
+    setLogSink([](const std::string&) {});
     settings_.volume = 1;
     settings_.blendTiers = false;  // so that a level tells the tier
     conductor_->setOnForce([this](const ForceReading& reading) { readings_.push_back(reading); });
     conductor_->setPack(testing::TestPack::simple());
     apply();
   }
-  ~ConductorTest() override { Log::setSink(nullptr); }
+  ~ConductorTest() override { setLogSink(nullptr); }
 
   void apply(bool wakeNow = true) {
     conductor_->apply(settings_, wakeNow);
     advance(0);
   }
   void advance(double milliseconds) {
-    queue_.runUntil(queue_.now() + MachTime::ticks(milliseconds));
+    queue_.runUntil(queue_.now() + machTicks(milliseconds));
     sensor_->awaitStart();  // and what comes of it
     queue_.runUntil(queue_.now());
   }
@@ -78,7 +78,7 @@ class ConductorTest : public ::testing::Test {
   std::unique_ptr<ForceSensor> madeSensor_ =
       std::make_unique<ForceSensor>(std::make_unique<testing::ScriptedMotionSource>(motion_));
   ForceSensor* const sensor_ = madeSensor_.get();
-  VirtualQueue queue_{Conductor::queueName, MachTime::ticks(1e6)};
+  VirtualQueue queue_{Conductor::queueName, machTicks(1e6)};
   std::unique_ptr<Conductor> conductor_ = std::make_unique<Conductor>(
       queue_, std::make_unique<AudioOutput>(std::make_unique<testing::HandDrivenDevice>(device_)),
       std::move(madeSensor_));

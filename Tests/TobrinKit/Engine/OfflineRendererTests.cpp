@@ -24,11 +24,11 @@ ScriptedKey up(double time, float position = 1, uint16_t code = space) {
   return {time, code, KeyAction::up, position};
 }
 
-OfflineRenderer::Sound render(std::vector<ScriptedKey> script, double tail) {
+RenderedSound render(std::vector<ScriptedKey> script, double tail) {
   EngineSettings settings;
   settings.volume = 1;  // so that the master does not move
   settings.blendTiers = false;
-  return OfflineRenderer::render(*TestPack::simple(2400), std::move(script), settings, tail, rate);
+  return renderOffline(*TestPack::simple(2400), std::move(script), settings, tail, rate);
 }
 
 TEST(OfflineRenderer, StartsKeysWithTheirBlockAndLastsUntilTheTailAfterTheLast) {
@@ -58,7 +58,7 @@ TEST(OfflineRenderer, PlaysEveryKeyAsItMustSound) {
   plain.mixer.setMaster(0.7f);
   SplitMix64 rng(42);
   const auto [left, right] =
-      OfflineRenderer::render(*testing::PlainVoicing::pack(), script, settings, 0.05, rate);
+      renderOffline(*testing::PlainVoicing::pack(), script, settings, 0.05, rate);
   auto key = script.begin();
   for (std::size_t from = 0; from < left.size(); from += 64) {
     const std::size_t to = std::min(from + 64, left.size());

@@ -42,7 +42,7 @@ class PlainVoicing final {
 
   void press(uint16_t code, double position, double relative, double gain = 1, double rate = 1) {
     TBCommand command = start(code, rate);
-    const KeyGroup group = KeyLayout::group(code);
+    const KeyGroup group = keyGroupOf(code);
     const std::array<double, tierCount> weights = weightsOf(position);
     for (std::size_t tier = 0; tier < tierCount; ++tier) {
       const std::size_t take = variant(code) % takes(group, tier);
@@ -54,7 +54,7 @@ class PlainVoicing final {
 
   void release(uint16_t code, double relative, double gain = 1, double rate = 1) {
     TBCommand command = start(code, rate);
-    const KeyGroup group = KeyLayout::group(code);
+    const KeyGroup group = keyGroupOf(code);
     command.layers[0] = sample(group, 4, variant(code) % releases(group));
     command.weights[0] = static_cast<float>(std::clamp(std::sqrt(relative), 0.5, 1.3) * 0.8 * gain);
     mixer.push(command);
@@ -99,14 +99,14 @@ class PlainVoicing final {
   static std::size_t variant(uint16_t code) {
     std::size_t most = 0;
     for (std::size_t tier = 0; tier < tierCount; ++tier)
-      most = std::max(most, takes(KeyLayout::group(code), tier));
+      most = std::max(most, takes(keyGroupOf(code), tier));
     return hash(code) % most;
   }
   TBCommand start(uint16_t code, double rate) {
     TBCommand command{};
     command.type = TB_COMMAND_START;
     command.tag = ++tag_;
-    const double side = (KeyLayout::column(code).value_or(7.5) / 15 - 0.5) * 2;
+    const double side = (keyColumn(code).value_or(7.5) / 15 - 0.5) * 2;
     command.pan = static_cast<float>(side * static_cast<double>(settings.spatial) * 0.6);
     const double steps = static_cast<double>((hash(code) >> 24) % 2001) - 1000;
     command.rate = static_cast<float>(rate * (1 + 0.012 * steps / 1000));

@@ -12,7 +12,7 @@
 namespace tobrin {
 namespace {
 
-using Take = RecordingSlicer::Take;
+using Take = RecordedTake;
 
 double decibels(double power) {
   return 10 * std::log10(power);
@@ -51,7 +51,7 @@ struct Slope {
 };
 
 Take synthesized(const SynthProfile& profile, Tier tier, uint64_t variant) {
-  auto sound = KeySynth::render(KeyGroup::alpha, tier, variant, profile);
+  auto sound = renderKey(KeyGroup::alpha, tier, variant, profile);
   Take take{std::move(sound.left), std::move(sound.right)};
   constexpr float quiet = 0.1f;  // as is: the loudest would clip
   for (auto* channel : {&take.left, &take.right})

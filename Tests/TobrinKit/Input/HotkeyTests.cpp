@@ -13,7 +13,7 @@ namespace {
 
 constexpr Hotkey toggle{40, {Modifiers::control | Modifiers::option | Modifiers::command}};
 
-TEST(ChordRecognizer, HearsExactlyItsCombinationOnceAPress) {
+TEST(ChordRecognizer, SeesExactlyItsCombinationOnceAPress) {
   ChordRecognizer chords;
   int presses = 0;
   const auto down = [&](uint16_t code) { chords.observe({code, KeyAction::down, 0}); };

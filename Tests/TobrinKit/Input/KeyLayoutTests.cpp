@@ -30,11 +30,10 @@ TEST(KeyLayout, GivesEveryKeyItsGroupAndPlace) {
     groups[code] = KeyGroup::modifier;
   for (uint16_t code = 0; code < 300; ++code) {
     const double column = code < columns.size() ? columns[code] : none;
-    EXPECT_NEAR(KeyLayout::column(code).value_or(none), column, 1e-9) << code;
-    EXPECT_NEAR(KeyLayout::pan(code), column == none ? 0 : column / 7.5 - 1, 1e-6) << code;
+    EXPECT_NEAR(keyColumn(code).value_or(none), column, 1e-9) << code;
+    EXPECT_NEAR(keyPan(code), column == none ? 0 : column / 7.5 - 1, 1e-6) << code;
     const auto group = groups.find(code);
-    EXPECT_EQ(KeyLayout::group(code), group == groups.end() ? KeyGroup::alpha : group->second)
-        << code;
+    EXPECT_EQ(keyGroupOf(code), group == groups.end() ? KeyGroup::alpha : group->second) << code;
   }
 }
 

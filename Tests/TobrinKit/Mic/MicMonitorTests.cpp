@@ -31,7 +31,7 @@ class MicMonitorTest : public ::testing::Test {
   }
 
   void pass(double ms) {
-    queue_.runUntil(queue_.now() + MachTime::ticks(ms));
+    queue_.runUntil(queue_.now() + machTicks(ms));
     main_.runUntil(queue_.now());
   }
 

@@ -79,7 +79,7 @@ class LoadedPackFolder : public ::testing::Test {
     folder_.write("MyPack/" + name, wav16({}, std::vector<int16_t>(frames, 8192)));
   }
   [[nodiscard]] std::shared_ptr<const LoadedPack> load() const {
-    return LoadedPack::load(PackInfo::read(folder_.path() / "MyPack", false), 48000);
+    return loadPack(PackInfo::read(folder_.path() / "MyPack", false), 48000);
   }
   [[nodiscard]] std::string failure() const {
     return testing::failureOf([this] { (void)load(); });
@@ -125,7 +125,7 @@ TEST_F(LoadedPackFolder, ConvertsEachFileAsIfItWereAlone) {
   manifest(numbered(11));
   for (const unsigned threads : {1u, 3u}) {
     const auto contents = PackLoader(folder_.path() / "MyPack", 48000, threads)
-                              .load(LoadedPack::readManifest(folder_.path() / "MyPack"));
+                              .load(PackManifest::read(folder_.path() / "MyPack"));
     for (std::size_t n = 0; n < alone.size(); ++n) {
       const SampleBuffer& sound = *contents.buffers[n];
       ASSERT_EQ(sound.frames(), alone[n]->frames()) << n;
@@ -187,7 +187,7 @@ TEST_F(LoadedPackFolder, HoldsTheBudgetToTheFrame) {
   wav("9.wav", 1);
   EXPECT_EQ(failure(), "Invalid MyPack: pack is too large");
   folder_.write("MyPack/3.wav", "no sound");
-  EXPECT_TRUE(failure().starts_with("Can't read 3.wav")) << "the earlier fault is told";
+  EXPECT_TRUE(failure().starts_with("Can't read 3.wav")) << "the earlier fault is named";
   sparse("0.wav", uint64_t{0x7FFFFF00});
   EXPECT_EQ(failure(), "Invalid MyPack: pack is too large");
 }

@@ -11,7 +11,7 @@
 namespace tobrin {
 namespace {
 
-/// An environment with folders of its own and packs in them.
+/// An environment with its own folders and packs in them.
 class PackLibraryFolders : public ::testing::Test {
  protected:
   PackLibraryFolders() {
@@ -31,7 +31,7 @@ class PackLibraryFolders : public ::testing::Test {
   }
   [[nodiscard]] std::string names() const {
     std::string names;
-    for (const PackInfo& info : PackLibrary::discover(environment()))
+    for (const PackInfo& info : discoverPacks(environment()))
       names += info.name + (info.isBundled ? "*" : "") + ";";
     return names;
   }
@@ -67,7 +67,7 @@ TEST_F(PackLibraryFolders, OrdersNamesByTheFirstLocaleThatIsSet) {
 }
 
 TEST_F(PackLibraryFolders, FindsTheUsersFolder) {
-  const auto folder = [&] { return PackLibrary::userPacksDirectory(environment()).string(); };
+  const auto folder = [&] { return userPacksDirectory(environment()).string(); };
   variables_["HOME"] = "/home/me";
   EXPECT_EQ(folder(), variables_["XDG_DATA_HOME"] + "/Tobrin/Packs");
   for (const char* ignored : {"", "relative"}) {

@@ -120,7 +120,7 @@ std::filesystem::path compressed(const TempFolder& folder, const char* name, int
   return file;
 }
 
-TEST(SampleBuffer, HoldsTheLimitWhateverALengthClaims) {
+TEST(SampleBuffer, HoldsTheLimitAgainstFalseLengths) {
   const TempFolder folder;
   const auto slow = folder.write("b.wav", wav16({.rate = 24000}, std::vector<int16_t>(500)));
   for (const auto& [file, frames] :

@@ -16,8 +16,8 @@ TEST(KeySynth, LeavesOutWhatLiesTooHighToRingAndEndsAtTheLimit) {
   shrill.ping = {{.frequency = 30'000, .decay = 0.02, .amplitude = 1}};
   shrill.thump.frequency = 30'000;
   gong.thump.amplitude = 0;
-  const auto sound = KeySynth::render(KeyGroup::alpha, Tier::hard, 0, gong).left;
-  EXPECT_EQ(KeySynth::render(KeyGroup::alpha, Tier::hard, 0, shrill).left, sound);
+  const auto sound = renderKey(KeyGroup::alpha, Tier::hard, 0, gong).left;
+  EXPECT_EQ(renderKey(KeyGroup::alpha, Tier::hard, 0, shrill).left, sound);
   EXPECT_EQ(sound.size(), 76'800u);  // 1.6 s
   EXPECT_EQ(sound.back(), 0);
 }
@@ -27,8 +27,7 @@ using testing::filesIn;
 TEST(PackGenerator, SameBytesOnAnyNumberOfThreadsInPlaceOfWhatWasThere) {
   const testing::TempFolder folder;
   const auto generate = [&](unsigned threads) {
-    return filesIn(
-        PackGenerator::generate(SynthProfile::panda(), folder.path() / "new/packs", threads));
+    return filesIn(generatePack(SynthProfile::panda(), folder.path() / "new/packs", threads));
   };
   const auto first = generate(1);
   folder.write("new/packs/panda/stale.wav", "from an earlier version");

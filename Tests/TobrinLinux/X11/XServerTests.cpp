@@ -53,12 +53,12 @@ TEST_F(XKeySourceTest, DropsTheBacklogOfAStalledListener) {
   ASSERT_TRUE(source.open());
   server->press({KEY_A});
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
-  const uint64_t before = MachTime::now();
+  const uint64_t before = machNow();
   server->release({KEY_A});
   std::vector<double> ageMs;
   source.run([&](const KeySource::Event& event) {
     ASSERT_TRUE(event.time);
-    ageMs.push_back(MachTime::delta(before, *event.time));
+    ageMs.push_back(machDelta(before, *event.time));
     if (ageMs.size() == 2) source.interrupt();
   });
   EXPECT_GT(ageMs[0], 250);
