@@ -8,9 +8,7 @@ namespace tobrin {
 class MicMonitor::Core : public std::enable_shared_from_this<Core> {
  public:
   Core(SerialQueue& queue, SerialQueue& main, std::unique_ptr<MicSource> source)
-      : queue_(queue), main_(main), source_(std::move(source)) {
-    assert(source_);
-  }
+      : queue_(queue), main_(main), source_(std::move(source)) {}
 
   void start() {
     assert(queue_.isCurrent());
