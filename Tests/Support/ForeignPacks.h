@@ -26,7 +26,7 @@ inline std::vector<float> strokeSound(unsigned pitch, float peak = 0.5f, double 
     const double at = static_cast<double>(n) / rate;
     noise = noise * 1664525 + 1013904223;
     const double hiss = std::exp(-at / 0.003) * (static_cast<double>(noise >> 8) * 0x1p-23 - 1);
-    const double tone = std::exp(-at / 0.015) * std::sin(6.2832 * (500 + 40.0 * pitch) * at);
+    const double tone = std::exp(-at / 0.015) * std::sin(6.2832 * (500 + 100.0 * pitch) * at);
     sound.push_back(peak * static_cast<float>(0.6 * tone + 0.4 * hiss));
   }
   return sound;

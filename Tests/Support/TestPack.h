@@ -30,10 +30,16 @@ class TestPack final {
     contents_.up[group].push_back(add(value, frames));
     return *this;
   }
+  /// Says which takes a key plays.
+  TestPack& key(uint16_t code, PackManifest::Key takes) {
+    keyTakes_[code] = std::move(takes);
+    return *this;
+  }
   /// The pack; the collection is empty afterwards.
   std::shared_ptr<const LoadedPack> make(const std::string& id = "test") {
     PackManifest manifest;
     manifest.id = manifest.name = manifest.kind = id;
+    manifest.keyTakes = std::exchange(keyTakes_, {});
     PackInfo info{.id = id, .name = id, .kind = id, .summary = {}, .directory = {}};
     return std::make_shared<const LoadedPack>(std::move(info), std::move(manifest),
                                               std::exchange(contents_, {}));
@@ -57,6 +63,7 @@ class TestPack final {
     return contents_.buffers.size() - 1;
   }
   LoadedPack::Contents contents_;
+  std::map<uint16_t, PackManifest::Key> keyTakes_;
 };
 
 }  // namespace tobrin::testing

@@ -1,7 +1,11 @@
 // Packs of other programs, composed here with every fault that is seen in theirs.
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "Input/KeyLayout.h"
 #include "Packs/PackLoader.h"
 #include "RunWorkshop.h"
 #include "Support/ForeignPacks.h"
@@ -58,6 +62,53 @@ TEST(ImportCommand, MakesPacksOfEveryFormatFromFoldersAndArchives) {
       ArchiveMaker(file, archive, filter).add(files);
       imported(file, into);
       EXPECT_EQ(testing::filesIn(into), fromFolder) << name << ", " << ending;
+    }
+  }
+}
+
+/// Which of the composed strokes a take is, by its pitch.
+int pitchOf(const TBSample& take) {
+  constexpr std::size_t begin = 480, end = 1440;  // past the noise of the attack
+  int crossings = 0;
+  for (std::size_t i = begin; i < std::min<std::size_t>(end, take.frames) - 1; ++i)
+    crossings += (take.left[i] < 0) != (take.left[i + 1] < 0) ? 1 : 0;
+  const double hertz = crossings / 2.0 * 48000 / (end - begin);
+  return static_cast<int>(std::lround((hertz - 500) / 100));
+}
+
+/// The strokes that a key plays in turn.
+std::set<int> pitches(const LoadedPack& pack, uint16_t code) {
+  std::set<int> result;
+  const auto* own = pack.pressVariants(code);
+  for (const std::size_t variant : own != nullptr ? *own : LoadedPack::Variants())
+    result.insert(pitchOf(pack.layers(keyGroupOf(code), variant).samples[1]));
+  return result;
+}
+
+TEST(ImportCommand, GivesEachKeyItsOwnSound) {
+  const std::pair<const char*, Files> packs[] = {{"sprite", foreign::sprite()},
+                                                 {"files", foreign::files()},
+                                                 {"named", foreign::named()},
+                                                 {"key files", foreign::keyFiles()},
+                                                 {"profile", foreign::profile()}};
+  for (const auto& [name, files] : packs) {
+    const testing::TempFolder folder;
+    testing::writeFiles(folder.path() / "source", files);
+    imported(folder.path() / "source", folder.path() / "into");
+    const auto pack = loaded(folder.path() / "into");
+    const bool isProfile = std::string(name) == "profile";
+    const bool hasOthers = isProfile || std::string(name) == "files";
+    const auto expected = [&](int pitch) { return std::set<int>{isProfile ? 1 : pitch}; };
+    EXPECT_EQ(pitches(*pack, 0), std::string(name) == "files" ? std::set({0, 7}) : std::set({0}));
+    EXPECT_EQ(pitches(*pack, 49), expected(1)) << name << ", Space";
+    EXPECT_EQ(pitches(*pack, 36), expected(2)) << name << ", Enter";
+    EXPECT_EQ(pitches(*pack, 51), expected(3)) << name << ", Backspace";
+    EXPECT_EQ(pitches(*pack, 56), expected(4)) << name << ", Shift";
+    EXPECT_EQ(pitches(*pack, 124), std::set{5}) << name << ", right arrow";
+    EXPECT_EQ(pitches(*pack, 89), hasOthers ? expected(6) : std::set<int>())
+        << name << ", keypad 7";
+    if (std::string(name) == "sprite") {
+      EXPECT_TRUE(pack->pressVariants(53)->empty()) << "Escape is null";
     }
   }
 }

@@ -129,13 +129,14 @@ void renderByScalarLoop(const LoadedPack& pack, const std::vector<ScriptedKey>& 
   std::vector<float> left(frames), right(frames);
   const Voicing voicing(pack, settings);
   ScalarMixer mixer;
+  uint32_t tag = 0;
   auto key = script.begin();
   for (std::size_t done = 0; done + blockFrames <= left.size(); done += blockFrames) {
     for (; key != script.end() && key->time * engineRate < static_cast<double>(done + blockFrames);
          ++key) {
       const auto command = key->action == KeyAction::down
-                               ? voicing.press(key->code, {key->position, 1}, {})
-                               : voicing.release(key->code, 1, {});
+                               ? voicing.press(++tag, key->code, {key->position, 1}, {})
+                               : voicing.release(++tag, key->code, 1, {});
       if (command) mixer.start(*command);
     }
     mixer.render(left.data() + done, right.data() + done, blockFrames);

@@ -48,6 +48,13 @@ std::optional<std::string> nearest(const std::string& name, const Json& known) {
   return best;
 }
 
+/// Stands in an example for every key code.
+constexpr const char* anyCode = "0";
+
+bool isNumber(const std::string& name) {
+  return std::ranges::all_of(name, [](char c) { return c >= '0' && c <= '9'; });
+}
+
 void compare(const Json& document, const Json& example, const std::string& place,
              std::vector<std::string>& lines) {
   if (document.is_array() && example.is_array() && !example.empty()) {
@@ -61,6 +68,10 @@ void compare(const Json& document, const Json& example, const std::string& place
     const std::string where = prefix + name;
     if (const auto known = example.find(name); known != example.end()) {
       compare(value, *known, where, lines);
+      continue;
+    }
+    if (isNumber(name) && example.contains(anyCode)) {
+      compare(value, example[anyCode], where, lines);
       continue;
     }
     if (const auto tier = tierNamed(name); tier && example.contains(tobrin::name(*tier))) continue;
@@ -97,6 +108,7 @@ std::string exampleManifest() {
   group.up.emplace();
   for (const KeyGroup each : allKeyGroups)
     manifest.groups.emplace(rawValue(each), group);
+  manifest.keyTakes[0] = {std::vector<uint32_t>(), std::vector<uint32_t>()};
   return manifest.toJson();
 }
 

@@ -43,13 +43,10 @@ class ScriptVoicer final {
   std::optional<TBCommand> command(const ScriptedKey& key) {
     const StrokeVariation variation = StrokeVariation::draw(rng_);
     const float relative = relativeStrength(key.position);
-    std::optional<TBCommand> command;
     if (key.action == KeyAction::down)
-      command = voicing_.press(key.code, {key.position, relative}, variation);
-    else if (releaseSounds_)
-      command = voicing_.release(key.code, relative, variation);
-    if (command) command->tag = ++tag_;
-    return command;
+      return voicing_.press(++tag_, key.code, {key.position, relative}, variation);
+    if (!releaseSounds_) return std::nullopt;
+    return voicing_.release(++tag_, key.code, relative, variation);
   }
 
  private:

@@ -18,9 +18,8 @@ uint32_t VoicePlayer::nextTag() {
 uint32_t VoicePlayer::press(uint16_t code, const StrokeStrength& strength,
                             const StrokeVariation& variation) {
   if (!pack_) return 0;
-  TBCommand command = voicing().press(code, strength, variation);
-  command.tag = nextTag();
-  return send(command) ? command.tag : 0;
+  const auto command = voicing().press(nextTag(), code, strength, variation);
+  return command && send(*command) ? command->tag : 0;
 }
 
 void VoicePlayer::reweigh(uint32_t tag, uint16_t code, const StrokeStrength& strength, float gain) {
@@ -29,10 +28,9 @@ void VoicePlayer::reweigh(uint32_t tag, uint16_t code, const StrokeStrength& str
 
 void VoicePlayer::release(uint16_t code, float relative, SplitMix64& rng) {
   if (!pack_) return;
-  std::optional<TBCommand> command = voicing().release(code, relative, {});
+  std::optional<TBCommand> command = voicing().release(nextTag(), code, relative, {});
   if (!command) return;
   command->weights[0] *= static_cast<float>(1 + 0.05 * rng.signedUnit());
-  command->tag = nextTag();
   send(*command);
 }
 

@@ -34,11 +34,12 @@ StrokeVariation StrokeVariation::draw(SplitMix64& rng) {
   return {static_cast<float>(gain), static_cast<float>(rate)};
 }
 
-TBCommand Voicing::press(uint16_t code, const StrokeStrength& strength,
-                         const StrokeVariation& variation) const {
-  const auto [group, variant] = take(code);
-  const LoadedPack::Layers layers = pack_.layers(group, variant);
-  TBCommand command = start(code, variation.rate);
+std::optional<TBCommand> Voicing::press(uint32_t tag, uint16_t code, const StrokeStrength& strength,
+                                        const StrokeVariation& variation) const {
+  const auto played = take(tag, code, pack_.pressVariants(code));
+  if (!played) return std::nullopt;
+  const LoadedPack::Layers layers = pack_.layers(played->group, played->variant);
+  TBCommand command = start(tag, code, variation.rate);
   std::copy(layers.samples.begin(), layers.samples.end(), command.layers);
   setWeights(command, layers, strength, variation.gain);
   return command;
@@ -47,37 +48,45 @@ TBCommand Voicing::press(uint16_t code, const StrokeStrength& strength,
 TBCommand Voicing::reweigh(uint32_t tag, uint16_t code, const StrokeStrength& strength,
                            float gain) const {
   assert(tag != 0);
-  const auto [group, variant] = take(code);
   TBCommand command{};
   command.type = TB_COMMAND_SET_WEIGHTS;
   command.tag = tag;
-  setWeights(command, pack_.layers(group, variant), strength, gain);
+  if (const auto played = take(tag, code, pack_.pressVariants(code)))
+    setWeights(command, pack_.layers(played->group, played->variant), strength, gain);
   return command;
 }
 
-std::optional<TBCommand> Voicing::release(uint16_t code, float relative,
+std::optional<TBCommand> Voicing::release(uint32_t tag, uint16_t code, float relative,
                                           const StrokeVariation& variation) const {
   constexpr float level = 0.8f;  // releases are quieter than presses
-  const auto [group, variant] = take(code);
-  const std::optional<LoadedPack::Take> released = pack_.release(group, variant);
+  const auto played = take(tag, code, pack_.releaseVariants(code));
+  if (!played) return std::nullopt;
+  const auto released = pack_.release(played->group, played->variant);
   if (!released) return std::nullopt;
-  TBCommand command = start(code, variation.rate);
+  TBCommand command = start(tag, code, variation.rate);
   command.layers[0] = released->sample;
   command.weights[0] = variation.gain * releaseGain(relative) * released->gain * level;
   return command;
 }
 
-/// The take a key plays; the same key always plays the same one.
-Voicing::Take Voicing::take(uint16_t code) const {
+/// One of those that the pack gives the key, which are `own`. A key without plays one take of its
+/// group, always the same.
+std::optional<Voicing::Take> Voicing::take(uint32_t tag, uint16_t code,
+                                           const LoadedPack::Variants* own) const {
   const KeyGroup group = keyGroupOf(code);
-  const std::size_t takes = std::max<std::size_t>(pack_.variantCount(group), 1);
-  return {group, static_cast<std::size_t>(keyIdentity(code) % takes)};
+  if (own == nullptr) {
+    const std::size_t takes = std::max<std::size_t>(pack_.variantCount(group), 1);
+    return Take{group, static_cast<std::size_t>(keyIdentity(code) % takes)};
+  }
+  if (own->empty()) return std::nullopt;
+  return Take{group, (*own)[static_cast<std::size_t>(SplitMix64(tag).next() % own->size())]};
 }
 
-TBCommand Voicing::start(uint16_t code, float rate) const {
+TBCommand Voicing::start(uint32_t tag, uint16_t code, float rate) const {
   constexpr float widestPan = 0.6f;
   TBCommand command{};
   command.type = TB_COMMAND_START;
+  command.tag = tag;
   command.pan = keyPan(code) * settings_.spatial * widestPan;
   command.rate = rate * detune(code);
   return command;

@@ -31,9 +31,12 @@ class Voicing final {
   Voicing(const LoadedPack& pack, const EngineSettings& settings)
       : pack_(pack), settings_(settings) {}
 
-  /// Starts the four layers of the key's take. The caller gives the voice its tag.
-  [[nodiscard]] TBCommand press(uint16_t code, const StrokeStrength& strength,
-                                const StrokeVariation& variation) const;
+  /// Starts the four layers of the key's take as the voice `tag`; nothing where the pack keeps the
+  /// key silent. Of several takes that the pack gives a key, the tag decides, which is another for
+  /// every stroke.
+  [[nodiscard]] std::optional<TBCommand> press(uint32_t tag, uint16_t code,
+                                               const StrokeStrength& strength,
+                                               const StrokeVariation& variation) const;
 
   /// New weights for the voice `tag`, which a press of the key started; `gain` is that of its
   /// variation.
@@ -41,8 +44,8 @@ class Voicing final {
                                   float gain) const;
 
   /// Starts the key's release take, as loud as its press was hard (`relative` to a typical stroke);
-  /// nothing where the pack has none. The caller gives the voice its tag.
-  [[nodiscard]] std::optional<TBCommand> release(uint16_t code, float relative,
+  /// nothing where the pack has none for it.
+  [[nodiscard]] std::optional<TBCommand> release(uint32_t tag, uint16_t code, float relative,
                                                  const StrokeVariation& variation) const;
 
  private:
@@ -51,8 +54,9 @@ class Voicing final {
     std::size_t variant;
   };
 
-  [[nodiscard]] Take take(uint16_t code) const;
-  [[nodiscard]] TBCommand start(uint16_t code, float rate) const;
+  [[nodiscard]] std::optional<Take> take(uint32_t tag, uint16_t code,
+                                         const LoadedPack::Variants* own) const;
+  [[nodiscard]] TBCommand start(uint32_t tag, uint16_t code, float rate) const;
   void setWeights(TBCommand& command, const LoadedPack::Layers& layers,
                   const StrokeStrength& strength, float gain) const;
 

@@ -73,6 +73,7 @@ PackDraft::PackDraft(PackManifest identity, TakeSet takes, ImportNotes& notes)
     : manifest_(std::move(identity)), takes_(std::move(takes)) {
   shorten(notes);
   addGroups();
+  addKeys();
 }
 
 void PackDraft::shorten(ImportNotes& notes) {
@@ -104,6 +105,15 @@ void PackDraft::addGroups() {
     if (lists.up.empty()) continue;
     for (const std::size_t take : lists.up)
       (entry.up ? *entry.up : entry.up.emplace()).push_back(releaseFile(take));
+  }
+}
+
+/// Where a pack has releases, a key without one has to say so: it would play another key's.
+void PackDraft::addKeys() {
+  for (const auto& [code, key] : takes_.keys) {
+    PackManifest::Key& entry = manifest_.keyTakes[code];
+    entry.down.emplace(key.down.begin(), key.down.end());
+    if (!takes_.releases.empty()) entry.up.emplace(key.up.begin(), key.up.end());
   }
 }
 

@@ -34,6 +34,7 @@ class PackDraft final {
 
   void shorten(ImportNotes& notes);
   void addGroups();
+  void addKeys();
   [[nodiscard]] double loudness() const;
   void scaleAll(float gain);
 

@@ -39,8 +39,8 @@ void dropEmptyLists(Contents& contents) {
 }
 
 template <typename Lists>
-const typename Lists::mapped_type* find(const Lists& lists, KeyGroup group) {
-  const auto found = lists.find(group);
+const typename Lists::mapped_type* find(const Lists& lists, typename Lists::key_type key) {
+  const auto found = lists.find(key);
   return found == lists.end() ? nullptr : &found->second;
 }
 
@@ -109,6 +109,16 @@ std::size_t LoadedPack::variantCount(KeyGroup group) const {
   for (const auto& list : down_[index(group)])
     count = std::max(count, list.size());
   return count;
+}
+
+const LoadedPack::Variants* LoadedPack::pressVariants(uint16_t code) const {
+  const PackManifest::Key* const key = find(manifest_.keyTakes, code);
+  return key != nullptr && key->down ? &*key->down : nullptr;
+}
+
+const LoadedPack::Variants* LoadedPack::releaseVariants(uint16_t code) const {
+  const PackManifest::Key* const key = find(manifest_.keyTakes, code);
+  return key != nullptr && key->up ? &*key->up : nullptr;
 }
 
 bool LoadedPack::hasReleaseSounds() const {

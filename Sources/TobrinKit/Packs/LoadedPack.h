@@ -55,6 +55,12 @@ class LoadedPack final {
   /// The largest number of takes among the group's tiers.
   [[nodiscard]] std::size_t variantCount(KeyGroup group) const;
 
+  /// What the pack says about one key's presses or releases: variants of its group, each of which
+  /// may play, none for silence; null where it says nothing.
+  using Variants = std::vector<uint32_t>;
+  [[nodiscard]] const Variants* pressVariants(uint16_t code) const;
+  [[nodiscard]] const Variants* releaseVariants(uint16_t code) const;
+
   [[nodiscard]] bool hasReleaseSounds() const;
   [[nodiscard]] const PackInfo& info() const { return info_; }
   [[nodiscard]] const PackManifest& manifest() const { return manifest_; }

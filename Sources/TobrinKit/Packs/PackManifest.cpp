@@ -1,5 +1,6 @@
 #include "Packs/PackManifest.h"
 
+#include <charconv>
 #include <set>
 #include <stdexcept>
 #include <string_view>
@@ -16,8 +17,8 @@ using Json = nlohmann::json;
 
 constexpr uint64_t maxManifestBytes = 4u << 20;  // a starter pack's manifest has 3 KiB
 
-constexpr const char* knownKeys[] = {"formatVersion", "id",     "name",    "kind",
-                                     "summary",       "author", "license", "groups"};
+constexpr const char* knownKeys[] = {"formatVersion", "id",      "name",   "kind",    "summary",
+                                     "author",        "license", "groups", "keyTakes"};
 
 [[noreturn]] void fail(const std::string& text) {
   throw std::runtime_error(text);
@@ -36,15 +37,15 @@ class ParseGuard {
 
  private:
   void note(int depth, const std::string& name) {
-    if (depth == 1) inGroups_ = name == "groups";
-    const bool known = depth > 1 ? inGroups_
+    if (depth == 1) inTakes_ = name == "groups" || name == "keyTakes";
+    const bool known = depth > 1 ? inTakes_
                                  : std::find(std::begin(knownKeys), std::end(knownKeys), name) !=
                                        std::end(knownKeys);
     if (known && !names_.back().insert(name).second) fail("\"" + name + "\" stands there twice");
   }
 
   std::vector<std::set<std::string>> names_;  // of the open objects, outermost first
-  bool inGroups_ = false;
+  bool inTakes_ = false;
 };
 
 const Json& required(const Json& object, std::string_view path, const char* key) {
@@ -98,6 +99,44 @@ PackManifest::Group groupValue(const Json& value, const std::string& path) {
   return group;
 }
 
+std::optional<std::vector<uint32_t>> variantList(const Json& object, const char* key,
+                                                 const std::string& place) {
+  const auto found = object.find(key);
+  if (found == object.end() || found->is_null()) return std::nullopt;
+  const std::string path = place + "." + key;
+  if (!found->is_array()) fail("\"" + path + "\" is not a list");
+  std::vector<uint32_t> variants;
+  for (const Json& entry : *found) {
+    const int64_t variant = integerValue(entry, path);
+    if (variant < 0 || variant > UINT32_MAX) fail("\"" + path + "\" holds no place in a list");
+    variants.push_back(static_cast<uint32_t>(variant));
+  }
+  return variants;
+}
+
+std::map<uint16_t, PackManifest::Key> keyTakes(const Json& document) {
+  std::map<uint16_t, PackManifest::Key> keys;
+  const auto found = document.find("keyTakes");
+  if (found == document.end() || found->is_null()) return keys;
+  for (const auto& [name, value] : objectValue(*found, "keyTakes").items()) {
+    const std::string path = "keyTakes." + name;
+    uint16_t code = 0;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), code);
+    if (error != std::errc() || end != name.data() + name.size())
+      fail("\"" + path + "\" is not named by a key code");
+    const Json& object = objectValue(value, path);
+    keys[code] = {variantList(object, "down", path), variantList(object, "up", path)};
+  }
+  return keys;
+}
+
+Json keyJson(const PackManifest::Key& key) {
+  Json object = Json::object();
+  if (key.down) object["down"] = *key.down;
+  if (key.up) object["up"] = *key.up;
+  return object;
+}
+
 Json groupJson(const PackManifest::Group& group) {
   Json object = {{"down", group.down}};
   if (group.up) object["up"] = *group.up;
@@ -120,6 +159,7 @@ PackManifest PackManifest::fromJson(std::string_view text) {
   for (const auto& [groupName, value] :
        objectValue(required(document, "", "groups"), "groups").items())
     manifest.groups[groupName] = groupValue(value, "groups." + groupName);
+  manifest.keyTakes = tobrin::keyTakes(document);
   return manifest;
 }
 
@@ -134,6 +174,8 @@ std::string PackManifest::toJson() const {
   if (license) document["license"] = *license;
   for (const auto& [groupName, group] : groups)
     document["groups"][groupName] = groupJson(group);
+  for (const auto& [code, key] : keyTakes)
+    document["keyTakes"][std::to_string(code)] = keyJson(key);
   return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

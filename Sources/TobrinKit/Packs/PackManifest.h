@@ -23,6 +23,15 @@ struct PackManifest {
     bool operator==(const Group&) const = default;
   };
 
+  /// Takes of one key, as places in the lists of its group, counted from 0; one in turn of several,
+  /// none where a list is empty. Without a list the key plays as if the pack did not name it.
+  struct Key {
+    std::optional<std::vector<uint32_t>> down;
+    std::optional<std::vector<uint32_t>> up;
+
+    bool operator==(const Key&) const = default;
+  };
+
   int64_t formatVersion = 1;
   std::string id;
   std::string name;
@@ -31,6 +40,7 @@ struct PackManifest {
   std::optional<std::string> author;
   std::optional<std::string> license;
   std::map<std::string, Group> groups;  ///< keyed by key-group name
+  std::map<uint16_t, Key> keyTakes{};   ///< by virtual key code; those that have takes of their own
 
   bool operator==(const PackManifest&) const = default;
 

@@ -4,8 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <set>
 
 #include "Base/SplitMix64.h"
+#include "Engine/Voicing.h"
 #include "PlainVoicing.h"
 #include "Support/TestPack.h"
 
@@ -29,6 +32,35 @@ RenderedSound render(std::vector<ScriptedKey> script, double tail) {
   settings.volume = 1;  // so that the master does not move
   settings.blendTiers = false;
   return renderOffline(*TestPack::simple(2400), std::move(script), settings, tail, rate);
+}
+
+TEST(Voicing, PlaysTheTakesThatThePackGivesAKey) {
+  TestPack builder;
+  for (std::size_t take = 0; take < 4; ++take)
+    builder.down(KeyGroup::alpha, Tier::medium, 0.1f, 100 + take)
+        .up(KeyGroup::alpha, 0.1f, 200 + take);
+  const auto pack =
+      builder.key(0, {{{2}}, {{3}}}).key(1, {{{}}, {{}}}).key(2, {{{1, 3}}, {}}).make();
+  const EngineSettings settings;
+  const Voicing voicing(*pack, settings);
+  const auto taken = [](const std::optional<TBCommand>& command) {
+    return command ? static_cast<int>(command->layers[0].frames) : 0;
+  };
+  std::map<uint16_t, std::set<int>> downs, ups;
+  for (uint32_t tag = 1; tag < 20; ++tag) {
+    for (uint16_t code = 0; code < 4; ++code) {
+      downs[code].insert(taken(voicing.press(tag, code, {}, {})));
+      ups[code].insert(taken(voicing.release(tag, code, 1, {})));
+    }
+  }
+  using Takes = std::set<int>;
+  EXPECT_EQ(downs[0], Takes{102});
+  EXPECT_EQ(ups[0], Takes{203});
+  EXPECT_EQ(downs[1], Takes{0}) << "silent";
+  EXPECT_EQ(ups[1], Takes{0});
+  EXPECT_EQ(downs[2], (Takes{101, 103})) << "in turn";
+  EXPECT_EQ(downs[3].size(), 1u) << "always the same, as without the map";
+  EXPECT_EQ(ups[2].size(), 1u);
 }
 
 TEST(OfflineRenderer, StartsKeysWithTheirBlockAndLastsUntilTheTailAfterTheLast) {

@@ -103,6 +103,7 @@ TEST(PackManifest, DecodesWhatItEncodesAndLeavesOutWhatItDoesNotKnow) {
   manifest.author = "";
   manifest.groups["space"].down["Loud"] = {"sub/1.wav", "sub/2.wav"};
   manifest.groups["alpha"].up = std::vector<std::string>{};
+  manifest.keyTakes[65535] = {{{0, 4294967295}}, {}};
   EXPECT_EQ(PackManifest::fromJson(manifest.toJson()), manifest);
 
   const std::string text = manifest.toJson();
@@ -136,6 +137,10 @@ TEST(PackManifest, RefusesMalformedTextNamingTheKey) {
           {withGroups(R"({"alpha":{"down":{},"up":{}}})"), "\"groups.alpha.up\" is not a list"},
           {withGroups(R"({"x":{"down":{}},"x":{"down":{}}})"), "\"x\" stands there twice"},
           {withGroups(R"({"x":{"down":{"a":[],"a":[]}}})"), "\"a\" stands there twice"},
+          {withGroups(R"({},"keyTakes":{"a":{}})"), "\"keyTakes.a\" is not named by a key code"},
+          {withGroups(R"({},"keyTakes":{"65536":{}})"), "\"keyTakes.65536\" is not named by"},
+          {withGroups(R"({},"keyTakes":{"1":{},"1":{}})"), "\"1\" stands there twice"},
+          {withGroups(R"({},"keyTakes":{"1":{"up":[-1]}})"), "\"keyTakes.1.up\" holds no place"},
           {R"({"x":)" + std::string(1'000'000, '['), "nested too deeply"},
       });
 }
