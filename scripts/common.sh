@@ -28,6 +28,19 @@ ensure_packages() {
   as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
+# make_package: makes the Debian package and leaves its path in `package`.
+make_package() {
+  # The date that the package carries: the same sources make the same package.
+  SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
+  export SOURCE_DATE_EPOCH
+  rm -f build/package/*.deb
+  cmake --preset package >/dev/null
+  build_preset package
+  (cd build/package && cpack >/dev/null)
+  # shellcheck disable=SC2034 # for the caller
+  package=$(echo build/package/*.deb)
+}
+
 # build_preset PRESET [NINJA_ARGS]: configures where need be and builds.
 build_preset() {
   local preset=$1

@@ -1,20 +1,20 @@
-# desktops: the program in sway with waybar and with XFCE's panel; pictures and a table of what worked.
+# desktops [NAME...]: the program in desktops and with sound servers that others wrote, each in a Debian of its own;
+# pictures and a table of what worked.
 main() {
+  local desktops=("$@") desktop status=0 pictures=$PWD/build/desktops package
+  [ $# -gt 0 ] || desktops=(xfce i3 sway gnome plasma pulseaudio screen-sharing jack)
   ensure_packages scripts/packages.txt
-  ensure_packages scripts/packages-desktops.txt
-  build_preset release --target tobrin TobrinTray TobrinPanel TobrinStarterPacks press-keys record-sink
-  local pictures=$PWD/build/desktops ordinary=() desktop status=0
+  ensure_packages scripts/packages-debian.txt
+  build_preset release --target press-keys record-sink
+  make_package
   mkdir -p "$pictures"
-  # sway does not run as root.
-  if [ "$(id -u)" = 0 ]; then
-    chmod 1777 "$pictures"
-    ordinary=(setpriv --reuid=65534 --regid=65534 --clear-groups)
-  fi
-  export TOBRIN_DESKTOP_TOOLS=$PWD/build/release/desktop-tools PYTHONDONTWRITEBYTECODE=1
-  for desktop in sway xfce; do
-    "${ordinary[@]}" Tools/Desktop/desktop-session --screen 1280x1000x24 -- Tools/Desktops/try-desktop "$desktop" \
-      build/release/tobrin build/release/Resources/Packs "$pictures" 2>"$pictures/$desktop.log" || status=1
+  chmod 1777 "$pictures"
+  for desktop in "${desktops[@]}"; do
+    as_root Tools/Desktops/in-fresh-root "$desktop" "$package" build/release/desktop-tools "$pictures" \
+      2>"$pictures/$desktop.log" | tee "$pictures/$desktop.md" || status=1
   done
+  Tools/Desktops/side-by-side "$pictures" xfce i3 sway gnome plasma
+  Tools/Desktops/side-by-side "$pictures" pulseaudio screen-sharing jack
   say "pictures and what the desktops said: build/desktops"
   return $status
 }

@@ -8,14 +8,7 @@ main() {
   esac
   ensure_packages scripts/packages.txt
   ensure_packages scripts/packages-package.txt
-  # The date that the package carries: the same sources make the same package.
-  SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
-  export SOURCE_DATE_EPOCH
-  rm -f build/package/*.deb
-  cmake --preset package >/dev/null
-  build_preset package
-  (cd build/package && cpack >/dev/null)
-  package=$(echo build/package/*.deb)
+  make_package
   say "made $package, $(du -k "$package" | cut -f1) KiB"
   # A second sound server would take the card from the one in use.
   if dpkg-deb -f "$package" Depends Recommends | grep -qwE 'pipewire|pulseaudio'; then

@@ -40,9 +40,13 @@ bootstrap() {
   say "bootstrapping Debian's $suite"
   logged debootstrap --variant=minbase "$suite" "$root" "$from" || logged debootstrap --variant=minbase "$suite" "$root" "$from"
   apt-config dump Acquire >"$root/etc/apt/apt.conf.d/90acquire"
+  mount_kernel
+  printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d"
+  chmod 755 "$root/usr/sbin/policy-rc.d"
+}
+
+mount_kernel() {
   mount -t proc proc "$root/proc"
   mount -t tmpfs tmpfs "$root/dev/shm"
   mount --bind /dev/pts "$root/dev/pts"
-  printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d"
-  chmod 755 "$root/usr/sbin/policy-rc.d"
 }

@@ -1,9 +1,11 @@
-"""The X server's screen: pictures of it, and what changed in the bar at its upper edge."""
+"""The X server's screen: pictures of it, and what changed in a part of it."""
 
 import os
 import subprocess
+import time
 
-WIDTH, BAR_HEIGHT = 1280, 30
+WIDTH, HEIGHT = 1280, 1000
+SIZE = f"{WIDTH}x{HEIGHT}x24"
 
 
 class Screen:
@@ -13,21 +15,28 @@ class Screen:
     def save(self, name):
         _grab(None, str(self._folder / f"{self._desktop}-{name}.png"))
 
-    def pixels(self, place):
+    @staticmethod
+    def pixels(place):
         """The colours at left, top, width and height, row by row."""
         data = _grab(place, "-f", "rawvideo", "-pix_fmt", "rgb24", "-")
         return [tuple(data[at:at + 3]) for at in range(0, len(data), 3)]
 
-    def bar(self):
-        return self.pixels((0, 0, WIDTH, BAR_HEIGHT))
+    def settled(self, place, seconds=30):
+        """The same once nothing has changed there for a second; desktops draw themselves in steps."""
+        deadline, seen = time.monotonic() + seconds, None
+        while (now := self.pixels(place)) != seen and time.monotonic() < deadline:
+            seen = now
+            time.sleep(1)
+        return now
 
-    def difference(self, before):
-        """Left, top, width and height of what is new in the bar; None where nothing is."""
-        new = [at for at, (old, now) in enumerate(zip(before, self.bar())) if old != now]
+    def difference(self, before, place):
+        """Left, top, width and height of what is new at a place; None where nothing is."""
+        left, top, width, _ = place
+        new = [at for at, (old, now) in enumerate(zip(before, self.pixels(place))) if old != now]
         if not new:
             return None
-        columns, rows = [at % WIDTH for at in new], [at // WIDTH for at in new]
-        return min(columns), min(rows), max(columns) - min(columns) + 1, max(rows) - min(rows) + 1
+        columns, rows = [at % width for at in new], [at // width for at in new]
+        return (left + min(columns), top + min(rows), max(columns) - min(columns) + 1, max(rows) - min(rows) + 1)
 
 
 def _grab(place, *output):

@@ -2,11 +2,11 @@
 
 import contextlib
 import os
-import pathlib
 import subprocess
 
-from desktopclients.xclient import OtherWindow
-from listening import Background, panels, xdotool
+from configuration import write
+from listening import Background
+from xwindows import XDesktop
 
 PANEL = """<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-panel" version="1.0">
@@ -35,17 +35,13 @@ PANEL = """<?xml version="1.0" encoding="UTF-8"?>
 """
 
 
-class Xfce:
+class Xfce(XDesktop):
     name, packages = "xfce", ("xfce4-panel", "xfwm4")
-    focus_follows_pointer = False
-    hears_keys = True
 
     @contextlib.contextmanager
     def running(self):
         os.environ["XDG_CURRENT_DESKTOP"] = "XFCE"
-        file = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"
-        file.parent.mkdir(parents=True, exist_ok=True)
-        file.write_text(PANEL, encoding="utf-8")
+        write("xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml", PANEL)
         with Background(["xfwm4"]):
             yield
 
@@ -54,29 +50,5 @@ class Xfce:
                         "-s", str(colour == "dark").lower()], check=True)
         return Background(["xfce4-panel", "--disable-wm-check"])
 
-    def check_popup(self, table):
-        self._check_size(table, "the panel")
 
-    def check_window(self, table):
-        self._check_size(table, "the window")
-        table.row("the window manager draws the title bar", _frame_height() > 0)
-
-    @staticmethod
-    def _check_size(table, what):
-        words = dict(line.split("=") for line in xdotool("getwindowgeometry", "--shell", *panels()).splitlines())
-        width, height = int(words.get("WIDTH", 0)), int(words.get("HEIGHT", 0))
-        table.row(f"{what} has its own size", 0 < width < 500, f"{width}x{height}")
-
-    def point_at_panel(self, _place):
-        pass  # the focus stays where it is
-
-    def switch_window(self):
-        other = OtherWindow()
-        xdotool("windowactivate", other.id, "sleep", 1)
-        other.close()
-
-
-def _frame_height():
-    """Pixels above the window's contents."""
-    told = subprocess.run(["xprop", "-id", panels()[0], "_NET_FRAME_EXTENTS"], stdout=subprocess.PIPE, text=True, check=True)
-    return int(told.stdout.rpartition("=")[2].split(",")[2])
+make = Xfce

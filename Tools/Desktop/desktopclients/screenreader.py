@@ -57,6 +57,8 @@ def showing():
     for index in range(desktop.get_child_count()):
         application = desktop.get_child_at_index(index)
         application.set_cache_mask(Atspi.Cache.NONE)
+        if application.get_name() not in ("Tobrin", "tobrin"):
+            continue  # a desktop's own bars and windows
         _collect(application, "", found)
     return [control for control in found if "showing" in control.states]
 
