@@ -45,6 +45,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   std::vector<float> programme(24'000);  // two blocks
   for (std::size_t frame = 0; frame < programme.size(); ++frame)
     programme[frame] = left[frame % left.size()];
-  integratedLoudness(programme, {}, 48'000);
+  (void)integratedLoudness(programme, {}, 48'000);
   return 0;
 }

@@ -47,7 +47,7 @@ void memoryOfTenMinutes(Report& report) {
   const std::vector<float> left = typing(600);
   // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): a recording of two channels
   const std::vector<float> right = left;
-  sliceRecording(left, right, rate, {});
+  (void)sliceRecording(left, right, rate, {});
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   constexpr double bytesAUnit = 1024;

@@ -70,7 +70,7 @@ TEST_F(ThemeTest, EverythingIsLegible) {
   ASSERT_NE(theme_, nullptr);
   constexpr double text = 4.5;
   constexpr double part = 3;
-  for (const auto [dark, high] :
+  for (const auto& [dark, high] :
        {std::pair(false, false), {true, false}, {false, true}, {true, true}}) {
     theme_->setProperty("dark", dark);
     theme_->setProperty("highContrast", high);
