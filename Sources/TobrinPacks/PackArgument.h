@@ -13,6 +13,7 @@ namespace tobrin {
 
 /// ", did you mean 'NAME'?" with the one of `names` that is at most two typing mistakes away; empty
 /// where none is.
-[[nodiscard]] std::string didYouMean(const std::string& word, const std::vector<std::string>& names);
+[[nodiscard]] std::string didYouMean(const std::string& word,
+                                     const std::vector<std::string>& names);
 
 }  // namespace tobrin

@@ -55,6 +55,7 @@ TEST(ImportCommand, MakesPacksOfEveryFormatFromFoldersAndArchives) {
     EXPECT_EQ(made["groups"]["enter"], made["groups"]["backspace"]) << name;
     EXPECT_EQ(made["releases"], std::string(name) == "Sprite" ? 0 : 1) << name;
     EXPECT_NEAR(made["lufs"].get<double>(), -28, 0.3) << name;
+    EXPECT_EQ(run({"check", into}).err, "") << "no name in it is unknown";
     EXPECT_EQ(loaded(into)->hasReleaseSounds(), made["releases"] == 1) << name;
     const auto fromFolder = testing::filesIn(into);
     for (const auto& [ending, archive, filter] : archives) {

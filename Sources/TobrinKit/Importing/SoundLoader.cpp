@@ -17,11 +17,14 @@ constexpr uint64_t mostFrames = LoadedPack::memoryBudget / bytesPerFrame;
 constexpr auto mostSeconds =
     static_cast<int>(mostFrames / static_cast<uint64_t>(SoundLoader::rate));
 
-/// The converter is asked for nothing else: some formats name further files to be read.
-bool isMp4(const fs::path& path) {
+/// MP4, WebM and bare AAC. The converter is asked for nothing else: some formats name further files
+/// to be read.
+bool needsConverter(const fs::path& path) {
   char start[8] = {};
   std::ifstream(path, std::ios::binary).read(start, sizeof start);
-  return std::string_view(start + 4, 4) == "ftyp";
+  const std::string_view bytes(start, sizeof start);
+  return bytes.substr(4) == "ftyp" || bytes.starts_with("\x1A\x45\xDF\xA3") ||
+         bytes.starts_with("\xFF\xF1") || bytes.starts_with("\xFF\xF9");
 }
 
 }  // namespace
@@ -39,7 +42,7 @@ const SampleBuffer* SoundLoader::load(const SourceFiles::File& file) {
 
 std::unique_ptr<SampleBuffer> SoundLoader::decode(const SourceFiles::File& file) {
   try {
-    return isMp4(file.path) ? decodeMp4(file) : decodeFile(file.path);
+    return needsConverter(file.path) ? convert(file) : decodeFile(file.path);
   } catch (const AllowanceExceeded&) {
     throw ImportError(ImportError::Kind::tooLarge,
                       file.name + " is longer than " + std::to_string(mostSeconds) + " seconds");
@@ -54,14 +57,14 @@ std::unique_ptr<SampleBuffer> SoundLoader::decodeFile(const fs::path& path) {
   return decoder_.decode(path, allowance);
 }
 
-std::unique_ptr<SampleBuffer> SoundLoader::decodeMp4(const SourceFiles::File& file) {
+std::unique_ptr<SampleBuffer> SoundLoader::convert(const SourceFiles::File& file) {
   const fs::path wav = folder_.path() / "converted.wav";
   // A second more than is taken, so that a longer file is met as such.
   switch (convertRecording(file.path, wav, programs_, mostSeconds + 1)) {
     case Conversion::done:
       return decodeFile(wav);
     case Conversion::noConverter:
-      notes_.leftOut("MP4 sounds, which need ffmpeg", file.name);
+      notes_.leftOut("MP4, WebM and AAC sounds, which need ffmpeg", file.name);
       return nullptr;
     case Conversion::failed:
       break;

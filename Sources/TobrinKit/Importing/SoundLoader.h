@@ -18,7 +18,7 @@ class SoundLoader final {
  public:
   static constexpr double rate = 48000;  ///< of everything decoded
 
-  /// Both outlive the loader; `programs` runs the converter, for MP4 alone.
+  /// Both outlive the loader; `programs` runs the converter.
   SoundLoader(const ProcessRunner& programs, ImportNotes& notes);
 
   /// The decoded file, valid until the next one is asked for; null, and noted, where it cannot be
@@ -28,7 +28,7 @@ class SoundLoader final {
  private:
   std::unique_ptr<SampleBuffer> decode(const SourceFiles::File& file);
   std::unique_ptr<SampleBuffer> decodeFile(const std::filesystem::path& path);
-  std::unique_ptr<SampleBuffer> decodeMp4(const SourceFiles::File& file);
+  std::unique_ptr<SampleBuffer> convert(const SourceFiles::File& file);
 
   const ProcessRunner& programs_;
   ImportNotes& notes_;
