@@ -1,5 +1,5 @@
-/// Two ways to play: the preferred one whenever it answers, the other one where it does not. Both
-/// never render at the same time.
+/// Two ways to play: the preferred one when it answers, the other one where it does not. Both never
+/// render at the same time. Thread: any.
 #pragma once
 
 #include <atomic>

@@ -1,5 +1,6 @@
 /// Two views of who records: the preferred one while it knows a microphone, else the other one too.
-/// A sound server may run for something else beside the one that has the microphones.
+/// A sound server may run for something else, next to the one that has the microphones.
+/// Thread: mic.
 #pragma once
 
 #include <functional>
