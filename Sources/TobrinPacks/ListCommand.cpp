@@ -5,6 +5,7 @@
 #include "JsonOutput.h"
 #include "Packs/PackLibrary.h"
 #include "PrintableText.h"
+#include "Warnings.h"
 
 namespace tobrin {
 namespace {
@@ -49,6 +50,8 @@ void run(bool json, const CommandStreams& streams) {
     printJson(asJson(packs), streams.out);
   else
     printList(packs, streams.out);
+  for (const auto& [folder, reason] : unusableFolders())
+    warn(streams.err, folder.string() + " is no pack: " + reason);
 }
 
 constexpr const char* footer = R"(

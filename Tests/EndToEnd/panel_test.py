@@ -151,8 +151,12 @@ class PanelTest(PanelDriver):
         shutil.copytree(PACKS / "dome", packs / "dome")
         for sound in (packs / "dome").rglob("*.wav"):
             sound.write_bytes(b"no sound")
+        notes = pathlib.Path(os.environ["XDG_DATA_HOME"]) / "Tobrin/Packs/notes"
+        notes.mkdir(parents=True)
         self.bring_up()
         self.shows("Cream · Fixed strength")
+        self.click("notes, No pack")
+        self.assertIn("No pack.json in", named("notes, No pack").description)
         self.click("Dome, Silent tactile")
         broken = eventually(lambda: next((each for each in screenreader.showing() if "couldn't load" in each.name), None))
         self.assertTrue(broken and broken.role == "alert" and broken.name.startswith("Dome couldn't load: "), broken)

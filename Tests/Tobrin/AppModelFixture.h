@@ -137,6 +137,7 @@ class AppModelTest : public ::testing::Test {
             .keyOfScanCode =
                 [](uint32_t code) { return std::optional(static_cast<uint16_t>(code)); },
             .discoverPacks = [this] { return found_; },
+            .unusableFolders = [] { return std::vector<UnusableFolder>(); },
             .loadPack = [this](const PackInfo& info) { return load(info); }},
         std::move(preview));
     return *model_;

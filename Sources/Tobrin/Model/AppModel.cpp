@@ -299,8 +299,10 @@ void AppModel::setSelectedPackID(const std::string& id) {
 
 void AppModel::refreshPacks() {
   auto found = services_.discoverPacks();
-  if (found != packs_) {
+  auto unusable = services_.unusableFolders();
+  if (found != packs_ || unusable != unusable_) {
     packs_ = std::move(found);
+    unusable_ = std::move(unusable);
     emit packsChanged();
     emit statusChanged();
   }

@@ -54,6 +54,8 @@ class AppModel final : public QObject {
   void select(const PackInfo& pack) { setSelectedPackID(pack.id); }
 
   [[nodiscard]] const std::vector<PackInfo>& packs() const { return packs_; }
+  /// Folders among the user's packs that hold none, for the user to see why.
+  [[nodiscard]] const std::vector<UnusableFolder>& unusableFolders() const { return unusable_; }
   [[nodiscard]] const PackInfo* selectedPack() const;
   /// The decoded pack's own description; absent while none is loaded.
   [[nodiscard]] const std::optional<PackManifest>& loadedManifest() const { return manifest_; }
@@ -167,6 +169,7 @@ class AppModel final : public QObject {
   SettingsSaver saver_;
   std::string selectedPackID_;
   std::vector<PackInfo> packs_;
+  std::vector<UnusableFolder> unusable_;
   std::optional<PackManifest> manifest_;
   std::optional<std::string> packError_;
   std::string keyAccessProblem_;

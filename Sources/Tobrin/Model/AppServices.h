@@ -18,6 +18,7 @@
 #include "Input/ShortcutService.h"
 #include "Mic/MicSource.h"
 #include "Packs/LoadedPack.h"
+#include "Packs/PackLibrary.h"
 #include "Packs/PackManifest.h"
 
 namespace tobrin {
@@ -45,6 +46,7 @@ struct AppServices {
   std::function<std::optional<uint16_t>(uint32_t scanCode)> keyOfScanCode;
 
   std::function<std::vector<PackInfo>()> discoverPacks;
+  std::function<std::vector<UnusableFolder>()> unusableFolders;
   std::function<std::shared_ptr<const LoadedPack>(const PackInfo&)> loadPack;  ///< throws
 };
 

@@ -85,8 +85,8 @@ ColumnLayout {
                 focusPolicy: Qt.ClickFocus
                 nameLines: grid.nameLines
                 pack: cell.modelData
-                selected: pack.id === section.model.selectedPackID
-                onChosen: section.model.select(pack.id)
+                selected: usable && pack.id === section.model.selectedPackID
+                onChosen: if (usable) section.model.select(pack.id)
                 Keys.onPressed: event => event.accepted = grid.moveBy(event)
             }
         }
@@ -101,7 +101,7 @@ ColumnLayout {
             id: probe
             visible: false
             nameLines: grid.nameLines
-            pack: ({ name: "", kind: "" })
+            pack: ({ name: "", kind: "", problem: "" })
         }
         Timer {
             id: forget

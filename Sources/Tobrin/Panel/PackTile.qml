@@ -16,7 +16,10 @@ T.RadioButton {
     horizontalPadding: Theme.gap
     verticalPadding: Theme.unit * 1.5
     implicitHeight: Math.ceil(name.lineHeight * nameLines + kind.lineHeight) + topPadding + bottomPadding
+    readonly property bool usable: pack.problem === ""
+
     Accessible.name: pack.name + ", " + pack.kind
+    Accessible.description: pack.problem
     Accessible.onPressAction: chosen()
     Accessible.onToggleAction: chosen()
     onClicked: chosen()
@@ -24,15 +27,15 @@ T.RadioButton {
     Keys.onEnterPressed: clicked()
 
     PanelTip {
-        shown: (tile.hovered || tile.visualFocus) && (name.truncated || kind.truncated)
-        text: tile.pack.name + "\n" + tile.pack.kind
+        shown: (tile.hovered || tile.visualFocus) && (name.truncated || kind.truncated || !tile.usable)
+        text: tile.pack.name + "\n" + (tile.usable ? tile.pack.kind : tile.pack.problem)
     }
 
     background: Rectangle {
         radius: Theme.radius
         color: tile.down ? Theme.pressed : tile.selected ? Theme.accentTint : tile.hovered ? Theme.hover : Theme.surface
         border.width: tile.selected ? 2 : 1
-        border.color: tile.selected ? Theme.accent : Theme.edge
+        border.color: tile.selected ? Theme.accent : tile.usable ? Theme.edge : Theme.outline
         FocusRing { control: tile; distance: -5 }
     }
     contentItem: Column {
@@ -42,7 +45,7 @@ T.RadioButton {
             text: tile.pack.name
             lines: tile.nameLines
             font.weight: Font.DemiBold
-            color: tile.selected ? Theme.accent : Theme.text
+            color: tile.selected ? Theme.accent : tile.usable ? Theme.text : Theme.secondaryText
             Accessible.ignored: true
         }
         ShortText {

@@ -149,7 +149,15 @@ QVariantList PanelModel::packs() const {
     list.append(QVariantMap{{"id", text(pack.id)},
                             {"name", strangersText(pack.name)},
                             {"kind", strangersText(pack.kind)},
-                            {"summary", strangersText(pack.summary)}});
+                            {"summary", strangersText(pack.summary)},
+                            {"problem", QString()}});
+  }
+  for (const auto& [folder, reason] : model_.unusableFolders()) {
+    list.append(QVariantMap{{"id", QString()},
+                            {"name", strangersText(folder.filename().string())},
+                            {"kind", tr("No pack")},
+                            {"summary", QString()},
+                            {"problem", strangersText(reason)}});
   }
   return list;
 }

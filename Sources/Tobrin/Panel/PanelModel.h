@@ -86,7 +86,7 @@ class PanelModel final : public QObject {
   [[nodiscard]] bool welcome() const;
   [[nodiscard]] QString packsFolderProblem() const;  ///< empty while there is none
   [[nodiscard]] QString loginItemProblem() const;    ///< empty while there is none
-  [[nodiscard]] QVariantList packs() const;          ///< maps of id, name, kind, summary
+  [[nodiscard]] QVariantList packs() const;          ///< maps of id, name, kind, summary, problem
   [[nodiscard]] QString selectedPackID() const;
   [[nodiscard]] QVariantMap selectedPack() const;  ///< name, kind, summary, origin; or empty
   [[nodiscard]] QString packError() const;

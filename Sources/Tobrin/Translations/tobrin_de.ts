@@ -82,6 +82,7 @@
 </context>
 <context>
     <name>tobrin::PanelModel</name>
+    <message><source>No pack</source><translation>Kein Paket</translation></message>
     <message><source>Sounds are off.</source><translation>Die Töne sind aus.</translation></message>
     <message><source>Sounds pause while the mic is in use.</source><translation>Die Töne pausieren, solange das Mikrofon benutzt wird.</translation></message>
     <message><source>The volume is at 0.</source><translation>Die Lautstärke steht auf 0.</translation></message>

@@ -94,4 +94,18 @@ std::vector<PackInfo> discoverPacks(const fs::path& folder, bool isBundled) {
   return packs;
 }
 
+std::vector<UnusableFolder> unusableFolders(const Environment& environment) {
+  std::vector<UnusableFolder> unusable;
+  std::error_code missing;
+  for (const fs::path& entry : visibleEntries(userPacksDirectory(environment))) {
+    if (!fs::is_directory(entry, missing)) continue;
+    try {
+      static_cast<void>(PackInfo::read(entry, false));
+    } catch (const PackError& error) {
+      unusable.push_back({entry, error.what()});
+    }
+  }
+  return unusable;
+}
+
 }  // namespace tobrin

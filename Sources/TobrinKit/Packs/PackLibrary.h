@@ -28,4 +28,15 @@ std::vector<PackInfo> discoverPacks(const Environment& environment = processEnvi
 /// The packs directly inside one folder, by folder name; none where it cannot be listed.
 std::vector<PackInfo> discoverPacks(const std::filesystem::path& folder, bool isBundled);
 
+/// A folder among the user's packs that holds none.
+struct UnusableFolder {
+  std::filesystem::path folder;
+  std::string reason;  ///< as the pack error says it
+
+  bool operator==(const UnusableFolder&) const = default;
+};
+
+/// What of the user's folder of packs `discoverPacks` leaves out, by folder name.
+std::vector<UnusableFolder> unusableFolders(const Environment& environment = processEnvironment);
+
 }  // namespace tobrin
