@@ -21,12 +21,14 @@ struct SoundRef {
     double lengthMs = 0;
 
     [[nodiscard]] double endMs() const { return startMs + lengthMs; }
+    // NOLINTNEXTLINE(modernize-use-nullptr): what the compiler writes for it
     auto operator<=>(const Part&) const = default;
   };
 
   const SourceFiles::File* file = nullptr;  ///< of the source, which outlives this; never null
   std::optional<Part> part;                 ///< the whole file without
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): as above
   auto operator<=>(const SoundRef&) const = default;
 };
 

@@ -81,7 +81,7 @@ class Unpacker {
   std::optional<std::string> nameOf(archive_entry* entry) {
     const char* name = archive_entry_pathname_utf8(entry);
     if (name == nullptr) name = archive_entry_pathname(entry);
-    const auto clean = SourceFiles::cleanName(name != nullptr ? name : "");
+    auto clean = SourceFiles::cleanName(name != nullptr ? name : "");
     if (archive_entry_is_encrypted(entry) != 0)
       throw ImportError(Kind::unreadable, name_ + " is locked with a password");
     if (archive_entry_filetype(entry) == AE_IFDIR) return std::nullopt;
