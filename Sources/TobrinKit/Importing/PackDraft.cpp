@@ -8,7 +8,7 @@
 #include "Building/DemoLoudness.h"
 #include "Building/TakeCollection.h"
 #include "Importing/ImportError.h"
-#include "Importing/StrokeStrength.h"
+#include "Importing/StrokeDerivation.h"
 #include "Packs/FrameAllowance.h"
 #include "Packs/LoadedPack.h"
 #include "Packs/WAVWriter.h"
@@ -163,8 +163,7 @@ void PackDraft::write(const fs::path& folder) const {
       return writeTake(takes_.releases[i - presses], folder / releaseFile(i - presses));
     const std::size_t entry = i / tiers_.size();
     const Tier tier = tiers_[i % tiers_.size()];
-    writeTake(StrokeStrength::derived(takes_.presses[entry], tier),
-              folder / pressFile(entry, tier));
+    writeTake(derivedStroke(takes_.presses[entry], tier), folder / pressFile(entry, tier));
   });
   writeFileAtomically(folder / PackManifest::fileName, manifest_.toJson());
 }

@@ -1,4 +1,4 @@
-#include "Importing/StrokeStrength.h"
+#include "Importing/StrokeDerivation.h"
 
 #include <cmath>
 #include <numbers>
@@ -46,15 +46,15 @@ void sharpen(std::vector<float>& channel, double gain) {
 
 }  // namespace
 
-double StrokeStrength::levelDb(Tier tier) {
+double tierLevelDb(Tier tier) {
   const double ratio = strikeStrength(tier) / strikeStrength(Tier::medium);
   return 20 * levelExponent * std::log10(ratio);
 }
 
-Take StrokeStrength::derived(const Take& medium, Tier tier) {
+RecordedTake derivedStroke(const RecordedTake& medium, Tier tier) {
   Take take = medium;
   if (tier == Tier::medium) return take;
-  const double level = levelDb(tier);
+  const double level = tierLevelDb(tier);
   for (auto* channel : {&take.left, &take.right}) {
     tilt(*channel, linear(brightnessDb * level));
     sharpen(*channel, linear(attackDb * level));

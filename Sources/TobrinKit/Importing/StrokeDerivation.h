@@ -17,12 +17,10 @@
 
 namespace tobrin {
 
-struct StrokeStrength {
-  /// Level of a tier against that of the medium one, in dB.
-  static double levelDb(Tier tier);
+/// Level of a tier against that of the medium one, in dB.
+[[nodiscard]] double tierLevelDb(Tier tier);
 
-  /// A take of `tier` from one struck as most are; `medium` comes back as it is.
-  static RecordedTake derived(const RecordedTake& medium, Tier tier);
-};
+/// A take of `tier` from one struck as most are; `medium` comes back as it is.
+[[nodiscard]] RecordedTake derivedStroke(const RecordedTake& medium, Tier tier);
 
 }  // namespace tobrin

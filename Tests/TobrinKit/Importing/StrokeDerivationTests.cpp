@@ -1,4 +1,4 @@
-#include "Importing/StrokeStrength.h"
+#include "Importing/StrokeDerivation.h"
 
 #include <gtest/gtest.h>
 
@@ -61,16 +61,15 @@ Take synthesized(const SynthProfile& profile, Tier tier, uint64_t variant) {
   return take;
 }
 
-TEST(StrokeStrength, MakesStrokesThatGrowLouderBrighterAndQuickerAsThoseOfModelledKeysDo) {
+TEST(StrokeDerivation, MakesStrokesThatGrowLouderBrighterAndQuickerAsThoseOfModelledKeysDo) {
   for (const Tier tier : {Tier::soft, Tier::hard, Tier::slam}) {
     std::vector<double> modelled, derived;
     for (const SynthProfile& profile : SynthProfile::starterPacks()) {
       for (uint64_t variant = 0; variant < 6; ++variant) {
         const Take medium = synthesized(profile, Tier::medium, variant);
-        const Take made = StrokeStrength::derived(medium, tier);
+        const Take made = derivedStroke(medium, tier);
         const Slope slope(medium, made);
-        EXPECT_NEAR(Measure(made).level - Measure(medium).level, StrokeStrength::levelDb(tier),
-                    0.1);
+        EXPECT_NEAR(Measure(made).level - Measure(medium).level, tierLevelDb(tier), 0.1);
         EXPECT_GT(slope.attack, 0) << profile.id;
         EXPECT_GT(slope.tilt, 0.05) << profile.id;
         derived.push_back(slope.tilt);
