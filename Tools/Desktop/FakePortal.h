@@ -17,7 +17,8 @@ class FakePortal final {
  public:
   /// What is listed, by id, and the combinations as the desktop describes them.
   using Listing = std::map<std::string, std::string>;
-  static inline const Listing ours = {{"toggle-sounds", "Meta+K"}};
+  static constexpr const char* id = "toggle-sounds-CTRL+ALT+LOGO+k";
+  static inline const Listing ours = {{id, "Meta+K"}};
 
   struct Behaviour {
     bool answers = true;      // to what is asked of the user
@@ -149,8 +150,8 @@ class FakePortal final {
   }
   void tellActivations(sd_bus* bus) {
     for (; activations_ > 0; --activations_) {
-      sd_bus_emit_signal(bus, path, shortcuts, "Activated", "osta{sv}", session, "toggle-sounds",
-                         uint64_t{1}, 0);
+      sd_bus_emit_signal(bus, path, shortcuts, "Activated", "osta{sv}", session, id, uint64_t{1},
+                         0);
     }
   }
 

@@ -7,8 +7,8 @@ import time
 
 from desktopclients import screenreader
 from desktopclients.legibility import legible_share
-from installed import (SENTENCE, check_hint, check_second_start, check_shortcut, is_open, sounds_are_on, started,
-                       type_in_editor)
+from installed import (SENTENCE, check_hint, check_other_shortcut, check_second_start, check_shortcut, is_open,
+                       sounds_are_on, started, type_in_editor)
 from listening import record, xdotool
 from listening.panel import eventually, named
 from screen import WIDTH, Screen
@@ -84,6 +84,7 @@ class DesktopTrial:
             if bar == self.desktop.bars[0]:
                 self.try_keys(program)
                 check_second_start(self.table)
+                check_other_shortcut(self.table, program)
 
     def check_icon(self, bar, state, place):
         xdotool("mousemove", *self.desktop.elsewhere, "sleep", 1)

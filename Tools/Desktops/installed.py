@@ -65,8 +65,18 @@ def shown_texts():
 
 def check_shortcut(table, program):
     """Sounds are off before, and on after it."""
-    held = []
-    for wanted in (True, False, True):
-        press_toggle()
-        held.append(eventually(lambda: sounds_are_on(program) == wanted, 20))
-    table.row("the shortcut switches sounds on and off", all(held))
+    table.row("the shortcut switches sounds on and off",
+              all(switches("k", program, on) for on in (True, False, True)))
+
+
+def check_other_shortcut(table, program):
+    """The panel is open and sounds are on."""
+    if choice := eventually(lambda: named("Shortcut: Ctrl+Alt+Super+S"), 20):
+        choice.press()
+    time.sleep(2)
+    table.row("another one, chosen in the panel, does so, too", all(switches("s", program, on) for on in (False, True)))
+
+
+def switches(letter, program, on):
+    press_toggle(letter)
+    return eventually(lambda: sounds_are_on(program) == on, 20)

@@ -8,7 +8,7 @@ from configuration import be_wayland_session, write
 from desktoptrial import Desktop
 from listening import Background
 from listening.panel import eventually
-from screen import HEIGHT, WIDTH
+from screen import HEIGHT, WIDTH, Screen
 
 DISPLAY = "wayland-plasma"
 
@@ -35,6 +35,7 @@ class Plasma(Desktop):
     def bar(self, colour):
         write("plasmarc", f"[Theme]\nname=breeze-{colour}\n")
         with Background(["kded5"]), Background(["plasmashell"]):
+            eventually(lambda: len(set(Screen.pixels(self.bar_place))) > 3)  # one while it is empty
             yield
 
 

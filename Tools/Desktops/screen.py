@@ -21,12 +21,12 @@ class Screen:
         data = _grab(place, "-f", "rawvideo", "-pix_fmt", "rgb24", "-")
         return [tuple(data[at:at + 3]) for at in range(0, len(data), 3)]
 
-    def settled(self, place, seconds=30):
-        """The same once nothing has changed there for a second; desktops draw themselves in steps."""
+    def settled(self, place, seconds=60):
+        """The same once nothing has changed there for three seconds; desktops draw themselves in steps."""
         deadline, seen = time.monotonic() + seconds, None
         while (now := self.pixels(place)) != seen and time.monotonic() < deadline:
             seen = now
-            time.sleep(1)
+            time.sleep(3)
         return now
 
     def difference(self, before, place):

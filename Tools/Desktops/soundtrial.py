@@ -53,13 +53,13 @@ class SoundTrial:
         self.table.row(what, written == SENTENCE and loudest() > AUDIBLE,
                        f"peak {loudest():.2f}" if written == SENTENCE else f'"{written}"')
 
-    def check_recorder(self):
+    def check_recorder(self, when=""):
         if not self.server.says_who_records:
-            self.table.not_here("a program that records pauses it", "this server tells nobody who records")
+            self.table.not_here(f"a program that records pauses it{when}", "this server tells nobody who records")
             return
         with self.server.recorder():
-            self.table.row("a program that records pauses it", eventually(self.is_paused, 20))
-        self.table.row("it goes on after that", eventually(lambda: not self.is_paused(), 20))
+            self.table.row(f"a program that records pauses it{when}", eventually(self.is_paused, 20))
+        self.table.row(f"it goes on after that{when}", eventually(lambda: not self.is_paused(), 20))
 
     @staticmethod
     def is_paused():
@@ -76,6 +76,7 @@ class SoundTrial:
                 with self.server.running():
                     time.sleep(5)
                     self.check_typing(f"heard when it {what}")
+                    self.check_recorder(f", when it {what}")
 
     @staticmethod
     def complaint():

@@ -144,7 +144,8 @@ std::vector<Accelerator> acceleratorsInKGlobalShortcuts(std::string_view file,
   split(file, "\n", [&](std::string_view line) {
     const std::size_t equals = line.find('=');
     const std::string_view name = line.substr(0, equals);
-    if (equals == std::string_view::npos || name == "_k_friendly_name" || name == own) return;
+    if (equals == std::string_view::npos || name == "_k_friendly_name" || name.starts_with(own))
+      return;
     split(firstOfList(line.substr(equals + 1)), "\\t", [&](std::string_view text) {
       if (auto accelerator = Accelerator::fromQt(text)) result.push_back(*std::move(accelerator));
     });

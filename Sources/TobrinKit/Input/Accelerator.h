@@ -38,8 +38,8 @@ struct Accelerator {
 std::vector<Accelerator> acceleratorsInGsettings(std::string_view listing);
 
 /// All active combinations in KDE's file of global shortcuts:
-/// "Window Close=Alt+F4,Alt+F4,Close Window", alternatives separated by "\t". Those of `own`, the
-/// name by which the desktop knows a shortcut of ours, are left out.
+/// "Window Close=Alt+F4,Alt+F4,Close Window", alternatives separated by "\t". Names that begin with
+/// `own`, by which the desktop knows shortcuts of ours, are left out.
 std::vector<Accelerator> acceleratorsInKGlobalShortcuts(std::string_view file,
                                                         std::string_view own);
 

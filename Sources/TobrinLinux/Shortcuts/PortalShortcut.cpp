@@ -24,7 +24,6 @@ constexpr const char* request = "org.freedesktop.portal.Request";
 constexpr const char* sessions = "org.freedesktop.portal.Session";
 constexpr const char* registry = "org.freedesktop.host.portal.Registry";
 constexpr const char* applicationId = "app.tobrin.Tobrin";
-constexpr const char* shortcutId = PortalShortcut::id;
 constexpr const char* description = "Turn sounds on or off";
 // Before the combination, in what is kept between runs.
 constexpr const char* asked = "asked ";
@@ -76,13 +75,13 @@ bool enterShortcuts(sd_bus_message* message) {
 
 /// Whether the list of shortcuts that comes next has ours. Some desktops list it while no
 /// combination belongs to it yet; then no press would be reported.
-bool listsOurs(sd_bus_message* message) {
+bool lists(sd_bus_message* message, std::string_view ours) {
   bool found = false;
   if (sd_bus_message_enter_container(message, 'a', "(sa{sv})") < 0) return found;
   while (sd_bus_message_enter_container(message, 'r', "sa{sv}") > 0) {
     const char* id = nullptr;
     sd_bus_message_read(message, "s", &id);
-    const bool isOurs = id != nullptr && std::string_view(id) == shortcutId;
+    const bool isOurs = id != nullptr && id == ours;
     const auto combination = textInDictionary(message, "trigger_description");
     found = found || (isOurs && combination != "");
     sd_bus_message_exit_container(message);
@@ -133,6 +132,8 @@ struct PortalShortcut::Dialogue {
   static int onPortalOwnerChanged(sd_bus_message* message, void* self, sd_bus_error*);
 
   const std::string trigger;
+  // Plasma keeps the keys of an id that it knows, whatever is asked for.
+  const std::string id = std::string(PortalShortcut::id) + "-" + trigger;
   const Listener listener;
   WakeEvent& stop;
   std::unique_ptr<sd_bus, CloseBus> bus;
@@ -194,7 +195,7 @@ void PortalShortcut::Dialogue::createSession() {
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, shortcuts, "CreateSession",
                            onNoSession, this, "a{sv}", 3, "handle_token", "s", "create",
                            "session_handle_token", "s", "tobrin", "shortcuts", "a(sa{sv})", 1,
-                           shortcutId, 2, "description", "s", description, "preferred_trigger", "s",
+                           id.c_str(), 2, "description", "s", description, "preferred_trigger", "s",
                            trigger.c_str());
 }
 
@@ -210,7 +211,7 @@ void PortalShortcut::Dialogue::bindShortcut() {
   knownEarlier = known;
   remember(asked + trigger);
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, shortcuts, "BindShortcuts",
-                           onNoBinding, this, "oa(sa{sv})sa{sv}", session.c_str(), 1, shortcutId, 2,
+                           onNoBinding, this, "oa(sa{sv})sa{sv}", session.c_str(), 1, id.c_str(), 2,
                            "description", "s", description, "preferred_trigger", "s",
                            trigger.c_str(), "", 1, "handle_token", "s", "bind");
 }
@@ -247,9 +248,9 @@ void PortalShortcut::Dialogue::takeResponse(std::string_view token, uint32_t cod
     session = textInDictionary(results, "session_handle").value_or("");
     if (!session.empty()) listShortcuts();
   } else if (token == "list") {
-    takeListing(code == 0 && enterShortcuts(results) && listsOurs(results));
+    takeListing(code == 0 && enterShortcuts(results) && lists(results, id));
   } else if (token == "bind") {
-    takeChange(code == 0 && enterShortcuts(results) && listsOurs(results));
+    takeChange(code == 0 && enterShortcuts(results) && lists(results, id));
   }
 }
 
@@ -279,7 +280,7 @@ int PortalShortcut::Dialogue::onShortcutsChanged(sd_bus_message* message, void* 
   auto* dialogue = static_cast<Dialogue*>(self);
   const char* session = nullptr;
   if (sd_bus_message_read(message, "o", &session) > 0 && dialogue->session == session)
-    dialogue->takeChange(listsOurs(message));
+    dialogue->takeChange(lists(message, dialogue->id));
   return 0;
 }
 
@@ -294,9 +295,9 @@ int PortalShortcut::Dialogue::onResponse(sd_bus_message* message, void* self, sd
 int PortalShortcut::Dialogue::onActivated(sd_bus_message* message, void* self, sd_bus_error*) {
   auto* dialogue = static_cast<Dialogue*>(self);
   const char* session = nullptr;
-  const char* id = nullptr;
-  if (sd_bus_message_read(message, "os", &session, &id) > 0 && dialogue->session == session &&
-      std::string_view(id) == shortcutId) {
+  const char* pressed = nullptr;
+  if (sd_bus_message_read(message, "os", &session, &pressed) > 0 && dialogue->session == session &&
+      dialogue->id == pressed) {
     dialogue->setBound(true);  // even if it was not listed
     dialogue->listener.pressed();
   }

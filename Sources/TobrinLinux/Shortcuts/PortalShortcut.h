@@ -15,7 +15,7 @@ namespace tobrin {
 
 class PortalShortcut final {
  public:
-  /// What the desktop knows it by, also in its own settings.
+  /// What the desktop knows it by, also in its own settings, begins so; the combination follows.
   static constexpr const char* id = "toggle-sounds";
 
   struct Listener {

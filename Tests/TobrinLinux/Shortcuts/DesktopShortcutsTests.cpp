@@ -91,7 +91,7 @@ TEST_F(PortalTest, OwnKeysCountUntilThePortalAgrees) {
 TEST_F(PortalTest, BindsOnlyWhatIsListedAndAsksOnce) {
   using Listing = FakePortal::Listing;
   const Listing none, ours = FakePortal::ours, other = {{"else", "Meta+L"}};
-  const Listing unassigned = {{"toggle-sounds", ""}};
+  const Listing unassigned = {{FakePortal::id, ""}};
   struct Row {
     const char* what;
     FakePortal::Behaviour behaviour;

@@ -133,9 +133,9 @@ def press_keys(*arguments):
             for verb, ns, keycode in (line.split() for line in output.splitlines())]
 
 
-def press_toggle():
+def press_toggle(letter="k"):
     """Control, alt, super, K: the shortcut that switches sounds off and on."""
-    chord = (0xffe3, 0xffe9, 0xffeb, 0x6b)
+    chord = (0xffe3, 0xffe9, 0xffeb, ord(letter))
     keys = [("press", key) for key in chord] + [("release", key) for key in reversed(chord)]
     with tempfile.NamedTemporaryFile("w", encoding="utf-8") as script:
         script.write("".join(f"{at * 30} {verb} {key}\n" for at, (verb, key) in enumerate(keys)))
