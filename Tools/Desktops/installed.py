@@ -74,7 +74,7 @@ def check_other_shortcut(table, program):
     if choice := eventually(lambda: named("Shortcut: Ctrl+Alt+Super+S"), 20):
         choice.press()
     time.sleep(2)
-    table.row("another one, chosen in the panel, does so, too", all(switches("s", program, on) for on in (False, True)))
+    table.row("another shortcut, chosen in the panel, works", all(switches("s", program, on) for on in (False, True)))
 
 
 def switches(letter, program, on):
