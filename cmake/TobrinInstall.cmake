@@ -33,8 +33,10 @@ foreach(program tobrin tobrin-packs tobrin-force)
   install(FILES ${resources}/completions/${program}.bash DESTINATION ${share}/bash-completion/completions RENAME ${program})
   install(FILES ${resources}/completions/${program}.fish DESTINATION ${share}/fish/vendor_completions.d)
 endforeach()
-configure_file(${resources}/man/tobrin-key-access.8.in ${made}/man/tobrin-key-access.8 @ONLY)
-install(FILES ${made}/man/tobrin-key-access.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
+foreach(program tobrin-key-access tobrin-keys)
+  configure_file(${resources}/man/${program}.8.in ${made}/man/${program}.8 @ONLY)
+  install(FILES ${made}/man/${program}.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8)
+endforeach()
 install(FILES ${resources}/completions/_tobrin DESTINATION ${TOBRIN_ZSH_COMPLETIONS_DIR})
 
 # The system: access to motion sensors.

@@ -28,8 +28,8 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(modules qtqml qtqml-workerscript qtquick qtquick-layouts qtquick-templates qtquick-window)
 list(TRANSFORM modules PREPEND qml6-module-)
 list(JOIN modules ", " CPACK_DEBIAN_PACKAGE_DEPENDS)
-# ffmpeg opens recordings for the workshop; pkexec asks for the access to keyboards.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "ffmpeg, pkexec, qt6-wayland")
+# ffmpeg opens recordings for the workshop; polkit asks for the access to keyboards.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "ffmpeg, pkexec, polkitd, qt6-wayland")
 # Which sound server there is, is the user's choice: a second one takes the card from the first.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "pipewire, pulseaudio")
 
@@ -39,9 +39,11 @@ string(TIMESTAMP TOBRIN_PACKAGE_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(${origin}/changelog.Debian.in ${made}/changelog.Debian @ONLY)
 configure_file(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${made}/changelog COPYONLY)
 set(TOBRIN_KEY_ACCESS_HELPER ${CMAKE_INSTALL_FULL_LIBEXECDIR}/tobrin-key-access)
-configure_file(${origin}/prerm.in ${made}/prerm @ONLY FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
-               GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${made}/prerm)
+foreach(script postinst prerm postrm)
+  configure_file(${origin}/${script}.in ${made}/${script} @ONLY FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
+                 GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+  list(APPEND CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${made}/${script})
+endforeach()
 install(FILES ${made}/changelog ${made}/changelog.Debian ${origin}/copyright DESTINATION ${TOBRIN_DOC_DIR})
 
 include(CPack)

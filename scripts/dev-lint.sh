@@ -76,7 +76,7 @@ check_format() {
 check_flow() {
   say "cppcheck"
   # The toolkit's words are for what includes it: one of them, "forever", is a name elsewhere.
-  flow_of Sources/Tobrin{Mixer,Kit,Linux,Packs,Force,KeyAccess} Tests/{Devices,RealTime} Tests/Tobrin?* \
+  flow_of Sources/Tobrin{Mixer,Kit,Linux,Packs,Force,KeyAccess,Keys} Tests/{Devices,RealTime} Tests/Tobrin?* \
     Tools Benchmarks Fuzz || return
   flow_of --library=qt '-DQML_NAMED_ELEMENT(name)=' Sources/Tobrin Tests/Tobrin
 }

@@ -1,0 +1,30 @@
+/// Which users an administrator has let hear their keyboards: an empty file each, named by the
+/// user's number, or until the broker ends. Thread: main.
+#pragma once
+
+#include <sys/types.h>
+
+#include <set>
+#include <string>
+#include <utility>
+
+namespace tobrin {
+
+class Consents final {
+ public:
+  explicit Consents(std::string folder) : folder_(std::move(folder)) {}
+
+  [[nodiscard]] bool has(uid_t user) const;
+  /// False where it is to be remembered and cannot be.
+  [[nodiscard]] bool give(uid_t user, bool remember);
+  /// False where it stays remembered.
+  [[nodiscard]] bool takeBack(uid_t user);
+
+ private:
+  [[nodiscard]] std::string file(uid_t user) const { return folder_ + '/' + std::to_string(user); }
+
+  const std::string folder_;
+  std::set<uid_t> untilTheEnd_;
+};
+
+}  // namespace tobrin

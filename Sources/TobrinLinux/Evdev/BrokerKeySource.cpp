@@ -1,0 +1,98 @@
+#include "Evdev/BrokerKeySource.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+
+#include "Base/MachTime.h"
+#include "Evdev/KeyBroker.h"
+
+namespace tobrin {
+
+bool BrokerKeySource::open() {
+  std::string why;
+  constexpr int attempts = 3;  // the bus may not know yet that a broker has ended
+  for (int attempt = 0; attempt < attempts && !stream_; ++attempt)
+    stream_ = keyBroker::open(why);
+  setProblem(stream_ ? "" : why);
+  return static_cast<bool>(stream_);
+}
+
+void BrokerKeySource::run(const Sink& sink) {
+  for (;;) {
+    std::array<pollfd, 2> waits{{{wake_.fd(), POLLIN, 0}, {stream_.get(), POLLIN, 0}}};
+    retried([&] { return poll(waits.data(), waits.size(), -1); });
+    if (waits[0].revents != 0) return;
+    if (takePacket(sink)) continue;
+    releaseAll(sink);
+    stream_.reset();
+    if (!open()) return;
+  }
+}
+
+/// False once the broker has ended.
+bool BrokerKeySource::takePacket(const Sink& sink) {
+  std::array<KeyRecord, keyRecordsAtOnce> records;
+  const ssize_t length =
+      retried([&] { return recv(stream_.get(), records.data(), sizeof records, MSG_DONTWAIT); });
+  if (length < 0) return errno == EAGAIN;
+  const auto* const end = records.data() + static_cast<std::size_t>(length) / sizeof(KeyRecord);
+  for (const auto* record = records.data(); record != end; ++record)
+    take(*record, sink);
+  return length > 0;
+}
+
+void BrokerKeySource::take(const KeyRecord& record, const Sink& sink) {
+  using Kind = KeyRecord::Kind;
+  switch (record.kind) {
+    case Kind::press:
+    case Kind::release: {
+      const auto change =
+          record.kind == Kind::press ? HeldKeys::Change::press : HeldKeys::Change::release;
+      if (const auto told = keyboards_[record.keyboard].take(record.code, change, record.timeNs))
+        sink(*told);
+      break;
+    }
+    case Kind::gone:
+      keyboards_[record.keyboard].releaseAll(machNow(), sink);
+      keyboards_.erase(record.keyboard);
+      break;
+    case Kind::delivering:
+      break;
+    case Kind::inBackground:
+    case Kind::locked:
+    case Kind::takenBack:
+      releaseAll(sink);
+  }
+}
+
+void BrokerKeySource::releaseAll(const Sink& sink) {
+  for (auto& [number, held] : keyboards_)
+    held.releaseAll(machNow(), sink);
+  keyboards_.clear();
+}
+
+void BrokerKeySource::close() {
+  keyboards_.clear();
+  stream_.reset();
+  wake_.clear();
+}
+
+bool BrokerKeySource::hasPermission() const {
+  return keyBroker::isAllowed();
+}
+
+std::string BrokerKeySource::problem() const {
+  const MutexLock lock(mutex_);
+  return problem_;
+}
+
+void BrokerKeySource::setProblem(const std::string& problem) {
+  const MutexLock lock(mutex_);
+  problem_ = problem;
+}
+
+}  // namespace tobrin
