@@ -2,10 +2,8 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <nlohmann/json.hpp>
-#include <system_error>
 
 #include "Base/AtomicFile.h"
 #include "Base/PackError.h"
@@ -15,6 +13,7 @@
 #include "Building/RecordingCache.h"
 #include "Building/RecordingConversion.h"
 #include "Commands.h"
+#include "Importing/TemporaryFolder.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
 #include "Packs/SampleBuffer.h"
@@ -113,32 +112,13 @@ Plan planOf(const Options& options, std::ostream& err) {
   }
 }
 
-/// A folder that goes with this object.
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "tobrin-slice-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr)
-      throw std::system_error(errno, std::generic_category(), "no temporary folder");
-    path = name;
-  }
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path, ignored);
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  std::filesystem::path path;
-};
-
 /// Converted as for a build: another converter would not find quite the same onsets, and reads
 /// other formats.
 std::unique_ptr<SampleBuffer> decoded(const std::string& recording, std::ostream& err) {
   const auto file = std::filesystem::absolute(recording);  // no option, and no address
   if (!std::filesystem::exists(file)) throw PackError::decode(file, "there is no such file");
   const TemporaryFolder folder;
-  const auto wav = folder.path / "recording.wav";
+  const auto wav = folder.path() / "recording.wav";
   switch (convertRecording(file, wav, SpawningProcessRunner())) {
     case Conversion::done:
       return SampleBuffer::load(wav, rate);
