@@ -1,4 +1,6 @@
 #include <CLI/CLI.hpp>
+#include <csignal>
+#include <nlohmann/json.hpp>
 
 #include "Base/ExchangeFolders.h"
 #include "Commands.h"
@@ -17,6 +19,42 @@ void print(const PackInstall::Installed& pack, std::ostream& out) {
   out << printable(pack.name + " (" + pack.id + ")") << (pack.isNew ? ": " : ", replaced: ")
       << printable(pack.folder.string()) << '\n';
 }
+
+/// For the panel, in a line of JSON each: how far it has come, then the pack's id, or the reason
+/// why there is none. Where nobody reads that any more, the user has changed their mind.
+class Reporting final {
+ public:
+  explicit Reporting(std::ostream& out) : out_(out) {
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+  }
+
+  void run(const std::string& source) {
+    try {
+      const SpawningProcessRunner programs;
+      PackInstall pack(source, userPacksDirectory(), {virtualCodeOf, programs, exchangeFolders},
+                       [this](double fraction) {
+                         report({{"progress", fraction}});
+                       });
+      report({{"progress", 1}});
+      report({{"id", pack.moveIntoPlace().id}});
+    } catch (const ImportError& error) {
+      report({{"kind", static_cast<int>(error.kind())}, {"reason", error.what()}});
+    } catch (const std::filesystem::filesystem_error& error) {
+      report({{"reason", error.code().message()}});
+    } catch (const std::exception& error) {
+      report({{"reason", error.what()}});
+    }
+  }
+
+ private:
+  void report(const nlohmann::json& line) {
+    using Handling = nlohmann::json::error_handler_t;
+    out_ << line.dump(-1, ' ', false, Handling::replace) << '\n' << std::flush;
+    if (!out_) throw std::runtime_error("nobody reads");
+  }
+
+  std::ostream& out_;
+};
 
 /// All are checked before the first is put in place.
 void run(const std::vector<std::string>& sources, const CommandStreams& streams) {
@@ -44,10 +82,15 @@ Examples:
 
 void addInstallCommand(CLI::App& app, const CommandStreams& streams) {
   const auto sources = std::make_shared<std::vector<std::string>>();
+  const auto reports = std::make_shared<bool>(false);
   auto* const command = app.add_subcommand("install", "Put packs among your own");
   command->add_option("FILE", *sources, "Folders, .tobrinpack files, archives")->required();
   command->footer(footer);
-  command->callback([sources, streams] { run(*sources, streams); });
+  command->add_flag("--report", *reports)->group("");  // not for people, so --help is silent
+  command->callback([sources, reports, streams] {
+    if (*reports) return Reporting(streams.out).run(sources->front());
+    run(*sources, streams);
+  });
 }
 
 }  // namespace tobrin

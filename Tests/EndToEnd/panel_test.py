@@ -15,10 +15,11 @@ import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
 from desktopclients import screenreader  # noqa: E402
+from desktopclients.filechooser import FileChooser  # noqa: E402
 from desktopclients.legibility import BARS, legible_share  # noqa: E402
 from desktopclients.traywatcher import TrayWatcher  # noqa: E402
 from desktopclients.xclient import KeyGrab, OtherWindow  # noqa: E402
-from listening import control, panels, record, types_audibly, xdotool  # noqa: E402
+from listening import control, panels, record, types_audibly, write_click_pack, xdotool  # noqa: E402
 from listening.panel import PATIENCE, PanelDriver, eventually, focused, named  # noqa: E402
 
 PACKS, PROGRAM = pathlib.Path(sys.argv.pop()), sys.argv.pop()
@@ -27,7 +28,7 @@ CHORD = "ctrl+alt+super+"
 # In the order of the Tab key; of a group, the chosen one.
 STOPS = ["Sounds", "Preview", "Blue Click, Clicky", "Mute", "Volume", "Strength: Medium", "Key release sounds", "Stereo by key position",
          "Quiet during calls", "Open at login", "Turn sounds on/off with",
-         "Shortcut keys: Ctrl+Alt+Super+K", "Shortcut: Ctrl+Alt+Super+K", "Packs Folder…", "Quit"]
+         "Shortcut keys: Ctrl+Alt+Super+K", "Shortcut: Ctrl+Alt+Super+K", "Packs Folder…", "Add Pack…", "Quit"]
 
 
 class PanelTest(PanelDriver):
@@ -107,7 +108,7 @@ class PanelTest(PanelDriver):
             eventually(lambda: focused() not in [None, *reached[-1:]], 5)
             reached.append(focused())
         self.assertEqual(reached, STOPS)
-        xdotool("key", "shift+Tab", "shift+Tab", "Right")
+        xdotool("key", *["shift+Tab"] * 3, "Right")
         self.assertTrue(eventually(lambda: focused() == "Shortcut: Ctrl+Alt+Super+S"))
         self.saves("shortcut", {"keyCode": 1, "modifiers": 11})
         xdotool("key", "shift+Tab", "shift+Tab", "space")
@@ -169,6 +170,36 @@ class PanelTest(PanelDriver):
         self.shows("No sound")
         control("start-sound")
         self.assertTrue(eventually(lambda: not named(silent.name)), "it plays again")
+
+    def test_packs_are_added_removed_and_brought_back(self):
+        own = pathlib.Path(os.environ["XDG_DATA_HOME"]) / "Tobrin/Packs"
+        self.start_with_panel(pack="panda")
+        self.click("Add Pack…")
+        self.shows("Drop packs here: files, archives or folders.")  # there is no portal yet
+        chooser = FileChooser()
+        self.addCleanup(chooser.close)
+        write_click_pack(self.folder / "sources")
+        archive = pathlib.Path(shutil.make_archive(str(self.folder / "click"), "zip", self.folder / "sources"))
+        broken = self.folder / "broken.zip"
+        broken.write_bytes(b"no archive")
+        chooser.choice = [archive, broken]
+        with record(self.folder / "heard.wav") as recorder:
+            self.click("Add Pack…")
+            recorder.wait_for("sound")
+        self.shows("Click · Fixed strength", "Click · test")
+        alert = eventually(lambda: next((each for each in screenreader.showing() if each.role == "alert"), None))
+        self.assertTrue(alert and alert.name.startswith("broken.zip can't be added: "), alert)
+        self.assertTrue((own / "click/pack.json").exists())
+
+        self.click("Move Click to the trash")
+        self.shows("Click is in the trash.", "Typewriter · Fixed strength")
+        self.assertFalse(named("Click, test") or named(alert.name) or list(own.iterdir()))
+        self.click("Undo")
+        self.shows("Click · Fixed strength")
+        self.click("Click, test")
+        xdotool("key", "Delete")
+        self.shows("Click is in the trash.")
+        self.assertTrue(eventually(lambda: focused() == "Typewriter, Novelty"), focused())
 
     def hostile_packs(self):
         """Packs whose authors thought of no panel, and so many that the grid scrolls."""

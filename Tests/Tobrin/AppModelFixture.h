@@ -19,6 +19,7 @@
 #include "Base/MachTime.h"
 #include "Base/VirtualQueue.h"
 #include "Desktop/LinuxWords.h"
+#include "Importing/ImportError.h"
 #include "Model/AppModel.h"
 #include "Support/HandDrivenDevice.h"
 #include "Support/ScriptedKeySource.h"
@@ -122,6 +123,7 @@ class AppModelTest : public ::testing::Test {
         AppServices{
             .main = main_,
             .loader = loader_,
+            .adding = adding_,
             .conductorQueue = conductorQueue_,
             .micQueue = micQueue_,
             .settings = settings_,
@@ -138,7 +140,9 @@ class AppModelTest : public ::testing::Test {
                 [](uint32_t code) { return std::optional(static_cast<uint16_t>(code)); },
             .discoverPacks = [this] { return found_; },
             .unusableFolders = [] { return std::vector<UnusableFolder>(); },
-            .loadPack = [this](const PackInfo& info) { return load(info); }},
+            .loadPack = [this](const PackInfo& info) { return load(info); },
+            .addPack = [this](const auto& source, const auto& tell) { return add(source, tell); },
+            .discardPack = [this](const PackInfo& info) { return discard(info); }},
         std::move(preview));
     return *model_;
   }
@@ -180,7 +184,7 @@ class AppModelTest : public ::testing::Test {
 
   // The key monitor's clock is the machine's, and the virtual one starts with it.
   const uint64_t begin_ = machNow();
-  VirtualQueue main_{"main", begin_}, loader_{"loader", begin_},
+  VirtualQueue main_{"main", begin_}, loader_{"loader", begin_}, adding_{"adding", begin_},
       conductorQueue_{"conductor", begin_}, micQueue_{"mic", begin_};
   MemorySettings settings_;
   TestDesktop desktop_;
@@ -193,6 +197,7 @@ class AppModelTest : public ::testing::Test {
       std::make_shared<HandDrivenDevice::Controls>();
   std::vector<PackInfo> found_ = {pack("alpha"), pack("leopold"), pack("omega")};
   std::set<std::string> damaged_;  ///< ids of packs that do not load
+  std::function<void()> whileAdding_ = [] {};
   std::string log_;
   std::unique_ptr<AppModel> model_;
 
@@ -202,10 +207,32 @@ class AppModelTest : public ::testing::Test {
     return TestPack().down(KeyGroup::alpha, Tier::medium, 0.2F).make(info.id);
   }
 
+  /// A source becomes a pack of its name, unless that is a reason against it.
+  std::string add(const std::filesystem::path& source, const PackShelf::Progress& tell) {
+    tell(0.5);
+    whileAdding_();
+    tell(0.75);
+    const std::string id = source.stem();
+    if (id == "mouse") throw ImportError(ImportError::Kind::mouse, "clicks");
+    if (id == "full")
+      throw std::filesystem::filesystem_error("",
+                                              std::make_error_code(std::errc::no_space_on_device));
+    if (id == "odd") throw ImportError(ImportError::Kind::unreadable, "odd.zip: it is odd");
+    found_.push_back(pack(id));
+    return id;
+  }
+
+  std::function<void()> discard(const PackInfo& info) {
+    if (!desktop_.refusal.empty()) throw std::runtime_error(desktop_.refusal);
+    const auto before = found_;
+    std::erase(found_, info);
+    return [this, before] { found_ = before; };
+  }
+
   void moveTo(uint64_t time) {
     // A task on one queue may post to another: a second and a third round take those up.
     for (int round = 0; round < 3; ++round)
-      for (VirtualQueue* queue : {&main_, &loader_, &micQueue_, &conductorQueue_})
+      for (VirtualQueue* queue : {&main_, &loader_, &adding_, &micQueue_, &conductorQueue_})
         queue->runUntil(time);
   }
 };

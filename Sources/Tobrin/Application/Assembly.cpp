@@ -5,11 +5,13 @@
 #include <chrono>
 #include <filesystem>
 
+#include "Application/PackInstaller.h"
 #include "Base/SystemFolders.h"
 #include "Base/UserFolders.h"
 #include "Desktop/LinuxWords.h"
 #include "Desktop/SessionKeys.h"
 #include "Desktop/SessionSound.h"
+#include "Desktop/XdgTrash.h"
 #include "Evdev/KeyCodes.h"
 #include "Motion/FindMotionSource.h"
 #include "Packs/PackLibrary.h"
@@ -48,6 +50,7 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
       workspace_(launcher),
       main_("main"),
       loader_("app.tobrin.load"),
+      adding_("app.tobrin.add"),
       conductorQueue_(Conductor::queueName, requestRealtimeScheduling),
       micQueue_(MicMonitor::queueName) {
   // One connection's loop serves output and microphone watch.
@@ -55,6 +58,7 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
   AppServices services{
       .main = main_,
       .loader = loader_,
+      .adding = adding_,
       .conductorQueue = conductorQueue_,
       .micQueue = micQueue_,
       .settings = settings_,
@@ -75,6 +79,8 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
             main_.after(settleTime, [] { malloc_trim(0); });  // free heap goes back to the system
             return loadPack(info, AudioOutput::sampleRate);
           },
+      .addPack = addByWorkshop,
+      .discardPack = [](const PackInfo& pack) { return moveToTrash(pack.directory); },
   };
   const bool isPreview = preview.has_value();
   model_ = std::make_unique<AppModel>(std::move(services), std::move(preview));

@@ -31,6 +31,7 @@ class Assembly final {
   DesktopWorkspace workspace_;
   QtQueue main_;
   AsioQueue loader_;
+  AsioQueue adding_;
   AsioQueue conductorQueue_;
   AsioQueue micQueue_;
   std::unique_ptr<AppModel> model_;

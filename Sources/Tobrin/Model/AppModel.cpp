@@ -24,6 +24,7 @@ AppModel::AppModel(AppServices services, std::optional<Preview> preview)
       sensorAvailable_(services_.motionSource != nullptr || (preview && preview->reading)),
       saver_(services_.main,
              [this] { return services_.settings.write(settingsKey, settings_.toJson()); }),
+      shelf_(services_.main, services_.adding, services_.addPack, services_.discardPack),
       self_(std::make_shared<AppModel*>(this)) {
   readSavedState(preview);
   auto sensor = services_.motionSource != nullptr
@@ -107,6 +108,7 @@ void AppModel::wireCallbacks() {
   micMonitor_->setOnChange([this, self = self_](bool inUse) {
     if (*self != nullptr) micChanged(inUse);
   });
+  connect(&shelf_, &PackShelf::added, this, &AppModel::packAdded);
   services_.workspace.setOnWake([this] {
     conductor_->systemDidWake();
     micMonitor_->refresh();
@@ -299,6 +301,9 @@ void AppModel::setSelectedPackID(const std::string& id) {
 
 void AppModel::refreshPacks() {
   auto found = services_.discoverPacks();
+  const PackInfo* const selected = selectedPack();
+  const std::size_t place =
+      selected != nullptr ? static_cast<std::size_t>(selected - packs_.data()) : 0;
   auto unusable = services_.unusableFolders();
   if (found != packs_ || unusable != unusable_) {
     packs_ = std::move(found);
@@ -306,7 +311,29 @@ void AppModel::refreshPacks() {
     emit packsChanged();
     emit statusChanged();
   }
-  if (selectedPack() == nullptr && !packs_.empty()) select(packs_.front());
+  if (selectedPack() == nullptr && !packs_.empty())
+    select(packs_[std::min(place, packs_.size() - 1)]);
+}
+
+void AppModel::packAdded(const std::string& id) {
+  refreshPacks();
+  setSelectedPackID(id);
+}
+
+void AppModel::removePack(const std::string& id) {
+  const auto pack = std::find_if(packs_.begin(), packs_.end(),
+                                 [&](const PackInfo& each) { return each.id == id; });
+  if (pack == packs_.end()) return;
+  const std::string selected = selectedPackID_;
+  if (!shelf_.discard(*pack)) return;
+  selectedBeforeRemoval_ = selected;
+  lookForPacks();
+}
+
+void AppModel::undoRemoval() {
+  if (!shelf_.bringBack()) return;
+  lookForPacks();
+  setSelectedPackID(selectedBeforeRemoval_);
 }
 
 void AppModel::loadWhereMissing(bool audition) {

@@ -19,6 +19,7 @@
 #include "Mic/MicMonitor.h"
 #include "Model/AppServices.h"
 #include "Model/KeyAccessWatch.h"
+#include "Model/PackShelf.h"
 #include "Model/SettingsSaver.h"
 #include "Model/StatusTexts.h"
 
@@ -100,6 +101,13 @@ class AppModel final : public QObject {
   /// sensor.
   [[nodiscard]] EngineSettings effectiveSettings() const;
 
+  /// What the user adds to their packs, and takes from them.
+  [[nodiscard]] PackShelf& shelf() { return shelf_; }
+  /// Moves one of the user's own packs to the trash; the one after it takes its place.
+  void removePack(const std::string& id);
+  /// Brings the pack back that was removed last, and the choice of before.
+  void undoRemoval();
+  /// Finds the packs again. Where the chosen one is gone, the one in its place is chosen.
   void refreshPacks();
   /// Finds the packs again, and loads the chosen one where it has become another.
   void lookForPacks();
@@ -155,6 +163,7 @@ class AppModel final : public QObject {
   /// Plays from `pack` from now on; null: from none, so that no other pack sounds under its name.
   void install(std::shared_ptr<const LoadedPack> pack, bool audition);
   void setPackError(std::optional<std::string> text);
+  void packAdded(const std::string& id);
   void readLoginItem();
 
   /// Runs `task` on the main thread if the model is still there.
@@ -167,7 +176,9 @@ class AppModel final : public QObject {
   bool isFirstStart_ = false;
   EngineSettings settings_;
   SettingsSaver saver_;
+  PackShelf shelf_;
   std::string selectedPackID_;
+  std::string selectedBeforeRemoval_;
   std::vector<PackInfo> packs_;
   std::vector<UnusableFolder> unusable_;
   std::optional<PackManifest> manifest_;

@@ -17,6 +17,7 @@
 #include "Input/PlatformWords.h"
 #include "Input/ShortcutService.h"
 #include "Mic/MicSource.h"
+#include "Model/PackShelf.h"
 #include "Packs/LoadedPack.h"
 #include "Packs/PackLibrary.h"
 #include "Packs/PackManifest.h"
@@ -26,6 +27,7 @@ namespace tobrin {
 struct AppServices {
   SerialQueue& main;            ///< the model's own thread
   SerialQueue& loader;          ///< where packs are decoded
+  SerialQueue& adding;          ///< where packs are read that the user adds
   SerialQueue& conductorQueue;  ///< "app.tobrin.conductor"
   SerialQueue& micQueue;        ///< "app.tobrin.mic"
   SettingsStore& settings;
@@ -48,6 +50,8 @@ struct AppServices {
   std::function<std::vector<PackInfo>()> discoverPacks;
   std::function<std::vector<UnusableFolder>()> unusableFolders;
   std::function<std::shared_ptr<const LoadedPack>(const PackInfo&)> loadPack;  ///< throws
+  PackShelf::Add addPack;
+  PackShelf::Discard discardPack;
 };
 
 }  // namespace tobrin

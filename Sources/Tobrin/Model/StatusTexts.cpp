@@ -1,16 +1,8 @@
 #include "Model/StatusTexts.h"
 
+#include "Model/FilledText.h"
+
 namespace tobrin {
-namespace {
-
-/// The text with its "%1" replaced, or what `place` names.
-std::string filled(std::string text, const std::string& value, std::string_view place = "%1") {
-  const auto found = text.find(place);
-  return found == std::string::npos ? text : text.replace(found, place.size(), value);
-}
-
-}  // namespace
-
 std::string StatusTexts::statusLine(const ProgramStatus& status) const {
   switch (status.sound) {
     case SoundState::noKeyAccess:

@@ -109,6 +109,18 @@ Rectangle {
         anchors { bottom: parent.bottom; left: parent.left; right: parent.right; margins: Theme.margin }
         model: panel.model
     }
+    DropArea {
+        id: drop
+        anchors.fill: parent
+        keys: ["text/uri-list"]
+        onDropped: event => panel.model.shelf.add(event.urls)
+    }
+    Rectangle {
+        anchors.fill: parent
+        visible: drop.containsDrag
+        color: "transparent"
+        border { color: Theme.accent; width: Theme.unit }
+    }
     Rectangle {
         anchors.fill: parent
         visible: panel.framed

@@ -87,6 +87,7 @@ ColumnLayout {
                 pack: cell.modelData
                 selected: usable && pack.id === section.model.selectedPackID
                 onChosen: if (usable) section.model.select(pack.id)
+                Keys.onDeletePressed: grid.remove(pack)
                 Keys.onPressed: event => event.accepted = grid.moveBy(event)
             }
         }
@@ -124,6 +125,15 @@ ColumnLayout {
             currentIndex = Math.max(0, Math.min(count - 1, index));
             positionViewAtIndex(currentIndex, GridView.Contain);
             currentItem.children[0].forceActiveFocus(Qt.TabFocusReason);
+        }
+
+        /// The keyboard stays where the pack was.
+        function remove(pack) {
+            const place = currentIndex;
+            if (!pack.own)
+                return;
+            section.model.shelf.remove(pack.id);
+            Qt.callLater(() => moveTo(place));
         }
 
         /// Whether the key means a place in the grid.

@@ -17,6 +17,15 @@ ColumnLayout {
             Layout.fillWidth: true
             text: qsTr("Sound")
         }
+        PanelButton {
+            Layout.fillHeight: true
+            symbol: "trash"
+            visible: section.model.selectedPack.own ?? false
+            hint: qsTr("Move %1 to the trash").arg(section.model.selectedPack.name ?? "")
+            Accessible.name: hint
+            Accessible.description: ""
+            onClicked: section.model.shelf.remove(section.model.selectedPackID)
+        }
         Item {
             implicitWidth: preview.implicitWidth
             implicitHeight: preview.implicitHeight

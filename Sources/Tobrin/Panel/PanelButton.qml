@@ -47,6 +47,7 @@ T.Button {
         }
         PanelText {
             text: control.text
+            visible: text !== ""
             Layout.fillWidth: true
             color: control.ink
             horizontalAlignment: control.symbol === "" ? Text.AlignHCenter : Text.AlignLeft

@@ -11,6 +11,10 @@ ColumnLayout {
     spacing: Theme.inset
 
     Hairline { color: Theme.outline }
+    PackWork {
+        Layout.fillWidth: true
+        shelf: footer.model.shelf
+    }
     WarningLine {
         Layout.fillWidth: true
         text: footer.model.packsFolderProblem
@@ -23,6 +27,13 @@ ColumnLayout {
             Layout.maximumWidth: implicitWidth
             text: qsTr("Packs Folder…")
             onClicked: footer.model.openPacksFolder()
+        }
+        PanelButton {
+            Layout.fillWidth: true
+            Layout.maximumWidth: implicitWidth
+            text: qsTr("Add Pack…")
+            hint: qsTr("Packs, archives and folders can also be dropped on this panel.")
+            onClicked: footer.model.shelf.choose()
         }
         Item { Layout.fillWidth: true }
         PanelButton {

@@ -7,6 +7,7 @@
 #include "Application/Translation.h"
 #include "Input/KeyLayout.h"
 #include "Model/AppModel.h"
+#include "Panel/StrangersText.h"
 
 namespace tobrin {
 namespace {
@@ -15,18 +16,6 @@ constexpr float stereoWidth = 0.5f;  // what switching stereo on sets
 
 QString text(std::string_view utf8) {
   return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-}
-
-/// Words that strangers wrote, in one line: what would break it or turn the direction of the texts
-/// beside it is left out.
-QString strangersText(const std::optional<std::string>& utf8) {
-  if (!utf8) return {};
-  QString line = text(*utf8).simplified();
-  line.removeIf([](QChar each) {
-    return each.category() == QChar::Other_Control || (each >= u'\u202a' && each <= u'\u202e') ||
-           (each >= u'\u2066' && each <= u'\u2069');
-  });
-  return line;
 }
 
 QString textOrNone(const std::optional<std::string>& utf8) {
@@ -44,7 +33,7 @@ QString origin(const PackManifest& manifest) {
 }  // namespace
 
 PanelModel::PanelModel(AppModel& model, QObject* parent)
-    : QObject(parent), model_(model), texts_(model.words(), translated) {
+    : QObject(parent), model_(model), shelf_(model), texts_(model.words(), translated) {
   connect(&model, &AppModel::statusChanged, this, &PanelModel::statusChanged);
   connect(&model, &AppModel::permissionChanged, this, &PanelModel::permissionChanged);
   connect(&model, &AppModel::outputChanged, this, &PanelModel::soundProblemChanged);
@@ -150,6 +139,7 @@ QVariantList PanelModel::packs() const {
                             {"name", strangersText(pack.name)},
                             {"kind", strangersText(pack.kind)},
                             {"summary", strangersText(pack.summary)},
+                            {"own", !pack.isBundled},
                             {"problem", QString()}});
   }
   for (const auto& [folder, reason] : model_.unusableFolders()) {
@@ -157,6 +147,7 @@ QVariantList PanelModel::packs() const {
                             {"name", strangersText(folder.filename().string())},
                             {"kind", tr("No pack")},
                             {"summary", QString()},
+                            {"own", false},
                             {"problem", strangersText(reason)}});
   }
   return list;
@@ -172,6 +163,7 @@ QVariantMap PanelModel::selectedPack() const {
   QVariantMap details{{"name", strangersText(pack->name)},
                       {"kind", strangersText(pack->kind)},
                       {"summary", strangersText(pack->summary)},
+                      {"own", !pack->isBundled},
                       {"origin", QString()}};
   const auto& manifest = model_.loadedManifest();
   if (manifest && manifest->id == pack->id) details["origin"] = origin(*manifest);

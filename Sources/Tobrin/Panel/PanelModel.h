@@ -9,6 +9,7 @@
 #include <QtQmlIntegration>
 
 #include "Model/StatusTexts.h"
+#include "Panel/PackShelfModel.h"
 
 namespace tobrin {
 
@@ -36,6 +37,7 @@ class PanelModel final : public QObject {
   Q_PROPERTY(QString packsFolderProblem READ packsFolderProblem NOTIFY packsFolderProblemChanged)
   Q_PROPERTY(QString loginItemProblem READ loginItemProblem NOTIFY launchAtLoginChanged)
 
+  Q_PROPERTY(tobrin::PackShelfModel* shelf READ shelf CONSTANT)
   Q_PROPERTY(QVariantList packs READ packs NOTIFY packsChanged)
   Q_PROPERTY(QString selectedPackID READ selectedPackID NOTIFY selectedPackChanged)
   Q_PROPERTY(QVariantMap selectedPack READ selectedPack NOTIFY selectedPackChanged)
@@ -86,9 +88,10 @@ class PanelModel final : public QObject {
   [[nodiscard]] bool welcome() const;
   [[nodiscard]] QString packsFolderProblem() const;  ///< empty while there is none
   [[nodiscard]] QString loginItemProblem() const;    ///< empty while there is none
-  [[nodiscard]] QVariantList packs() const;          ///< maps of id, name, kind, summary, problem
+  [[nodiscard]] PackShelfModel* shelf() { return &shelf_; }
+  [[nodiscard]] QVariantList packs() const;  ///< maps of id, name, kind, summary, own, problem
   [[nodiscard]] QString selectedPackID() const;
-  [[nodiscard]] QVariantMap selectedPack() const;  ///< name, kind, summary, origin; or empty
+  [[nodiscard]] QVariantMap selectedPack() const;  ///< name, kind, summary, own, origin; or empty
   [[nodiscard]] QString packError() const;
   [[nodiscard]] bool soundsOn() const;
   [[nodiscard]] double volume() const;  ///< linear, 0 to 1 on the slider
@@ -160,6 +163,7 @@ class PanelModel final : public QObject {
   void change(Field EngineSettings::*field, Value value);
 
   AppModel& model_;
+  PackShelfModel shelf_;
   StatusTexts texts_;
 };
 

@@ -82,6 +82,7 @@ PanelWindow::PanelWindow(AppModel& model, std::function<void()> onClosed)
   for (const QQmlError& error : view_->errors())
     logLine(error.toString().toStdString());
   view_->installEventFilter(this);
+  wirePackChooser();
   if (QQuickItem* root = view_->rootObject()) {
     // Texts wrap only once they know their width, and cards come and go.
     connect(root, &QQuickItem::implicitHeightChanged, this, &PanelWindow::followContent);
@@ -208,11 +209,34 @@ void PanelWindow::loseFocus() {
 }
 
 void PanelWindow::leaveWithFocus() {
+  if (model_->shelf()->isAsking()) return;  // the desktop's chooser has it, or who drags a file
   if (!view_->isVisible() || view_->isActive() || focusLoss_.wentWithPointer()) return;
   if (!keepsInputFocus(*view_)) return view_->hide();
   // During a grab we cannot see where the focus goes, so we ask until the grab ends.
   constexpr auto lookAgainAfter = 200ms;
   QTimer::singleShot(lookAgainAfter, this, &PanelWindow::leaveWithFocus);
+}
+
+void PanelWindow::wirePackChooser() {
+  using Asking = PackShelfModel::Asking;
+  PackShelfModel* const shelf = model_->shelf();
+  connect(shelf, &PackShelfModel::choiceWanted, this, &PanelWindow::askForPacks);
+  connect(&packChooser_, &PackChooser::failed, this, [this] { endAsking(Asking::byDropping); });
+  connect(&packChooser_, &PackChooser::chosen, this, [this, shelf](const QList<QUrl>& files) {
+    endAsking(Asking::no);
+    shelf->add(files);
+  });
+}
+
+void PanelWindow::askForPacks() {
+  model_->shelf()->setAsking(PackShelfModel::Asking::byChooser);
+  const bool hasNumber = QGuiApplication::platformName() == "xcb";
+  packChooser_.ask(hasNumber ? "x11:" + QString::number(view_->winId(), 16) : QString());
+}
+
+void PanelWindow::endAsking(PackShelfModel::Asking next) {
+  model_->shelf()->setAsking(next);
+  if (view_->isVisible()) view_->requestActivate();
 }
 
 bool PanelWindow::eventFilter(QObject* watched, QEvent* event) {
@@ -230,6 +254,7 @@ bool PanelWindow::eventFilter(QObject* watched, QEvent* event) {
       closeOnEscape(*static_cast<QKeyEvent*>(event));
       break;
     case QEvent::Hide:
+      model_->shelf()->panelClosed();
       onClosed_();
       break;
     default:

@@ -8,6 +8,7 @@
 
 #include "Application/UserInterface.h"
 #include "Panel/FocusLoss.h"
+#include "Panel/PackChooser.h"
 #include "Panel/PanelModel.h"
 
 namespace tobrin {
@@ -36,9 +37,13 @@ class PanelWindow final : public QObject, public Panel {
   void closeOnEscape(const QKeyEvent& key);
   void loseFocus();
   void leaveWithFocus();
+  void wirePackChooser();
+  void askForPacks();
+  void endAsking(PackShelfModel::Asking next);
 
   std::unique_ptr<PanelModel> model_;  // before the view, which binds to it
   std::unique_ptr<QQuickView> view_;
+  PackChooser packChooser_;
   std::function<void()> onClosed_;
   bool closesWithFocus_ = false;
   FocusLoss focusLoss_;

@@ -40,10 +40,18 @@
     <name>PackSection</name>
     <message><source>Sound</source><translation>Klang</translation></message>
     <message><source>Preview</source><translation>Anhören</translation></message>
+    <message><source>Move %1 to the trash</source><translation>%1 in den Papierkorb legen</translation></message>
+</context>
+<context>
+    <name>PackWork</name>
+    <message><source>Cancel</source><translation>Abbrechen</translation></message>
+    <message><source>Undo</source><translation>Rückgängig</translation></message>
 </context>
 <context>
     <name>PanelFooter</name>
     <message><source>Packs Folder…</source><translation>Paketordner …</translation></message>
+    <message><source>Add Pack…</source><translation>Hinzufügen …</translation></message>
+    <message><source>Packs, archives and folders can also be dropped on this panel.</source><translation>Pakete, Archive und Ordner lassen sich auch auf dieses Fenster ziehen.</translation></message>
     <message><source>Quit</source><translation>Beenden</translation></message>
 </context>
 <context>
@@ -81,6 +89,19 @@
     <message><source>%1 %</source><translation>%1 %</translation></message>
 </context>
 <context>
+    <name>tobrin::PackChooser</name>
+    <message><source>Add packs</source><translation>Pakete hinzufügen</translation></message>
+    <message><source>Add</source><translation>Hinzufügen</translation></message>
+    <message><source>Sound packs</source><translation>Klangpakete</translation></message>
+    <message><source>All files</source><translation>Alle Dateien</translation></message>
+</context>
+<context>
+    <name>tobrin::PackShelfModel</name>
+    <message><source>Adding %1…</source><translation>%1 wird hinzugefügt …</translation></message>
+    <message><source>%1 is in the trash.</source><translation>%1 liegt im Papierkorb.</translation></message>
+    <message><source>Drop packs here: files, archives or folders.</source><translation>Zieh Pakete hierher: Dateien, Archive oder Ordner.</translation></message>
+</context>
+<context>
     <name>tobrin::PanelModel</name>
     <message><source>No pack</source><translation>Kein Paket</translation></message>
     <message><source>Sounds are off.</source><translation>Die Töne sind aus.</translation></message>
@@ -106,6 +127,14 @@
     <message><source>Force sensing on</source><translation>Anschlag wird gemessen</translation></message>
     <message><source>Fixed strength, sensor fails</source><translation>Feste Stärke, Sensor gestört</translation></message>
     <message><source>No pack</source><translation>Kein Paket</translation></message>
+    <message><source>%1 holds no pack in a format that Tobrin knows.</source><translation>%1 enthält kein Paket in einem Format, das Tobrin kennt.</translation></message>
+    <message><source>%1 holds sounds for a mouse, not for keys.</source><translation>%1 enthält Töne für eine Maus, nicht für Tasten.</translation></message>
+    <message><source>%1 is too large for a pack.</source><translation>%1 ist zu groß für ein Paket.</translation></message>
+    <message><source>%1 holds no sounds that can be played.</source><translation>%1 enthält keine Töne, die sich abspielen lassen.</translation></message>
+    <message><source>%1 can't be added: %2.</source><translation>%1 lässt sich nicht hinzufügen: %2.</translation></message>
+    <message><source>%1 can't be moved to the trash: %2.</source><translation>%1 lässt sich nicht in den Papierkorb legen: %2.</translation></message>
+    <message><source>%1 can't be brought back: %2.</source><translation>%1 lässt sich nicht zurückholen: %2.</translation></message>
+    <message><source>Others that failed: %1.</source><translation>Außerdem nicht gelungen: %1.</translation></message>
     <message><source>%1 is already used by another app. Pick another.</source><translation>%1 benutzt schon ein anderes Programm. Wähle ein anderes.</translation></message>
     <message><source>Couldn't set up %1 (error %2).</source><translation>%1 ließ sich nicht einrichten (Fehler %2).</translation></message>
     <message><source>%1 in any app to turn sounds on or off</source><translation>%1 schaltet in jedem Programm die Töne an und aus</translation></message>
