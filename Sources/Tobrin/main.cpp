@@ -9,7 +9,7 @@
 #include "SystemLog/SystemLog.h"
 
 int main(int argc, char** argv) {
-  // Whoever reads our output through a pipe gets each line as it is written.
+  // A reader at the other end of a pipe gets each line as it is written.
   static_cast<void>(std::setvbuf(stdout, nullptr, _IOLBF, 0));
   tobrin::setLogSink(tobrin::systemLog());
   tobrin::keepNoCore();

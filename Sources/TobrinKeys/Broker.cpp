@@ -144,9 +144,8 @@ int Broker::askAdministrator(sd_bus_message* call, uid_t user, bool remember) {
   const BusMessage question(made);
   if (status >= 0) {
     constexpr uint32_t askPeople = 1;
-    status =
-        sd_bus_message_append(made, "(sa{sv})sa{ss}us", "system-bus-name", 1, "name", "s",
-                              sd_bus_message_get_sender(call), action, 0, askPeople, "");
+    status = sd_bus_message_append(made, "(sa{sv})sa{ss}us", "system-bus-name", 1, "name", "s",
+                                   sd_bus_message_get_sender(call), action, 0, askPeople, "");
   }
   if (status < 0) return status;
   auto asked = std::make_unique<Question>(
@@ -163,7 +162,8 @@ int Broker::takeAnswer(sd_bus_message* answer, const Question& question) {
   sd_bus_message* const call = question.call.get();
   int agreed = 0;
   if (sd_bus_message_is_method_error(answer, nullptr) != 0)
-    return sd_bus_reply_method_errorf(call, failed, "%s", sd_bus_message_get_error(answer)->message);
+    return sd_bus_reply_method_errorf(call, failed, "%s",
+                                      sd_bus_message_get_error(answer)->message);
   if (sd_bus_message_enter_container(answer, 'r', "bba{ss}") < 0 ||
       sd_bus_message_read(answer, "b", &agreed) < 0 || agreed == 0)
     return sd_bus_reply_method_errorf(call, keyBrokerNotAllowed, "it was not allowed");

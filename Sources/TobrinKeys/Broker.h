@@ -19,8 +19,8 @@ namespace tobrin {
 class Broker final {
  public:
   struct Options {
-    std::string program;         ///< the one executable that is served
-    std::string consentFolder;   ///< where consents are remembered
+    std::string program;        ///< the one executable that is served
+    std::string consentFolder;  ///< where consents are remembered
     bool alsoWhenLocked = false;
   };
 
@@ -57,7 +57,7 @@ class Broker final {
   Consents consents_;
   std::string problem_;
   std::vector<std::unique_ptr<KeyStream>> streams_;
-  unsigned questions_ = 0;   // that an administrator has been asked and has not answered
+  unsigned questions_ = 0;  // that an administrator has been asked and has not answered
   unsigned looksLeft_ = 0;
   EventSource anyDevice_, inputDevices_, secondLook_, idle_;
 };

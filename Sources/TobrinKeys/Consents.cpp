@@ -15,7 +15,8 @@ bool Consents::has(uid_t user) const {
 bool Consents::give(uid_t user, bool remember) {
   constexpr mode_t ownerOnly = 0600;
   if (remember)
-    return static_cast<bool>(FileDescriptor::open(file(user).c_str(), O_WRONLY | O_CREAT, ownerOnly));
+    return static_cast<bool>(
+        FileDescriptor::open(file(user).c_str(), O_WRONLY | O_CREAT, ownerOnly));
   untilTheEnd_.insert(user);
   return true;
 }

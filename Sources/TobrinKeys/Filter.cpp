@@ -16,8 +16,8 @@ int giveUpWhatIsNotNeeded() {
                                                                  &seccomp_release);
   if (!filter) return ENOMEM;
   const uint32_t refuse = SCMP_ACT_ERRNO(EPERM);
-  int status = seccomp_rule_add(filter.get(), refuse, SCMP_SYS(socket), 1,
-                                SCMP_A0(SCMP_CMP_NE, AF_UNIX));
+  int status =
+      seccomp_rule_add(filter.get(), refuse, SCMP_SYS(socket), 1, SCMP_A0(SCMP_CMP_NE, AF_UNIX));
   for (const int call :
        {SCMP_SYS(execve), SCMP_SYS(execveat), SCMP_SYS(fork), SCMP_SYS(vfork), SCMP_SYS(ptrace),
         SCMP_SYS(process_vm_readv), SCMP_SYS(process_vm_writev), SCMP_SYS(pidfd_getfd),

@@ -1,6 +1,6 @@
 /// What of one keyboard's kernel events is told: presses and releases of keys. Not told: how long a
-/// key repeats, buttons of mice and pads, and the release of a key whose press was not told, such as
-/// one that was typed at a login prompt. Thread: main.
+/// key repeats, buttons of mice and pads, and the release of a key whose press was not told, such
+/// as one that was typed at a login prompt. Thread: main.
 #pragma once
 
 #include <linux/input.h>

@@ -48,8 +48,7 @@ void KeyStream::takeUp(const std::string& node) {
   if (std::any_of(keyboards_.begin(), keyboards_.end(), isNode)) return;
   auto keyboard = OpenKeyboard::open(node, nextNumber_);
   sd_event_source* source = nullptr;
-  if (!keyboard ||
-      sd_event_add_io(loop_, &source, keyboard->fd(), EPOLLIN, &onKeys, this) < 0)
+  if (!keyboard || sd_event_add_io(loop_, &source, keyboard->fd(), EPOLLIN, &onKeys, this) < 0)
     return;
   ++nextNumber_;
   // Notices of the login manager that have come in meanwhile go first.

@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "Base/FileDescriptor.h"
-#include "EventLoop.h"
 #include "Evdev/KeyRecord.h"
+#include "EventLoop.h"
 #include "OpenKeyboard.h"
 #include "Seats.h"
 

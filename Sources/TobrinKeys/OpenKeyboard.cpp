@@ -66,8 +66,7 @@ OpenKeyboard::~OpenKeyboard() {
 
 bool OpenKeyboard::read(std::vector<KeyRecord>& told) {
   std::array<input_event, keyRecordsAtOnce> events;
-  const ssize_t length =
-      retried([&] { return ::read(file_.get(), events.data(), sizeof events); });
+  const ssize_t length = retried([&] { return ::read(file_.get(), events.data(), sizeof events); });
   if (length < 0) return errno == EAGAIN;
   const auto* const end = events.data() + static_cast<std::size_t>(length) / sizeof(input_event);
   for (const auto* event = events.data(); event != end; ++event) {

@@ -49,8 +49,9 @@ int main(int count, char** words) {
   const bool alsoWhenLocked = count == 3 && std::string_view(words[2]) == "--also-when-locked";
   const std::string_view folder = tobrin::stateFolder();
   if ((count != 2 && !alsoWhenLocked) || folder.empty())
-    return tobrin::complain("usage, as the service manager starts it: STATE_DIRECTORY=DIR tobrin-keys ",
-                            "PROGRAM [--also-when-locked]", tobrin::wrongUsage);
+    return tobrin::complain(
+        "usage, as the service manager starts it: STATE_DIRECTORY=DIR tobrin-keys ",
+        "PROGRAM [--also-when-locked]", tobrin::wrongUsage);
   return tobrin::run({.program = words[1],
                       .consentFolder = std::string(folder),
                       .alsoWhenLocked = alsoWhenLocked});

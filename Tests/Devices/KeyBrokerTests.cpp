@@ -82,8 +82,8 @@ class KeyBroker : public ::testing::Test {
     });
   }
 
-  testing::SystemServices system{keyBrokerName, TOBRIN_KEYS " /proc/" + std::to_string(getpid()) +
-                                                    "/exe"};
+  testing::SystemServices system{keyBrokerName,
+                                 TOBRIN_KEYS " /proc/" + std::to_string(getpid()) + "/exe"};
   testing::HeardKeys heard;
   KeyMonitor monitor{std::make_unique<BrokerKeySource>(), std::ref(heard), testing::patient()};
 };
@@ -219,8 +219,8 @@ TEST_F(KeyBroker, AKeyTakesLittleLongerThanRightFromItsDevice) {
   const auto near = delays(direct, keyboard), far = delays(broker, keyboard);
   ASSERT_EQ(near.size(), 2000U);
   ASSERT_EQ(far.size(), 2000U);
-  std::printf("key to program, us: direct p50 %.0f p99 %.0f, broker p50 %.0f p99 %.0f\n", near[1000],
-              near[1980], far[1000], far[1980]);
+  std::printf("key to program, us: direct p50 %.0f p99 %.0f, broker p50 %.0f p99 %.0f\n",
+              near[1000], near[1980], far[1000], far[1980]);
   EXPECT_LT(far[1980], near[1980] + 200);
 }
 

@@ -49,9 +49,10 @@ class SystemServices final {
     std::ofstream(services / (name + ".service"))
         << "[D-BUS Service]\nName=" << name << "\nExec=" << command << "\n";
     std::ofstream(folder.path() / "bus.conf")
-        << "<busconfig><type>session</type><listen>unix:path=" << socket() << "</listen><servicedir>"
-        << services.string()
-        << "</servicedir><auth>EXTERNAL</auth><policy context='default'><allow send_destination='*' "
+        << "<busconfig><type>session</type><listen>unix:path=" << socket()
+        << "</listen><servicedir>" << services.string()
+        << "</servicedir><auth>EXTERNAL</auth><policy context='default'><allow "
+           "send_destination='*' "
            "eavesdrop='true'/><allow eavesdrop='true'/><allow own='*'/><allow user='*'/></policy>"
            "</busconfig>";
     setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + socket()).c_str(), 1);

@@ -1,4 +1,4 @@
-/// How the desktop wants its windows to look: by the portal's settings where they are told, else by
+/// How the desktop wants its windows to look: by the settings of its portal, or by
 /// the palette. Thread: main.
 #pragma once
 
@@ -31,7 +31,7 @@ class Appearance final : public QObject {
   void take(const QString& setting, const QVariant& value);
   [[nodiscard]] bool isDark() const;
 
-  QMap<QString, QVariant> settings_;  // those that the portal has told, by space and key
+  QMap<QString, QVariant> settings_;  // as the portal answered, by space and key
 };
 
 }  // namespace tobrin

@@ -1,5 +1,5 @@
 /// A pack of another format, as it was read: which key plays which part of which file. Plain
-/// values; our own key codes.
+/// values; our own key codes. Thread: any.
 #pragma once
 
 #include <compare>

@@ -1,4 +1,5 @@
 /// Why a pack that somebody brought was not taken. Its text is shown to the user as it stands.
+/// Thread: any.
 #pragma once
 
 #include <cstdint>

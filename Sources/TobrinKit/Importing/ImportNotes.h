@@ -1,5 +1,5 @@
 /// What an import left out or had to guess: one note a reason, with the names that it concerns.
-/// One thread at a time.
+/// Thread: any, one at a time.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
 /// What readers of packs do alike: keys and files by their names, and words about those that are
-/// not to be had. For the time of one reading.
+/// not to be had. For the time of one reading. Thread: any, one at a time.
 #pragma once
 
 #include <optional>

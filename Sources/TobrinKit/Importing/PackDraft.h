@@ -1,5 +1,5 @@
 /// A pack in memory, made of one recording a key: all strengths, brought to the loudness of built
-/// packs, then written. One thread at a time.
+/// packs, then written. Thread: any, one at a time.
 #pragma once
 
 #include <filesystem>

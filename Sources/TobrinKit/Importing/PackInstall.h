@@ -1,5 +1,5 @@
 /// Puts packs among the user's own: folders, exported packs and packs of other programs. Each is
-/// checked as a whole before anything is put in place. One thread at a time.
+/// checked as a whole before anything is put in place. Thread: any, one at a time.
 #pragma once
 
 #include <filesystem>

@@ -1,5 +1,5 @@
 /// Decodes the files of a source, one at a time: packs that are cut from one file ask for it again
-/// and again. One thread at a time.
+/// and again. Thread: any, one at a time.
 #pragma once
 
 #include <filesystem>

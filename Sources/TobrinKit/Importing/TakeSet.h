@@ -1,5 +1,5 @@
 /// The sounds of a foreign pack as our takes: sorted into groups, each once, and which of them each
-/// key plays.
+/// key plays. Thread: any.
 #pragma once
 
 #include <cstddef>

@@ -25,7 +25,9 @@ class BrokerKeySource final : public KeySource {
   [[nodiscard]] bool hasPermission() const override;
   bool requestPermission() override { return hasPermission(); }
   [[nodiscard]] std::string problem() const override;
-  [[nodiscard]] std::string description() const override { return "kernel keyboards (tobrin-keys)"; }
+  [[nodiscard]] std::string description() const override {
+    return "kernel keyboards (tobrin-keys)";
+  }
 
  private:
   bool takePacket(const Sink& sink);
