@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <linux/input.h>
 #include <poll.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -174,6 +175,39 @@ TEST_F(KeyBroker, ABrokerThatIsKilledWhileItsUserTypesLeavesNoKeyStuckAndComesBa
   system.restart();
   goToFront();
   EXPECT_TRUE(isHeard(keyboard)) << "after the message bus";
+}
+
+TEST_F(KeyBroker, WhatAProgramDoesToItsStreamHarmsNobodyElse) {
+  VirtualKeyboard keyboard("Keyboard");
+  ASSERT_EQ(ask(true), "");
+  ASSERT_TRUE(monitor.start());
+  ASSERT_TRUE(isHeard(keyboard));
+  std::string problem;
+  FileDescriptor idle = keyBroker::open(problem);
+  const FileDescriptor second = keyBroker::open(problem), third = keyBroker::open(problem);
+  ASSERT_TRUE(idle && second && third) << problem;
+  EXPECT_FALSE(keyBroker::open(problem)) << "no more than four for one user";
+  EXPECT_LT(send(idle.get(), "x", 1, MSG_NOSIGNAL), 0) << "nothing is read from there";
+  for (int i = 0; i < 2000; ++i)
+    strike(keyboard, KEY_A);
+  EXPECT_TRUE(isHeard(keyboard)) << "while the others do not read";
+  pollfd wait{idle.get(), 0, 0};
+  EXPECT_EQ(poll(&wait, 1, 10'000), 1) << "it is cut off";
+  EXPECT_TRUE(keyBroker::open(problem)) << problem;
+
+  // Words of a login manager that is none: its name is not the sender's.
+  system.change(mine(0), stranger(1));
+  EXPECT_NE(std::system("dbus-send --bus=\"$DBUS_SYSTEM_BUS_ADDRESS\" "
+                        "/org/freedesktop/login1/session/_31 "
+                        "org.freedesktop.DBus.Properties.PropertiesChanged "
+                        "string:org.freedesktop.login1.Session dict:string:boolean:Active,true "
+                        "array:string:"),
+            -1);
+  std::this_thread::sleep_for(milliseconds(200));
+  heard.await(0);
+  strike(keyboard, KEY_B);
+  std::this_thread::sleep_for(milliseconds(200));
+  EXPECT_EQ(heard.await(0), "");
 }
 
 TEST_F(KeyBroker, KeyboardsComeAndGo) {

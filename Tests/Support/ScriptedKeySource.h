@@ -14,7 +14,8 @@ struct KeyScript : Script<KeySource::Event> {
   void release(uint16_t code) { send({.type = KeySource::EventType::keyUp, .code = code}); }
 
   std::atomic<bool> allowed = true;  ///< whether this program may listen
-  std::atomic<int> requests = 0;     ///< for permission
+  std::atomic<bool> canGiveBack = false;
+  std::atomic<int> requests = 0;  ///< for permission
 };
 
 class ScriptedKeySource final : public KeySource {
@@ -30,6 +31,7 @@ class ScriptedKeySource final : public KeySource {
     ++script_.requests;
     return script_.allowed;
   }
+  [[nodiscard]] bool canGiveBackPermission() const override { return script_.canGiveBack; }
   [[nodiscard]] std::string problem() const override {
     return script_.allowed ? "" : "not allowed";
   }

@@ -62,9 +62,8 @@ struct TestDesktop final : Workspace, LoginItem {
   void setOnWake(std::function<void()> call) override { onWake = std::move(call); }
   void setOnTerminate(std::function<void()> call) override { onTerminate = std::move(call); }
   std::string openPacksFolder() override { return act("folder"); }
-  void openKeyAccessSettings(std::function<void(const std::string&)> onEnd) override {
-    onEnd(act("access"));
-  }
+  void openKeyAccessSettings(OnEnd onEnd) override { onEnd(act("access")); }
+  void giveBackKeyAccess(OnEnd onEnd) override { onEnd(act("no access")); }
   std::string relaunch() override { return act("relaunch"); }
   void terminate() override { actions.emplace_back("terminate"); }
 

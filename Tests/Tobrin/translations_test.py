@@ -10,7 +10,7 @@ import xml.etree.ElementTree as xml
 SOURCES = pathlib.Path(sys.argv.pop())
 TEXT = r'\(\s*"((?:[^"\\]|\\.)*)"'
 # Of the platform's words those that the panel shows.
-PLATFORM = re.compile(r"\.(needsKeyAccess|keyAccessTitle|keyAccessButton|forceNeedsSensor|reservedShortcut) =((?:\s*\"[^\"]*\")+)")
+PLATFORM = re.compile(r"\.(needsKeyAccess|keyAccessTitle|keyAccessButton|keyAccessNote|forceNeedsSensor|reservedShortcut) =((?:\s*\"[^\"]*\")+)")
 
 
 def texts(folder, ending, function, context):

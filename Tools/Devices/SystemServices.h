@@ -46,6 +46,7 @@ class SystemServices final {
     const auto services = folder.path() / "services";
     std::filesystem::create_directories(services);
     std::filesystem::create_directories(state());
+    std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));  // any user calls
     std::ofstream(services / (name + ".service"))
         << "[D-BUS Service]\nName=" << name << "\nExec=" << command << "\n";
     std::ofstream(folder.path() / "bus.conf")

@@ -11,6 +11,8 @@
 
 #include "Application/Application.h"
 #include "Base/SystemFolders.h"
+#include "Evdev/KeyBroker.h"
+#include "Evdev/KeyRule.h"
 #include "Evdev/KeyboardList.h"
 #include "Packs/PackLibrary.h"
 #include "System/Spawn.h"
@@ -36,9 +38,9 @@ std::string keyAccessHelper(const fs::path& program) {
   return fs::exists(built, error) ? built.string() : TOBRIN_KEY_ACCESS_HELPER;
 }
 
-/// What the end of the helper that grants access means: the reason it gave, empty for success or
+/// What the end of the helper that removes the rule means: the reason it gave, empty for success or
 /// where the user changed their mind. `report` is the launcher's.
-std::string grantProblem(const std::string& report) {
+std::string removalProblem(const std::string& report) {
   constexpr int dismissed = 126;  // by the user
   auto lines = QString::fromStdString(report).split('\n', Qt::SkipEmptyParts);
   const int status = lines.isEmpty() ? -1 : lines.takeLast().toInt();
@@ -56,7 +58,7 @@ Launcher::Commands DesktopWorkspace::errands() {
     return commands[static_cast<std::size_t>(errand)];
   };
   command(Errand::showPacksFolder) = {"xdg-open", packsFolder().string()};
-  command(Errand::grantKeyAccess) = {"pkexec", keyAccessHelper(program), "grant"};
+  command(Errand::removeKeyRule) = {"pkexec", keyAccessHelper(program), "--remove"};
   command(Errand::relaunch) = {program.string(), relaunchedArgument};
   return commands;
 }
@@ -92,33 +94,58 @@ std::string DesktopWorkspace::openPacksFolder() {
   return launcher_.start(Errand::showPacksFolder);
 }
 
-void DesktopWorkspace::openKeyAccessSettings(std::function<void(const std::string&)> onEnd) {
-  if (grantNotifier_) return;  // the user is being asked
+void DesktopWorkspace::openKeyAccessSettings(OnEnd onEnd) {
+  if (consentNotifier_) return;  // an administrator is being asked
   if (!KeyboardList::isPossible()) return onEnd("this system has no input devices");
-  std::optional<Pipe> pipe = makePipe();
-  if (!pipe) return onEnd("no file descriptors left");
-  grantReport_ = std::move(pipe->reading);
-  fcntl(grantReport_.get(), F_SETFL, O_NONBLOCK);
-  if (!launcher_.start(Errand::grantKeyAccess, pipe->writing.get()).empty())
-    return onEnd("pkexec is not installed");
-  onGrantEnd_ = std::move(onEnd);
-  grantText_.clear();
-  grantNotifier_ = std::make_unique<QSocketNotifier>(grantReport_.get(), QSocketNotifier::Read);
-  QObject::connect(grantNotifier_.get(), &QSocketNotifier::activated, qApp,
-                   [this] { takeGrantReport(); });
+  if (!KeyConsent::isPossible()) return onEnd("the service tobrin-keys is not installed");
+  constexpr bool remember = true;
+  consent_ = std::make_unique<KeyConsent>(remember, std::move(onEnd));
+  if (consent_->descriptor() >= 0) hearAnswer();
 }
 
-void DesktopWorkspace::takeGrantReport() {
+void DesktopWorkspace::hearAnswer() {
+  consentNotifier_ =
+      std::make_unique<QSocketNotifier>(consent_->descriptor(), QSocketNotifier::Read);
+  QObject::connect(consentNotifier_.get(), &QSocketNotifier::activated, qApp, [this] {
+    if (consent_->process()) return;
+    consentNotifier_->setEnabled(false);
+    consentNotifier_.release()->deleteLater();  // it is calling us
+    consent_.reset();
+  });
+}
+
+void DesktopWorkspace::giveBackKeyAccess(OnEnd onEnd) {
+  if (removalNotifier_) return;
+  const std::string problem = KeyConsent::isPossible() ? keyBroker::takeBack() : "";
+  if (!problem.empty() || !isKeyRuleInstalled()) return onEnd(problem);
+  removeKeyRule(std::move(onEnd));
+}
+
+void DesktopWorkspace::removeKeyRule(OnEnd onEnd) {
+  std::optional<Pipe> pipe = makePipe();
+  if (!pipe) return onEnd("no file descriptors left");
+  removalReport_ = std::move(pipe->reading);
+  fcntl(removalReport_.get(), F_SETFL, O_NONBLOCK);
+  if (!launcher_.start(Errand::removeKeyRule, pipe->writing.get()).empty())
+    return onEnd("pkexec is not installed");
+  onRemovalEnd_ = std::move(onEnd);
+  removalText_.clear();
+  removalNotifier_ = std::make_unique<QSocketNotifier>(removalReport_.get(), QSocketNotifier::Read);
+  QObject::connect(removalNotifier_.get(), &QSocketNotifier::activated, qApp,
+                   [this] { takeRemovalReport(); });
+}
+
+void DesktopWorkspace::takeRemovalReport() {
   std::array<char, 1024> piece;
   ssize_t length = 0;
-  const auto readPiece = [&] { return read(grantReport_.get(), piece.data(), piece.size()); };
+  const auto readPiece = [&] { return read(removalReport_.get(), piece.data(), piece.size()); };
   while ((length = retried(readPiece)) > 0)
-    grantText_.append(piece.data(), static_cast<std::size_t>(length));
+    removalText_.append(piece.data(), static_cast<std::size_t>(length));
   if (length < 0 && errno == EAGAIN) return;
-  grantNotifier_->setEnabled(false);
-  grantNotifier_.release()->deleteLater();  // it is calling us
-  grantReport_.reset();
-  onGrantEnd_(grantProblem(grantText_));
+  removalNotifier_->setEnabled(false);
+  removalNotifier_.release()->deleteLater();  // it is calling us
+  removalReport_.reset();
+  onRemovalEnd_(removalProblem(removalText_));
 }
 
 std::string DesktopWorkspace::relaunch() {

@@ -7,6 +7,7 @@
 #include "Confinement/Launcher.h"
 #include "Desktop/SleepWatch.h"
 #include "Engine/DesktopServices.h"
+#include "Evdev/KeyConsent.h"
 
 namespace tobrin {
 
@@ -22,24 +23,30 @@ class DesktopWorkspace final : public Workspace {
   void setOnWake(std::function<void()> onWake) override { onWake_ = std::move(onWake); }
   void setOnTerminate(std::function<void()> onTerminate) override;
   std::string openPacksFolder() override;
-  void openKeyAccessSettings(std::function<void(const std::string&)> onEnd) override;
+  void openKeyAccessSettings(OnEnd onEnd) override;
+  void giveBackKeyAccess(OnEnd onEnd) override;
   std::string relaunch() override;
   void terminate() override;
 
  private:
   void hearSleep();
-  void takeGrantReport();
+  void hearAnswer();
+  void removeKeyRule(OnEnd onEnd);
+  void takeRemovalReport();
 
   const Launcher& launcher_;
   std::function<void()> onWake_;
   std::function<void()> onTerminate_;
   SleepWatch sleep_;
   std::unique_ptr<QSocketNotifier> sleepNotifier_;
-  // While the user is asked for access: what is said of it, and who waits for the end.
-  FileDescriptor grantReport_;
-  std::string grantText_;
-  std::unique_ptr<QSocketNotifier> grantNotifier_;
-  std::function<void(const std::string&)> onGrantEnd_;
+  // While an administrator is asked for access.
+  std::unique_ptr<KeyConsent> consent_;
+  std::unique_ptr<QSocketNotifier> consentNotifier_;
+  // While the older rule is removed: what is said of it, and who waits for the end.
+  FileDescriptor removalReport_;
+  std::string removalText_;
+  std::unique_ptr<QSocketNotifier> removalNotifier_;
+  OnEnd onRemovalEnd_;
 };
 
 }  // namespace tobrin

@@ -442,12 +442,25 @@ void AppModel::lookForKeyAccess() {
 
 void AppModel::openKeyAccessSettings() {
   services_.workspace.openKeyAccessSettings([this, self = self_](const std::string& problem) {
-    if (*self == nullptr) return;
-    keyAccessProblem_ = problem.empty() ? "" : "Access to keys can't be set up: " + problem;
-    if (!problem.empty()) logLine(keyAccessProblem_);
-    emit permissionChanged();
-    lookForKeyAccess();
+    if (*self != nullptr) keyAccessSettled("Access to keys can't be set up: ", problem);
   });
+}
+
+void AppModel::giveBackKeyAccess() {
+  services_.workspace.giveBackKeyAccess([this, self = self_](const std::string& problem) {
+    if (*self != nullptr) keyAccessSettled("Access to keys can't be taken back: ", problem);
+  });
+}
+
+bool AppModel::canGiveBackKeyAccess() const {
+  return !preview_ && listening() && monitor_->canGiveBackPermission();
+}
+
+void AppModel::keyAccessSettled(const char* failure, const std::string& problem) {
+  keyAccessProblem_ = problem.empty() ? "" : failure + problem;
+  if (!problem.empty()) logLine(keyAccessProblem_);
+  emit permissionChanged();
+  lookForKeyAccess();
 }
 
 void AppModel::relaunch() {

@@ -64,7 +64,9 @@ class AppModel final : public QObject {
   [[nodiscard]] bool hasPermission() const { return preview_ || keyAccess_->state().hasPermission; }
   [[nodiscard]] bool listening() const { return keyAccess_->state().listening; }
   [[nodiscard]] bool needsRelaunch() const { return keyAccess_->state().needsRelaunch; }
-  /// Why the grant of access to keys could not be made; empty while nothing went wrong.
+  /// Whether there is access to keys that the user can give back.
+  [[nodiscard]] bool canGiveBackKeyAccess() const;
+  /// Why access to keys could not be granted or given back; empty while nothing went wrong.
   [[nodiscard]] const std::string& keyAccessProblem() const { return keyAccessProblem_; }
   /// Why the packs folder could not be shown, and why "Open at login" could not be changed, in a
   /// sentence each; empty while nothing went wrong.
@@ -121,6 +123,7 @@ class AppModel final : public QObject {
   void mute();
   void openPacksFolder();
   void openKeyAccessSettings();
+  void giveBackKeyAccess();
   void toggleEnabled();
   /// While the user presses keys to choose them as the shortcut, the one before them is let go.
   void captureShortcut(bool captures);
@@ -137,7 +140,8 @@ class AppModel final : public QObject {
   void selectedPackChanged();
   void packsChanged();
   void packErrorChanged();
-  void permissionChanged();  ///< hasPermission, listening, needsRelaunch, keyAccessProblem
+  void permissionChanged();  ///< hasPermission, listening, needsRelaunch, keyAccessProblem,
+                             ///< canGiveBackKeyAccess
   void lastForceChanged();
   void launchAtLoginChanged();  ///< launchAtLogin, loginItemProblem
   void packsFolderProblemChanged();
@@ -156,6 +160,7 @@ class AppModel final : public QObject {
   void sensorChanged(const std::string& problem);
   void outputProblemChanged(const std::string& problem);
   void lookForKeyAccess();
+  void keyAccessSettled(const char* failure, const std::string& problem);
   void loadSelectedPack(bool audition);
   /// Loads the selected pack unless it is loaded, or on its way, as it was found last: one that
   /// appeared late, was mended or was replaced by another of its id.

@@ -54,4 +54,26 @@ Card {
         Layout.bottomMargin: Theme.gap
         text: section.model.loginItemProblem
     }
+    Hairline { visible: access.visible }
+    RowLayout {
+        id: access
+        Layout.fillWidth: true
+        Layout.topMargin: Theme.unit
+        Layout.bottomMargin: Theme.unit
+        visible: section.model.canGiveBackKeyAccess
+
+        PanelText {
+            Layout.fillWidth: true
+            text: qsTr("Access to the keyboard")
+        }
+        PanelButton {
+            text: qsTr("Take Back")
+            onClicked: section.model.giveBackKeyAccess()
+        }
+    }
+    WarningLine {
+        Layout.fillWidth: true
+        Layout.bottomMargin: Theme.gap
+        text: access.visible ? section.model.keyAccessProblem : ""
+    }
 }

@@ -103,6 +103,14 @@ QString PanelModel::previewProblem() const {
 bool PanelModel::playing() const {
   return model_.soundState() == SoundState::playing;
 }
+QString PanelModel::keyAccessNote() const {
+  return text(translated(model_.words().keyAccessNote));
+}
+
+bool PanelModel::canGiveBackKeyAccess() const {
+  return model_.canGiveBackKeyAccess();
+}
+
 bool PanelModel::hasPermission() const {
   return model_.hasPermission();
 }
@@ -334,6 +342,10 @@ void PanelModel::playOneKey() {
 void PanelModel::mute() {
   model_.mute();
 }
+void PanelModel::giveBackKeyAccess() {
+  model_.giveBackKeyAccess();
+}
+
 void PanelModel::openSettings() {
   model_.openKeyAccessSettings();
 }

@@ -23,6 +23,12 @@ Card {
         text: qsTr("It only uses key presses to pick a sound. It never records or sends what you type.")
         small: true
     }
+    PanelText {
+        Layout.fillWidth: true
+        text: card.model.keyAccessNote
+        small: true
+        secondary: true
+    }
     Flow {
         Layout.fillWidth: true
         Layout.topMargin: Theme.unit

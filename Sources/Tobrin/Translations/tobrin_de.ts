@@ -29,6 +29,8 @@
     <message><source>Quiet during calls</source><translation>Still bei Anrufen</translation></message>
     <message><source>Pause while any app is using the microphone, and resume when it's free. Tobrin never listens to it.</source><translation>Pause, solange ein Programm das Mikrofon benutzt, und weiter, wenn es frei ist. Tobrin hört nie mit.</translation></message>
     <message><source>Open at login</source><translation>Beim Anmelden öffnen</translation></message>
+    <message><source>Access to the keyboard</source><translation>Zugriff auf die Tastatur</translation></message>
+    <message><source>Take Back</source><translation>Zurücknehmen</translation></message>
 </context>
 <context>
     <name>PackGrid</name>
@@ -143,6 +145,7 @@
     <message><source>Needs access to the keyboard</source><translation>Braucht Zugriff auf die Tastatur</translation></message>
     <message><source>Tobrin needs access to the keyboard</source><translation>Tobrin braucht Zugriff auf die Tastatur</translation></message>
     <message><source>Allow Access…</source><translation>Zugriff erlauben …</translation></message>
+    <message><source>An administrator allows it once; then only Tobrin is told which keys go down and up, and only while you sit here.</source><translation>Das erlaubt ein Verwalter einmal; danach erfährt nur Tobrin, welche Tasten gedrückt und losgelassen werden, und nur solange du hier sitzt.</translation></message>
     <message><source>Force sensing needs a laptop with a fast motion sensor. Pick a fixed strength instead.</source><translation>Um den Anschlag zu messen, braucht es einen Laptop mit schnellem Bewegungssensor. Wähle stattdessen eine feste Stärke.</translation></message>
     <message><source> is a system shortcut (the desktop's keyboard settings). Pick another.</source><translation> gehört der Arbeitsumgebung (deren Tastatureinstellungen). Wähle ein anderes.</translation></message>
 </context>

@@ -27,9 +27,12 @@ class Workspace {
   /// Shows the user's packs in the file manager, making their folder if it is missing; returns why
   /// it failed.
   virtual std::string openPacksFolder() = 0;
-  /// Offers the user the one-time grant of access to keys. `onEnd` gets why it failed, or an
-  /// empty text; it is not called once the workspace is gone.
-  virtual void openKeyAccessSettings(std::function<void(const std::string& problem)> onEnd) = 0;
+  /// Gets why something failed, or an empty text; not called once the workspace is gone.
+  using OnEnd = std::function<void(const std::string& problem)>;
+  /// Offers the user the one-time grant of access to keys.
+  virtual void openKeyAccessSettings(OnEnd onEnd) = 0;
+  /// Gives that access back.
+  virtual void giveBackKeyAccess(OnEnd onEnd) = 0;
   /// Starts a new instance of the program, which waits for this one to end; returns why it failed.
   virtual std::string relaunch() = 0;
   /// Ends this instance.

@@ -68,6 +68,7 @@ class KeyMonitor final {
 
   [[nodiscard]] bool hasPermission() const { return source_->hasPermission(); }
   bool requestPermission() { return source_->requestPermission(); }
+  [[nodiscard]] bool canGiveBackPermission() const { return source_->canGiveBackPermission(); }
   [[nodiscard]] std::string problem() const { return source_->problem(); }
   [[nodiscard]] std::string description() const { return source_->description(); }
 

@@ -51,6 +51,10 @@ class KeySource {
   /// Thread: any.
   virtual bool requestPermission() = 0;
 
+  /// Whether that permission was given to this program by its user and can be given back. Thread:
+  /// any.
+  [[nodiscard]] virtual bool canGiveBackPermission() const { return false; }
+
   /// Why `open` failed or what ended `run`, in words; empty while all is well. Thread: any.
   [[nodiscard]] virtual std::string problem() const = 0;
 

@@ -20,6 +20,7 @@ struct PlatformWords {
   std::string_view needsKeyAccess{};     ///< status line
   std::string_view keyAccessTitle{};     ///< over the panel's request
   std::string_view keyAccessButton{};    ///< what grants it
+  std::string_view keyAccessNote{};      ///< a sentence: who grants it, and how far it goes
   std::string_view keyAccessForProbe{};  ///< a sentence: what is missing, and what to do
   std::string_view keyAccessCheck{};     ///< of the self-test
 

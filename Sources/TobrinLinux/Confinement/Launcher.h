@@ -15,7 +15,7 @@
 namespace tobrin {
 
 /// What another program is started for.
-enum class Errand : uint8_t { showPacksFolder, grantKeyAccess, relaunch };
+enum class Errand : uint8_t { showPacksFolder, removeKeyRule, relaunch };
 
 class Launcher final {
  public:

@@ -27,6 +27,9 @@ constexpr PlatformWords linuxWords = {
     .needsKeyAccess = "Needs access to the keyboard",
     .keyAccessTitle = "Tobrin needs access to the keyboard",
     .keyAccessButton = "Allow Access…",
+    .keyAccessNote =
+        "An administrator allows it once; then only Tobrin is told which keys go down and up, and "
+        "only while you sit here.",
     .keyAccessForProbe =
         "Needs access to the keyboard: start tobrin, press \"Allow Access…\" in its "
         "panel, then rerun.",

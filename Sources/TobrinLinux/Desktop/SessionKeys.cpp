@@ -1,7 +1,7 @@
 #include "Desktop/SessionKeys.h"
 
 #include "Desktop/SessionKind.h"
-#include "Evdev/EvdevKeySource.h"
+#include "Evdev/DeviceKeySource.h"
 #include "Evdev/UinputTyper.h"
 #include "X11/XKeySource.h"
 #include "X11/XTestTyper.h"
@@ -23,7 +23,7 @@ bool comeFromTheServer(const Environment& environment) {
 
 std::unique_ptr<KeySource> makeKeySource(const Environment& environment) {
   if (comeFromTheServer(environment)) return std::make_unique<XKeySource>(displayOf(environment));
-  return std::make_unique<EvdevKeySource>();
+  return std::make_unique<DeviceKeySource>();
 }
 
 std::unique_ptr<KeyTyper> makeKeyTyper(const Environment& environment) {

@@ -14,9 +14,7 @@ namespace tobrin {
 
 bool BrokerKeySource::open() {
   std::string why;
-  constexpr int attempts = 3;  // the bus may not know yet that a broker has ended
-  for (int attempt = 0; attempt < attempts && !stream_; ++attempt)
-    stream_ = keyBroker::open(why);
+  stream_ = keyBroker::open(why);
   setProblem(stream_ ? "" : why);
   return static_cast<bool>(stream_);
 }
@@ -29,8 +27,14 @@ void BrokerKeySource::run(const Sink& sink) {
     if (takePacket(sink)) continue;
     releaseAll(sink);
     stream_.reset();
-    if (!open()) return;
+    if (!openAgain()) return;
   }
+}
+
+/// At once, so that few keys are missed. The bus may not know yet that the broker has ended, and
+/// then the first question is lost.
+bool BrokerKeySource::openAgain() {
+  return open() || open();
 }
 
 /// False once the broker has ended.

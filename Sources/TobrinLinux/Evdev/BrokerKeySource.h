@@ -30,6 +30,7 @@ class BrokerKeySource final : public KeySource {
   }
 
  private:
+  bool openAgain();
   bool takePacket(const Sink& sink);
   void take(const KeyRecord& record, const Sink& sink);
   void releaseAll(const Sink& sink);

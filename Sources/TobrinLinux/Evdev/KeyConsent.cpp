@@ -17,27 +17,37 @@ struct KeyConsent::Question {
   bool isAnswered = false;
   SystemBus bus;
 
+  bool ask(bool remember) {
+    constexpr uint64_t patienceUs = 330'000'000;  // a little more than the broker has
+    sd_bus* connection = nullptr;
+    if (sd_bus_open_system(&connection) < 0) return false;
+    bus.reset(connection);
+    sd_bus_set_method_call_timeout(connection, patienceUs);
+    return sd_bus_call_method_async(connection, nullptr, keyBrokerName, keyBrokerPath,
+                                    keyBrokerName, "Allow", &answered, this, "b",
+                                    remember ? 1 : 0) >= 0;
+  }
+
+  void take(const std::string& problem) {
+    isAnswered = true;
+    answer(problem);
+  }
+
   static int answered(sd_bus_message* message, void* self, sd_bus_error*) {
     auto* const question = static_cast<Question*>(self);
     const sd_bus_error* const error = sd_bus_message_get_error(message);
-    question->isAnswered = true;
-    question->answer(error == nullptr ? "" : error->message);
+    question->take(error == nullptr ? "" : error->message);
     return 0;
   }
 };
 
 KeyConsent::KeyConsent(bool remember, Answer answer) : question_(std::make_unique<Question>()) {
-  constexpr uint64_t patienceUs = 330'000'000;  // a little more than the broker has
   question_->answer = std::move(answer);
-  sd_bus* bus = nullptr;
-  if (sd_bus_open_system(&bus) < 0) return;
-  SystemBus owner(bus);
-  sd_bus_set_method_call_timeout(bus, patienceUs);
-  if (sd_bus_call_method_async(bus, nullptr, keyBrokerName, keyBrokerPath, keyBrokerName, "Allow",
-                               &Question::answered, question_.get(), "b", remember ? 1 : 0) < 0)
-    return;
-  question_->bus = std::move(owner);
-  process();
+  if (question_->ask(remember)) {
+    process();
+  } else {
+    question_->take("the message bus does not answer");
+  }
 }
 
 KeyConsent::~KeyConsent() = default;
@@ -61,7 +71,7 @@ bool KeyConsent::isPossible() {
 }
 
 int KeyConsent::descriptor() const {
-  return question_->bus ? sd_bus_get_fd(question_->bus.get()) : -1;
+  return !question_->isAnswered ? sd_bus_get_fd(question_->bus.get()) : -1;
 }
 
 bool KeyConsent::process() {
@@ -69,8 +79,7 @@ bool KeyConsent::process() {
   while (!question_->isAnswered && (result = sd_bus_process(question_->bus.get(), nullptr)) > 0) {
   }
   if (!question_->isAnswered && result < 0) {
-    question_->isAnswered = true;
-    question_->answer("the message bus is gone");
+    question_->take("the message bus is gone");
   }
   return !question_->isAnswered;
 }

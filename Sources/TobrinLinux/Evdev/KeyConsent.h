@@ -11,7 +11,7 @@ namespace tobrin {
 
 class KeyConsent final {
  public:
-  /// Called once from `process`: why it was not given, empty where it was.
+  /// Called once, from `process` or the constructor: why it was not given, empty where it was.
   using Answer = std::function<void(const std::string& problem)>;
 
   /// With `remember` the consent holds until it is taken back.
@@ -23,7 +23,7 @@ class KeyConsent final {
   /// Whether a broker can be asked on this system, running or not.
   static bool isPossible();
 
-  /// To be watched for readability; -1 where the question could not be put.
+  /// To be watched for readability; -1 once there is nothing more to wait for.
   [[nodiscard]] int descriptor() const;
 
   /// Takes what has come in. False once there is nothing more to wait for.

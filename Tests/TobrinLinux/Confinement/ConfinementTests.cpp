@@ -79,7 +79,7 @@ TEST(Confinement, WhatTheLauncherStartsIsFree) {
               if (!launcher.start(Errand::relaunch).empty()) return 2;
               std::array<int, 2> ends{};
               if (pipe(ends.data()) != 0) return 3;
-              if (!launcher.start(Errand::grantKeyAccess, ends[1]).empty()) return 4;
+              if (!launcher.start(Errand::removeKeyRule, ends[1]).empty()) return 4;
               close(ends[1]);
               std::string told;
               for (char piece = 0; read(ends[0], &piece, 1) == 1;)
