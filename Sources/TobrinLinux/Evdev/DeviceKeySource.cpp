@@ -32,7 +32,8 @@ bool DeviceKeySource::canGiveBackPermission() const {
 }
 
 std::string DeviceKeySource::problem() const {
-  return used_.load()->problem();
+  const std::string direct = direct_.problem(), broker = broker_.problem();
+  return used_ == &direct_ || broker.empty() ? used_.load()->problem() : direct + "; " + broker;
 }
 
 }  // namespace tobrin
