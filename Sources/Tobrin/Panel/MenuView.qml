@@ -113,7 +113,10 @@ Rectangle {
         id: drop
         anchors.fill: parent
         keys: ["text/uri-list"]
-        onDropped: event => panel.model.shelf.add(event.urls)
+        onDropped: event => {
+            panel.model.shelf.add(event.urls);
+            event.accept(Qt.CopyAction); // the files stay where they are
+        }
     }
     Rectangle {
         anchors.fill: parent

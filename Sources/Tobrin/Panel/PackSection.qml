@@ -7,6 +7,7 @@ ColumnLayout {
     id: section
 
     required property PanelModel model
+    readonly property var pack: model.selectedPack
 
     spacing: Theme.gap
 
@@ -20,8 +21,8 @@ ColumnLayout {
         PanelButton {
             Layout.fillHeight: true
             symbol: "trash"
-            visible: section.model.selectedPack.own ?? false
-            hint: qsTr("Move %1 to the trash").arg(section.model.selectedPack.name ?? "")
+            visible: section.pack.own ?? false
+            hint: qsTr("Move %1 to the trash").arg(section.pack.name ?? "")
             Accessible.name: hint
             Accessible.description: ""
             onClicked: section.model.shelf.remove(section.model.selectedPackID)
