@@ -62,6 +62,7 @@ void run(const std::vector<std::string>& sources, const CommandStreams& streams)
   const PackImport::Services services{virtualCodeOf, programs, exchangeFolders};
   const auto folder = userPacksDirectory();
   std::vector<std::unique_ptr<PackInstall>> packs;
+  packs.reserve(sources.size());
   for (const std::string& source : sources)
     packs.push_back(std::make_unique<PackInstall>(source, folder, services));
   for (const auto& pack : packs)

@@ -23,7 +23,7 @@ def wanted():
     platform = (SOURCES / "TobrinLinux/Desktop/LinuxWords.cpp").read_text(encoding="utf-8")
     return {*texts("Tobrin/Panel", ".qml", "qsTr", lambda file: file.stem),
             *texts("Tobrin", ".cpp", "tr", lambda file: "tobrin::" + file.stem),
-            *texts("Tobrin/Model", ".cpp", "translate_", lambda file: "sentences"),
+            *texts("Tobrin/Model", ".cpp", "translate_?", lambda file: "sentences"),
             *(("sentences", "".join(re.findall('"([^"]*)"', words))) for _, words in PLATFORM.findall(platform))}
 
 

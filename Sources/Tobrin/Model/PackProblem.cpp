@@ -5,29 +5,29 @@
 namespace tobrin {
 
 std::string PackProblem::sentence(
-    const std::function<std::string(std::string_view english)>& translate_) const {
+    const std::function<std::string(std::string_view english)>& translate) const {
   const auto text = [&] {
     switch (kind) {
       case Kind::noPack:
-        return translate_("%1 holds no pack in a format that Tobrin knows.");
+        return translate("%1 holds no pack in a format that Tobrin knows.");
       case Kind::mouse:
-        return translate_("%1 holds sounds for a mouse, not for keys.");
+        return translate("%1 holds sounds for a mouse, not for keys.");
       case Kind::tooLarge:
-        return translate_("%1 is too large for a pack.");
+        return translate("%1 is too large for a pack.");
       case Kind::noSounds:
-        return translate_("%1 holds no sounds that can be played.");
+        return translate("%1 holds no sounds that can be played.");
       case Kind::notAdded:
-        return translate_("%1 can't be added: %2.");
+        return translate("%1 can't be added: %2.");
       case Kind::notRemoved:
-        return translate_("%1 can't be moved to the trash: %2.");
+        return translate("%1 can't be moved to the trash: %2.");
       case Kind::notBroughtBack:
-        return translate_("%1 can't be brought back: %2.");
+        return translate("%1 can't be brought back: %2.");
     }
     return std::string();
   };
-  const std::string first = filled(filled(text(), reason, "%2"), name);
+  std::string first = filled(filled(text(), reason, "%2"), name);
   if (others == 0) return first;
-  return first + " " + filled(translate_("Others that failed: %1."), std::to_string(others));
+  return first + " " + filled(translate("Others that failed: %1."), std::to_string(others));
 }
 
 }  // namespace tobrin

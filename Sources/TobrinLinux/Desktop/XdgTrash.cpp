@@ -63,7 +63,7 @@ Place takePlace(const fs::path& path, const fs::path& trash) {
   for (int number = 1;; ++number) {
     fs::path name = path.filename();
     if (number > 1) name += "." + std::to_string(number);
-    const Place place{files / name, notes / (name.string() + ".trashinfo")};
+    Place place{files / name, notes / (name.string() + ".trashinfo")};
     const int flags = O_WRONLY | O_CREAT | O_EXCL;
     const auto note = FileDescriptor::open(place.note.c_str(), flags, S_IRUSR | S_IWUSR);
     if (!note && errno == EEXIST) continue;
