@@ -146,6 +146,7 @@ TEST_F(KeyBroker, NothingThatIsTypedElsewhereIsDeliveredInAHundredSwitches) {
       testing::showConsole(theirs);
     }
     strike(keyboard, KEY_B);  // before the login manager has noticed
+    std::this_thread::sleep_for(milliseconds(20));
     if (!isLock) {
       system.change(mine(0), stranger(round % 4));  // or a login prompt
       ASSERT_EQ(heard.await(1), "-0 ") << round;
