@@ -62,7 +62,7 @@ Place Seats::placeOf(uid_t user) const {
   const char* session = nullptr;
   while (sd_bus_message_read(reply, "(susso)", nullptr, &owner, nullptr, &seat, &session) > 0) {
     if (owner != user || *seat == '\0') continue;
-    const Place found = place(bus_, session, seat);
+    Place found = place(bus_, session, seat);
     if (found.kind != Place::Kind::background) return found;
   }
   return {.kind = Place::Kind::background};

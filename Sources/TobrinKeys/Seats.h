@@ -17,7 +17,7 @@ struct Place {
   enum class Kind : uint8_t { unknown, background, locked, front };
 
   Kind kind = Kind::unknown;
-  std::string seat{};     ///< where locked or in front
+  std::string seat{};    ///< where locked or in front
   unsigned console = 0;  ///< of the session; 0 where its seat has no consoles
 };
 

@@ -2,8 +2,8 @@
 // administrator's consent and while the user's session is in front. Started by the message bus.
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
+#include <system_error>
 
 #include "Broker.h"
 #include "EventLoop.h"
@@ -36,7 +36,8 @@ int run(Broker::Options options) {
   sd_bus_attach_event(connection, loop, SD_EVENT_PRIORITY_NORMAL);
   sd_bus_set_exit_on_disconnect(connection, 1);
   if (const int error = giveUpWhatIsNotNeeded(); error != 0)
-    return complain("cannot give up rights: ", std::strerror(error), EXIT_FAILURE);
+    return complain("cannot give up rights: ", std::generic_category().message(error).c_str(),
+                    EXIT_FAILURE);
   const Broker broker(std::move(options), loop, connection);
   if (!broker.problem().empty()) return complain(broker.problem().c_str(), "", EXIT_FAILURE);
   return sd_event_loop(loop) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;

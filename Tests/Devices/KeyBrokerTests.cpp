@@ -102,13 +102,13 @@ TEST_F(KeyBroker, AnAdministratorsConsentIsAskedForKeptAndTakenBack) {
   goToFront();
 
   EXPECT_EQ(ask(true, false), "");
-  EXPECT_TRUE(keyBroker::isAllowed());
+  EXPECT_TRUE(broker::isAllowed());
   endBroker();
-  EXPECT_TRUE(eventually([] { return !keyBroker::isAllowed(); })) << "it was not to be remembered";
+  EXPECT_TRUE(eventually([] { return !broker::isAllowed(); })) << "it was not to be remembered";
 
   EXPECT_EQ(ask(true), "");
   endBroker();
-  EXPECT_TRUE(eventually([] { return keyBroker::isAllowed(); }));
+  EXPECT_TRUE(eventually([] { return broker::isAllowed(); }));
   ASSERT_TRUE(monitor.start());
   ASSERT_TRUE(isHeard(keyboard));
   // As the same user, at the same seat, with that consent; and no device has changed its rights.
@@ -122,7 +122,7 @@ TEST_F(KeyBroker, AnAdministratorsConsentIsAskedForKeptAndTakenBack) {
 
   keyboard.press({KEY_A});
   EXPECT_EQ(heard.await(1), "+0 ");
-  EXPECT_EQ(keyBroker::takeBack(), "");
+  EXPECT_EQ(broker::takeBack(), "");
   EXPECT_EQ(heard.await(1), "-0 ");
   EXPECT_TRUE(eventually([&] { return !monitor.isRunning(); }));
   EXPECT_FALSE(monitor.hasPermission());
@@ -184,17 +184,17 @@ TEST_F(KeyBroker, WhatAProgramDoesToItsStreamHarmsNobodyElse) {
   ASSERT_TRUE(monitor.start());
   ASSERT_TRUE(isHeard(keyboard));
   std::string problem;
-  FileDescriptor idle = keyBroker::open(problem);
-  const FileDescriptor second = keyBroker::open(problem), third = keyBroker::open(problem);
+  FileDescriptor idle = broker::open(problem);
+  const FileDescriptor second = broker::open(problem), third = broker::open(problem);
   ASSERT_TRUE(idle && second && third) << problem;
-  EXPECT_FALSE(keyBroker::open(problem)) << "no more than four for one user";
+  EXPECT_FALSE(broker::open(problem)) << "no more than four for one user";
   EXPECT_LT(send(idle.get(), "x", 1, MSG_NOSIGNAL), 0) << "nothing is read from there";
   for (int i = 0; i < 2000; ++i)
     strike(keyboard, KEY_A);
   EXPECT_TRUE(isHeard(keyboard)) << "while the others do not read";
   pollfd wait{idle.get(), 0, 0};
   EXPECT_EQ(poll(&wait, 1, 10'000), 1) << "it is cut off";
-  EXPECT_TRUE(keyBroker::open(problem)) << problem;
+  EXPECT_TRUE(broker::open(problem)) << problem;
 
   // Words of a login manager that is none: its name is not the sender's.
   system.change(mine(0), stranger(1));

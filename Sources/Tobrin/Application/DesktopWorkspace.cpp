@@ -116,7 +116,7 @@ void DesktopWorkspace::hearAnswer() {
 
 void DesktopWorkspace::giveBackKeyAccess(OnEnd onEnd) {
   if (removalNotifier_) return;
-  const std::string problem = KeyConsent::isPossible() ? keyBroker::takeBack() : "";
+  const std::string problem = KeyConsent::isPossible() ? broker::takeBack() : "";
   if (!problem.empty() || !isKeyRuleInstalled()) return onEnd(problem);
   removeKeyRule(std::move(onEnd));
 }

@@ -14,7 +14,7 @@ namespace tobrin {
 
 bool BrokerKeySource::open() {
   std::string why;
-  stream_ = keyBroker::open(why);
+  stream_ = broker::open(why);
   setProblem(stream_ ? "" : why);
   return static_cast<bool>(stream_);
 }
@@ -86,7 +86,7 @@ void BrokerKeySource::close() {
 }
 
 bool BrokerKeySource::hasPermission() const {
-  return keyBroker::isAllowed();
+  return broker::isAllowed();
 }
 
 std::string BrokerKeySource::problem() const {

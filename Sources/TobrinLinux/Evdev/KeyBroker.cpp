@@ -6,7 +6,7 @@
 #include "Evdev/KeyRecord.h"
 #include "System/SystemBus.h"
 
-namespace tobrin::keyBroker {
+namespace tobrin::broker {
 namespace {
 
 constexpr uint64_t patienceUs = 2'000'000;  // the bus may have to start the broker first
@@ -59,4 +59,4 @@ std::string takeBack() {
   return call("TakeBack").problem;
 }
 
-}  // namespace tobrin::keyBroker
+}  // namespace tobrin::broker

@@ -6,7 +6,7 @@
 
 #include "Base/FileDescriptor.h"
 
-namespace tobrin::keyBroker {
+namespace tobrin::broker {
 
 /// Whether an administrator has let this user's Tobrin hear the keyboards. False, too, where there
 /// is no broker.
@@ -18,4 +18,4 @@ namespace tobrin::keyBroker {
 /// Gives the consent back; why that failed, empty where it is done.
 std::string takeBack();
 
-}  // namespace tobrin::keyBroker
+}  // namespace tobrin::broker
