@@ -18,9 +18,13 @@ wanted_packages() { sed -e 's/#.*//' -e 's/[[:space:]]//g' -e '/^$/d' "$1"; }
 
 # ensure_packages FILE: installs what is missing of a package list; silent when nothing is.
 ensure_packages() {
-  local missing=() package
+  local missing=() package kinds
   for package in $(wanted_packages "$1"); do
-    dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+    # Of this machine's kind where none is named: another's may have taken its place.
+    kinds="($(dpkg --print-architecture)|all)"
+    [[ $package != *:* ]] || kinds=${package#*:}
+    dpkg-query -W -f '${Status} ${Architecture}\n' "$package" 2>/dev/null | grep -Eq "ok installed $kinds$" ||
+      missing+=("$package")
   done
   [ ${#missing[@]} -eq 0 ] && return 0
   say "installing: ${missing[*]}"

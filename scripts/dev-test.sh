@@ -55,6 +55,8 @@ test_on() {
       ensure_packages scripts/packages-arm64.txt
       build_preset arm64
       ctest --preset arm64 --parallel "$(nproc)" "$@"
+      # Some development files are there for one kind of machine at a time.
+      ensure_packages scripts/packages.txt
       ;;
     bookworm | trixie | bookworm-units | trixie-units)
       ensure_packages scripts/packages-debian.txt
