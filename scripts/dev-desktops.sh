@@ -1,4 +1,4 @@
-# desktops [NAME...]: the program in desktops and with sound servers that others wrote, each in a Debian of its own;
+# desktops [NAME...]: the program in desktops and with sound servers that others wrote, each in a fresh Debian;
 # pictures and a table of what worked.
 main() {
   local desktops=("$@") desktop status=0 pictures=$PWD/build/desktops package

@@ -33,8 +33,8 @@ void KeyFilter::catchUp(const Keys& held, uint64_t timeNs, std::vector<KeyRecord
   }
 }
 
-/// A press is told even of a key that is held already: its release went to a program that had the
-/// keyboard to itself.
+/// A press is passed on even of a key that is held already: its release went to a program that had
+/// the keyboard to itself.
 void KeyFilter::change(uint16_t code, bool down, uint64_t timeNs, std::vector<KeyRecord>& told) {
   if (!isKey(code)) return;
   held_[code] = down;

@@ -1,6 +1,6 @@
-/// What of one keyboard's kernel events is told: presses and releases of keys. Not told: how long a
-/// key repeats, buttons of mice and pads, and the release of a key whose press was not told, such
-/// as one that was typed at a login prompt. Thread: main.
+/// Picks what to pass on of one keyboard's kernel events: presses and releases of keys. Left out:
+/// how long a key repeats, buttons of mice and pads, and the release of a key whose press was not
+/// passed on, such as one that was typed at a login prompt. Thread: main.
 #pragma once
 
 #include <linux/input.h>
@@ -20,7 +20,7 @@ class KeyFilter final {
   /// `held`: the keys that are down already.
   KeyFilter(uint32_t keyboard, const Keys& held) : keyboard_(keyboard), held_(held) {}
 
-  /// Appends what is to be told of the event. False where the kernel has dropped events: then
+  /// Appends what is to be passed on of the event. False where the kernel has dropped events: then
   /// `catchUp` is due.
   bool take(const input_event& event, std::vector<KeyRecord>& told);
 

@@ -80,7 +80,7 @@ void addImportCommand(CLI::App& app, const CommandStreams& streams) {
   command->add_option("SOURCE", options->source, "A folder or an archive")->required();
   command->add_option("--into", options->into, "The pack's folder, replaced whole")->required();
   command->add_option("--id", options->id, "The pack's id, in place of one made of its name");
-  command->add_option("--name", options->name, "The pack's name, in place of its own");
+  command->add_option("--name", options->name, "The pack's name, instead of the one that it has");
   command->add_flag("--json", options->json, "One JSON document, with all that was left out");
   command->footer(footer);
   command->callback([options, streams] { run(*options, streams); });

@@ -45,12 +45,12 @@ nlohmann::ordered_json asJson(const std::vector<PackInfo>& packs) {
 }
 
 void run(bool json, const CommandStreams& streams) {
-  const std::vector<PackInfo> packs = discoverPacks();
+  const auto [packs, unusable] = findPacks();
   if (json)
     printJson(asJson(packs), streams.out);
   else
     printList(packs, streams.out);
-  for (const auto& [folder, reason] : unusableFolders())
+  for (const auto& [folder, reason] : unusable)
     warn(streams.err, folder.string() + " is no pack: " + reason);
 }
 

@@ -17,8 +17,7 @@
 
 namespace tobrin::testing {
 
-/// A struck key: a decaying tone of its own pitch with a noisy start, 80 ms, after 10 ms of
-/// silence.
+/// A struck key: 10 ms of silence, then 80 ms of a tone at `pitch` that begins noisy and fades.
 inline std::vector<float> strokeSound(unsigned pitch, float peak = 0.5f, double rate = 48000) {
   std::vector<float> sound(static_cast<std::size_t>(0.01 * rate));
   uint32_t noise = pitch;
@@ -91,7 +90,7 @@ class ArchiveMaker final {
   archive* archive_ = archive_write_new();
 };
 
-/// The same six keys in each format, with sounds of their own: A, Space, Enter, Backspace, left
+/// The same six keys in each format, each with another sound: A, Space, Enter, Backspace, left
 /// Shift and the right arrow. All but the sprite have a release for A.
 namespace foreign {
 inline Files sprite() {

@@ -137,8 +137,10 @@ class AppModelTest : public ::testing::Test {
             .onThreadStart = nullptr,
             .keyOfScanCode =
                 [](uint32_t code) { return std::optional(static_cast<uint16_t>(code)); },
-            .discoverPacks = [this] { return found_; },
-            .unusableFolders = [] { return std::vector<UnusableFolder>(); },
+            .findPacks =
+                [this] {
+                  return FoundPacks{found_, {}};
+                },
             .loadPack = [this](const PackInfo& info) { return load(info); },
             .addPack = [this](const auto& source, const auto& tell) { return add(source, tell); },
             .discardPack = [this](const PackInfo& info) { return discard(info); }},

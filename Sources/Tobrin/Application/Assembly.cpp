@@ -72,8 +72,7 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
       .micSource = makeMicSource(soundServer),
       .onThreadStart = prepareTimelyThread,
       .keyOfScanCode = [](uint32_t code) { return virtualCodeOf(code - xKeyCodeOffset); },
-      .discoverPacks = [] { return discoverPacks(); },
-      .unusableFolders = [] { return unusableFolders(); },
+      .findPacks = [] { return findPacks(); },
       .loadPack =
           [this](const PackInfo& info) {
             main_.after(settleTime, [] { malloc_trim(0); });  // free heap goes back to the system

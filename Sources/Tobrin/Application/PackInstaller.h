@@ -1,4 +1,4 @@
-/// Adds packs by way of the pack workshop, in a process of their own that ends with the work: what
+/// Adds packs by way of the pack workshop, in a separate process that ends with the work: what
 /// unpacks and reads the files of strangers never shares the memory of the program that reads keys.
 /// The process is confined as this one is. Thread: any.
 #pragma once
@@ -10,7 +10,7 @@
 namespace tobrin {
 
 /// Puts a pack, an archive or a pack of another program among the user's own and returns its id.
-/// `progress` is told 0 to 1 and may throw to end it. Throws `ImportError`, or
+/// `progress` is called with 0 to 1 and may throw to end it. Throws `ImportError`, or
 /// `std::runtime_error`; nothing has changed then.
 std::string addByWorkshop(const std::filesystem::path& source,
                           const std::function<void(double)>& progress);

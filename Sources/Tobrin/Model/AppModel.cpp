@@ -4,19 +4,8 @@
 
 #include "Base/Log.h"
 #include "Input/KeyLayout.h"
-#include "Packs/PackLibrary.h"
 
 namespace tobrin {
-namespace {
-
-/// When the pack's description was written: with every new content of the pack. The earliest time
-/// there is where it cannot be had.
-std::filesystem::file_time_type stampOf(const PackInfo& pack) {
-  std::error_code ignored;
-  return std::filesystem::last_write_time(pack.directory / PackManifest::fileName, ignored);
-}
-
-}  // namespace
 
 AppModel::AppModel(AppServices services, std::optional<Preview> preview)
     : services_(std::move(services)),
@@ -26,7 +15,7 @@ AppModel::AppModel(AppServices services, std::optional<Preview> preview)
              [this] { return services_.settings.write(settingsKey, settings_.toJson()); }),
       shelf_(services_.main, services_.adding, services_.addPack, services_.discardPack),
       self_(std::make_shared<AppModel*>(this)) {
-  readSavedState(preview);
+  const std::string selectedID = readSavedState(preview);
   auto sensor = services_.motionSource != nullptr
                     ? std::make_unique<ForceSensor>(std::move(services_.motionSource),
                                                     [onStart = services_.onThreadStart] {
@@ -39,6 +28,7 @@ AppModel::AppModel(AppServices services, std::optional<Preview> preview)
   });
   conductor_ =
       std::make_unique<Conductor>(services_.conductorQueue, std::move(output), std::move(sensor));
+  startPacks(selectedID);
   wireCallbacks();
   start();
 }
@@ -60,15 +50,14 @@ void AppModel::onMain(std::function<void()> task) {
   });
 }
 
-void AppModel::readSavedState(const std::optional<Preview>& preview) {
-  selectedPackID_ = defaultPackID;
+std::string AppModel::readSavedState(const std::optional<Preview>& preview) {
   if (preview) {
-    selectedPackID_ = preview->pack.value_or(selectedPackID_);
     micInUse_ = preview->micInUse;
     lastForce_ = preview->reading;
-    return;
+    return preview->pack.value_or(defaultPackID);
   }
-  if (const auto saved = services_.settings.read(settingsKey)) {
+  const auto saved = services_.settings.read(settingsKey);
+  if (saved) {
     try {
       settings_ = EngineSettings::fromJson(*saved);
     } catch (const std::exception& error) {
@@ -76,9 +65,9 @@ void AppModel::readSavedState(const std::optional<Preview>& preview) {
       logLine(std::string("saved settings can't be read, using the defaults: ") + error.what());
     }
   }
-  isFirstStart_ =
-      !services_.settings.read(settingsKey) && !services_.settings.readText(selectedPackKey);
-  selectedPackID_ = services_.settings.readText(selectedPackKey).value_or(selectedPackID_);
+  const auto selectedID = services_.settings.readText(selectedPackKey);
+  isFirstStart_ = !saved && !selectedID;
+  return selectedID.value_or(defaultPackID);
 }
 
 void AppModel::wireCallbacks() {
@@ -120,8 +109,7 @@ void AppModel::wireCallbacks() {
 }
 
 void AppModel::start() {
-  refreshPacks();
-  if (!packOfLoad_) loadSelectedPack(false);  // else another was chosen, which is played
+  packs_->start();
   if (preview_) return;
   if (isFirstStart_) saver_.saveSoon();
   conductor_->apply(effectiveSettings(), true);
@@ -168,7 +156,7 @@ EngineSettings AppModel::effectiveSettings() const {
 SoundState AppModel::soundState() const {
   return tobrin::soundState({.hasKeyAccess = hasPermission(),
                              .hasSound = soundProblem_.empty(),
-                             .hasPack = !packError_,
+                             .hasPack = !packError(),
                              .isOn = settings_.enabled,
                              .isInCall = gate().state() == PlaybackGate::State::pausedForCall,
                              .volume = settings_.volume});
@@ -280,39 +268,30 @@ std::optional<std::string> AppModel::shortcutProblem() const {
 
 // Packs
 
-const PackInfo* AppModel::selectedPack() const {
-  const auto found = std::find_if(packs_.begin(), packs_.end(), [this](const PackInfo& pack) {
-    return pack.id == selectedPackID_;
-  });
-  return found == packs_.end() ? nullptr : &*found;
-}
-
-void AppModel::setSelectedPackID(const std::string& id) {
-  if (id == selectedPackID_) {
-    loadWhereMissing(true);
-    return;
-  }
-  selectedPackID_ = id;
-  if (!preview_) services_.settings.writeText(selectedPackKey, id);
-  emit selectedPackChanged();
-  emit statusChanged();
-  loadSelectedPack(true);
-}
-
-void AppModel::refreshPacks() {
-  auto found = services_.discoverPacks();
-  const PackInfo* const selected = selectedPack();
-  const std::size_t place =
-      selected != nullptr ? static_cast<std::size_t>(selected - packs_.data()) : 0;
-  auto unusable = services_.unusableFolders();
-  if (found != packs_ || unusable != unusable_) {
-    packs_ = std::move(found);
-    unusable_ = std::move(unusable);
-    emit packsChanged();
-    emit statusChanged();
-  }
-  if (selectedPack() == nullptr && !packs_.empty())
-    select(packs_[std::min(place, packs_.size() - 1)]);
+void AppModel::startPacks(const std::string& selectedID) {
+  packs_ = std::make_unique<PackSelection>(
+      PackSelection::Services{.main = services_.main,
+                              .loader = services_.loader,
+                              .findPacks = services_.findPacks,
+                              .loadPack = services_.loadPack,
+                              .keepChoice =
+                                  [this](const std::string& id) {
+                                    if (!preview_)
+                                      services_.settings.writeText(selectedPackKey, id);
+                                  },
+                              .play =
+                                  [this](std::shared_ptr<const LoadedPack> pack, bool audition) {
+                                    conductor_->setPack(std::move(pack));
+                                    if (audition && !preview_) conductor_->audition();
+                                  }},
+      selectedID);
+  connect(packs_.get(), &PackSelection::packsChanged, this, &AppModel::packsChanged);
+  connect(packs_.get(), &PackSelection::packsChanged, this, &AppModel::statusChanged);
+  connect(packs_.get(), &PackSelection::selectedChanged, this, &AppModel::selectedPackChanged);
+  connect(packs_.get(), &PackSelection::selectedChanged, this, &AppModel::statusChanged);
+  connect(packs_.get(), &PackSelection::loaded, this, &AppModel::selectedPackChanged);
+  connect(packs_.get(), &PackSelection::errorChanged, this, &AppModel::packErrorChanged);
+  connect(packs_.get(), &PackSelection::errorChanged, this, &AppModel::statusChanged);
 }
 
 void AppModel::packAdded(const std::string& id) {
@@ -321,10 +300,9 @@ void AppModel::packAdded(const std::string& id) {
 }
 
 void AppModel::removePack(const std::string& id) {
-  const auto pack = std::find_if(packs_.begin(), packs_.end(),
-                                 [&](const PackInfo& each) { return each.id == id; });
-  if (pack == packs_.end()) return;
-  const std::string selected = selectedPackID_;
+  const PackInfo* const pack = packs_->withID(id);
+  if (pack == nullptr) return;
+  const std::string selected = selectedPackID();
   if (!shelf_.discard(*pack)) return;
   selectedBeforeRemoval_ = selected;
   lookForPacks();
@@ -336,61 +314,11 @@ void AppModel::undoRemoval() {
   setSelectedPackID(selectedBeforeRemoval_);
 }
 
-void AppModel::loadWhereMissing(bool audition) {
-  const PackInfo* selected = selectedPack();
-  if (selected == nullptr) return;
-  if (packOfLoad_ != *selected || stampOfLoad_ != stampOf(*selected)) loadSelectedPack(audition);
-}
-
-void AppModel::loadSelectedPack(bool audition) {
-  const uint64_t number = ++loadNumber_;
-  const PackInfo* selected = selectedPack();
-  packOfLoad_ = selected != nullptr ? std::optional(*selected) : std::nullopt;
-  if (selected == nullptr) {
-    install(nullptr, false);
-    setPackError(packs_.empty() ? std::optional<std::string>("No sound packs found.")
-                                : std::nullopt);
-    return;
-  }
-  stampOfLoad_ = stampOf(*selected);
-  services_.loader.async([this, self = self_, info = *selected, number, audition,
-                          load = services_.loadPack, &main = services_.main] {
-    std::shared_ptr<const LoadedPack> pack;
-    std::string problem;
-    try {
-      pack = load(info);
-    } catch (const std::exception& error) {
-      problem = info.name + " couldn't load: " + error.what();
-    }
-    main.async([this, self, number, audition, pack, problem] {
-      if (*self == nullptr || number != loadNumber_) return;
-      if (pack == nullptr) packOfLoad_.reset();
-      install(pack, audition && pack != nullptr);
-      setPackError(pack != nullptr ? std::nullopt : std::optional(problem));
-    });
-  });
-}
-
-void AppModel::install(std::shared_ptr<const LoadedPack> pack, bool audition) {
-  manifest_ = pack != nullptr ? std::optional(pack->manifest()) : std::nullopt;
-  conductor_->setPack(std::move(pack));
-  emit selectedPackChanged();
-  if (audition && !preview_) conductor_->audition();
-}
-
-void AppModel::setPackError(std::optional<std::string> text) {
-  if (text == packError_) return;
-  packError_ = std::move(text);
-  if (packError_) logLine(*packError_);
-  emit packErrorChanged();
-  emit statusChanged();
-}
-
 // The panel's other actions
 
 void AppModel::lookForPacks() {
-  refreshPacks();
-  loadWhereMissing(false);
+  packs_->refresh();
+  packs_->loadWhereMissing(false);
 }
 
 void AppModel::menuOpened() {

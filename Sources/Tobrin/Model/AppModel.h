@@ -5,7 +5,6 @@
 
 #include <QObject>
 #include <QString>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,6 +18,7 @@
 #include "Mic/MicMonitor.h"
 #include "Model/AppServices.h"
 #include "Model/KeyAccessWatch.h"
+#include "Model/PackSelection.h"
 #include "Model/PackShelf.h"
 #include "Model/SettingsSaver.h"
 #include "Model/StatusTexts.h"
@@ -48,19 +48,23 @@ class AppModel final : public QObject {
   [[nodiscard]] bool isFirstStart() const { return isFirstStart_; }
   [[nodiscard]] const EngineSettings& settings() const { return settings_; }
   void setSettings(const EngineSettings& settings);
-  [[nodiscard]] const std::string& selectedPackID() const { return selectedPackID_; }
+  [[nodiscard]] const std::string& selectedPackID() const { return packs_->selectedID(); }
   /// Chooses a pack, loads and auditions it. The one that is chosen already is loaded again only
   /// where that has failed or has become another.
-  void setSelectedPackID(const std::string& id);
+  void setSelectedPackID(const std::string& id) { packs_->select(id); }
   void select(const PackInfo& pack) { setSelectedPackID(pack.id); }
 
-  [[nodiscard]] const std::vector<PackInfo>& packs() const { return packs_; }
+  [[nodiscard]] const std::vector<PackInfo>& packs() const { return packs_->packs(); }
   /// Folders among the user's packs that hold none, for the user to see why.
-  [[nodiscard]] const std::vector<UnusableFolder>& unusableFolders() const { return unusable_; }
-  [[nodiscard]] const PackInfo* selectedPack() const;
+  [[nodiscard]] const std::vector<UnusableFolder>& unusableFolders() const {
+    return packs_->unusable();
+  }
+  [[nodiscard]] const PackInfo* selectedPack() const { return packs_->selected(); }
   /// The decoded pack's own description; absent while none is loaded.
-  [[nodiscard]] const std::optional<PackManifest>& loadedManifest() const { return manifest_; }
-  [[nodiscard]] const std::optional<std::string>& packError() const { return packError_; }
+  [[nodiscard]] const std::optional<PackManifest>& loadedManifest() const {
+    return packs_->manifest();
+  }
+  [[nodiscard]] const std::optional<std::string>& packError() const { return packs_->error(); }
   [[nodiscard]] bool hasPermission() const { return preview_ || keyAccess_->state().hasPermission; }
   [[nodiscard]] bool listening() const { return keyAccess_->state().listening; }
   [[nodiscard]] bool needsRelaunch() const { return keyAccess_->state().needsRelaunch; }
@@ -110,7 +114,7 @@ class AppModel final : public QObject {
   /// Brings the pack back that was removed last, and the choice of before.
   void undoRemoval();
   /// Finds the packs again. Where the chosen one is gone, the one in its place is chosen.
-  void refreshPacks();
+  void refreshPacks() { packs_->refresh(); }
   /// Finds the packs again, and loads the chosen one where it has become another.
   void lookForPacks();
   void menuOpened();
@@ -151,7 +155,8 @@ class AppModel final : public QObject {
   void statusChanged();  ///< statusLine, soundState or sensorProblem may differ
 
  private:
-  void readSavedState(const std::optional<Preview>& preview);
+  /// Returns the id of the pack that was selected.
+  std::string readSavedState(const std::optional<Preview>& preview);
   void wireCallbacks();
   void start();
   void registerShortcut();
@@ -161,13 +166,7 @@ class AppModel final : public QObject {
   void outputProblemChanged(const std::string& problem);
   void lookForKeyAccess();
   void keyAccessSettled(const char* failure, const std::string& problem);
-  void loadSelectedPack(bool audition);
-  /// Loads the selected pack unless it is loaded, or on its way, as it was found last: one that
-  /// appeared late, was mended or was replaced by another of its id.
-  void loadWhereMissing(bool audition);
-  /// Plays from `pack` from now on; null: from none, so that no other pack sounds under its name.
-  void install(std::shared_ptr<const LoadedPack> pack, bool audition);
-  void setPackError(std::optional<std::string> text);
+  void startPacks(const std::string& selectedID);
   void packAdded(const std::string& id);
   void readLoginItem();
 
@@ -182,12 +181,7 @@ class AppModel final : public QObject {
   EngineSettings settings_;
   SettingsSaver saver_;
   PackShelf shelf_;
-  std::string selectedPackID_;
   std::string selectedBeforeRemoval_;
-  std::vector<PackInfo> packs_;
-  std::vector<UnusableFolder> unusable_;
-  std::optional<PackManifest> manifest_;
-  std::optional<std::string> packError_;
   std::string keyAccessProblem_;
   std::string packsFolderProblem_;
   std::string loginItemProblem_;
@@ -200,12 +194,9 @@ class AppModel final : public QObject {
   bool isCapturingShortcut_ = false;
   GlobalHotkey::Status shortcutStatus_;
 
-  std::optional<PackInfo> packOfLoad_;  // what is loaded or on its way; none where that failed
-  std::filesystem::file_time_type stampOfLoad_{};  // of its description
-  uint64_t loadNumber_ = 0;  // the newest pack load; older ones are dropped when they end
-
   std::shared_ptr<AppModel*> self_;  // null inside once the model is gone; shared with posted tasks
   std::unique_ptr<Conductor> conductor_;
+  std::unique_ptr<PackSelection> packs_;
   std::unique_ptr<KeyMonitor> monitor_;
   std::unique_ptr<KeyAccessWatch> keyAccess_;
   std::unique_ptr<GlobalHotkey> hotkey_;

@@ -47,8 +47,7 @@ struct AppServices {
   /// not part of typing.
   std::function<std::optional<uint16_t>(uint32_t scanCode)> keyOfScanCode;
 
-  std::function<std::vector<PackInfo>()> discoverPacks;
-  std::function<std::vector<UnusableFolder>()> unusableFolders;
+  std::function<FoundPacks()> findPacks;
   std::function<std::shared_ptr<const LoadedPack>(const PackInfo&)> loadPack;  ///< throws
   PackShelf::Add addPack;
   PackShelf::Discard discardPack;

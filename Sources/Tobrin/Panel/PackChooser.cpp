@@ -11,7 +11,7 @@
 
 namespace tobrin {
 
-/// What file choosers are told to show: patterns (kind 0), under one name.
+/// What a file chooser is to show: patterns (kind 0), under one name.
 struct FilePattern {
   uint kind = 0;
   QString pattern;

@@ -153,7 +153,7 @@ class OldConfig final {
     return *sprite_;
   }
 
-  /// The second version has sounds for the keys that have none of their own.
+  /// The second version has sounds for the keys that it does not name.
   void readFallbacks(ForeignPack& pack) {
     if (const std::string file = text(config_, "sound"); !file.empty())
       pack.others.down = assembly_.sounds(file);

@@ -40,13 +40,13 @@ struct PackImport {
     std::filesystem::path folder;
     std::map<KeyGroup, std::size_t> takes;  ///< press takes by group, of one strength
     std::size_t releases = 0;
-    std::size_t keys = 0;  ///< that have sounds of their own
+    std::size_t keys = 0;  ///< that the pack names
     int rate = 0;          ///< of the files, in Hz
     double lufs = 0;       ///< of the typing demo
     std::vector<ImportNotes::Note> notes;
   };
 
-  /// Told which part is done, 0 to 1, on the calling thread.
+  /// Called with the part that is done, 0 to 1, on the calling thread.
   using Progress = std::function<void(double)>;
 
   /// A failure leaves the folder as it was. Throws `ImportError`, or the file system's own error.

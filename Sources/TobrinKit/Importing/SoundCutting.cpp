@@ -13,7 +13,7 @@ namespace {
 using Take = RecordedTake;
 
 constexpr double longestMs = 2000;   // no key sounds longer
-constexpr double shortestMs = 2;     // less is a click of its own
+constexpr double shortestMs = 2;     // a shorter sound is heard as a click
 constexpr double warmUpMs = 50;      // for the rumble filter to settle
 constexpr float silence = 3e-4f;     // root mean square of a millisecond, about -70 dB
 constexpr float onsetShare = 0.05f;  // of the loudest millisecond: before, the room is heard

@@ -38,8 +38,9 @@ struct TakeSet {
   std::map<uint16_t, Key> keys;      ///< by key code; those that the pack says something about
 };
 
-/// Decodes, cuts and sorts the sounds of a pack. `progress` is told the part that is done, 0 to 1.
-/// Throws `ImportError` where no press is left, or the sounds take more memory than a pack may.
+/// Decodes, cuts and sorts the sounds of a pack. `progress` is called with the part that is done, 0
+/// to 1. Throws `ImportError` where no press is left, or the sounds take more memory than a pack
+/// may.
 TakeSet collectTakes(ForeignPack pack, SoundLoader& loader, ImportNotes& notes,
                      const std::function<void(double)>& progress);
 

@@ -46,6 +46,23 @@ std::vector<fs::path> visibleEntries(const fs::path& folder) {
   return entries;
 }
 
+/// `unusable` takes the folders that hold no pack; null: nobody asks.
+std::vector<PackInfo> packsIn(const fs::path& folder, bool isBundled,
+                              std::vector<UnusableFolder>* unusable) {
+  std::vector<PackInfo> packs;
+  std::error_code missing;
+  for (const fs::path& entry : visibleEntries(folder)) {
+    try {
+      packs.push_back(PackInfo::read(entry, isBundled));
+    } catch (const PackError& error) {
+      // No pack: other things may lie in the folder, too.
+      if (unusable != nullptr && fs::is_directory(entry, missing))
+        unusable->push_back({entry, error.what()});
+    }
+  }
+  return packs;
+}
+
 }  // namespace
 
 fs::path userPacksDirectory(const Environment& environment) {
@@ -65,47 +82,29 @@ std::optional<fs::path> bundledPacksDirectory(const Environment& environment) {
   return std::nullopt;
 }
 
-std::vector<PackInfo> discoverPacks(const Environment& environment) {
+FoundPacks findPacks(const Environment& environment) {
+  FoundPacks found;
   std::map<std::string, PackInfo> byID;
   const auto merge = [&byID](std::vector<PackInfo> packs) {
     for (PackInfo& pack : packs)
       byID.insert_or_assign(pack.id, std::move(pack));
   };
   if (const auto bundled = bundledPacksDirectory(environment)) merge(discoverPacks(*bundled, true));
-  merge(discoverPacks(userPacksDirectory(environment), false));
+  merge(packsIn(userPacksDirectory(environment), false, &found.unusable));
 
-  std::vector<PackInfo> packs;
-  packs.reserve(byID.size());
+  found.packs.reserve(byID.size());
   for (auto& [id, pack] : byID)
-    packs.push_back(std::move(pack));
-  sort(packs, environment);
-  return packs;
+    found.packs.push_back(std::move(pack));
+  sort(found.packs, environment);
+  return found;
+}
+
+std::vector<PackInfo> discoverPacks(const Environment& environment) {
+  return findPacks(environment).packs;
 }
 
 std::vector<PackInfo> discoverPacks(const fs::path& folder, bool isBundled) {
-  std::vector<PackInfo> packs;
-  for (const fs::path& entry : visibleEntries(folder)) {
-    try {
-      packs.push_back(PackInfo::read(entry, isBundled));
-    } catch (const PackError&) {
-      // No pack: other things may lie in the folder, too.
-    }
-  }
-  return packs;
-}
-
-std::vector<UnusableFolder> unusableFolders(const Environment& environment) {
-  std::vector<UnusableFolder> unusable;
-  std::error_code missing;
-  for (const fs::path& entry : visibleEntries(userPacksDirectory(environment))) {
-    if (!fs::is_directory(entry, missing)) continue;
-    try {
-      static_cast<void>(PackInfo::read(entry, false));
-    } catch (const PackError& error) {
-      unusable.push_back({entry, error.what()});
-    }
-  }
-  return unusable;
+  return packsIn(folder, isBundled, nullptr);
 }
 
 }  // namespace tobrin

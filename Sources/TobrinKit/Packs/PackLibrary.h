@@ -21,13 +21,6 @@ std::filesystem::path userPacksDirectory(const Environment& environment = proces
 std::optional<std::filesystem::path> bundledPacksDirectory(
     const Environment& environment = processEnvironment);
 
-/// All packs: shipped ones first, each kind by name as a file browser orders names. A user's pack
-/// takes the place of a shipped one with the same id. What cannot be read is left out.
-std::vector<PackInfo> discoverPacks(const Environment& environment = processEnvironment);
-
-/// The packs directly inside one folder, by folder name; none where it cannot be listed.
-std::vector<PackInfo> discoverPacks(const std::filesystem::path& folder, bool isBundled);
-
 /// A folder among the user's packs that holds none.
 struct UnusableFolder {
   std::filesystem::path folder;
@@ -36,7 +29,22 @@ struct UnusableFolder {
   bool operator==(const UnusableFolder&) const = default;
 };
 
-/// What of the user's folder of packs `discoverPacks` leaves out, by folder name.
-std::vector<UnusableFolder> unusableFolders(const Environment& environment = processEnvironment);
+struct FoundPacks {
+  std::vector<PackInfo> packs{};
+  std::vector<UnusableFolder> unusable{};  ///< by folder name
+
+  bool operator==(const FoundPacks&) const = default;
+};
+
+/// All packs: shipped ones first, each kind by name as a file browser orders names. A user's pack
+/// takes the place of a shipped one with the same id. Folders of the user's that cannot be read as
+/// packs come beside.
+FoundPacks findPacks(const Environment& environment = processEnvironment);
+
+/// The packs alone.
+std::vector<PackInfo> discoverPacks(const Environment& environment = processEnvironment);
+
+/// The packs directly inside one folder, by folder name; none where it cannot be listed.
+std::vector<PackInfo> discoverPacks(const std::filesystem::path& folder, bool isBundled);
 
 }  // namespace tobrin

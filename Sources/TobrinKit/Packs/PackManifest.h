@@ -40,7 +40,7 @@ struct PackManifest {
   std::optional<std::string> author;
   std::optional<std::string> license;
   std::map<std::string, Group> groups;  ///< keyed by key-group name
-  std::map<uint16_t, Key> keyTakes{};   ///< by virtual key code; those that have takes of their own
+  std::map<uint16_t, Key> keyTakes{};  ///< by virtual key code; other keys play their group's takes
 
   bool operator==(const PackManifest&) const = default;
 

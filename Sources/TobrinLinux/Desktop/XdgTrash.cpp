@@ -56,7 +56,7 @@ std::string timeNow() {
   return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &local)};
 }
 
-/// A name that is free in the trash, taken by its note: whoever makes that has the name.
+/// A name that is free in the trash. The program that creates the note of that name has taken it.
 Place takePlace(const fs::path& path, const fs::path& trash) {
   const fs::path files = madeFolder(trash / "files");
   const fs::path notes = madeFolder(trash / "info");

@@ -184,8 +184,8 @@ bool PortalShortcut::Dialogue::subscribe() {
 }
 
 void PortalShortcut::Dialogue::createSession() {
-  // The very call may start the portal, whose arrival is told before it answers; a second session
-  // of the same name would cost us the first.
+  // The very call may start the portal, whose arrival is reported before it answers; a second
+  // session of the same name would cost us the first.
   if (std::exchange(isCreating, true)) return;
   // By Register the desktop knows whose shortcut it is; older portals find out by
   // themselves. The first

@@ -54,7 +54,7 @@ TEST_F(PackLibraryFolders, ListsBundledPacksFirstAndUserPacksInTheirPlace) {
   pack("data/Tobrin/Packs/z", "f", "again");
   folder_.write("data/Tobrin/Packs/notes/readme", "");
   folder_.write("data/Tobrin/Packs/file", "");
-  const auto unusable = unusableFolders(environment());
+  const auto unusable = findPacks(environment()).unusable;
   ASSERT_EQ(unusable.size(), 1u);
   EXPECT_TRUE(unusable[0].reason.starts_with("No pack.json in ")) << unusable[0].reason;
   EXPECT_EQ(names(), "pack 2*;Pack 10*;again;Zeta;") << "the later folder of one id is kept";

@@ -1,8 +1,8 @@
 """A tray for tests: watcher and host of status notifier items on the session bus, by their D-Bus interfaces."""
 
-import threading
-
 from gi.repository import Gio, GLib
+
+from .busservice import BusService
 
 SERVICE, PATH = "org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher"
 ITEM, MENU = "org.kde.StatusNotifierItem", "com.canonical.dbusmenu"
@@ -19,32 +19,12 @@ class TrayWatcher:
 
     def __init__(self):
         self.items = []
-        self._loop = GLib.MainLoop()
-        self._ready = threading.Event()
-        self._thread = threading.Thread(target=self._serve)
-        self._thread.start()
-        self._ready.wait(10)
+        self._service = BusService(SERVICE, PATH, INTERFACE, self._called, self._asked, self._appeared)
+        self.close, self._bus = self._service.close, self._service.bus
 
-    def _serve(self):
-        context = GLib.MainContext()
-        context.push_thread_default()
-        self._loop = GLib.MainLoop(context=context)
-        address = Gio.dbus_address_get_for_bus_sync(Gio.BusType.SESSION)
-        flags = Gio.DBusConnectionFlags
-        self._bus = Gio.DBusConnection.new_for_address_sync(
-            address, flags.AUTHENTICATION_CLIENT | flags.MESSAGE_BUS_CONNECTION)
-        interface = Gio.DBusNodeInfo.new_for_xml(INTERFACE).interfaces[0]
-        self._bus.register_object(PATH, interface, self._called, self._asked, None)
-        Gio.bus_own_name_on_connection(self._bus, SERVICE, Gio.BusNameOwnerFlags.NONE, None, None)
-        self._bus.emit_signal(None, PATH, SERVICE, "StatusNotifierHostRegistered", None)
-        self._ready.set()
-        self._loop.run()
-        self._bus.close_sync()
-        context.pop_thread_default()
-
-    def close(self):
-        self._loop.quit()
-        self._thread.join()
+    @staticmethod
+    def _appeared(bus):
+        bus.emit_signal(None, PATH, SERVICE, "StatusNotifierHostRegistered", None)
 
     def _called(self, _bus, sender, _path, _interface, _method, arguments, invocation):
         name = arguments.unpack()[0]
