@@ -39,8 +39,11 @@ TEST(Voicing, PlaysTheTakesThatThePackGivesAKey) {
   for (std::size_t take = 0; take < 4; ++take)
     builder.down(KeyGroup::alpha, Tier::medium, 0.1f, 100 + take)
         .up(KeyGroup::alpha, 0.1f, 200 + take);
-  const auto pack =
-      builder.key(0, {{{2}}, {{3}}}).key(1, {{{}}, {{}}}).key(2, {{{1, 3}}, {}}).make();
+  using List = std::vector<uint32_t>;
+  const auto pack = builder.key(0, {List{2}, List{3}})
+                        .key(1, {List{}, List{}})
+                        .key(2, {List{1, 3}, {}})
+                        .make();
   const EngineSettings settings;
   const Voicing voicing(*pack, settings);
   const auto taken = [](const std::optional<TBCommand>& command) {
