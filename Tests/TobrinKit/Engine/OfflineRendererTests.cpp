@@ -40,10 +40,8 @@ TEST(Voicing, PlaysTheTakesThatThePackGivesAKey) {
     builder.down(KeyGroup::alpha, Tier::medium, 0.1f, 100 + take)
         .up(KeyGroup::alpha, 0.1f, 200 + take);
   using List = std::vector<uint32_t>;
-  const auto pack = builder.key(0, {List{2}, List{3}})
-                        .key(1, {List{}, List{}})
-                        .key(2, {List{1, 3}, {}})
-                        .make();
+  const auto pack =
+      builder.key(0, {List{2}, List{3}}).key(1, {List{}, List{}}).key(2, {List{1, 3}, {}}).make();
   const EngineSettings settings;
   const Voicing voicing(*pack, settings);
   const auto taken = [](const std::optional<TBCommand>& command) {
