@@ -13,7 +13,8 @@ set(rooms
     "Force: Base Input"
     "Engine: Base Packs Input Force"
     "Building: Base Packs Engine"
-    "Importing: Base Packs Input Synth Engine Building")
+    "Importing: Base Packs Input Synth Engine Building"
+    "Recording: Base Packs Input Force Engine Building")
 
 # Besides the standard library's, only headers of the libraries below may be named.
 set(libraries archive archive_entry curl/curl sndfile soxr "hwy/.*" "nlohmann/.*" "unicode/.*" "yaml-cpp/.*")

@@ -63,6 +63,15 @@ uint64_t TraceCsv::whole(std::size_t field, uint64_t largest) const {
   return number;
 }
 
+int64_t TraceCsv::wholeBetween(std::size_t field, int64_t least, int64_t most) const {
+  assert(field < fields_.size());
+  int64_t number = 0;
+  if (!parse(fields_[field], number) || number < least || number > most)
+    fail(std::string(columns_[field]) + " is no whole number from " + std::to_string(least) +
+         " to " + std::to_string(most) + ": " + quoted(fields_[field]));
+  return number;
+}
+
 double TraceCsv::number(std::size_t field) const {
   assert(field < fields_.size());
   double number = 0;

@@ -1,4 +1,4 @@
-/// Reads the small CSV files of this subsystem: one fixed header line, then lines of numbers.
+/// Reads small CSV files: one fixed header line, then lines of numbers and words.
 /// What is malformed throws `TraceError`, which names the file and the line. Lines may end in
 /// CR LF; empty lines at the end are taken. Thread: any.
 #pragma once
@@ -29,6 +29,12 @@ class TraceCsv {
 
   /// A field of the current line as a whole number up to `largest`.
   [[nodiscard]] uint64_t whole(std::size_t field, uint64_t largest = UINT64_MAX) const;
+
+  /// The same for one that may be negative.
+  [[nodiscard]] int64_t wholeBetween(std::size_t field, int64_t least, int64_t most) const;
+
+  /// A field of the current line as it stands.
+  [[nodiscard]] std::string_view text(std::size_t field) const { return fields_[field]; }
 
   /// A field of the current line as a finite number.
   [[nodiscard]] double number(std::size_t field) const;
