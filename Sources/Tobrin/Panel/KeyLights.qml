@@ -14,6 +14,7 @@ Item {
     readonly property real keyHeight: Math.round(Theme.textSize * 0.5)
     readonly property real spaceFrom: 4 // in key widths, as the space bar lies
     readonly property real spaceKeys: 5
+    readonly property bool seen: Window.visibility !== Window.Hidden && Window.visibility !== Window.Minimized
 
     implicitHeight: 2 * keyHeight + gap
     Accessible.ignored: true
@@ -25,6 +26,7 @@ Item {
 
         property real glow: 0
         property color glowColor: Theme.accent
+        readonly property bool seen: lights.seen
 
         height: lights.keyHeight
         radius: 2
@@ -49,6 +51,13 @@ Item {
             id: out
             interval: 300
             onTriggered: light.glow = 0
+        }
+
+        onSeenChanged: {
+            // No time passes for what nobody sees.
+            fade.stop();
+            out.stop();
+            glow = 0;
         }
 
         function strike(tier, strength) {
@@ -89,7 +98,7 @@ Item {
     }
     Connections {
         target: lights.model
-        enabled: lights.Window.visibility !== Window.Hidden
+        enabled: lights.seen
 
         function onKeyStruck(column, isBottom, tier, strength) {
             const light = isBottom ? bottom.itemAt(column < lights.spaceFrom ? 0 : column < lights.spaceFrom + lights.spaceKeys ? 1 : 2)

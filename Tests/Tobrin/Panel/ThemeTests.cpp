@@ -34,7 +34,7 @@ class ThemeTest : public ::testing::Test {
  protected:
   ThemeTest() {
     const int type =
-        qmlRegisterSingletonType(QUrl::fromLocalFile(TOBRIN_THEME), "Test", 1, 0, "Theme");
+        qmlRegisterSingletonType(QUrl::fromLocalFile(TOBRIN_PANEL "/Theme.qml"), "Test", 1, 0, "Theme");
     theme_ = engine_.singletonInstance<QObject*>(type);
   }
 
