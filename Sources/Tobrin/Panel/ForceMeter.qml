@@ -20,6 +20,7 @@ ColumnLayout {
         border.color: Theme.edge
         Accessible.role: Accessible.ProgressBar
         Accessible.name: caption.text
+        Accessible.description: meter.reading.hasReading ? Theme.tierNames[meter.reading.readingTier] : ""
 
         Rectangle {
             readonly property real filled: Math.min(1, Math.max(0, meter.reading.readingRelative / meter.fullScale))

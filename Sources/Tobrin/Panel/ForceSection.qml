@@ -29,7 +29,7 @@ ColumnLayout {
             Layout.bottomMargin: Theme.gap
             visible: !section.model.sensorAvailable || (section.wanted && !section.measuring)
             text: !section.model.sensorAvailable ? section.model.noSensorNote
-                  : qsTr("The motion sensor does not work: %1. Until it does, the strength below is used.").arg(section.model.sensorProblem)
+                  : qsTr("The motion sensor does not work: %1. Until it does, the fixed strength below is used.").arg(section.model.sensorProblem)
             small: true
             secondary: true
         }
@@ -40,9 +40,9 @@ ColumnLayout {
             visible: section.measuring
             spacing: Theme.inset
 
-            PanelText {
+            FieldLabel {
                 text: qsTr("Sensitivity")
-                Accessible.ignored: true
+                hint: qsTr("The higher, the harder your strokes sound.")
             }
             PanelSlider {
                 Layout.fillWidth: true
@@ -68,12 +68,14 @@ ColumnLayout {
             visible: !section.measuring
             spacing: Theme.inset
 
-            PanelText {
+            FieldLabel {
+                id: strength
                 text: qsTr("Strength")
-                Accessible.ignored: true
+                hint: qsTr("How hard every key sounds while none is measured.")
             }
             PanelPicker {
                 Layout.fillWidth: true
+                Accessible.description: strength.hint
                 label: qsTr("Strength")
                 choices: Theme.tierNames
                 current: section.model.fixedTier

@@ -3,15 +3,17 @@
 <TS version="2.1" language="de_DE" sourcelanguage="en">
 <context>
     <name>ForceMeter</name>
-    <message><source>Type to see how hard you hit</source><translation>Tippe, um zu sehen, wie fest du anschlägst</translation></message>
+    <message><source>Type to see how hard you hit</source><translation>Tippe, um zu sehen, wie hart du anschlägst</translation></message>
 </context>
 <context>
     <name>ForceSection</name>
     <message><source>Force</source><translation>Anschlag</translation></message>
-    <message><source>Feel how hard you type</source><translation>Spüren, wie fest du tippst</translation></message>
-    <message><source>The motion sensor does not work: %1. Until it does, the strength below is used.</source><translation>Der Bewegungssensor arbeitet nicht: %1. Bis er es tut, gilt die Stärke unten.</translation></message>
+    <message><source>Feel how hard you type</source><translation>Spüren, wie hart du tippst</translation></message>
+    <message><source>The motion sensor does not work: %1. Until it does, the fixed strength below is used.</source><translation>Der Bewegungssensor arbeitet nicht: %1. Bis er es tut, gilt die feste Stärke unten.</translation></message>
     <message><source>Sensitivity</source><translation>Empfindlichkeit</translation></message>
     <message><source>%1×</source><translation>%1×</translation></message>
+    <message><source>The higher, the harder your strokes sound.</source><translation>Je höher, desto härter klingt dein Anschlag.</translation></message>
+    <message><source>How hard every key sounds while none is measured.</source><translation>Wie hart jede Taste klingt, solange keine gemessen wird.</translation></message>
     <message><source>Strength</source><translation>Stärke</translation></message>
 </context>
 <context>
@@ -76,8 +78,8 @@
     <name>Theme</name>
     <message><source>Soft</source><translation>Sanft</translation></message>
     <message><source>Medium</source><translation>Mittel</translation></message>
-    <message><source>Hard</source><translation>Fest</translation></message>
-    <message><source>Slam</source><translation>Hart</translation></message>
+    <message><source>Hard</source><translation>Hart</translation></message>
+    <message><source>Slam</source><translation>Heftig</translation></message>
 </context>
 <context>
     <name>TitleBar</name>
