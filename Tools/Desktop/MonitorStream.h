@@ -20,8 +20,9 @@
 #include <atomic>
 #include <string>
 
-#include "BlockRing.h"
+#include "PipeWire/BlockRing.h"
 #include "PipeWireHandles.h"
+#include "StreamFormat.h"
 
 namespace tobrin::testing {
 

@@ -11,19 +11,19 @@
 #include <stdexcept>
 #include <string>
 
-#include "BlockRing.h"
 #include "MonitorStream.h"
 #include "OnsetDetector.h"
+#include "PipeWire/BlockRing.h"
 #include "PipeWireHandles.h"
 #include "TimedRecording.h"
 
 namespace {
 
-using tobrin::testing::BlockRing;
+using tobrin::BlockRing;
+using tobrin::TimedBlock;
 using tobrin::testing::MonitorStream;
 using tobrin::testing::OnsetDetector;
 using tobrin::testing::PipeWireHandle;
-using tobrin::testing::TimedBlock;
 using tobrin::testing::TimedRecording;
 
 constexpr timespec drainPeriod{0, 20'000'000};

@@ -9,7 +9,8 @@
 #include <memory>
 #include <string>
 
-#include "BlockRing.h"
+#include "PipeWire/BlockRing.h"
+#include "StreamFormat.h"
 
 namespace tobrin::testing {
 

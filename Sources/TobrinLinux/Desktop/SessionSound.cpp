@@ -7,6 +7,7 @@
 #include "Base/Log.h"
 #include "Engine/FallbackAudioDevice.h"
 #include "Mic/FallbackMicSource.h"
+#include "PipeWire/PipeWireCapture.h"
 #include "PipeWire/PipeWireLoop.h"
 #include "PipeWire/PipeWireMicSource.h"
 #include "PipeWire/PipeWireOutput.h"
@@ -50,6 +51,10 @@ std::unique_ptr<MicSource> makeMicSource(std::shared_ptr<PipeWireLoop> loop) {
   if (loop == nullptr) return pulse;
   return std::make_unique<FallbackMicSource>(std::make_unique<PipeWireMicSource>(std::move(loop)),
                                              std::move(pulse));
+}
+
+std::unique_ptr<SoundCapture> makeSoundCapture() {
+  return std::make_unique<PipeWireCapture>(std::make_shared<PipeWireLoop>());
 }
 
 }  // namespace tobrin

@@ -69,15 +69,47 @@ CaptureGraph::Ids CaptureGraph::microphonesBehind(uint32_t nodeId, Ids& visited)
     } else if (from->mediaClass.empty() && isLookedThrough(*from)) {
       microphones.merge(microphonesBehind(link.from, visited));
     } else if (isSource(*from)) {
-      for (const auto& [peerId, peer] : nodes) {
-        if (peer.linkGroup != from->linkGroup || isSource(peer)) continue;
-        Ids behind = microphonesBehind(peerId, visited);
-        if (!behind.empty()) microphones.insert(link.from);
-        microphones.merge(behind);
-      }
+      Ids behind;
+      addMicrophonesOfFilter(*from, behind, visited);
+      if (!behind.empty()) microphones.insert(link.from);
+      microphones.merge(behind);
     }
   }
   return microphones;
+}
+
+/// Those whose sound the filter with this output gets.
+void CaptureGraph::addMicrophonesOfFilter(const Node& output, Ids& microphones,
+                                          Ids& visited) const {
+  for (const auto& [peerId, peer] : nodes)
+    if (peer.linkGroup == output.linkGroup && !isSource(peer))
+      microphones.merge(microphonesBehind(peerId, visited));
+}
+
+std::optional<uint32_t> CaptureGraph::unfilteredDefaultId() const {
+  const std::optional<uint32_t> input = defaultSourceId();
+  if (!input || nodes.at(*input).linkGroup.empty()) return input;
+  Ids visited;
+  Ids microphones;
+  addMicrophonesOfFilter(nodes.at(*input), microphones, visited);
+  const auto found = std::find_if(microphones.begin(), microphones.end(),
+                                  [&](uint32_t id) { return nodes.at(id).linkGroup.empty(); });
+  return found == microphones.end() ? input : *found;
+}
+
+std::vector<SoundCapture::Input> CaptureGraph::microphones() const {
+  const std::optional<uint32_t> defaultId = unfilteredDefaultId();
+  std::vector<SoundCapture::Input> found;
+  for (const auto& [id, node] : nodes) {
+    if (!isSource(node)) continue;
+    found.push_back({.name = node.name,
+                     .description = node.description.empty() ? node.name : node.description,
+                     .isDefault = id == defaultId,
+                     .isProcessed = !node.linkGroup.empty()});
+  }
+  std::stable_partition(found.begin(), found.end(),
+                        [](const SoundCapture::Input& input) { return !input.isProcessed; });
+  return found;
 }
 
 bool CaptureGraph::isLookedThrough(const Node& node) const {

@@ -1,6 +1,6 @@
-/// Which programs record from a microphone, found by following the links between the sound server's
-/// nodes. What streams say of themselves proves nothing: a stream that asks for a microphone may be
-/// linked to a monitor, and the other way round. A plain value. Thread: any.
+/// The microphones, and which programs record from one, found by following the links between the
+/// sound server's nodes. What streams say of themselves proves nothing: a stream that asks for a
+/// microphone may be linked to a monitor, and the other way round. A plain value. Thread: any.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +8,10 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "Mic/MicActivity.h"
+#include "Recording/SoundCapture.h"
 
 namespace tobrin {
 
@@ -41,6 +43,10 @@ class CaptureGraph final {
   /// program whose process is not known counts as process 0.
   [[nodiscard]] MicActivity activity(int32_t ownProcess) const;
 
+  /// Every microphone, filtered ones last. Where the default one is a filter's output, the one that
+  /// the filter listens to counts as the default.
+  [[nodiscard]] std::vector<SoundCapture::Input> microphones() const;
+
   /// Whether the decision depends on more of this node than a listing shows: state, filter, meter.
   [[nodiscard]] bool needsDetails(uint32_t nodeId) const;
 
@@ -48,6 +54,8 @@ class CaptureGraph final {
   using Ids = std::set<uint32_t>;
 
   [[nodiscard]] Ids microphonesBehind(uint32_t nodeId, Ids& visited) const;
+  void addMicrophonesOfFilter(const Node& output, Ids& microphones, Ids& visited) const;
+  [[nodiscard]] std::optional<uint32_t> unfilteredDefaultId() const;
   [[nodiscard]] bool isLookedThrough(const Node& node) const;
   [[nodiscard]] bool isUser(const Node& node) const;
   [[nodiscard]] std::optional<uint32_t> defaultSourceId() const;

@@ -9,8 +9,8 @@
 #include "PipeWire/PipeWireConnection.h"
 #include "PipeWire/PipeWireDeviceName.h"
 #include "PipeWire/PipeWireLoop.h"
-#include "PipeWire/PipeWireStream.h"
 #include "PipeWire/PipeWireTimer.h"
+#include "PipeWire/PlaybackStream.h"
 #include "Threads/AsioQueue.h"
 
 namespace tobrin {
@@ -122,7 +122,7 @@ void PipeWireOutput::connected(pw_core* core) {
 
 void PipeWireOutput::makeStream(pw_core* core) {
   try {
-    stream_ = std::make_unique<PipeWireStream>(core, *gate_, [this] { streamChanged(); });
+    stream_ = std::make_unique<PlaybackStream>(core, *gate_, [this] { streamChanged(); });
     watchLink();
   } catch (const std::runtime_error& error) {
     problem_ = error.what();
@@ -141,7 +141,7 @@ void PipeWireOutput::lost() {
 
 void PipeWireOutput::streamChanged() {
   if (stream_ == nullptr) return;  // still in its constructor
-  const bool streams = stream_->state() == PipeWireStream::State::streaming;
+  const bool streams = stream_->state() == PlaybackStream::State::streaming;
   const bool streamed = isStreaming_.exchange(streams, std::memory_order_relaxed);
   watchLink();
   if (streams != streamed) watchDevice();
@@ -150,7 +150,7 @@ void PipeWireOutput::streamChanged() {
     problem_.clear();
     if (isWanted_ && !startIsAnswered_) notifyChanged();
     startIsAnswered_ = false;
-  } else if (stream_->state() == PipeWireStream::State::failed) {
+  } else if (stream_->state() == PlaybackStream::State::failed) {
     problem_ = expectsDevice() ? "PipeWire refuses the sound (" + stream_->error() + ")" : noDevice;
     isRetry_ = isRetry_ || connection_->core() != nullptr;
     connection_->breakOff(problem_);

@@ -16,7 +16,7 @@ namespace tobrin {
 class AsioQueue;
 class PipeWireConnection;
 class PipeWireLoop;
-class PipeWireStream;
+class PlaybackStream;
 class PipeWireTimer;
 struct RenderGate;
 
@@ -64,7 +64,7 @@ class PipeWireOutput final : public AudioDevice {
   std::atomic<bool> expectsDevice_ = false;  // written under the loop's lock
 
   // Guarded by the loop's lock.
-  std::unique_ptr<PipeWireStream> stream_;
+  std::unique_ptr<PlaybackStream> stream_;
   std::unique_ptr<PipeWireTimer> linkWatch_;    // runs while the stream should play and does not
   std::unique_ptr<PipeWireTimer> deviceWatch_;  // so does this, while a server answers
   std::chrono::milliseconds linkPatience_;

@@ -97,5 +97,21 @@ TEST(CaptureGraph, KnowsTheDefaultInput) {
   EXPECT_EQ(graph.activity(ownProcess).inputDeviceName, std::nullopt);
 }
 
+TEST(CaptureGraph, ListsMicrophonesAndTheOneBehindAFilteredDefault) {
+  using Input = SoundCapture::Input;
+  CaptureGraph graph = exampleGraph();
+  graph.nodes[0] = {.name = "clean", .mediaClass = "Audio/Source", .linkGroup = "echo"};
+  graph.nodes[30] = {.mediaClass = "Stream/Input/Audio", .linkGroup = "echo"};
+  graph.defaultSource = "clean";
+  const auto listed = [&](bool otherIsDefault, bool cleanIsDefault) {
+    return std::vector<Input>{{"mic", "Webcam", false, false},
+                              {"other", "other", otherIsDefault, false},
+                              {"clean", "clean", cleanIsDefault, true}};
+  };
+  EXPECT_EQ(graph.microphones(), listed(false, true)) << "nothing is linked to the filter";
+  graph.links[1] = {3, 30};
+  EXPECT_EQ(graph.microphones(), listed(true, false));
+}
+
 }  // namespace
 }  // namespace tobrin

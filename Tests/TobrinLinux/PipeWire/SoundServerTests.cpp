@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Desktop/SessionSound.h"
+#include "PipeWire/PipeWireCapture.h"
 #include "PipeWire/PipeWireLoop.h"
 #include "PipeWire/PipeWireMicSource.h"
 #include "PipeWire/PipeWireOutput.h"
@@ -249,6 +250,76 @@ TEST_F(PipeWireMicSourceTest, AttachesAgainAfterTheServerWasGone) {
   program.end();
   EXPECT_TRUE(record(Processes()));
   EXPECT_EQ(changes_, after);
+}
+
+class PipeWireCaptureTest : public ::testing::Test {
+ protected:
+  /// Whether sound above silence comes in now; looks at the times of all blocks.
+  bool isHeard() {
+    return eventually([&] {
+      bool isLoud = false;
+      capture_.take([&](const SoundCapture::Block& block) {
+        const auto frames = static_cast<int64_t>(block.interleaved.size() / 2);
+        if (due_ && std::abs(block.time - *due_) < 2'000'000) ++evenBlocks_;
+        ++blocks_;
+        due_ = block.time + frames * 1'000'000'000 / 48000;
+        for (const float sample : block.interleaved)
+          isLoud = isLoud || std::abs(sample) > 0.01F;
+      });
+      return isLoud;
+    });
+  }
+
+  static int shell(const std::string& line) { return ChildProcess({"sh", "-c", line}).wait(); }
+
+  PipeWireCapture capture_{std::make_shared<PipeWireLoop>()};
+  std::optional<int64_t> due_;
+  int blocks_ = 0;
+  int evenBlocks_ = 0;
+};
+
+TEST_F(PipeWireCaptureTest, HearsTheMicrophoneAndWaitsForOneThatGoesAway) {
+  const testing::TempFolder folder;
+  const std::string file = (folder.path() / "tone.wav").string();
+  ASSERT_EQ(
+      shell("ffmpeg -loglevel quiet -f lavfi -i sine=440:duration=60:sample_rate=48000 " + file),
+      0);
+  // A player's own target can only be a sink.
+  const auto play = [&](const std::string& input) {
+    ASSERT_TRUE(eventually(
+        [&] { return shell("pw-link pw-cat:output_MONO " + input + ":input_MONO 2>&1") == 0; }));
+  };
+  EXPECT_FALSE(capture_.start("no such"));
+  EXPECT_EQ(capture_.problem(), "there is no microphone \"no such\"");
+  const auto inputs = capture_.inputs();
+  EXPECT_TRUE(std::any_of(inputs.begin(), inputs.end(), [](const SoundCapture::Input& input) {
+    return input.name == "test_mic" && input.isDefault;
+  }));
+  EXPECT_NE(shell("pw-link -l | grep -q tobrin-record"), 0) << "nothing is recorded yet";
+  {
+    ASSERT_TRUE(capture_.start("")) << capture_.problem();
+    const ChildProcess player({"pw-cat", "-p", "--target=0", file});
+    play("test_mic");
+    EXPECT_TRUE(isHeard());
+    std::this_thread::sleep_for(1s);
+    EXPECT_TRUE(isHeard());
+    EXPECT_GE(evenBlocks_ + 3, blocks_ * 9 / 10) << blocks_;
+    capture_.stop();
+    EXPECT_NE(shell("pw-link -l | grep -q tobrin-record"), 0);
+  }
+  constexpr auto makeMicrophone =
+      "pactl load-module module-null-sink media.class=Audio/Source/Virtual "
+      "sink_name=second_mic channel_map=mono";
+  ASSERT_EQ(shell(makeMicrophone), 0);
+  ASSERT_TRUE(capture_.start("second_mic")) << capture_.problem();
+  ASSERT_EQ(shell("pactl unload-module module-null-sink"), 0);
+  EXPECT_TRUE(eventually([&] { return capture_.problem().ends_with(" is gone"); }));
+  ASSERT_EQ(shell(makeMicrophone), 0);
+  EXPECT_TRUE(eventually([&] { return capture_.problem().empty(); })) << capture_.problem();
+  const ChildProcess player({"pw-cat", "-p", "--target=0", file});
+  play("second_mic");
+  EXPECT_TRUE(isHeard());
+  EXPECT_EQ(shell("pactl unload-module module-null-sink"), 0);
 }
 
 // The sound server's PulseAudio face answers what is asked here as PulseAudio itself does.

@@ -1,5 +1,6 @@
-/// Carries recorded audio from the sound server's real-time thread to the thread that writes files.
-/// One thread pushes, one takes. Thread: any.
+/// Carries recorded sound from the sound server's real-time thread to the thread that keeps it. One
+/// thread pushes, one takes. Depends on nothing, as tools that measure the program use it too.
+/// Thread: any.
 #pragma once
 
 #include <algorithm>
@@ -10,13 +11,13 @@
 #include <span>
 #include <vector>
 
-#include "StreamFormat.h"
+namespace tobrin {
 
-namespace tobrin::testing {
-
-/// A run of frames, interleaved, and the time at which the sink played the first of them.
+/// A run of frames of stereo at 48 kHz, interleaved, and the time of the first of them.
 struct TimedBlock {
   static constexpr size_t capacity = 1024;  // frames
+  static constexpr size_t channelCount = 2;
+  static constexpr double sampleRate = 48000;
   int64_t startNs = 0;
   size_t frames = 0;
   std::array<float, capacity * channelCount> samples{};
@@ -30,10 +31,10 @@ class BlockRing final {
   /// Any length; split into blocks. Called by the thread that pushes.
   void push(int64_t startNs, std::span<const float> interleaved) noexcept {
     while (!interleaved.empty()) {
-      const size_t samples = std::min(interleaved.size(), TimedBlock::capacity * channelCount);
-      const size_t frames = samples / channelCount;
+      const size_t samples = std::min(interleaved.size(), TimedBlock::capacity * TimedBlock::channelCount);
+      const size_t frames = samples / TimedBlock::channelCount;
       pushBlock(startNs, interleaved.first(samples));
-      startNs += static_cast<int64_t>(static_cast<double>(frames) * 1e9 / sampleRate);
+      startNs += static_cast<int64_t>(static_cast<double>(frames) * 1e9 / TimedBlock::sampleRate);
       interleaved = interleaved.subspan(samples);
     }
   }
@@ -58,12 +59,12 @@ class BlockRing final {
   void pushBlock(int64_t startNs, std::span<const float> samples) noexcept {
     const size_t written = written_.load(std::memory_order_relaxed);
     if (written - read_.load(std::memory_order_acquire) == blocks_.size()) {
-      lost_.fetch_add(samples.size() / channelCount, std::memory_order_relaxed);
+      lost_.fetch_add(samples.size() / TimedBlock::channelCount, std::memory_order_relaxed);
       return;
     }
     TimedBlock& block = blocks_[written % blocks_.size()];
     block.startNs = startNs;
-    block.frames = samples.size() / channelCount;
+    block.frames = samples.size() / TimedBlock::channelCount;
     std::copy(samples.begin(), samples.end(), block.samples.begin());
     written_.store(written + 1, std::memory_order_release);
   }
@@ -74,4 +75,4 @@ class BlockRing final {
   std::atomic<uint64_t> lost_{0};
 };
 
-}  // namespace tobrin::testing
+}  // namespace tobrin
