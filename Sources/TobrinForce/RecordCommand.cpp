@@ -1,8 +1,6 @@
 #include <CLI/CLI.hpp>
-#include <atomic>
 #include <cerrno>
 #include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -13,6 +11,7 @@
 #include "Desktop/SessionKeys.h"
 #include "Force/ForceRecorder.h"
 #include "Motion/FindMotionSource.h"
+#include "System/Interruption.h"
 #include "Threads/ThreadPreparation.h"
 
 namespace tobrin {
@@ -28,13 +27,6 @@ typed cannot be read back.
 
 While it records, both files are named *.part. 'tobrin-force replay' plays them.
 )";
-
-static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal's handler");
-std::atomic<bool> interrupted = false;
-
-extern "C" void endRecording(int /*signal*/) {
-  interrupted.store(true, std::memory_order_relaxed);
-}
 
 /// A file that gets its name once it is complete.
 class PartFile {
@@ -93,11 +85,10 @@ void record(const fs::path& traceFile, const fs::path& keysFile, double seconds,
   PartFile trace(traceFile, MotionTrace::header);
   PartFile keys(keysFile, KeyTrace::header);
   streams.err << "Recording " << recorder.description() << "; Ctrl-C ends it.\n";
-  (void)std::signal(SIGINT, endRecording);
-  (void)std::signal(SIGTERM, endRecording);
+  watchForInterruption();
   Counts counts;
   const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-  while (!interrupted && std::chrono::steady_clock::now() < end) {
+  while (!isInterrupted() && std::chrono::steady_clock::now() < end) {
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     append(recorder.take(), trace, keys, counts);
   }
