@@ -1,16 +1,7 @@
-# mutants PATH... [--changes N] [--seed S] [--verbose]: whether the unit tests notice small faults, put one at a time
-# into a copy of the sources. The checkout itself is only read.
+# mutants PATH... [--changes N] [--seed S] [--jobs N] [--list FILE] [--desktop [NAME]] [--verbose]: whether the tests
+# notice small faults, put one at a time into copies of the sources in build/mutants. The checkout itself is only read.
 main() {
-  local preset=release copy
   [ $# -gt 0 ] || set -- --help
   ensure_packages scripts/packages.txt
-  copy=$(mktemp -d)
-  # shellcheck disable=SC2064  # the folder of now
-  trap "rm -rf '$copy'" EXIT
-  git ls-files -z --cached --others --exclude-standard |
-    tar -c --null --ignore-failed-read -T - | tar -x -C "$copy"
-  cd "$copy" || return
-  export CCACHE_BASEDIR=$copy PYTHONDONTWRITEBYTECODE=1
-  cmake --preset $preset >/dev/null
-  Tools/Mutants/mutants --build build/$preset "$@"
+  PYTHONDONTWRITEBYTECODE=1 Tools/Mutants/mutants "$@"
 }

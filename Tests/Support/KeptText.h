@@ -10,6 +10,7 @@
 #include <string>
 
 #include "Support/TempFolder.h"
+#include "TestPaths.h"
 
 namespace tobrin::testing {
 

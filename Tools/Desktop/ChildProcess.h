@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "TestPaths.h"
+
 namespace tobrin::testing {
 
 class ChildProcess final {

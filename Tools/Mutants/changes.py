@@ -1,4 +1,6 @@
 """The small faults that a developer could make in one line of C++."""
+import json
+import pathlib
 import re
 from dataclasses import dataclass
 
@@ -19,18 +21,18 @@ EXCHANGES = [
 @dataclass(frozen=True)
 class Change:
     file: str
-    line: int  # from 0
+    line: int  # from 1
+    start: int  # of `old` in the text
     old: str
     new: str
 
     def __str__(self):
-        return f'{self.file}:{self.line + 1}: {self.old.strip()}  ->  {self.new.strip() or "(nothing)"}'
+        return f'{self.file}:{self.line}: {self.old.strip()}  ->  {self.new.strip() or "(nothing)"}'
 
     def apply(self, text):
-        lines = text.split('\n')
-        assert lines[self.line] == self.old
-        lines[self.line] = self.new
-        return '\n'.join(lines)
+        end = self.start + len(self.old)
+        assert text[self.start:end] == self.old
+        return text[:self.start] + self.new + text[end:]
 
 
 def other_numbers(text):
@@ -65,10 +67,23 @@ def variants(code):
 
 def changes_in(file, text):
     """Every change of one file."""
-    for number, line in enumerate(text.split('\n')):
-        if PASSED_OVER.search(line):
+    start = 0
+    for number, line in enumerate(text.split('\n'), 1):
+        if not PASSED_OVER.search(line):
+            code = line.split('  //')[0]
+            for new in dict.fromkeys(variants(code)):
+                if new != code:
+                    yield Change(file, number, start, line, new)
+        start += len(line) + 1
+
+
+def listed_changes(lines):
+    """Changes that somebody chose: a line is {"file": .., "old": .., "new": ..}, where `old` is in the file once."""
+    for line in filter(str.strip, lines):
+        wanted = json.loads(line)
+        text = pathlib.Path(wanted['file']).read_text()
+        if text.count(wanted['old']) != 1:
+            print(f'{wanted["file"]}: not there once: {wanted["old"]}')
             continue
-        code = line.split('  //')[0]
-        for new in dict.fromkeys(variants(code)):
-            if new != code:
-                yield Change(file, number, line, new)
+        start = text.index(wanted['old'])
+        yield Change(wanted['file'], text.count('\n', 0, start) + 1, start, wanted['old'], wanted['new'])
