@@ -130,11 +130,7 @@ TEST(PackManifest, RefusesMalformedTextNamingTheKey) {
           {"null", "not a JSON object"},
           {withGroups("{}") + "}", "not valid JSON"},
           {"{\"id\":\"\xFF\"}", "not valid JSON"},
-          {R"({"formatVersion":"1"})", "\"formatVersion\" is not an integer"},
           {R"({"formatVersion":9223372036854775808})", "\"formatVersion\" is not an integer"},
-          {R"({"formatVersion":1,"name":"n"})", "\"id\" is missing"},
-          {R"({"formatVersion":1,"id":null})", "\"id\" is not a string"},
-          {withGroups("[]"), "\"groups\" is not an object"},
           {withGroups(R"({"alpha":{}})"), "\"groups.alpha.down\" is missing"},
           {withGroups(R"({"alpha":{"down":{"soft":"a"}}})"),
            "\"groups.alpha.down.soft\" is not a list"},
@@ -148,6 +144,34 @@ TEST(PackManifest, RefusesMalformedTextNamingTheKey) {
           {withGroups(R"({},"keyTakes":{"1":{"up":[-1]}})"), "\"keyTakes.1.up\" holds no place"},
           {R"({"x":)" + std::string(1'000'000, '['), "nested too deeply"},
       });
+}
+
+TEST(PackManifest, NamesTheKeyThatIsMissingOrTwiceOrOfAnotherKind) {
+  const struct {
+    std::string name, right, kind;
+    bool isNeeded = false;
+  } keys[] = {{"formatVersion", "1", "an integer", true},
+              {"id", "\"\"", "a string", true},
+              {"name", "\"\"", "a string", true},
+              {"kind", "\"\"", "a string", true},
+              {"groups", "{}", "an object", true},
+              {"summary", "\"\"", "a string"},
+              {"author", "\"\"", "a string"},
+              {"license", "\"\"", "a string"},
+              {"keyTakes", "{}", "an object"}};
+  for (const auto& key : keys) {
+    const std::string name = '"' + key.name + '"';
+    std::string others = "\"comment\":1";
+    for (const auto& other : keys)
+      if (other.name != key.name) others += ",\"" + other.name + "\":" + other.right;
+    const auto failure = [&](const std::string& more) {
+      return testing::failureOf([&] { (void)PackManifest::fromJson("{" + others + more + "}"); });
+    };
+    const std::string right = "," + name + ":" + key.right;
+    EXPECT_EQ(failure(""), key.isNeeded ? name + " is missing" : "(none)");
+    EXPECT_EQ(failure("," + name + ":true"), name + " is not " + key.kind);
+    EXPECT_EQ(failure(right + right), name + " stands there twice");
+  }
 }
 
 TEST(PackInfo, TellsMissingFromInvalidManifests) {
