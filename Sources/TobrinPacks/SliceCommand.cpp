@@ -166,7 +166,8 @@ void addSliceCommand(CLI::App& app, const CommandStreams& streams) {
   command->add_option("RECORDING", options->recording, "An audio file")->required();
   command->add_option("--options", options->optionsFile,
                       "Slicer options, or a recipe, as a JSON file");
-  command->add_option("--plot", options->plotFile, "Draw waveform, hits and strengths as an SVG file");
+  command->add_option("--plot", options->plotFile,
+                      "Draw waveform, hits and strengths as an SVG file");
   command->add_flag("--json", options->json, "One JSON document with every hit");
   command->footer(footer);
   command->callback([options, streams] { run(*options, streams); });

@@ -9,6 +9,7 @@
 #include "Packs/WAVWriter.h"
 #include "RunWorkshop.h"
 #include "Support/AudioFiles.h"
+#include "Support/KeptText.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
@@ -31,6 +32,36 @@ TEST(GenerateCommand, WritesTheNamedPacksAndNothingElse) {
   EXPECT_NE(unknown.err.find("leopold"), std::string::npos);
   EXPECT_EQ(discoverPacks(into, false).size(), 2u);
   EXPECT_EQ(run({"generate", "cream", "--into", folder.write("file", "")}).status, 1);
+}
+
+std::string shortSum(const std::string& bytes) {
+  uint64_t sum = 0xcbf29ce484222325;  // FNV-1a
+  for (const char byte : bytes)
+    sum = (sum ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
+  return std::to_string(sum);
+}
+
+/// Every file of the starter packs and some renders, on every processor.
+TEST(SameBytes, StarterPacksAndTheirRendersAreAsTheyWere) {
+  const testing::TempFolder folder;
+  const std::string into = folder.path();
+  ASSERT_EQ(run({"generate", "--into", into}).status, 0);
+  const std::vector<std::string> renders[] = {
+      {"cream", "--format", "f32"},
+      {"typewriter", "--wpm", "40", "--strength", "0.2", "--seed", "11"},
+      {"panda", "--wpm", "220", "--strength", "2.9", "--tail", "0.1"}};
+  for (const auto& options : renders) {
+    std::vector<std::string> words = {"render", into + "/" + options.front(), "--out",
+                                      into + "/" + options.front() + ".wav"};
+    words.insert(words.end(), options.begin() + 1, options.end());
+    words.insert(words.end(),
+                 {"--text", "The quick brown fox jumps over the lazy dog, 1234567890!"});
+    ASSERT_EQ(run(words).status, 0) << options.front();
+  }
+  std::string sums;
+  for (const auto& [name, bytes] : testing::filesIn(folder.path()))
+    sums += name + " " + shortSum(bytes) + "\n";
+  testing::expectKeptText(sums, "TobrinPacks/same-bytes.txt");
 }
 
 TEST(LoudnessCommand, MeasuresFilesAtAnyRateAndPacksInUse) {

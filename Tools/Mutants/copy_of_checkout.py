@@ -98,7 +98,7 @@ class Copy:
     def nearest_first(self, source):
         """The tests of the changed target are the likeliest to notice; of the others, the quick ones go first."""
         target = pathlib.Path(source).parts[1]
-        return sorted(self.programs, key=lambda program: (f'/Tests/{target}/' not in program.command[0],
+        return sorted(self.programs, key=lambda program: (f'/Tests/{target}/' not in str(program.file),
                                                           sum(program.seconds.values())))
 
     def suites_near(self, source):

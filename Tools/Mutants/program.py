@@ -20,12 +20,11 @@ def environment(home):
 
 
 class Program:
-    """`line` is one of unit-tests.txt: a target and its command, which ends with the program itself."""
+    """`line` is one of unit-tests.txt: a target and its file."""
 
     def __init__(self, line):
-        self.target, *self.command = line.split()
-        self.file = pathlib.Path(self.command[-1])
-        self.name = pathlib.Path(self.command[0]).name
+        self.target, file = line.split()
+        self.file = pathlib.Path(file)
         self.seconds = {}  # of each test
         self.noticed = {}  # the tests that noticed a change of a source before, the last one first
         self.unchanged = self.sum()
@@ -38,7 +37,7 @@ class Program:
         """Runs the program whole; the name of a test that fails already."""
         with tempfile.TemporaryDirectory() as folder:
             report = pathlib.Path(folder) / 'report.json'
-            failed = self.run([f'--gtest_output=json:{report}'] if self.name == self.target else [], 300)
+            failed = self.run([f'--gtest_output=json:{report}'], 300)
             if not failed and report.exists():
                 self.seconds = {f'{suite["name"]}.{test["name"]}': float(test['time'].rstrip('s'))
                                 for suite in json.loads(report.read_text())['testsuites'] for test in suite['testsuite']}
@@ -46,8 +45,6 @@ class Program:
 
     def failure(self, source, near):
         """The name of the first test that fails with this change of `source`; None where all pass."""
-        if not self.seconds:
-            return self.run([], 60)
         for tests in self.groups(source, near):
             limit = 10 + 10 * sum(map(self.seconds.get, tests))
             failed = self.run([f'--gtest_filter={":".join(tests)}'], limit) if tests else None
@@ -74,19 +71,19 @@ class Program:
 
     def run(self, options, limit):
         with tempfile.TemporaryDirectory() as home:
-            process = subprocess.Popen(self.command + options, env=environment(home), cwd=home, text=True, errors='replace',
+            process = subprocess.Popen([self.file, *options], env=environment(home), cwd=home, text=True, errors='replace',
                                        stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                                        start_new_session=True)
             try:
                 output, _ = process.communicate(timeout=limit)
             except subprocess.TimeoutExpired:
-                return f'{self.name}: no end'
+                return f'{self.target}: no end'
             finally:
                 self.end(process)
         if process.returncode == 0:
             return None
         failed = re.search(r'\[  FAILED  \] ([\w./]+)', output)
-        return failed.group(1) if failed else self.name
+        return failed.group(1) if failed else self.target
 
     @staticmethod
     def end(process):

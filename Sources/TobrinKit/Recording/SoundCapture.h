@@ -26,7 +26,8 @@ class SoundCapture {
 
   /// Frames that follow each other without a gap.
   struct Block {
-    int64_t time = 0;  ///< of the first frame, in `MachTime` ticks, as exact as the service knows it
+    int64_t time =
+        0;  ///< of the first frame, in `MachTime` ticks, as exact as the service knows it
     std::span<const float> interleaved;  ///< left and right; alike where the input has one channel
   };
 

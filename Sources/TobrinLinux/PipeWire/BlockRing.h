@@ -31,7 +31,8 @@ class BlockRing final {
   /// Any length; split into blocks. Called by the thread that pushes.
   void push(int64_t startNs, std::span<const float> interleaved) noexcept {
     while (!interleaved.empty()) {
-      const size_t samples = std::min(interleaved.size(), TimedBlock::capacity * TimedBlock::channelCount);
+      const size_t samples =
+          std::min(interleaved.size(), TimedBlock::capacity * TimedBlock::channelCount);
       const size_t frames = samples / TimedBlock::channelCount;
       pushBlock(startNs, interleaved.first(samples));
       startNs += static_cast<int64_t>(static_cast<double>(frames) * 1e9 / TimedBlock::sampleRate);

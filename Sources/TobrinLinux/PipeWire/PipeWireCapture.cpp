@@ -35,9 +35,8 @@ pw_properties* streamProperties(const std::string& input) {
 /// When the first of a block's frames was at the input. The stream's time is that of the cycle in
 /// which the block's last frame arrived.
 int64_t startOf(const pw_time& time, std::size_t frames) {
-  const double delay = time.rate.denom == 0 ? 0
-                                            : static_cast<double>(time.delay) * time.rate.num /
-                                                  time.rate.denom;
+  const double delay =
+      time.rate.denom == 0 ? 0 : static_cast<double>(time.delay) * time.rate.num / time.rate.denom;
   const double length = static_cast<double>(frames) / SoundCapture::rate;
   return time.now - static_cast<int64_t>((delay + length) * nanoseconds);
 }
@@ -75,7 +74,8 @@ bool PipeWireCapture::start(const std::string& input) {
     loop_->wait([this] { return problem_.empty(); }, streamLimit);
     if (problem_.empty()) return true;
   } else {
-    problem_ = input.empty() ? "there is no microphone" : "there is no microphone \"" + input + "\"";
+    problem_ =
+        input.empty() ? "there is no microphone" : "there is no microphone \"" + input + "\"";
   }
   isStarted_ = false;
   connection_->close();

@@ -33,8 +33,8 @@ double contrast(const QColor& one, const QColor& other) {
 class ThemeTest : public ::testing::Test {
  protected:
   ThemeTest() {
-    const int type =
-        qmlRegisterSingletonType(QUrl::fromLocalFile(TOBRIN_PANEL "/Theme.qml"), "Test", 1, 0, "Theme");
+    const int type = qmlRegisterSingletonType(QUrl::fromLocalFile(TOBRIN_PANEL "/Theme.qml"),
+                                              "Test", 1, 0, "Theme");
     theme_ = engine_.singletonInstance<QObject*>(type);
   }
 
