@@ -1,0 +1,118 @@
+#include <QLocale>
+#include <QUrl>
+
+#include "AppModelFixture.h"
+#include "Support/KeptText.h"
+
+namespace tobrin::testing {
+namespace {
+
+class PanelModelTest : public AppModelTest {
+ protected:
+  PanelModelTest() { QLocale::setDefault(QLocale::c()); }
+
+  /// Notes all that is to be seen of what was done.
+  void after(const std::string& what, double milliseconds = 0) {
+    advance(milliseconds);
+    seen_ += what + "\n" + bindings_->changes() + shelfBindings_->changes();
+    for (const std::string& action : std::exchange(desktop_.actions, {}))
+      seen_ += "  desktop: " + action + "\n";
+  }
+  void press(uint16_t code) {
+    QSignalSpy struck(panel_.get(), &PanelModel::keyStruck);
+    keys_.press(code);
+    after("key " + std::to_string(code));
+    for (const auto& key : struck)
+      seen_ += "  key struck: " + textOf(key) + "\n";
+  }
+
+  std::string seen_;
+};
+
+TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
+  keys_.allowed = false;
+  found_[0].isBundled = true;
+  found_[0].summary = "First\nof all.";
+  start();
+  after("first start");
+  panel_->openSettings();
+  desktop_.refusal = "nobody agreed";
+  panel_->openSettings();
+  panel_->giveBackKeyAccess();
+  after("access is asked for");
+  desktop_.refusal.clear();
+  keys_.work(false);
+  keys_.allowed = keys_.canGiveBack = true;
+  after("access, but no keys", 6500);
+  keys_.work(true);
+  panel_->menuOpened();
+  after("keys");
+  for (const uint16_t code : std::initializer_list<uint16_t>{0, 49, 54, 200})
+    press(code);
+  for (int i = 0; i < 2; ++i) {
+    bindings_->setAll();
+    after("all is set to something else");
+    seen_ += "  " + model_->settings().toJson() + "\n";
+  }
+  panel_->setFixedTier(4);
+  panel_->setShortcutIndex(9);
+  after("there is no such choice");
+  shortcuts_.answer = {ShortcutGrab::Result::taken, 0};
+  EXPECT_FALSE(panel_->chooseShortcut(0, Qt::ShiftModifier));
+  EXPECT_FALSE(panel_->chooseShortcut(56, Qt::ControlModifier));
+  EXPECT_TRUE(panel_->chooseShortcut(0, Qt::ShiftModifier | Qt::MetaModifier));
+  after("a shortcut that is taken");
+  EXPECT_TRUE(panel_->chooseShortcut(2, Qt::AltModifier | Qt::ControlModifier));
+  panel_->captureShortcut(true);
+  after("while keys are pressed to choose it");
+  panel_->mute();
+  after("muted");
+  damaged_ = {"omega"};
+  panel_->select("omega");
+  after("a damaged pack");
+  device_->lose("no sink");
+  after("no sound");
+  for (const char* refusal : {"no file manager", ""}) {
+    desktop_.refusal = refusal;
+    panel_->openPacksFolder();
+    panel_->setLaunchAtLogin(true);
+    panel_->relaunch();
+    panel_->quit();
+    after("the desktop says: " + desktop_.refusal);
+  }
+  expectKeptText(seen_, "Tobrin/panel.txt");
+}
+
+TEST_F(PanelModelTest, ShowsPacksComeAndGo) {
+  start();
+  after("at first");
+  seen_.clear();
+  whileAdding_ = [&] {
+    main_.runUntil(main_.now() + machTicks(1100));
+    shelfBindings_->look();
+  };
+  panel_->shelf()->setAsking(PackShelfModel::Asking::byDropping);
+  after("asked to drop packs");
+  panel_->shelf()->add(
+      {QUrl("file:///x/one.zip"), QUrl("http://x/two.zip"), QUrl("file:///x/mouse.zip")});
+  after("two are added", 3000);
+  panel_->shelf()->panelClosed();
+  panel_->shelf()->remove("one");
+  after("one is removed");
+  panel_->shelf()->bringBack();
+  after("and brought back");
+  expectKeptText(seen_, "Tobrin/panel-packs.txt");
+}
+
+TEST_F(PanelModelTest, ShowsTheLastKeyDuringACall) {
+  start(AppModel::Preview{
+      .pack = "alpha",
+      .micInUse = true,
+      .reading = ForceReading{
+          .code = 40, .position = 2.6f, .relative = 1.74f, .peak = 0.0427f, .sensed = true}});
+  after("a preview");
+  expectKeptText(seen_, "Tobrin/panel-force.txt");
+}
+
+}  // namespace
+}  // namespace tobrin::testing
