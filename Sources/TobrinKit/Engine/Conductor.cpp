@@ -40,6 +40,10 @@ void Conductor::apply(const EngineSettings& settings, bool wakeNow) {
   queue_.async([core = core_, settings, wakeNow] { core->apply(settings, wakeNow); });
 }
 
+void Conductor::setMasked(bool masked) {
+  queue_.async([core = core_, masked] { core->setMasked(masked); });
+}
+
 void Conductor::setPack(std::shared_ptr<const LoadedPack> pack) {
   queue_.async([core = core_, loaded = std::move(pack)] { core->setPack(loaded); });
 }

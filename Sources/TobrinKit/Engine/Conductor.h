@@ -52,6 +52,9 @@ class Conductor final {
   void handle(const KeyEvent& event);
   /// `wakeNow` starts what the settings allow at once, not only at the next key.
   void apply(const EngineSettings& settings, bool wakeNow);
+  /// Whether each stroke gets the sound of another key of its group, so that who records the sounds
+  /// does not learn from them which keys were pressed.
+  void setMasked(bool masked);
   /// Fades what sounds, then plays from `pack` (null: silence). The old pack is kept alive for 2 s.
   void setPack(std::shared_ptr<const LoadedPack> pack);
   /// Plays a short demonstration phrase, until the next one or another pack.

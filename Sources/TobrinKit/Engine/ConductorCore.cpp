@@ -61,13 +61,13 @@ void ConductorCore::strikeSensed(const KeyEvent& event) {
       meter_.provisional(*devices_->sensor(), event.time, queue_.now());
   const StrokeStrength strength = reading.strength.value_or(meter_.typical());
   const StrokeVariation variation = StrokeVariation::draw(rng_);
-  const uint32_t tag = player_.press(event.code, strength, variation);
-  if (tag == 0) return;
+  const VoicePlayer::Voice voice = player_.press(event.code, strength, variation);
+  if (voice.tag == 0) return;
   showStage(event, 0, reading);
-  held_.press(event.code, tag);
+  held_.press(event.code, voice.tag);
   for (const double delay : Conductor::refineAtMs) {
     after(ticks(std::chrono::duration<double, std::milli>(delay)),
-          [stroke = Stroke{tag, event, variation.gain}, delay](ConductorCore& self) {
+          [stroke = Stroke{voice, event, variation.gain}, delay](ConductorCore& self) {
             self.refine(stroke, delay);
           });
   }
@@ -76,17 +76,16 @@ void ConductorCore::strikeSensed(const KeyEvent& event) {
 void ConductorCore::strikeFixed(const KeyEvent& event) {
   const double center = static_cast<double>(index(settings_.fixedTier));
   const auto position = static_cast<float>(std::clamp(center + 0.3 * rng_.signedUnit(), 0.0, 3.0));
-  const uint32_t tag = player_.press(event.code, {position, 1}, {});
-  if (tag == 0) return;
-  held_.press(event.code, tag);
+  const VoicePlayer::Voice voice = player_.press(event.code, {position, 1}, {});
+  if (voice.tag == 0) return;
+  held_.press(event.code, voice.tag);
   report({.code = event.code, .position = position});
 }
 
 void ConductorCore::refine(const Stroke& stroke, double delayMs) {
   if (!player_.hasPack()) return;
   const auto reading = meter_.read(*devices_->sensor(), stroke.event.time, queue_.now());
-  if (reading.strength)
-    player_.reweigh(stroke.tag, stroke.event.code, *reading.strength, stroke.gain);
+  if (reading.strength) player_.reweigh(stroke.voice, *reading.strength, stroke.gain);
   if (reading.window && delayMs == Conductor::refineAtMs.back()) settle(stroke, reading);
   showStage(stroke.event, delayMs, reading);
 }
@@ -95,7 +94,7 @@ void ConductorCore::settle(const Stroke& stroke, const StrokeMeter::Reading& rea
   const bool sensed = reading.strength.has_value();
   if (sensed) meter_.learn(reading);
   const StrokeStrength strength = reading.strength.value_or(meter_.typical());
-  held_.measure(stroke.event.code, stroke.tag, strength.relative);
+  held_.measure(stroke.event.code, stroke.voice.tag, strength.relative);
   report({stroke.event.code, strength.position, strength.relative, reading.window->peak, sensed});
 }
 

@@ -28,6 +28,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
 
   void handle(const KeyEvent& event);
   void apply(const EngineSettings& settings, bool wakeNow);
+  void setMasked(bool masked) { player_.setMasked(masked); }
   void setPack(std::shared_ptr<const LoadedPack> pack);
   void audition();
   void demonstrateKey();
@@ -45,7 +46,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
  private:
   /// One press whose strength is still being measured.
   struct Stroke {
-    uint32_t tag;
+    VoicePlayer::Voice voice;
     KeyEvent event;
     float gain;  // of its variation
   };

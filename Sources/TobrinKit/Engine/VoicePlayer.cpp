@@ -1,12 +1,26 @@
 #include "Engine/VoicePlayer.h"
 
 #include <cassert>
+#include <random>
 #include <utility>
 
 namespace tobrin {
 
+namespace {
+
+uint64_t unguessableSeed() {
+  std::random_device device;
+  return uint64_t{device()} << 32 | device();
+}
+
+}  // namespace
+
+VoicePlayer::VoicePlayer(AudioOutput& audio, const EngineSettings& settings)
+    : audio_(audio), settings_(settings), mask_(unguessableSeed()) {}
+
 std::shared_ptr<const LoadedPack> VoicePlayer::exchangePack(
     std::shared_ptr<const LoadedPack> pack) {
+  if (pack) mask_.setPack(*pack);
   return std::exchange(pack_, std::move(pack));
 }
 
@@ -15,20 +29,22 @@ uint32_t VoicePlayer::nextTag() {
   return lastTag_;
 }
 
-uint32_t VoicePlayer::press(uint16_t code, const StrokeStrength& strength,
-                            const StrokeVariation& variation) {
-  if (!pack_) return 0;
-  const auto command = voicing().press(nextTag(), code, strength, variation);
-  return command && send(*command) ? command->tag : 0;
+VoicePlayer::Voice VoicePlayer::press(uint16_t code, const StrokeStrength& strength,
+                                      const StrokeVariation& variation) {
+  if (!pack_) return {};
+  const uint16_t sound = mask_.soundOf(code);
+  const auto command = voicing().press(nextTag(), sound, strength, variation);
+  return command && send(*command) ? Voice{command->tag, sound} : Voice{};
 }
 
-void VoicePlayer::reweigh(uint32_t tag, uint16_t code, const StrokeStrength& strength, float gain) {
-  if (pack_) send(voicing().reweigh(tag, code, strength, gain));
+void VoicePlayer::reweigh(const Voice& voice, const StrokeStrength& strength, float gain) {
+  if (pack_) send(voicing().reweigh(voice.tag, voice.code, strength, gain));
 }
 
 void VoicePlayer::release(uint16_t code, float relative, SplitMix64& rng) {
   if (!pack_) return;
-  std::optional<TBCommand> command = voicing().release(nextTag(), code, relative, {});
+  std::optional<TBCommand> command =
+      voicing().release(nextTag(), mask_.soundOf(code), relative, {});
   if (!command) return;
   command->weights[0] *= static_cast<float>(1 + 0.05 * rng.signedUnit());
   send(*command);

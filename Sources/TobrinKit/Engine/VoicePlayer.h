@@ -10,6 +10,7 @@
 #include "Base/SplitMix64.h"
 #include "Engine/AudioOutput.h"
 #include "Engine/EngineSettings.h"
+#include "Engine/KeyMask.h"
 #include "Engine/StrokeMeter.h"
 #include "Engine/Voicing.h"
 #include "Packs/LoadedPack.h"
@@ -19,19 +20,27 @@ namespace tobrin {
 class VoicePlayer final {
  public:
   /// `audio` and `settings` outlive the player.
-  VoicePlayer(AudioOutput& audio, const EngineSettings& settings)
-      : audio_(audio), settings_(settings) {}
+  VoicePlayer(AudioOutput& audio, const EngineSettings& settings);
+
+  /// Whether each stroke gets the sound of another key.
+  void setMasked(bool masked) { mask_.setOn(masked); }
 
   /// Gives the old pack back, whose voices may still sound.
   [[nodiscard]] std::shared_ptr<const LoadedPack> exchangePack(
       std::shared_ptr<const LoadedPack> pack);
   [[nodiscard]] bool hasPack() const { return pack_ != nullptr; }
 
-  /// Starts a key's press and returns its voice's tag; 0 without a pack and with a full ring.
-  uint32_t press(uint16_t code, const StrokeStrength& strength, const StrokeVariation& variation);
+  /// The sound of a press.
+  struct Voice {
+    uint32_t tag = 0;   ///< 0: there is none
+    uint16_t code = 0;  ///< of the key whose takes it plays
+  };
+
+  /// Starts a key's press; gives no voice without a pack and with a full ring.
+  Voice press(uint16_t code, const StrokeStrength& strength, const StrokeVariation& variation);
 
   /// Gives the voice of a press new weights.
-  void reweigh(uint32_t tag, uint16_t code, const StrokeStrength& strength, float gain);
+  void reweigh(const Voice& voice, const StrokeStrength& strength, float gain);
 
   /// Plays the key's release, where the pack has one: as loud as the press was hard, give or take
   /// a draw of `rng`.
@@ -45,6 +54,7 @@ class VoicePlayer final {
   AudioOutput& audio_;
   const EngineSettings& settings_;
   std::shared_ptr<const LoadedPack> pack_;  // shared with those who list it; null: silence
+  KeyMask mask_;
   uint32_t lastTag_ = 0;
 };
 
