@@ -1,21 +1,18 @@
 #include "Building/RecordedPackBuilder.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <set>
 
-#include "Base/AtomicFile.h"
 #include "Base/PackError.h"
 #include "Base/ParallelFor.h"
 #include "Base/RecipeError.h"
-#include "Building/DemoLoudness.h"
 #include "Building/HitFeatures.h"
 #include "Building/RecordingCache.h"
 #include "Building/TakeCollection.h"
 #include "Building/TakeCutter.h"
+#include "Building/TakeWriter.h"
 #include "Packs/PackManifest.h"
-#include "Packs/WAVWriter.h"
 
 namespace tobrin {
 namespace {
@@ -23,8 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 using Take = RecordedTake;
 using Options = SlicerOptions;
-
-constexpr double toleratedLu = 0.2;
 
 /// Where recordings are kept, and what converts them.
 struct Workplace {
@@ -94,42 +89,6 @@ TakeCollection collected(const PackRecipe& recipe, const Workplace& workplace,
   return takes;
 }
 
-/// Writes takes below one folder and remembers their names.
-class TakeWriter {
- public:
-  TakeWriter(const fs::path& folder, float correction) : folder_(folder), correction_(correction) {}
-
-  std::vector<std::string> write(const std::string& prefix, const std::vector<Take>& takes) {
-    std::vector<std::string> names;
-    for (Take take : takes) {
-      scale(take, correction_);
-      names.push_back(prefix + "-" + std::to_string(names.size() + 1) + ".wav");
-      writeWAV(take.left, take.right, static_cast<int64_t>(recordedPackRate),
-               folder_ / names.back());
-      ++count_;
-    }
-    return names;
-  }
-
-  std::map<std::string, std::vector<std::string>> write(const std::string& prefix,
-                                                        const RecordedTiers& tiers) {
-    std::map<std::string, std::vector<std::string>> names;
-    for (const auto& [tier, takes] : tiers) {
-      const std::string tierName(name(tier));
-      std::string tierPrefix = prefix;
-      names[tierName] = write(tierPrefix.append("-").append(tierName), takes);
-    }
-    return names;
-  }
-
-  [[nodiscard]] std::size_t count() const { return count_; }
-
- private:
-  fs::path folder_;
-  float correction_;
-  std::size_t count_ = 0;
-};
-
 std::string authors(const PackRecipe& recipe) {
   std::set<std::string> users;
   for (const auto& source : recipe.sources)
@@ -154,10 +113,8 @@ PackManifest manifestOf(const PackRecipe& recipe) {
   return manifest;
 }
 
-/// Writes all takes and the manifest; returns the number of takes.
-std::size_t writePack(const PackRecipe& recipe, const TakeCollection& takes, const fs::path& folder,
-                      float correction) {
-  TakeWriter writer(folder, correction);
+/// Writes all takes and the manifest.
+void writePack(const PackRecipe& recipe, const TakeCollection& takes, TakeWriter& writer) {
   const auto keys = writer.write("key", takes.keys());
   const auto wide = writer.write("wide", takes.wide());
   const auto up = writer.write("up", takes.releases());
@@ -175,14 +132,14 @@ std::size_t writePack(const PackRecipe& recipe, const TakeCollection& takes, con
     if (!up.empty()) entry.up = up;
     manifest.groups.emplace(rawValue(group), std::move(entry));
   }
-  writeFileAtomically(folder / PackManifest::fileName, manifest.toJson());
-  return writer.count();
+  writer.write(manifest);
 }
 
-std::string summary(std::size_t takes, const fs::path& into, double loudness) {
+std::string summary(const WrittenPack& pack, const fs::path& into) {
   char numbers[64];
-  (void)std::snprintf(numbers, sizeof numbers, "/  (%.1f LUFS)", loudness);
-  return "    wrote " + std::to_string(takes) + " takes to " + into.filename().string() + numbers;
+  (void)std::snprintf(numbers, sizeof numbers, "/  (%.1f LUFS)", pack.loudness);
+  return "    wrote " + std::to_string(pack.takes) + " takes to " + into.filename().string() +
+         numbers;
 }
 
 /// A number stands for one recording, in the cache as in the credits: a second one would silently
@@ -213,15 +170,10 @@ void buildRecordedPack(const PackRecipe& recipe, const fs::path& cache, const fs
   const fs::path target = PackFolder::replaceable(into);
   const TakeCollection takes = collected(recipe, {cache, programs}, log);
   PackFolder folder(target);
-  std::size_t count = writePack(recipe, takes, folder.aside(), 1.0f);
-  double loudness = demoLoudness(folder.aside());
-  if (std::isfinite(loudness) && std::abs(loudness - targetLoudness) > toleratedLu) {
-    const auto correction = static_cast<float>(std::pow(10.0, (targetLoudness - loudness) / 20));
-    count = writePack(recipe, takes, folder.aside(), correction);
-    loudness = demoLoudness(folder.aside());
-  }
+  const WrittenPack written =
+      writeLevelled(folder.aside(), [&](TakeWriter& writer) { writePack(recipe, takes, writer); });
   folder.moveIntoPlace(exchange);
-  log(summary(count, target, loudness));
+  log(summary(written, target));
 }
 
 }  // namespace tobrin

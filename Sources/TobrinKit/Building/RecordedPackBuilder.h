@@ -9,11 +9,9 @@
 #include "Building/PackFolder.h"
 #include "Building/PackRecipe.h"
 #include "Building/ProcessRunner.h"
+#include "Building/TakeWriter.h"
 
 namespace tobrin {
-
-inline constexpr double recordedPackRate = 48000;  ///< Hz; of conversion, slicing and writing
-inline constexpr double targetLoudness = -28.0;    ///< of the typing demo, LUFS
 
 /// Receives one line of text without its end, on the thread that builds.
 using BuildLog = std::function<void(const std::string& line)>;

@@ -41,6 +41,11 @@ std::vector<Take> takesOf(std::span<const Hit> band, int64_t variants, const Cut
   return takes;
 }
 
+void sortByEnergy(std::vector<Hit>& hits) {
+  std::stable_sort(hits.begin(), hits.end(),
+                   [](const Hit& a, const Hit& b) { return a.energy < b.energy; });
+}
+
 }  // namespace
 
 std::vector<TierBand> tierBands(std::size_t count, int64_t variants) {
@@ -54,8 +59,7 @@ std::vector<TierBand> tierBands(std::size_t count, int64_t variants) {
 
 RecordedTiers takesByTier(std::vector<Hit> hits, int64_t variants, const CutTake& cut) {
   assert(cut);
-  std::stable_sort(hits.begin(), hits.end(),
-                   [](const Hit& a, const Hit& b) { return a.energy < b.energy; });
+  sortByEnergy(hits);
   RecordedTiers result;
   if (hits.empty()) return result;
   for (const TierBand& band : tierBands(hits.size(), variants)) {
@@ -66,6 +70,11 @@ RecordedTiers takesByTier(std::vector<Hit> hits, int64_t variants, const CutTake
     if (!takes.empty()) result.emplace(band.tier, std::move(takes));
   }
   return result;
+}
+
+std::vector<Take> spreadTakes(std::vector<Hit> hits, int64_t variants, const CutTake& cut) {
+  sortByEnergy(hits);
+  return takesOf(hits, variants, cut);
 }
 
 void levelTakes(std::vector<Take>& takes, float target) {

@@ -29,6 +29,11 @@ using CutTake = std::function<std::optional<RecordedTake>(const RecordedHit&)>;
 [[nodiscard]] RecordedTiers takesByTier(std::vector<RecordedHit> hits, int64_t variants,
                                         const CutTake& cut);
 
+/// Up to `variants` takes of one tier, spread evenly over its hits by energy; hits that cannot be
+/// cut are passed over, and no hit is used twice.
+[[nodiscard]] std::vector<RecordedTake> spreadTakes(std::vector<RecordedHit> hits, int64_t variants,
+                                                    const CutTake& cut);
+
 /// Brings takes nearer to `target`, but only in part, so that strokes still differ. `target` as a
 /// level.
 void levelTakes(std::vector<RecordedTake>& takes, float target);
