@@ -51,9 +51,10 @@ Figure Figure::under(std::string name, double measured, std::string unit, double
           .unit = std::move(unit),
           .peer = {},
           .peerValue = limit,
-          .ratio = measured / limit,
+          // A limit of 0 has no parts.
+          .ratio = limit > 0 ? measured / limit : measured,
           .goal = Goal::atMost,
-          .goalRatio = 1,
+          .goalRatio = limit > 0 ? 1.0 : 0.0,
           .spread = spread};
 }
 
@@ -78,6 +79,7 @@ void Report::printHeading() const {
 }
 
 void Report::add(const Figure& figure) {
+  allMet_ = allMet_ && figure.met();
   if (json_) {
     const nlohmann::json document = {
         {"figure", figure.name},         {"measured", figure.measured},

@@ -29,7 +29,8 @@ struct Figure {
   static Figure faster(std::string name, const Timing& ours, std::string peer, const Timing& theirs,
                        double times);
 
-  /// A quantity that stays at or under a limit; the ratio is the quantity's part of it.
+  /// A quantity that stays at or under a limit; the ratio is the quantity's part of it, or the
+  /// quantity where the limit is 0.
   static Figure under(std::string name, double measured, std::string unit, double limit,
                       double spread);
 
@@ -45,10 +46,14 @@ class Report final {
   Report(int argc, const char* const* argv);
   void add(const Figure& figure);
 
+  /// The program's exit status: 1 where a goal was missed.
+  [[nodiscard]] int status() const { return allMet_ ? 0 : 1; }
+
  private:
   void printHeading() const;
 
   bool json_ = false;
+  bool allMet_ = true;
 };
 
 }  // namespace tobrin

@@ -11,12 +11,12 @@ namespace tobrin {
 
 /// What the manifest says of the pack.
 struct KeyedPackText {
-  std::string id;
-  std::string name;
-  std::string kind;
-  std::string summary;
-  std::string author;
-  std::string license;
+  std::string id{};
+  std::string name{};
+  std::string kind{};
+  std::string summary{};
+  std::string author{};
+  std::string license{};
 };
 
 /// Builds the pack into the folder `into`, levelled as built packs are; the folder is replaced

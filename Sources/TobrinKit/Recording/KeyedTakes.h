@@ -2,36 +2,16 @@
 /// that made it. Thread: any.
 #pragma once
 
-#include <cstdint>
 #include <map>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "Building/RecordingSlicer.h"
 #include "Recording/ClockFit.h"
+#include "Recording/KeySounds.h"
 #include "Recording/KeyedRecording.h"
 
 namespace tobrin {
-
-/// What becomes of the sound of a key: only good ones may be cut.
-enum class KeyFate : uint8_t {
-  good,
-  unheard,      ///< nothing sounds where the key's sound must be
-  overlapping,  ///< begun while another key sounded
-  crowded,      ///< another key's sound begins too soon after
-  disturbed,    ///< something that is no key sounds with it: speech, a knock
-  clipped
-};
-
-/// The name in output for people and scripts, such as "good".
-[[nodiscard]] std::string_view nameOf(KeyFate fate);
-
-/// The sound of one key event; `hit` is empty where nothing was heard.
-struct KeySound {
-  KeyFate fate = KeyFate::unheard;
-  RecordedHit hit;
-};
 
 struct KeyedTakes {
   std::map<KeyGroup, RecordedTiers> down;  ///< a group without good presses is absent
@@ -45,7 +25,7 @@ struct KeyedTakes {
 
 /// Finds the sound of every key and cuts the good ones. `alphaVariants` of the options holds for
 /// letters and modifiers, `bigVariants` for the other groups, each tier; `releaseVariants` for each
-/// group. Detection options of the slicer have no meaning here.
+/// group. What guides the search for hits in recordings without keys has no meaning here.
 [[nodiscard]] KeyedTakes findKeyedTakes(const KeyedRecording& recording,
                                         const SlicerOptions& options = {});
 

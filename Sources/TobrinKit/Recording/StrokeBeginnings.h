@@ -1,0 +1,21 @@
+/// Moves the sound of a press to where it begins: many keys click or give way some milliseconds
+/// before they strike bottom, and the strike is the louder of the two. Thread: any.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "Recording/KeyAssignment.h"
+
+namespace tobrin {
+
+/// The first sample of each key's sound; nothing where it is unheard or doubtful. Where most
+/// presses of a keyboard begin by the same time before their strike, all of them do, so that its
+/// takes respond alike, also those whose begin another sound hides.
+[[nodiscard]] std::vector<std::optional<std::size_t>> strokeBeginnings(
+    std::span<const SoundRise> rises, std::span<const RecordedKey> keys,
+    std::span<const AssignedRise> assigned, double rate);
+
+}  // namespace tobrin
