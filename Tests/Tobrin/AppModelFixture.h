@@ -215,7 +215,10 @@ class AppModelTest : public ::testing::Test {
  private:
   std::shared_ptr<const LoadedPack> load(const PackInfo& info) {
     if (damaged_.contains(info.id)) throw std::runtime_error("it is damaged");
-    return TestPack().down(KeyGroup::alpha, Tier::medium, 0.2F).make(info.id);
+    return TestPack()
+        .down(KeyGroup::alpha, Tier::medium, 0.2F)
+        .up(KeyGroup::alpha, 0.1F)
+        .make(info.id);
   }
 
   /// A source becomes a pack of its name, unless that is a reason against it.
@@ -234,10 +237,16 @@ class AppModelTest : public ::testing::Test {
   }
 
   std::function<void()> discard(const PackInfo& info) {
-    if (!desktop_.refusal.empty()) throw std::runtime_error(desktop_.refusal);
+    const auto demandAgreement = [this] {
+      if (!desktop_.refusal.empty()) throw std::runtime_error(desktop_.refusal);
+    };
+    demandAgreement();
     const auto before = found_;
     std::erase(found_, info);
-    return [this, before] { found_ = before; };
+    return [this, before, demandAgreement] {
+      demandAgreement();
+      found_ = before;
+    };
   }
 
   void moveTo(uint64_t time) {

@@ -233,56 +233,6 @@ TEST_F(AppModelTest, SensesForceWhereThereIsASensor) {
   EXPECT_NE(log_.find("Tobrin: force can't be sensed: the test says no\n"), std::string::npos);
 }
 
-TEST_F(AppModelTest, SaysWhyNothingIsHeard) {
-  device_->refusal = "no server";
-  AppModel& model = start();
-  advance(0);
-  EXPECT_EQ(model.soundProblem(), "No sound: no server.");
-  device_->recover();
-  advance(0);
-  EXPECT_EQ(model.soundProblem(), "");
-  device_->lose("no sink");
-  advance(0);
-  EXPECT_EQ(model.soundProblem(), "No sound: no sink.");
-  EXPECT_EQ(model.statusLine(), "No sound");
-}
-
-TEST_F(AppModelTest, NamesTheWorstThatKeepsKeysSilent) {
-  AppModel& model = start();
-  advance(0);
-  const auto is = [&](SoundState state, const char* words) {
-    advance(0);
-    EXPECT_EQ(model.soundState(), state);
-    EXPECT_EQ(model.statusLine(), words);
-  };
-  is(SoundState::playing, "The leopold · Fixed strength");
-  model.mute();
-  is(SoundState::muted, "Muted");
-  takeMicrophone(true);
-  is(SoundState::pausedForCall, "Paused while the mic is in use");
-  model.toggleEnabled();
-  is(SoundState::off, "Off");
-  damaged_ = {"omega"};
-  model.setSelectedPackID("omega");
-  is(SoundState::packBroken, "The omega can't be played");
-  device_->lose("no sink");
-  is(SoundState::noSound, "No sound");
-
-  takeMicrophone(false);
-  advance(2000);
-  device_->recover();
-  model.setSelectedPackID("leopold");
-  model.toggleEnabled();
-  model.mute();
-  is(SoundState::playing, "The leopold · Fixed strength");
-  EXPECT_EQ(model.settings().volume, EngineSettings().volume) << "as loud as before";
-  const auto sounds = model.conductor().audio().startedVoices();
-  model.playOneKey();
-  advance(500);
-  device_->render(48000);
-  EXPECT_EQ(model.conductor().audio().startedVoices(), sounds + 2) << "a press and its release";
-}
-
 TEST_F(AppModelTest, PausesDuringCalls) {
   AppModel& model = start();
   advance(0);
@@ -377,22 +327,6 @@ TEST_F(AppModelTest, AsksToBeStartedAgain) {
   model.menuOpened();
   EXPECT_TRUE(model.listening()) << "opening the panel looks too";
   EXPECT_FALSE(model.needsRelaunch());
-}
-
-TEST_F(AppModelTest, TheLoginSwitchShowsWhatIs) {
-  desktop_.startsAtLogin = true;
-  AppModel& model = start();
-  EXPECT_TRUE(model.launchAtLogin());
-  int notices = 0;
-  QObject::connect(&model, &AppModel::launchAtLoginChanged, [&] { ++notices; });
-  desktop_.refusal = "read-only";
-  model.setLaunchAtLogin(false);
-  EXPECT_TRUE(model.launchAtLogin());
-  EXPECT_EQ(notices, 1) << "the switch has to go back";
-  EXPECT_NE(log_.find("Tobrin: launch at login change failed: read-only\n"), std::string::npos);
-  desktop_.refusal.clear();
-  model.setLaunchAtLogin(false);
-  EXPECT_FALSE(model.launchAtLogin());
 }
 
 TEST_F(AppModelTest, APreviewLeavesNoTrace) {

@@ -31,6 +31,7 @@ class PanelModelTest : public AppModelTest {
 
 TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   keys_.allowed = false;
+  desktop_.startsAtLogin = true;
   found_[0].isBundled = true;
   found_[0].summary = "First\nof all.";
   start();
@@ -38,14 +39,15 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   panel_->openSettings();
   desktop_.refusal = "nobody agreed";
   panel_->openSettings();
+  after("access is asked for, and refused");
   panel_->giveBackKeyAccess();
-  after("access is asked for");
+  after("and can't be given back");
   desktop_.refusal.clear();
   keys_.work(false);
   keys_.allowed = keys_.canGiveBack = true;
   after("access, but no keys", 6500);
   keys_.work(true);
-  panel_->menuOpened();
+  panel_->openSettings();
   after("keys");
   for (const uint16_t code : std::initializer_list<uint16_t>{0, 49, 54, 200})
     press(code);
@@ -65,13 +67,29 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   EXPECT_TRUE(panel_->chooseShortcut(2, Qt::AltModifier | Qt::ControlModifier));
   panel_->captureShortcut(true);
   after("while keys are pressed to choose it");
+  panel_->captureShortcut(false);
   panel_->mute();
   after("muted");
+  takeMicrophone(true);
+  after("and in a call");
+  panel_->setSoundsOn(false);
+  after("and off");
   damaged_ = {"omega"};
   panel_->select("omega");
-  after("a damaged pack");
+  after("and with a damaged pack");
   device_->lose("no sink");
-  after("no sound");
+  after("and without a sound server");
+  device_->recover();
+  takeMicrophone(false);
+  panel_->select("leopold");
+  panel_->setSoundsOn(true);
+  panel_->mute();
+  after("all is well again", 2000);
+  const auto sounds = model_->conductor().audio().startedVoices();
+  panel_->playOneKey();
+  advance(500);
+  device_->render(48000);
+  EXPECT_EQ(model_->conductor().audio().startedVoices(), sounds + 2) << "a press and its release";
   for (const char* refusal : {"no file manager", ""}) {
     desktop_.refusal = refusal;
     panel_->openPacksFolder();
@@ -84,9 +102,13 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
 }
 
 TEST_F(PanelModelTest, ShowsPacksComeAndGo) {
+  device_->refusal = "no server";
   start();
-  after("at first");
-  seen_.clear();
+  (void)bindings_->changes();  // all that is there at first
+  (void)shelfBindings_->changes();
+  after("without a sound server");
+  device_->recover();
+  after("with a sound server");
   whileAdding_ = [&] {
     main_.runUntil(main_.now() + machTicks(1100));
     shelfBindings_->look();
@@ -101,6 +123,10 @@ TEST_F(PanelModelTest, ShowsPacksComeAndGo) {
   after("one is removed");
   panel_->shelf()->bringBack();
   after("and brought back");
+  panel_->shelf()->remove("one");
+  desktop_.refusal = "it is full";
+  panel_->shelf()->bringBack();
+  after("removed, and can't be brought back");
   expectKeptText(seen_, "Tobrin/panel-packs.txt");
 }
 
