@@ -16,12 +16,13 @@ ColumnLayout {
         text: qsTr("Force")
     }
     Card {
-        PanelSwitch {
-            Layout.fillWidth: true
-            visible: section.model.sensorAvailable
-            text: qsTr("Feel how hard you type")
-            checked: section.model.forceSensing
-            onToggled: section.model.forceSensing = checked
+        Part {
+            shown: section.model.sensorAvailable
+            content: PanelSwitch {
+                text: qsTr("Feel how hard you type")
+                checked: section.model.forceSensing
+                onToggled: section.model.forceSensing = checked
+            }
         }
         PanelText {
             Layout.fillWidth: true
@@ -34,32 +35,32 @@ ColumnLayout {
             secondary: true
         }
         Hairline { }
-        RowLayout {
-            Layout.fillWidth: true
+        Part {
             Layout.minimumHeight: Theme.rowHeight
-            visible: section.measuring
-            spacing: Theme.inset
+            shown: section.measuring
+            content: RowLayout {
+                spacing: Theme.inset
 
-            FieldLabel {
-                text: qsTr("Sensitivity")
-                hint: qsTr("The higher, the harder your strokes sound.")
-            }
-            PanelSlider {
-                Layout.fillWidth: true
-                label: qsTr("Sensitivity")
-                from: 0.25
-                to: 4
-                value: section.model.sensitivity
-                valueText: qsTr("%1×").arg(Number(value).toLocaleString(Qt.locale(), "f", 2))
-                onMoved: section.model.sensitivity = value
+                FieldLabel {
+                    text: qsTr("Sensitivity")
+                    hint: qsTr("The higher, the harder your strokes sound.")
+                }
+                PanelSlider {
+                    Layout.fillWidth: true
+                    label: qsTr("Sensitivity")
+                    from: 0.25
+                    to: 4
+                    value: section.model.sensitivity
+                    valueText: qsTr("%1×").arg(Number(value).toLocaleString(Qt.locale(), "f", 2))
+                    onMoved: section.model.sensitivity = value
+                }
             }
         }
-        ForceMeter {
-            Layout.fillWidth: true
+        Part {
             Layout.topMargin: Theme.unit
             Layout.bottomMargin: Theme.gap
-            visible: section.measuring
-            reading: section.model
+            shown: section.measuring
+            content: ForceMeter { reading: section.model }
         }
         RowLayout {
             Layout.fillWidth: true

@@ -36,11 +36,11 @@ Rectangle {
         onActivated: panel.model.quit()
     }
 
-    TitleBar {
+    Loader {
         id: titleBar
         width: panel.width
-        height: visible ? implicitHeight : 0
-        visible: panel.titled
+        active: panel.titled
+        sourceComponent: TitleBar { }
     }
     MenuHeader {
         id: header
@@ -63,20 +63,22 @@ Rectangle {
                 Layout.fillWidth: true
                 text: panel.model.soundProblem
             }
-            Card {
-                visible: panel.model.welcome && panel.model.playing
-                tint: Theme.accentTint
+            Part {
+                shown: panel.model.welcome && panel.model.playing
+                content: Card {
+                    tint: Theme.accentTint
 
-                PanelText {
-                    Layout.fillWidth: true
-                    Layout.margins: Theme.unit
-                    text: qsTr("Type anything: it sounds in every app.")
-                    font.weight: Font.DemiBold
+                    PanelText {
+                        Layout.fillWidth: true
+                        Layout.margins: Theme.unit
+                        text: qsTr("Type anything: it sounds in every app.")
+                        font.weight: Font.DemiBold
+                    }
                 }
             }
-            PermissionCard {
-                visible: !panel.model.hasPermission
-                model: panel.model
+            Part {
+                shown: !panel.model.hasPermission
+                content: PermissionCard { model: panel.model }
             }
             PackSection {
                 Layout.fillWidth: true

@@ -55,20 +55,20 @@ Card {
         text: section.model.loginItemProblem
     }
     Hairline { visible: access.visible }
-    RowLayout {
+    Part {
         id: access
-        Layout.fillWidth: true
         Layout.topMargin: Theme.unit
         Layout.bottomMargin: Theme.unit
-        visible: section.model.canGiveBackKeyAccess
-
-        PanelText {
-            Layout.fillWidth: true
-            text: qsTr("Access to the keyboard")
-        }
-        PanelButton {
-            text: qsTr("Take Back")
-            onClicked: section.model.giveBackKeyAccess()
+        shown: section.model.canGiveBackKeyAccess
+        content: RowLayout {
+            PanelText {
+                Layout.fillWidth: true
+                text: qsTr("Access to the keyboard")
+            }
+            PanelButton {
+                text: qsTr("Take Back")
+                onClicked: section.model.giveBackKeyAccess()
+            }
         }
     }
     WarningLine {

@@ -10,29 +10,31 @@ ColumnLayout {
     required property PanelModel model
     readonly property int manyPacks: 12
     readonly property var shown: {
-        const wanted = finder.visible ? finder.text.trim().toLocaleLowerCase() : "";
+        const wanted = (finder.item as PanelField)?.text.trim().toLocaleLowerCase() ?? "";
         return model.packs.filter(pack => (pack.name + " " + pack.kind).toLocaleLowerCase().includes(wanted));
     }
 
     spacing: Theme.gap
 
-    PanelField {
+    Part {
         id: finder
-        Layout.fillWidth: true
-        visible: section.model.packs.length >= section.manyPacks
-        placeholderText: qsTr("Find a pack")
-        Keys.onDownPressed: grid.moveTo(grid.currentIndex)
-        Keys.onEscapePressed: event => {
-            event.accepted = text !== "";
-            clear();
+        shown: section.model.packs.length >= section.manyPacks
+        content: PanelField {
+            placeholderText: qsTr("Find a pack")
+            Keys.onDownPressed: grid.moveTo(grid.currentIndex)
+            Keys.onEscapePressed: event => {
+                event.accepted = text !== "";
+                clear();
+            }
         }
     }
-    PanelText {
-        Layout.fillWidth: true
-        visible: finder.visible && section.shown.length === 0
-        text: qsTr("No pack is called that.")
-        secondary: true
-        Accessible.role: Accessible.AlertMessage
+    Part {
+        shown: finder.shown && section.shown.length === 0
+        content: PanelText {
+            text: qsTr("No pack is called that.")
+            secondary: true
+            Accessible.role: Accessible.AlertMessage
+        }
     }
     GridView {
         id: grid

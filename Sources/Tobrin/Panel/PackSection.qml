@@ -18,14 +18,17 @@ ColumnLayout {
             Layout.fillWidth: true
             text: qsTr("Sound")
         }
-        PanelButton {
+        Part {
+            Layout.fillWidth: false
             Layout.fillHeight: true
-            symbol: "trash"
-            visible: section.pack.own ?? false
-            hint: qsTr("Move %1 to the trash").arg(section.pack.name ?? "")
-            Accessible.name: hint
-            Accessible.description: ""
-            onClicked: section.model.shelf.remove(section.model.selectedPackID)
+            shown: section.pack.own ?? false
+            content: PanelButton {
+                symbol: "trash"
+                hint: qsTr("Move %1 to the trash").arg(section.pack.name ?? "")
+                Accessible.name: hint
+                Accessible.description: ""
+                onClicked: section.model.shelf.remove(section.model.selectedPackID)
+            }
         }
         Item {
             implicitWidth: preview.implicitWidth

@@ -3,24 +3,28 @@ import QtQuick
 import QtQuick.Layouts
 import Tobrin
 
-RowLayout {
-    property alias text: sentence.text
+Part {
+    id: line
 
-    visible: text !== ""
-    spacing: Theme.unit * 1.5
+    property string text: ""
 
-    Symbol {
-        Layout.alignment: Qt.AlignTop
-        name: "warning"
-        color: Theme.warning
-    }
-    PanelText {
-        id: sentence
-        Layout.fillWidth: true
-        // However long: the lines follow from the width, and not the other way round.
-        Layout.preferredWidth: 1
-        small: true
-        color: Theme.warning
-        Accessible.role: Accessible.AlertMessage
+    shown: text !== ""
+    content: RowLayout {
+        spacing: Theme.unit * 1.5
+
+        Symbol {
+            Layout.alignment: Qt.AlignTop
+            name: "warning"
+            color: Theme.warning
+        }
+        PanelText {
+            Layout.fillWidth: true
+            // However long: the lines follow from the width, and not the other way round.
+            Layout.preferredWidth: 1
+            text: line.text
+            small: true
+            color: Theme.warning
+            Accessible.role: Accessible.AlertMessage
+        }
     }
 }

@@ -67,4 +67,6 @@ def _collect(accessible, group, found):
     control = Control(accessible, group)
     found.append(control)
     for index in range(accessible.get_child_count()):
-        _collect(accessible.get_child_at_index(index), control.name, found)
+        child = accessible.get_child_at_index(index)
+        if child is not None:  # gone since they were counted
+            _collect(child, control.name, found)
