@@ -158,7 +158,7 @@ class KeyTypist {
       const double time = static_cast<double>(i) / synthSampleRate;
       const double swell = std::pow(std::sin(time * 4 * std::numbers::pi), 2);
       double wave = 0;
-      for (int harmonic = 1; harmonic < 30; ++harmonic)
+      for (int harmonic = 1; harmonic < 16; ++harmonic)
         wave += std::sin(2 * std::numbers::pi * pitch * harmonic * time) / harmonic;
       result_.recording.samples[start + i] +=
           static_cast<float>(amplitude(typicalDb) * swell * wave);

@@ -1,12 +1,15 @@
 // How surely the sounds of a recording are given to the keys that were typed: over delay, drift,
 // noise and speed, by composed recordings with the truth about them.
+#include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "ComposedKeys.h"
 #include "KeyedScore.h"
+#include "Recording/LiveTakes.h"
 #include "Support/Report.h"
 
 namespace tobrin {
@@ -17,6 +20,8 @@ using Clock = std::chrono::steady_clock;
 constexpr double pressGoal = 99.5;   // % of those that nothing else covers
 constexpr double releaseGoal = 99;   // %
 constexpr double onsetGoal = 2;      // ms, 95 of 100
+constexpr double liveGoal = 5;       // %
+constexpr double stepGoal = 150;     // ms; a display may wait that long
 constexpr double processorGoal = 2;  // % of the recording's length
 
 std::vector<KeyedCondition> conditions() {
@@ -66,6 +71,33 @@ void measure(const KeyedCondition& condition, Report& report) {
       Figure::under(name + "processor", 100 * seconds / condition.seconds, "%", processorGoal, 0));
 }
 
+/// What following a recording of five minutes costs while it runs, shown ten times a second.
+void measureLive(Report& report) {
+  constexpr std::size_t block = 480;
+  constexpr std::size_t blocksPerState = 10;
+  const KeyedCondition condition{.name = "live", .interval = 0.12, .seconds = 300};
+  const ComposedKeys composed = composeKeys(condition);
+  const auto& recording = composed.recording;
+  LiveTakes live(recording.rate);
+  auto key = recording.keys.begin();
+  double longest = 0;
+  const auto begin = Clock::now();
+  for (std::size_t i = 0; (i + 1) * block <= recording.samples.size(); ++i) {
+    const auto before = Clock::now();
+    live.addSound(std::span(recording.samples).subspan(i * block, block));
+    const auto now = static_cast<double>((i + 1) * block) / recording.rate;
+    for (; key != recording.keys.end() && static_cast<double>(key->time) * 1e-9 < now; ++key)
+      live.addKey(*key);
+    if (i % blocksPerState == 0) static_cast<void>(live.state());
+    longest = std::max(longest, std::chrono::duration<double>(Clock::now() - before).count());
+  }
+  const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
+  report.add(Figure::under("record, while it runs: processor", 100 * seconds / condition.seconds,
+                           "%", liveGoal, 0));
+  report.add(
+      Figure::under("record, while it runs: longest step", 1000 * longest, "ms", stepGoal, 0));
+}
+
 }  // namespace
 }  // namespace tobrin
 
@@ -73,5 +105,6 @@ int main(int argc, char** argv) {
   tobrin::Report report(argc, argv);
   for (const auto& condition : tobrin::conditions())
     tobrin::measure(condition, report);
+  tobrin::measureLive(report);
   return report.status();
 }

@@ -57,15 +57,19 @@ std::vector<TierBand> tierBands(std::size_t count, int64_t variants) {
           {Tier::slam, 0.92, 1.0}};
 }
 
+std::pair<std::size_t, std::size_t> placesOf(const TierBand& band, std::size_t count) {
+  assert(count > 0);
+  const std::size_t begin = std::min(part(band.low, count), count - 1);
+  return {begin, std::max(std::min(part(band.high, count), count), begin + 1)};
+}
+
 RecordedTiers takesByTier(std::vector<Hit> hits, int64_t variants, const CutTake& cut) {
   assert(cut);
   sortByEnergy(hits);
   RecordedTiers result;
   if (hits.empty()) return result;
   for (const TierBand& band : tierBands(hits.size(), variants)) {
-    const std::size_t begin = std::min(part(band.low, hits.size()), hits.size() - 1);
-    const std::size_t end =
-        std::max(std::min(part(band.high, hits.size()), hits.size()), begin + 1);
+    const auto [begin, end] = placesOf(band, hits.size());
     auto takes = takesOf(std::span(hits).subspan(begin, end - begin), variants, cut);
     if (!takes.empty()) result.emplace(band.tier, std::move(takes));
   }

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "Building/RecordingSlicer.h"
@@ -20,6 +21,9 @@ struct TierBand {
 /// The bands that `count` hits are spread over: four with clear gaps between them, so that tiers
 /// differ audibly, or one for all where there are fewer than four hits a take.
 [[nodiscard]] std::vector<TierBand> tierBands(std::size_t count, int64_t variants);
+
+/// The places [first, last) of a band among `count` hits, at least one; `count` is not 0.
+[[nodiscard]] std::pair<std::size_t, std::size_t> placesOf(const TierBand& band, std::size_t count);
 
 /// Cuts the take of a hit; nothing where it cannot be cut.
 using CutTake = std::function<std::optional<RecordedTake>(const RecordedHit&)>;

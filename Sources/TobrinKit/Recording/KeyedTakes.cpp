@@ -4,10 +4,10 @@
 #include <cmath>
 #include <cstdio>
 #include <iterator>
-#include <optional>
 
 #include "Building/TakeCutter.h"
 #include "Building/TierAssignment.h"
+#include "Recording/TierCounts.h"
 
 namespace tobrin {
 namespace {
@@ -15,19 +15,13 @@ namespace {
 using Takes = std::vector<RecordedTake>;
 
 constexpr double shortestReleaseMs = 20;
-constexpr double measuredShare = 0.8;  // of presses: then force decides the tier, not energy
-constexpr double mostGroupFactor = 2;  // of a group's loudness against the letters'
+constexpr float mostGroupFactor = 2;  // of a group's loudness against the letters'
 
-/// A good sound and the key that made it.
-struct GoodSound {
+/// A release that may be cut.
+struct GoodRelease {
   RecordedHit hit;
-  std::optional<float> force;
-  double pressEnergy = 0;  // of a release: of its press, 0 where that is not known
+  float pressEnergy = 0;  // of its press; 0 where that is not known
 };
-
-bool isLarge(KeyGroup group) {
-  return group != KeyGroup::alpha && group != KeyGroup::modifier;
-}
 
 class KeyedCutter {
  public:
@@ -40,36 +34,36 @@ class KeyedCutter {
                 options) {}
 
   RecordedTiers presses(KeyGroup group) const {
-    const bool large = isLarge(group);
-    const auto good = goodSounds(group, KeyAction::down);
-    const auto variants = large ? options_.bigVariants : options_.alphaVariants;
     const CutTake cut = [&](const RecordedHit& hit) {
-      return cutter_.cut(hit, large ? options_.maxBigPressMs : options_.maxPressMs,
+      return cutter_.cut(hit, isLarge(group) ? options_.maxBigPressMs : options_.maxPressMs,
                          options_.minPressMs);
     };
-    const auto measured =
-        std::count_if(good.begin(), good.end(), [](const GoodSound& each) { return each.force; });
-    const bool byForce = static_cast<double>(measured) >=
-                         measuredShare * static_cast<double>(std::max<std::size_t>(good.size(), 1));
-    return byForce ? tiersByForce(good, variants, cut) : takesByTier(hitsOf(good), variants, cut);
+    const auto good = goodPresses(group);
+    const auto variants = variantsOf(group, options_);
+    if (haveForce(good)) return tiersByForce(good, variants, cut);
+    std::vector<RecordedHit> hits;
+    for (const GoodPress& each : good)
+      hits.push_back(each.hit);
+    return takesByTier(std::move(hits), variants, cut);
   }
 
   /// Those whose press was most like the usual one come first: a release is played at the strength
   /// of its press.
   Takes releases(KeyGroup group) const {
-    auto good = goodSounds(group, KeyAction::up);
+    auto good = goodReleases(group);
     std::vector<float> energies;
-    for (const GoodSound& each : good)
-      if (each.pressEnergy > 0) energies.push_back(static_cast<float>(each.pressEnergy));
-    const auto usual = static_cast<double>(percentile(std::move(energies), 0.5));
-    const auto away = [&](const GoodSound& each) {
-      return usual > 0 && each.pressEnergy > 0 ? std::abs(std::log(each.pressEnergy / usual)) : 9.0;
+    for (const GoodRelease& each : good)
+      if (each.pressEnergy > 0) energies.push_back(each.pressEnergy);
+    const float usual = percentile(std::move(energies), 0.5);
+    const auto away = [&](const GoodRelease& each) {
+      constexpr float unknown = 9;
+      return each.pressEnergy > 0 ? std::abs(std::log(each.pressEnergy / usual)) : unknown;
     };
     std::stable_sort(good.begin(), good.end(),
-                     [&](const GoodSound& a, const GoodSound& b) { return away(a) < away(b); });
+                     [&](const GoodRelease& a, const GoodRelease& b) { return away(a) < away(b); });
     Takes takes;
-    for (const GoodSound& each : good) {
-      if (static_cast<int64_t>(takes.size()) >= options_.releaseVariants) break;
+    for (const GoodRelease& each : good) {
+      if (std::ssize(takes) >= options_.releaseVariants) break;
       auto take = cutter_.cut(each.hit, options_.maxReleaseMs, shortestReleaseMs);
       if (take) takes.push_back(std::move(*take));
     }
@@ -77,37 +71,39 @@ class KeyedCutter {
   }
 
  private:
-  static std::vector<RecordedHit> hitsOf(const std::vector<GoodSound>& sounds) {
-    std::vector<RecordedHit> hits;
-    for (const GoodSound& each : sounds)
-      hits.push_back(each.hit);
-    return hits;
+  bool isGood(std::size_t i, KeyGroup group, KeyAction action) const {
+    const RecordedKey& key = recording_.keys[i];
+    return key.group == group && key.action == action && sounds_[i].fate == KeyFate::good;
   }
 
-  std::vector<GoodSound> goodSounds(KeyGroup group, KeyAction action) const {
-    std::vector<GoodSound> result;
-    std::map<uint32_t, double> pressEnergies;  // of the last press, by key
+  std::vector<GoodPress> goodPresses(KeyGroup group) const {
+    std::vector<GoodPress> result;
     for (std::size_t i = 0; i < sounds_.size(); ++i) {
-      const RecordedKey& key = recording_.keys[i];
-      const KeySound& sound = sounds_[i];
-      if (key.action == KeyAction::down)
-        pressEnergies[key.number] = static_cast<double>(sound.hit.energy);
-      if (key.group != group || key.action != action || sound.fate != KeyFate::good) continue;
-      result.push_back({sound.hit, key.force, pressEnergies[key.number]});
+      if (isGood(i, group, KeyAction::down))
+        result.push_back({sounds_[i].hit, recording_.keys[i].force});
     }
     return result;
   }
 
-  static RecordedTiers tiersByForce(const std::vector<GoodSound>& sounds, int64_t variants,
+  std::vector<GoodRelease> goodReleases(KeyGroup group) const {
+    std::vector<GoodRelease> result;
+    std::map<uint32_t, float> energies;  // of the last press, by key
+    for (std::size_t i = 0; i < sounds_.size(); ++i) {
+      const RecordedKey& key = recording_.keys[i];
+      if (key.action == KeyAction::down) energies[key.number] = sounds_[i].hit.energy;
+      if (isGood(i, group, KeyAction::up)) result.push_back({sounds_[i].hit, energies[key.number]});
+    }
+    return result;
+  }
+
+  static RecordedTiers tiersByForce(const std::vector<GoodPress>& presses, int64_t variants,
                                     const CutTake& cut) {
+    std::map<Tier, std::vector<RecordedHit>> hits;
+    for (const GoodPress& each : presses)
+      hits[tierOf(each.force.value_or(1))].push_back(each.hit);
     RecordedTiers result;
-    for (const Tier tier : allTiers) {
-      std::vector<RecordedHit> hits;
-      for (const GoodSound& each : sounds) {
-        const float position = std::clamp(each.force.value_or(1), 0.0f, 3.0f);
-        if (std::lround(position) == static_cast<long>(index(tier))) hits.push_back(each.hit);
-      }
-      auto takes = spreadTakes(std::move(hits), variants, cut);
+    for (auto& [tier, list] : hits) {
+      auto takes = spreadTakes(std::move(list), variants, cut);
       if (!takes.empty()) result.emplace(tier, std::move(takes));
     }
     return result;
@@ -139,9 +135,9 @@ float medianLevel(const RecordedTiers& tiers) {
 void levelAll(KeyedTakes& takes) {
   if (takes.down.empty()) return;
   const float usual = medianLevel(takes.down.begin()->second);
-  const auto most = static_cast<float>(mostGroupFactor);
   for (auto& [group, tiers] : takes.down) {
-    const float target = std::clamp(medianLevel(tiers), usual / most, usual * most);
+    const float target =
+        std::clamp(medianLevel(tiers), usual / mostGroupFactor, usual * mostGroupFactor);
     for (auto& [tier, list] : tiers)
       levelTakes(list, target * tierLoudness(tier));
   }

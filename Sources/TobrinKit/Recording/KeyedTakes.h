@@ -23,9 +23,9 @@ struct KeyedTakes {
   std::string report;    ///< one line for people
 };
 
-/// Finds the sound of every key and cuts the good ones. `alphaVariants` of the options holds for
-/// letters and modifiers, `bigVariants` for the other groups, each tier; `releaseVariants` for each
-/// group. What guides the search for hits in recordings without keys has no meaning here.
+/// Finds the sound of every key and cuts the good ones, of presses up to `variantsOf` a tier, of
+/// releases up to `releaseVariants` a group. What guides the search for hits in recordings without
+/// keys has no meaning here.
 [[nodiscard]] KeyedTakes findKeyedTakes(const KeyedRecording& recording,
                                         const SlicerOptions& options = {});
 

@@ -6,11 +6,15 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <span>
 #include <vector>
 
 #include "Base/KeyEvent.h"
+#include "Recording/ClockFit.h"
+#include "Recording/KeySounds.h"
 #include "Recording/KeyedRecording.h"
+#include "Recording/TierCounts.h"
 
 namespace tobrin {
 
@@ -34,21 +38,49 @@ struct LiveState {
   LiveVerdict verdict = LiveVerdict::waiting;
 };
 
+/// Works once for each second of sound that was added, in the call that completes the second: a
+/// hundredth of that second or two.
 class LiveTakes final {
  public:
-  explicit LiveTakes(double rate);
+  static constexpr double longestSeconds = 600;  ///< what comes later is left out
+
+  explicit LiveTakes(double rate, const SlicerOptions& options = {});
 
   /// The next frames, mono, without a gap; a lost block is as many zeros.
   void addSound(std::span<const float> block);
-  /// In order of time; may come before or after the sound of the same moment.
+  /// In order of time; may come up to half a second after the sound of the same moment.
   void addKey(const RecordedKey& key);
 
   [[nodiscard]] LiveState state() const;
-  /// All that was added; keeps at most ten minutes of sound.
+  /// All that was added, up to `longestSeconds`.
   [[nodiscard]] const KeyedRecording& recording() const { return recording_; }
 
  private:
+  /// A press that was judged a moment ago.
+  struct RecentPress {
+    KeyFate fate = KeyFate::unheard;
+    float peak = 0;
+    float energy = 0;
+  };
+
+  void look();
+  void fit(const SoundRises& rises, std::size_t begin);
+  void judge(std::span<const float> part, const SoundRises& rises, std::size_t begin);
+  void add(const RecordedKey& key, const KeySound& sound);
+  [[nodiscard]] LiveVerdict verdict() const;
+  [[nodiscard]] std::size_t samples(double seconds) const;
+
+  SlicerOptions options_;
   KeyedRecording recording_;
+  std::size_t nextLook_;          // sample at which enough has come
+  std::vector<SoundRise> rises_;  // of the recording so far
+  ClockFit fit_;
+  std::size_t nextFit_ = 0;      // sample
+  std::size_t judgedUntil_ = 0;  // sample before which every key's sound was judged
+  float noiseFloor_ = 0;
+  std::array<std::vector<GoodPress>, allKeyGroups.size()> presses_;
+  std::array<std::size_t, allKeyGroups.size()> releases_{};
+  std::deque<RecentPress> recent_;
 };
 
 }  // namespace tobrin

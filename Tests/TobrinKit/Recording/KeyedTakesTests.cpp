@@ -17,7 +17,12 @@ namespace {
 
 TEST(KeyedTakes, EverySoundGoesToItsKey) {
   const KeyedCondition conditions[] = {
-      {.name = "worst", .delay = -0.05, .drift = 200e-6, .signalDb = 20, .interval = 0.1},
+      {.name = "worst",
+       .delay = -0.05,
+       .drift = 200e-6,
+       .signalDb = 20,
+       .interval = 0.1,
+       .seconds = 40},
       {.name = "late click", .profile = &SynthProfile::click(), .delay = 0.15, .seconds = 30},
       {.name = "bump", .profile = &SynthProfile::panda(), .interval = 0.12, .seconds = 30},
       {.name = "loud releases", .releaseDb = 1, .seconds = 30},
@@ -40,7 +45,7 @@ TEST(KeyedTakes, EverySoundGoesToItsKey) {
 }
 
 TEST(KeyedTakes, WhatIsNoKeyIsLeftOut) {
-  ComposedKeys composed = composeKeys({.unheard = 0, .speech = 0.5, .seconds = 40});
+  ComposedKeys composed = composeKeys({.unheard = 0, .speech = 0.5, .seconds = 30});
   auto& recording = composed.recording;
   const auto clippedKey =
       static_cast<std::size_t>(std::find_if(composed.truths.begin() + 40, composed.truths.end(),
@@ -84,7 +89,7 @@ std::vector<float> letterLevels(const KeyedTakes& takes) {
 }
 
 TEST(KeyedTakes, TiersFollowForceWhereItIsMeasured) {
-  ComposedKeys composed = composeKeys({.seconds = 40});
+  ComposedKeys composed = composeKeys({.seconds = 25});
   const KeyedTakes byEnergy = findKeyedTakes(composed.recording);
   const auto levels = letterLevels(byEnergy);
   EXPECT_EQ(levels.size(), tierCount);
@@ -100,7 +105,7 @@ TEST(KeyedTakes, TiersFollowForceWhereItIsMeasured) {
 }
 
 TEST(KeyedPack, HoldsTheTakesOfEachGroupAndBorrowsOthers) {
-  ComposedKeys composed = composeKeys({.seconds = 40});
+  ComposedKeys composed = composeKeys({.seconds = 25});
   KeyedTakes takes = findKeyedTakes(composed.recording);
   takes.down.erase(KeyGroup::enter);
   takes.up.erase(KeyGroup::enter);
