@@ -233,8 +233,49 @@ TEST_F(AppModelTest, SensesForceWhereThereIsASensor) {
   EXPECT_NE(log_.find("Tobrin: force can't be sensed: the test says no\n"), std::string::npos);
 }
 
+TEST_F(AppModelTest, MasksKeysWhileTheSoundIsRecorded) {
+  microphone_->activity.outputRecorded = true;
+  AppModel& model = start();
+  /// Whether presses of one key sound from different places.
+  const auto isMasked = [&] {
+    std::set<long> places;
+    for (int i = 0; i < 12; ++i) {
+      keys_.press(0);
+      advance(20);
+      const auto [left, right] = device_->render(256);
+      places.insert(std::lround(1000 * left.back() / right.back()));
+      keys_.release(0);
+      isHeard();  // until it has died away
+    }
+    return places.size() > 1;
+  };
+  change([](EngineSettings& settings) { settings.forceSensing = settings.releaseSounds = false; });
+  EXPECT_EQ(model.statusLine(), "Masked while the sound is recorded");
+  EXPECT_TRUE(isMasked());
+  change([](EngineSettings& settings) { settings.quietDuringCalls = false; });
+  EXPECT_TRUE(microphone_->changed) << "watched for its own sake";
+  model.setComforts({.maskWhileRecorded = false});
+  advance(0);
+  EXPECT_EQ(model.statusLine(), "The leopold · Fixed strength");
+  EXPECT_FALSE(isMasked());
+  EXPECT_FALSE(microphone_->changed) << "nobody watches any more";
+  EXPECT_FALSE(start().comforts().maskWhileRecorded) << "saved";
+
+  for (const char* damaged : {R"({"maskWhileRecorded": "yes", "other": 1})", "{", "[true]"}) {
+    settings_.values[AppModel::comfortsKey] = damaged;
+    EXPECT_TRUE(start().comforts().maskWhileRecorded) << "what is damaged has its default";
+  }
+  advance(0);
+  microphone_->activity.outputRecorded = false;
+  microphone_->changed();
+  advance(0);
+  EXPECT_EQ(model_->statusLine(), "The leopold · Fixed strength");
+  EXPECT_FALSE(isMasked());
+}
+
 TEST_F(AppModelTest, PausesDuringCalls) {
   AppModel& model = start();
+  model.setComforts({.maskWhileRecorded = false});
   advance(0);
   const int starts = device_->starts;
   microphone_->activity.inputRunningSomewhere = true;  // no notice came while the machine slept

@@ -65,6 +65,8 @@ std::string AppModel::readSavedState(const std::optional<Preview>& preview) {
       logLine(std::string("saved settings can't be read, using the defaults: ") + error.what());
     }
   }
+  if (const auto comforts = services_.settings.read(comfortsKey))
+    comforts_ = Comforts::fromJson(*comforts);
   const auto selectedID = services_.settings.readText(selectedPackKey);
   isFirstStart_ = !saved && !selectedID;
   return selectedID.value_or(defaultPackID);
@@ -96,6 +98,9 @@ void AppModel::wireCallbacks() {
                                              std::move(services_.micSource));
   micMonitor_->setOnChange([this, self = self_](bool inUse) {
     if (*self != nullptr) micChanged(inUse);
+  });
+  micMonitor_->setOnOutputRecorded([this, self = self_](bool recorded) {
+    if (*self != nullptr) outputRecordedChanged(recorded);
   });
   connect(&shelf_, &PackShelf::added, this, &AppModel::packAdded);
   services_.workspace.setOnWake([this] {
@@ -134,6 +139,15 @@ void AppModel::setSettings(const EngineSettings& settings) {
   emit statusChanged();
 }
 
+void AppModel::setComforts(const Comforts& comforts) {
+  if (comforts == comforts_) return;
+  comforts_ = comforts;
+  if (!preview_) services_.settings.write(comfortsKey, comforts_.toJson());
+  updateMicMonitor();
+  applyMask();
+  emit settingsChanged();
+}
+
 void AppModel::toggleEnabled() {
   PlaybackGate toggled = gate();
   toggled.toggle();
@@ -165,6 +179,7 @@ SoundState AppModel::soundState() const {
 ProgramStatus AppModel::status() const {
   const PackInfo* pack = selectedPack();
   return {.sound = soundState(),
+          .isMasked = isMasked(),
           .packName = pack != nullptr ? std::optional(pack->name) : std::nullopt,
           .forceSensing = settings_.forceSensing && sensorAvailable_,
           .sensorWorks = sensorProblem_.empty()};
@@ -178,19 +193,30 @@ std::string AppModel::statusLine() const {
 
 void AppModel::updateMicMonitor() {
   if (preview_) return;
-  if (settings_.quietDuringCalls) {
+  if (settings_.quietDuringCalls || comforts_.maskWhileRecorded) {
     micMonitor_->start();
   } else {
     micMonitor_->stop();
+    outputRecorded_ = false;
   }
 }
 
 void AppModel::micChanged(bool inUse) {
-  if (!settings_.quietDuringCalls || inUse == micInUse_) return;
+  if (inUse == micInUse_) return;
   const auto before = gate().state();
   micInUse_ = inUse;
   if (gate().state() != before) conductor_->apply(effectiveSettings(), false);
   emit micInUseChanged();
+  emit statusChanged();
+}
+
+void AppModel::outputRecordedChanged(bool recorded) {
+  outputRecorded_ = recorded;
+  applyMask();
+}
+
+void AppModel::applyMask() {
+  conductor_->setMasked(isMasked());
   emit statusChanged();
 }
 

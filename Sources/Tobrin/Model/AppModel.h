@@ -17,6 +17,7 @@
 #include "Input/KeyMonitor.h"
 #include "Mic/MicMonitor.h"
 #include "Model/AppServices.h"
+#include "Model/Comforts.h"
 #include "Model/KeyAccessWatch.h"
 #include "Model/PackSelection.h"
 #include "Model/PackShelf.h"
@@ -30,6 +31,7 @@ class AppModel final : public QObject {
 
  public:
   static constexpr const char* settingsKey = "engineSettings";
+  static constexpr const char* comfortsKey = "comforts";
   static constexpr const char* selectedPackKey = "selectedPack";
   static constexpr const char* defaultPackID = "leopold";
 
@@ -48,6 +50,8 @@ class AppModel final : public QObject {
   [[nodiscard]] bool isFirstStart() const { return isFirstStart_; }
   [[nodiscard]] const EngineSettings& settings() const { return settings_; }
   void setSettings(const EngineSettings& settings);
+  [[nodiscard]] const Comforts& comforts() const { return comforts_; }
+  void setComforts(const Comforts& comforts);
   [[nodiscard]] const std::string& selectedPackID() const { return packs_->selectedID(); }
   /// Chooses a pack, loads and auditions it. The one that is chosen already is loaded again only
   /// where that has failed or has become another.
@@ -162,6 +166,9 @@ class AppModel final : public QObject {
   void registerShortcut();
   void updateMicMonitor();
   void micChanged(bool inUse);
+  void outputRecordedChanged(bool recorded);
+  void applyMask();
+  [[nodiscard]] bool isMasked() const { return outputRecorded_ && comforts_.maskWhileRecorded; }
   void sensorChanged(const std::string& problem);
   void outputProblemChanged(const std::string& problem);
   void lookForKeyAccess();
@@ -179,6 +186,7 @@ class AppModel final : public QObject {
 
   bool isFirstStart_ = false;
   EngineSettings settings_;
+  Comforts comforts_;
   SettingsSaver saver_;
   PackShelf shelf_;
   std::string selectedBeforeRemoval_;
@@ -191,6 +199,7 @@ class AppModel final : public QObject {
   std::optional<ForceReading> lastForce_;
   bool launchAtLogin_ = false;
   bool micInUse_ = false;
+  bool outputRecorded_ = false;
   bool isCapturingShortcut_ = false;
   GlobalHotkey::Status shortcutStatus_;
 

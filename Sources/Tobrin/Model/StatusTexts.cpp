@@ -19,6 +19,7 @@ std::string StatusTexts::statusLine(const ProgramStatus& status) const {
     case SoundState::muted:
       return translate_("Muted");
     case SoundState::playing:
+      if (status.isMasked) return translate_("Masked while the sound is recorded");
       break;
   }
   const std::string strength = !status.forceSensing ? translate_("Fixed strength")

@@ -15,6 +15,7 @@ namespace tobrin {
 /// What the sentences are about.
 struct ProgramStatus {
   SoundState sound = SoundState::playing;
+  bool isMasked = false;                ///< strokes get the sounds of other keys
   std::optional<std::string> packName;  ///< absent: no pack
   bool forceSensing = false;            ///< wanted, and a sensor is there
   bool sensorWorks = true;

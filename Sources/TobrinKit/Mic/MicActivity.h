@@ -1,4 +1,5 @@
-/// Who uses a microphone, as far as the sound system tells. A plain value. Thread: any.
+/// Who uses a microphone, and who records what is played, as far as the sound system tells. A plain
+/// value. Thread: any.
 #pragma once
 
 #include <cstdint>
@@ -14,6 +15,8 @@ struct MicActivity {
   bool inputDeviceHasOutput = false;           ///< it plays too, as a headset does
   /// Processes that record, this one excluded; absent where the system cannot tell.
   std::optional<std::vector<int32_t>> recordingProcesses;
+  /// Some process, this one excluded, records what an output plays.
+  bool outputRecorded = false;
 
   bool operator==(const MicActivity&) const = default;
 

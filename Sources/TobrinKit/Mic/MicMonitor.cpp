@@ -21,6 +21,7 @@ class MicMonitor::Core : public std::enable_shared_from_this<Core> {
     });
     evaluate();
     report(reported_);
+    reportOutput(outputReported_);
   }
 
   void stop() {
@@ -30,6 +31,7 @@ class MicMonitor::Core : public std::enable_shared_from_this<Core> {
     ++pendingRelease_;
     releaseIsPending_ = false;
     reported_ = false;
+    outputReported_ = false;
     source_->stop();
   }
 
@@ -40,13 +42,16 @@ class MicMonitor::Core : public std::enable_shared_from_this<Core> {
   MicActivity read() { return source_->read(); }
 
   OnChange onChange;
+  std::function<void(bool)> onOutputRecorded;
   std::chrono::duration<double> releaseDelay{1.0};
 
  private:
   void evaluate() {
     assert(queue_.isCurrent());
     if (!running_) return;
-    if (source_->read().micInUse()) {
+    const MicActivity activity = source_->read();
+    if (activity.outputRecorded != outputReported_) reportOutput(activity.outputRecorded);
+    if (activity.micInUse()) {
       ++pendingRelease_;
       releaseIsPending_ = false;
       if (!reported_) report(true);
@@ -77,11 +82,20 @@ class MicMonitor::Core : public std::enable_shared_from_this<Core> {
     });
   }
 
+  void reportOutput(bool recorded) {
+    outputReported_ = recorded;
+    main_.async([weak = weak_from_this(), recorded] {
+      const auto core = weak.lock();
+      if (core && core->onOutputRecorded) core->onOutputRecorded(recorded);
+    });
+  }
+
   SerialQueue& queue_;
   SerialQueue& main_;
   std::unique_ptr<MicSource> source_;
   bool running_ = false;
   bool reported_ = false;
+  bool outputReported_ = false;
   bool releaseIsPending_ = false;
   uint64_t pendingRelease_ = 0;  // number of the release that counts; a later one voids it
 };
@@ -96,6 +110,10 @@ MicMonitor::~MicMonitor() {
 
 void MicMonitor::setOnChange(OnChange onChange) {
   core_->onChange = std::move(onChange);
+}
+
+void MicMonitor::setOnOutputRecorded(std::function<void(bool recorded)> onChange) {
+  core_->onOutputRecorded = std::move(onChange);
 }
 
 void MicMonitor::setReleaseDelay(std::chrono::duration<double> delay) {

@@ -1,6 +1,6 @@
 /// Tells whether some other application uses a microphone: at once when one is taken, and only
 /// after a second without use when it is free again, so that short gaps in a call do not start
-/// sounds. All state belongs to the queue "app.tobrin.mic"; operations post to it. Thread: any.
+/// sounds. And whether one records what is played, at once. All state belongs to the queue "app.tobrin.mic"; operations post to it. Thread: any.
 #pragma once
 
 #include <chrono>
@@ -28,6 +28,8 @@ class MicMonitor final {
 
   /// Called on the main queue. Set before `start`.
   void setOnChange(OnChange onChange);
+  /// The same for what is played. Set before `start`.
+  void setOnOutputRecorded(std::function<void(bool recorded)> onChange);
   /// How long a microphone must be free before that is reported. Set before `start`.
   void setReleaseDelay(std::chrono::duration<double> delay);
 

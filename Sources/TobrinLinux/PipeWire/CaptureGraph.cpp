@@ -31,7 +31,10 @@ MicActivity CaptureGraph::activity(int32_t ownProcess) const {
     const Ids microphones = microphonesBehind(id, visited);
     const auto process = processes.find(node.clientId.value_or(UINT32_MAX));
     const int32_t pid = process == processes.end() ? 0 : process->second;
-    if (microphones.empty() || pid == ownProcess) continue;
+    if (pid == ownProcess) continue;
+    visited.clear();
+    if (hearsAnOutput(id, visited)) found.outputRecorded = true;
+    if (microphones.empty()) continue;
     recording.insert(pid);
     if (input && microphones.contains(*input)) found.inputRunningSomewhere = true;
   }
@@ -76,6 +79,23 @@ CaptureGraph::Ids CaptureGraph::microphonesBehind(uint32_t nodeId, Ids& visited)
     }
   }
   return microphones;
+}
+
+/// Whether the sound that an output plays reaches the node, also through filters.
+bool CaptureGraph::hearsAnOutput(uint32_t nodeId, Ids& visited) const {
+  if (!visited.insert(nodeId).second) return false;
+  return std::any_of(links.begin(), links.end(), [&](const auto& entry) {
+    const Link& link = entry.second;
+    const Node* from = link.to == nodeId ? find(link.from) : nullptr;
+    if (from == nullptr) return false;
+    if (canPlay(*from) && !isSource(*from)) return true;
+    if (from->mediaClass.empty() && isLookedThrough(*from))
+      return hearsAnOutput(link.from, visited);
+    return isSource(*from) && std::any_of(nodes.begin(), nodes.end(), [&](const auto& peer) {
+             return !from->linkGroup.empty() && peer.second.linkGroup == from->linkGroup &&
+                    !isSource(peer.second) && hearsAnOutput(peer.first, visited);
+           });
+  });
 }
 
 /// Those whose sound the filter with this output gets.

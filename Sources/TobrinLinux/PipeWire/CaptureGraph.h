@@ -38,8 +38,8 @@ class CaptureGraph final {
   std::map<uint32_t, int32_t> processes;  // by client id
   std::string defaultSource;              // node name; empty: none
 
-  /// Counts programs, `ownProcess` excepted, that record from a microphone, directly or through
-  /// filters. Filters and level meters do not count by themselves, and neither do paused streams. A
+  /// Counts programs, `ownProcess` excepted, that record from a microphone or what an output plays,
+  /// directly or through filters. Filters and level meters do not count by themselves, and neither do paused streams. A
   /// program whose process is not known counts as process 0.
   [[nodiscard]] MicActivity activity(int32_t ownProcess) const;
 
@@ -54,6 +54,7 @@ class CaptureGraph final {
   using Ids = std::set<uint32_t>;
 
   [[nodiscard]] Ids microphonesBehind(uint32_t nodeId, Ids& visited) const;
+  [[nodiscard]] bool hearsAnOutput(uint32_t nodeId, Ids& visited) const;
   void addMicrophonesOfFilter(const Node& output, Ids& microphones, Ids& visited) const;
   [[nodiscard]] std::optional<uint32_t> unfilteredDefaultId() const;
   [[nodiscard]] bool isLookedThrough(const Node& node) const;

@@ -13,8 +13,12 @@ MicActivity PulseListing::activity(int32_t ownProcess) const {
   std::set<int32_t> recording;
   for (const Recorder& each : recorders) {
     const auto source = sources.find(each.source);
-    if (source == sources.end() || source->second.isMonitor) continue;
+    if (source == sources.end()) continue;
     if (each.isCorked || each.isLevelMeter || each.isModule || each.process == ownProcess) continue;
+    if (source->second.isMonitor) {
+      found.outputRecorded = true;
+      continue;
+    }
     recording.insert(each.process);
     if (source->second.name == defaultSource) found.inputRunningSomewhere = true;
   }

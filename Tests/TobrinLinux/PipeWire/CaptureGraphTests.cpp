@@ -64,6 +64,7 @@ TEST(CaptureGraph, CountsRunningStreamsLinkedToMicrophones) {
     EXPECT_EQ(activity.recordingProcesses, row.recording) << row.label;
     EXPECT_EQ(activity.inputRunningSomewhere, row.defaultRuns) << row.label;
     EXPECT_EQ(activity.inputDeviceName, "Webcam") << row.label;
+    EXPECT_EQ(activity.outputRecorded, row.label == std::string("monitor of a sink")) << row.label;
   }
 }
 
@@ -79,6 +80,7 @@ TEST(CaptureGraph, LooksThroughFilters) {
 
   graph.links[1] = {2, 30};  // now it passes on what is played
   EXPECT_FALSE(graph.activity(ownProcess).micInUse());
+  EXPECT_TRUE(graph.activity(ownProcess).outputRecorded);
 
   graph.links[1] = {31, 30};  // a circle ends
   EXPECT_FALSE(graph.activity(ownProcess).micInUse());

@@ -212,7 +212,13 @@ TEST_F(PipeWireMicSourceTest, IgnoresWhatIsNoMicrophoneUse) {
   start();
   ASSERT_TRUE(record(Processes()));
   const int before = changes_;
-  ChildProcess monitor({"parec", "-d", "test_sink.monitor", "--client-name=monitor"});
+  {
+    const ChildProcess monitor({"parec", "-d", "test_sink.monitor", "--client-name=monitor"});
+    EXPECT_TRUE(eventually([&] { return source_.read().outputRecorded; }));
+    EXPECT_FALSE(source_.read().micInUse());
+  }
+  EXPECT_TRUE(eventually([&] { return !source_.read().outputRecorded; }));
+  EXPECT_EQ(changes_.exchange(before), before + 2);
   // At the device's own rate: level meters at another one crash in PipeWire 0.3.65.
   ChildProcess meter({"pw-record", "--target=test_mic", "--rate=48000", "--channels=1",
                       "--properties={ stream.monitor=true node.name=meter }", "/dev/null"});

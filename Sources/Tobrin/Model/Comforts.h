@@ -1,0 +1,21 @@
+/// The user's choices that the sound engine does not follow itself, saved beside its settings. A
+/// plain value. Thread: any.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tobrin {
+
+struct Comforts {
+  /// Each stroke gets the sound of another key while a program records what is played.
+  bool maskWhileRecorded = true;
+
+  bool operator==(const Comforts&) const = default;
+
+  /// What can be read of JSON text; the rest keeps its default, whatever stands there.
+  static Comforts fromJson(std::string_view text);
+  [[nodiscard]] std::string toJson() const;
+};
+
+}  // namespace tobrin
