@@ -311,7 +311,8 @@ bool PanelModel::chooseShortcut(quint32 scanCode, int modifiers) {
       {Qt::MetaModifier, Modifiers::command}};
   Modifiers pressed;
   for (const auto& [toolkits, ours] : names)
-    if ((modifiers & toolkits) != 0) pressed.rawValue |= ours;
+    if ((static_cast<quint32>(modifiers) & static_cast<quint32>(toolkits)) != 0)
+      pressed.rawValue |= ours;
   return model_.chooseShortcut(scanCode, pressed);
 }
 

@@ -150,5 +150,6 @@
     <message><source>An administrator allows it once; then only Tobrin is told which keys go down and up, and only while you sit here.</source><translation>Das erlaubt ein Verwalter einmal; danach erfährt nur Tobrin, welche Tasten gedrückt und losgelassen werden, und nur solange du hier sitzt.</translation></message>
     <message><source>Force sensing needs a laptop with a fast motion sensor. Pick a fixed strength instead.</source><translation>Um den Anschlag zu messen, braucht es einen Laptop mit schnellem Bewegungssensor. Wähle stattdessen eine feste Stärke.</translation></message>
     <message><source> is a system shortcut (the desktop's keyboard settings). Pick another.</source><translation> gehört der Arbeitsumgebung (deren Tastatureinstellungen). Wähle ein anderes.</translation></message>
+    <message><source>Masked while the sound is recorded</source><translation>Verdeckt, solange der Ton aufgenommen wird</translation></message>
 </context>
 </TS>

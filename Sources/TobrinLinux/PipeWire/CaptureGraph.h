@@ -39,8 +39,8 @@ class CaptureGraph final {
   std::string defaultSource;              // node name; empty: none
 
   /// Counts programs, `ownProcess` excepted, that record from a microphone or what an output plays,
-  /// directly or through filters. Filters and level meters do not count by themselves, and neither do paused streams. A
-  /// program whose process is not known counts as process 0.
+  /// directly or through filters. Filters and level meters do not count by themselves, and neither
+  /// do paused streams. A program whose process is not known counts as process 0.
   [[nodiscard]] MicActivity activity(int32_t ownProcess) const;
 
   /// Every microphone, filtered ones last. Where the default one is a filter's output, the one that

@@ -29,8 +29,8 @@ struct PulseListing {
   std::vector<Recorder> recorders;
   std::string defaultSource;  // its name; empty: none
 
-  /// Counts programs, `ownProcess` excepted, that record from a microphone or from a monitor. Level meters do not,
-  /// and neither do paused streams.
+  /// Counts programs, `ownProcess` excepted, that record from a microphone or from a monitor. Level
+  /// meters do not, and neither do paused streams.
   [[nodiscard]] MicActivity activity(int32_t ownProcess) const;
 };
 
