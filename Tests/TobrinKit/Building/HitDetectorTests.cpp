@@ -63,7 +63,7 @@ TEST(HitDetector, HoldsItsLimits) {
       {"94 ms", {still, {2, 0.01}, {92, 1e-4}, peak, rest}, 150, {200}},
       {"39 % of its peak before", {still, {10, 0.01}, {4, 0.039}, peak, rest}, 40, {200}},
       {"31 %", {still, {10, 0.01}, {4, 0.031}, peak, rest}, 40, {210}},
-      {"24 %", {still, {10, 0.01}, {4, 0.024}, peak, rest}, 40, {210}},
+      {"22 %", {still, {10, 0.01}, {4, 0.0215}, peak, rest}, 40, {210}},
       {"16 %", {still, {10, 0.01}, {4, 0.016}, peak, rest}, 40, {214}},
       {"39 % until 3.5 ms before",
        {still, {8, 0.01}, {2, 0.039}, {3.5, 1e-4}, peak, rest},

@@ -49,6 +49,11 @@ class Composition {
     }
   }
 
+  /// A single sample, as where a recording is driven too hard.
+  void click(double at, double level) {
+    samples_[static_cast<std::size_t>(at * rate)] = static_cast<float>(level);
+  }
+
   SlicedRecording slice(const SlicerOptions& options = {}) const {
     return sliceRecording(samples_, samples_, rate, options);
   }
@@ -180,6 +185,26 @@ TEST(RecordedPack, EveryHitTakeAndWordOfAComposedRecordingIsAsItWas) {
                  slopes);
   }
   testing::expectKeptText(text, "TobrinKit/Building/composed-recording.txt");
+}
+
+/// Keys of every size, so that measures lie on both sides of each limit, and near it.
+TEST(RecordedPack, HitsNearTheLimitsAreJudgedAsTheyWere) {
+  Composition piece(90);
+  SplitMix64& rng = piece.rng();
+  double at = 0.4;
+  for (int i = 0; at < 88.5; ++i) {
+    const double press = 0.1 * std::pow(10, 6 * rng.signedUnit() / 20);
+    const double hold = 0.1 + 0.15 * rng.unit();
+    piece.add(at, press, 0.15 + rng.unit(), 0.4 + 2 * rng.unit());
+    if (i % 3 == 0) piece.add(at + 0.005 + 0.04 * rng.unit(), 0.4 * press, 0.2, 3);
+    if (i % 4 == 1) piece.swell(at, press * rng.unit());
+    if (i % 5 == 2) piece.add(at - 0.08, 0.0002 + 0.0008 * rng.unit());
+    if (i % 10 == 6) piece.click(at + 0.02 + 0.02 * rng.unit(), 0.98 + 0.02 * rng.unit());
+    piece.add(at + hold, 0.2 * press, 1.3, 0.6);
+    if (i % 4 == 3) piece.swell(at + hold, 0.4 * press * rng.unit());
+    at += hold + (i % 12 == 3 ? 0.022 : 0.1 + 0.2 * rng.unit());
+  }
+  testing::expectKeptText(describe(piece.slice()), "TobrinKit/Building/limits.txt");
 }
 
 /// Expected is what looking through all nodes for every edge gave: none may be taken for another.
