@@ -163,7 +163,7 @@ TEST(RecordedPack, EveryHitTakeAndWordOfAComposedRecordingIsAsItWas) {
                           "Tactile",
                           "Sums up",
                           {source(1, "zoe", 0, 30), source(1, "ann", 12, 40)},
-                          {{source(2, "me", 3, 9)}},
+                          {{source(2, "me", 2.3, 9)}},
                           {}};
   const auto pack = folder.path() / "own";
   buildRecordedPack(
