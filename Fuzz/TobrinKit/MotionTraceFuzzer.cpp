@@ -1,10 +1,11 @@
-// Any text as a motion trace and as a list of keys; what is taken must survive being written.
+// Any text as a motion trace, as a list of keys and as those of a recording; what is taken must survive being written.
 #include <sstream>
 
 #include "Force/KeyTrace.h"
 #include "Force/MotionTrace.h"
 #include "Force/TraceCsv.h"
 #include "FuzzInput.h"
+#include "Recording/KeyTimes.h"
 
 using namespace tobrin;
 
@@ -26,6 +27,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   }
   try {
     (void)KeyTrace::parse(text, "keys");
+  } catch (const TraceError&) {
+  }
+  try {
+    (void)parseKeyTimes(text, "times");
   } catch (const TraceError&) {
   }
   return 0;

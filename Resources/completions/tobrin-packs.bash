@@ -18,7 +18,7 @@ _tobrin_packs() {
     *:check | *:loudness) words='--json --help' ;;
     *:generate) words='--into --help cream blue-click panda dome typewriter' files='' ;;
     *:render) words='--out --text --text-file --script --wpm --seed --strength --tail --settings --format --help' ;;
-    *:slice) words='--options --plot --json --help' ;;
+    *:slice) words='--options --keys --plot --json --help' ;;
     *:build) words='--into --cache --json --help' ;;
     *:import) words='--into --id --name --json --help' ;;
     *:export) words='--out --help' ;;

@@ -31,6 +31,7 @@ complete -c tobrin-packs -n $render -r -l settings -d 'Engine settings'
 complete -c tobrin-packs -n $render -x -l format -a 's16 f32' -d 'Sample format'
 
 complete -c tobrin-packs -n '__fish_seen_subcommand_from slice' -r -l options -d 'Slicer options'
+complete -c tobrin-packs -n '__fish_seen_subcommand_from slice' -r -l keys -d 'Keys that were typed'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from slice' -r -l plot -d 'SVG file to draw'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from build' -r -l cache -d 'Where recordings are kept'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from import' -x -l id -d 'Id of the pack'

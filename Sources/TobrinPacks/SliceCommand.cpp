@@ -16,6 +16,7 @@
 #include "Importing/TemporaryFolder.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
+#include "KeyedSlice.h"
 #include "Packs/SampleBuffer.h"
 #include "SlicePlot.h"
 #include "System/SpawningProcessRunner.h"
@@ -30,6 +31,7 @@ struct Options {
   std::string recording;
   std::string optionsFile;
   std::string plotFile;
+  std::string keysFile;
   bool json = false;
 };
 
@@ -57,10 +59,11 @@ Json asJson(const SlicedRecording& result) {
           {"down", down}, {"up", result.up.size()},          {"report", result.report}};
 }
 
-void printSummary(const SlicedRecording& result, std::ostream& out) {
+template <typename GroupName>
+void printSummary(const SlicedRecording& result, const GroupName& groupName, std::ostream& out) {
   out << result.report << '\n';
   for (const auto& [group, tiers] : result.down) {
-    out << "takes for " << (group == KeyGroup::alpha ? "ordinary keys:" : "wide keys:");
+    out << "takes for " << groupName(group) << ':';
     for (const auto& [tier, takes] : tiers)
       out << ' ' << name(tier) << ' ' << takes.size();
     out << '\n';
@@ -131,9 +134,28 @@ std::unique_ptr<SampleBuffer> decoded(const std::string& recording, std::ostream
   throw PackError::decode(file, conversionFailed);
 }
 
+/// Of the whole recording: the times of keys count from its start.
+void runByKeys(const Options& options, const SlicerOptions& slicing, const RecordingPart& recording,
+               std::ostream& out) {
+  const KeyedSlice slice = sliceByKeys(recording, rate, options.keysFile, slicing);
+  const SlicedRecording result = asSliced(slice);
+  if (!options.plotFile.empty()) {
+    const auto& samples = slice.recording.samples;
+    writeFileAtomically(options.plotFile, slicePlot(result, samples, samples, rate, slicing));
+  }
+  if (!options.json) return printSummary(result, rawValue, out);
+  Json json = asJson(result);
+  json["fit"] = fitAsJson(slice.takes.fit);
+  json["keys"] = keysAsJson(slice);
+  printJson(json, out);
+}
+
 void run(const Options& options, const CommandStreams& streams) {
   const Plan plan = planOf(options, streams.err);
   const auto recording = decoded(options.recording, streams.err);
+  if (!options.keysFile.empty()) {
+    return runByKeys(options, plan.options, partOf(*recording, PackRecipe::Source()), streams.out);
+  }
   const auto [left, right] = partOf(*recording, plan.part);
   const auto result = sliceRecording(left, right, rate, plan.options);
   if (!options.plotFile.empty()) {
@@ -142,7 +164,10 @@ void run(const Options& options, const CommandStreams& streams) {
   if (options.json) {
     printJson(asJson(result), streams.out);
   } else {
-    printSummary(result, streams.out);
+    const auto sizeName = [](KeyGroup group) {
+      return group == KeyGroup::alpha ? "ordinary keys" : "wide keys";
+    };
+    printSummary(result, sizeName, streams.out);
   }
 }
 
@@ -151,10 +176,15 @@ The recording is converted as for a build, by ffmpeg. Positions are samples at 4
 own rate. FILE may be a whole recipe: its options are taken, and the part of the recording that it
 names by "start" and "end"; positions count from there.
 
+With --keys no sound is guessed: the file says which keys were typed when (time_ns, action, group,
+key), counted from the first frame. Each key of the JSON document then has a "fate": good, unheard,
+overlapping, crowded, disturbed or clipped.
+
 Examples:
   tobrin-packs slice typing.flac
   tobrin-packs slice typing.flac --plot typing.svg      look at every hit
   tobrin-packs slice typing.flac --options mine.json --json
+  tobrin-packs slice mine.wav --keys mine.keys.csv
 )";
 
 }  // namespace
@@ -166,6 +196,7 @@ void addSliceCommand(CLI::App& app, const CommandStreams& streams) {
   command->add_option("RECORDING", options->recording, "An audio file")->required();
   command->add_option("--options", options->optionsFile,
                       "Slicer options, or a recipe, as a JSON file");
+  command->add_option("--keys", options->keysFile, "The keys that were typed, as a CSV file");
   command->add_option("--plot", options->plotFile,
                       "Draw waveform, hits and strengths as an SVG file");
   command->add_flag("--json", options->json, "One JSON document with every hit");

@@ -6,6 +6,7 @@
 
 #include "Building/HitDetector.h"
 #include "Building/TierAssignment.h"
+#include "Recording/TierCounts.h"
 #include "SvgDocument.h"
 
 namespace tobrin {
@@ -211,10 +212,12 @@ class Drawing {
   }
 
   std::size_t takesIn(KeyGroup group, Tier tier) const {
-    const auto tiers = result_.down.find(group);
-    if (tiers == result_.down.end()) return 0;
-    const auto takes = tiers->second.find(tier);
-    return takes == tiers->second.end() ? 0 : takes->second.size();
+    std::size_t count = 0;
+    for (const auto& [each, tiers] : result_.down) {
+      const auto takes = tiers.find(tier);
+      if (isLarge(each) == isLarge(group) && takes != tiers.end()) count += takes->second.size();
+    }
+    return count;
   }
 
   /// The quietest bar still shows, so the scale starts a little below it.

@@ -162,5 +162,39 @@ TEST(SliceCommand, FindsTheSameHitsInEveryLayoutAndRateAndAnswersAnyInput) {
   }
 }
 
+TEST(SliceCommand, GivesEachSoundToTheKeyThatWasTyped) {
+  const testing::TempFolder folder;
+  const std::string recording = folder.write("typing.wav", clicks({}, 0.5));
+  std::string text = "time_ns,action,group,key\n";
+  for (int64_t i = 0; i < 10; ++i) {  // the sound comes 70 ms after a key
+    const int64_t time = 180'000'000 + 500'000'000 * i;
+    text += std::to_string(time) + ",down,space,0\n" + std::to_string(time + 250'000'000) +
+            ",up,space,0\n";
+  }
+  const std::string keys = folder.write("typing.keys.csv", text), plot = recording + ".svg";
+  const auto sliced = run({"slice", recording, "--keys", keys, "--plot", plot, "--json"});
+  ASSERT_EQ(sliced.status, 0) << sliced.err;
+  const Json result = Json::parse(sliced.out);
+  EXPECT_NEAR(result["fit"]["delay"].get<double>(), 0.07, 0.001);
+  ASSERT_EQ(result["keys"].size(), 20u);
+  for (std::size_t i = 0; i < 20; i += 2) {
+    const Json &press = result["keys"][i], &release = result["keys"][i + 1];
+    EXPECT_EQ(press["fate"], "good") << i;
+    EXPECT_NEAR(press["onset"].get<double>(), 48000 * (0.25 + 0.25 * static_cast<double>(i)), 48);
+    EXPECT_EQ(release["fate"], "unheard") << i;
+    EXPECT_EQ(release["onset"], nullptr);
+  }
+  EXPECT_EQ(result["hits"].size(), 10u);
+  EXPECT_EQ(result["hits"][0]["isBig"], true);
+  EXPECT_EQ(result["down"], Json::parse(R"({"space": {"medium": 4}})"));
+  EXPECT_NE(testing::contentOf(plot).find("big press 10"), std::string::npos);
+  const auto words = run({"slice", recording, "--keys", keys}).out;
+  EXPECT_NE(words.find("10 good, 10 unheard"), std::string::npos) << words;
+  EXPECT_NE(words.find("takes for space: medium 4\n"), std::string::npos) << words;
+  const auto refused = run({"slice", recording, "--keys", folder.write("bad.csv", text + "x\n")});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_NE(refused.err.find("bad.csv:22: "), std::string::npos) << refused.err;
+}
+
 }  // namespace
 }  // namespace tobrin

@@ -7,6 +7,7 @@
 
 #include "Building/HitFeatures.h"
 #include "Recording/StrokeBeginnings.h"
+#include "Recording/TierCounts.h"
 
 namespace tobrin {
 namespace {
@@ -123,6 +124,12 @@ class SoundJudge {
     for (const Beginning& each : beginnings_)
       onsets.samples.push_back(each.sample);
     hits_ = measureHits({mono_, mono_, mono_, rate_}, onsets);
+    for (std::size_t i = 0; i < hits_.size(); ++i) {
+      if (!beginnings_[i].key) continue;
+      const RecordedKey& key = keys_[*beginnings_[i].key];
+      hits_[i].isRelease = key.action == KeyAction::up;
+      hits_[i].isBig = isLarge(key.group);
+    }
     usualEnergy_ = {usualEnergy(KeyAction::down), usualEnergy(KeyAction::up)};
   }
 

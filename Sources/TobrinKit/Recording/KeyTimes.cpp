@@ -10,10 +10,6 @@ namespace {
 
 constexpr std::string_view header = "time_ns,action,group,key";
 
-std::string_view nameOf(KeyAction action) {
-  return action == KeyAction::down ? "down" : "up";
-}
-
 KeyAction actionIn(const TraceCsv& lines) {
   for (const KeyAction action : {KeyAction::down, KeyAction::up}) {
     if (lines.text(1) == nameOf(action)) return action;
@@ -53,6 +49,10 @@ class KeyStates {
 };
 
 }  // namespace
+
+std::string_view nameOf(KeyAction action) {
+  return action == KeyAction::down ? "down" : "up";
+}
 
 std::vector<RecordedKey> loadKeyTimes(const std::filesystem::path& file) {
   return parseKeyTimes(TraceCsv::load(file), file.string());

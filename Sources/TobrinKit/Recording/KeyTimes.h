@@ -14,6 +14,9 @@
 
 namespace tobrin {
 
+/// The action's name in the file, in lower case.
+[[nodiscard]] std::string_view nameOf(KeyAction action);
+
 /// Reads a file. Throws `TraceError` that names the file and the line at fault.
 [[nodiscard]] std::vector<RecordedKey> loadKeyTimes(const std::filesystem::path& file);
 /// The same of a text; `name` stands for the file in errors.

@@ -180,7 +180,7 @@ KeyedTakes findKeyedTakes(const KeyedRecording& recording, const SlicerOptions& 
   for (const KeyGroup group : allKeyGroups) {
     auto presses = cutter.presses(group);
     if (!presses.empty()) result.down.emplace(group, std::move(presses));
-    auto releases = cutter.releases(group);
+    auto releases = options.noReleases ? Takes() : cutter.releases(group);
     if (!releases.empty()) result.up.emplace(group, std::move(releases));
   }
   levelAll(result);
