@@ -150,40 +150,18 @@ TEST_F(AppModelTest, SavesOnceChangesEndAndAtTheEnd) {
   EXPECT_EQ(settings_.writes, 3) << "nothing is left to do";
 }
 
-TEST_F(AppModelTest, SaysWhyTheShortcutDoesNotWork) {
-  using Result = ShortcutGrab::Result;
-  const std::tuple<ShortcutGrab, bool, std::string> rows[] = {
-      // answer, reserved, problem
-      {{}, false, ""},
-      {{},
-       true,
-       "Ctrl+Alt+Super+K is a system shortcut (the desktop's keyboard settings). Pick another."},
-      {{Result::taken, 0}, false, "Ctrl+Alt+Super+K is already used by another app. Pick another."},
-      {{Result::failed, -9868}, false, "Couldn't set up Ctrl+Alt+Super+K (error -9868)."},
-  };
+TEST_F(AppModelTest, LetsGoOfAShortcutThatIsNotWanted) {
   AppModel& model = start();
-  for (const auto& [answer, reserved, problem] : rows) {
-    shortcuts_.answer = answer;
-    shortcuts_.reserved = reserved;
-    log_.clear();
-    model.menuOpened();
-    EXPECT_EQ(model.shortcutProblem().value_or(""), problem);
-    EXPECT_EQ(shortcuts_.pressed != nullptr, problem.empty()) << "holds nothing it should not";
-    EXPECT_EQ(log_, problem.empty()
-                        ? ""
-                        : "Tobrin: shortcut Ctrl+Alt+Super+K unavailable: " + problem + "\n");
-  }
-  shortcuts_.answer = {};
+  shortcuts_.reserved = true;
+  model.menuOpened();
+  EXPECT_FALSE(shortcuts_.pressed) << "holds nothing it should not";
+  EXPECT_EQ(log_,
+            "Tobrin: shortcut Ctrl+Alt+Super+K unavailable: " + *model.shortcutProblem() + "\n");
+  shortcuts_.reserved = false;
   shortcuts_.changed();  // the settings were slow to come: nothing is reserved
   advance(0);
-  const std::string hint = "Ctrl+Alt+Super+K in any app to turn sounds on or off";
-  EXPECT_EQ(model.shortcutHint(), hint);
-  shortcuts_.route = ShortcutRoute::shared;
-  EXPECT_EQ(model.shortcutHint(), hint + ". Other apps see these keys too.");
   const auto late = shortcuts_.pressed;
   change([](EngineSettings& settings) { settings.shortcutEnabled = false; });
-  EXPECT_EQ(model.shortcutProblem(), std::nullopt);
-  EXPECT_EQ(model.shortcutHint(), hint);
   EXPECT_FALSE(shortcuts_.pressed);
   late();  // pressed just before the program ends
   model_.reset();
@@ -344,30 +322,6 @@ TEST_F(AppModelTest, WaitsForAccessToKeys) {
   model.giveBackKeyAccess();
   EXPECT_EQ(desktop_.actions.back(), "no access");
   EXPECT_EQ(model.keyAccessProblem(), "Access to keys can't be taken back: nobody agreed");
-}
-
-TEST_F(AppModelTest, AsksToBeStartedAgain) {
-  keys_.work(false);
-  AppModel& model = start();
-  EXPECT_TRUE(model.hasPermission());
-  EXPECT_EQ(keys_.requests, 0);
-  advance(1500);  // the first look that finds access without keys
-  advance(3000);
-  EXPECT_FALSE(model.needsRelaunch()) << "not before more than 3 s";
-  advance(1500);
-  EXPECT_TRUE(model.needsRelaunch());
-
-  desktop_.refusal = "no program";
-  model.relaunch();
-  EXPECT_EQ(desktop_.actions, (std::vector<std::string>{"relaunch"})) << "stays while it can't";
-  desktop_.refusal.clear();
-  model.relaunch();
-  EXPECT_EQ(desktop_.actions.back(), "terminate");
-
-  keys_.work(true);
-  model.menuOpened();
-  EXPECT_TRUE(model.listening()) << "opening the panel looks too";
-  EXPECT_FALSE(model.needsRelaunch());
 }
 
 TEST_F(AppModelTest, APreviewLeavesNoTrace) {

@@ -45,7 +45,8 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   desktop_.refusal.clear();
   keys_.work(false);
   keys_.allowed = keys_.canGiveBack = true;
-  after("access, but no keys", 6500);
+  after("access, but no keys", 4500);
+  after("for more than 3 s", 1500);
   keys_.work(true);
   panel_->openSettings();
   after("keys");
@@ -64,6 +65,19 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   EXPECT_FALSE(panel_->chooseShortcut(56, Qt::ControlModifier));
   EXPECT_TRUE(panel_->chooseShortcut(0, Qt::ShiftModifier | Qt::MetaModifier));
   after("a shortcut that is taken");
+  shortcuts_.answer = {ShortcutGrab::Result::failed, -9868};
+  panel_->menuOpened();
+  after("that fails");
+  shortcuts_.reserved = true;
+  panel_->menuOpened();
+  after("that is the system's");
+  shortcuts_.reserved = false;
+  shortcuts_.answer = {};
+  for (const ShortcutRoute route : {ShortcutRoute::shared, ShortcutRoute::desktop}) {
+    shortcuts_.route = route;
+    panel_->menuOpened();
+    after("that works");
+  }
   EXPECT_TRUE(panel_->chooseShortcut(2, Qt::AltModifier | Qt::ControlModifier));
   panel_->captureShortcut(true);
   after("while keys are pressed to choose it");
@@ -103,10 +117,14 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
 
 TEST_F(PanelModelTest, ShowsPacksComeAndGo) {
   device_->refusal = "no server";
+  keys_.allowed = false;
   start();
   (void)bindings_->changes();  // all that is there at first
   (void)shelfBindings_->changes();
   after("without a sound server");
+  keys_.allowed = true;
+  panel_->menuOpened();
+  after("with keys");
   device_->recover();
   after("with a sound server");
   whileAdding_ = [&] {
