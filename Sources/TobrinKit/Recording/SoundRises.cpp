@@ -19,10 +19,13 @@ constexpr std::size_t shortWindow = 6;  // hops: 3 ms before and after, for wher
 constexpr std::size_t longWindow = 24;  // hops: 12 ms, for what noise hides from the short one
 constexpr std::size_t shortReach = 4;   // hops: a rise is the clearest within 2 ms
 constexpr std::size_t longReach = 20;
+constexpr std::ptrdiff_t placeReach = 10;
 constexpr std::size_t noiseHops = 20;  // 10 ms: long enough for a steady figure
 constexpr double noisePercentile = 0.15;
-constexpr double leastEvidence = 14;  // noise alone exceeds it about once in ten minutes
-constexpr double leastCoarse = 8;
+// Noise alone exceeds the first about once in ten minutes, and the second a few times a second:
+// what the long window finds is for those who know where to look.
+constexpr double leastShortEvidence = 14;
+constexpr double leastLongEvidence = 4;
 constexpr double silence = 1e-12;  // power
 constexpr double levelSeconds = 0.010;
 
@@ -140,16 +143,21 @@ float levelFrom(std::span<const float> signal, std::size_t sample, double rate) 
   return static_cast<float>(10 * std::log10(sum / static_cast<double>(part.size() + 1)));
 }
 
-/// The rises of the short window, and those of the long one that it does not see.
+/// The rises of the short window, and those of the long one that it does not see; they are placed
+/// by the short one, which is the finer.
 std::vector<std::pair<std::size_t, double>> joined(const std::vector<double>& fine,
                                                    const std::vector<double>& coarse) {
   std::vector<std::pair<std::size_t, double>> result;
-  const auto hops = clearest(fine, shortReach, leastEvidence);
+  const auto hops = clearest(fine, shortReach, leastShortEvidence);
   for (const std::size_t k : hops)
     result.emplace_back(k, fine[k]);
-  for (const std::size_t k : clearest(coarse, longReach, leastCoarse)) {
+  for (const std::size_t k : clearest(coarse, longReach, leastLongEvidence)) {
     const auto next = std::lower_bound(hops.begin(), hops.end(), k > longReach ? k - longReach : 0);
-    if (next == hops.end() || *next > k + longReach) result.emplace_back(k, coarse[k]);
+    if (next != hops.end() && *next <= k + longReach) continue;
+    // The long window keeps clear of both ends, so there is room to either side.
+    const auto place = fine.begin() + static_cast<std::ptrdiff_t>(k);
+    const auto best = std::max_element(place - placeReach, place + placeReach + 1);
+    result.emplace_back(static_cast<std::size_t>(best - fine.begin()), coarse[k]);
   }
   std::sort(result.begin(), result.end());
   return result;

@@ -36,9 +36,9 @@ TEST(KeyedTakes, EverySoundGoesToItsKey) {
     EXPECT_NEAR(takes.fit.delay, condition.delay, 0.005);  // a bump comes before the strike
     EXPECT_NEAR(takes.fit.drift, condition.drift, 40e-6);
     EXPECT_GE(score.presses, 0.995);
-    EXPECT_GE(score.releases, 0.98);
+    EXPECT_GE(score.releases, 0.99);
     EXPECT_EQ(score.wrong, 0u);
-    EXPECT_LT(score.onsetErrorMs, 2);
+    EXPECT_LT(score.onsetErrorMs, 1);
     EXPECT_GE(score.good, takes.sounds.size() / 2 - 50);
     EXPECT_LE(score.spoiled, score.good / 20);
   }
