@@ -45,8 +45,9 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   desktop_.refusal.clear();
   keys_.work(false);
   keys_.allowed = keys_.canGiveBack = true;
-  after("access, but no keys", 4500);
-  after("for more than 3 s", 1500);
+  after("access, but no keys", 4600);
+  panel_->menuOpened();
+  after("for more than 3 s");
   keys_.work(true);
   panel_->openSettings();
   after("keys");

@@ -15,9 +15,10 @@ class Copy:
     def __init__(self, folder):
         self.folder = folder
         self.build = folder / 'build/release'
+        self.note = folder / 'changed'  # names the file that differs from the checkout now
         self.refresh()
         self.configure()
-        if not self.make('unit-tests'):
+        if not self.make('unit-tests') or not self.mend():
             sys.exit('mutants: the sources do not build as they are')
         self.programs = [Program(line) for line in (self.build / 'unit-tests.txt').read_text().splitlines()]
 
@@ -36,6 +37,14 @@ class Copy:
             for target in list((self.folder / top).rglob('*')):
                 if target.is_file() and target.relative_to(self.folder) not in wanted:
                     target.unlink()
+
+    def mend(self):
+        """Of a hunt that was ended in the middle, a compiler may have put the changed source's code in place since."""
+        if not self.note.exists():
+            return True
+        (self.folder / self.note.read_text()).touch()
+        self.note.unlink()
+        return self.make('unit-tests')
 
     def configure(self):
         linker = '-fuse-ld=lld' if shutil.which('ld.lld') else ''
@@ -64,6 +73,7 @@ class Copy:
         """Whether any program differs, and who noticed."""
         path = self.folder / change.file
         text = path.read_text()
+        self.note.write_text(change.file)
         path.write_text(change.apply(text))
         try:
             differs, noticed = self.ask_units(change.file)
@@ -72,6 +82,7 @@ class Copy:
             return differs, noticed
         finally:
             path.write_text(text)
+            self.note.unlink()
 
     def ask_units(self, source):
         differs, near = False, self.suites_near(source)

@@ -64,10 +64,13 @@ TEST_F(PackLibraryFolders, OrdersNamesByTheFirstLocaleThatIsSet) {
   pack("bundled/1", "a", "z");
   pack("bundled/2", "b", "ö");
   EXPECT_EQ(names(), "ö*;z*;");
-  variables_["LC_COLLATE"] = "sv_SE.UTF-8";
-  variables_["LC_ALL"] = "";
+  variables_["LANG"] = "sv_SE.UTF-8";
   EXPECT_EQ(names(), "z*;ö*;");
-  variables_["LC_ALL"] = "en_US.UTF-8";
+  variables_["LC_COLLATE"] = "en_US.UTF-8";
+  EXPECT_EQ(names(), "ö*;z*;");
+  variables_["LC_ALL"] = "sv_SE.UTF-8";
+  EXPECT_EQ(names(), "z*;ö*;");
+  variables_["LC_ALL"] = "";
   EXPECT_EQ(names(), "ö*;z*;");
 }
 
