@@ -42,7 +42,7 @@ std::string shortSum(const std::string& bytes) {
 }
 
 /// Every file of the starter packs and some renders, on every processor.
-TEST(SameBytes, StarterPacksAndTheirRendersAreAsTheyWere) {
+TEST(SameBytes, StarterPacksTheirRendersAndHitsAreAsTheyWere) {
   const testing::TempFolder folder;
   const std::string into = folder.path();
   ASSERT_EQ(run({"generate", "--into", into}).status, 0);
@@ -62,6 +62,10 @@ TEST(SameBytes, StarterPacksAndTheirRendersAreAsTheyWere) {
   for (const auto& [name, bytes] : testing::filesIn(folder.path()))
     sums += name + " " + shortSum(bytes) + "\n";
   testing::expectKeptText(sums, "TobrinPacks/same-bytes.txt");
+  const std::string plot = into + "/plot.svg";
+  const Outcome sliced = run({"slice", into + "/cream.wav", "--plot", plot});
+  testing::expectKeptText(sliced.out, "TobrinPacks/slice.txt");
+  testing::expectKeptText(testing::contentOf(plot), "TobrinPacks/plot.svg");
 }
 
 TEST(LoudnessCommand, MeasuresFilesAtAnyRateAndPacksInUse) {
