@@ -1,13 +1,17 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <iostream>
 #include <nlohmann/json.hpp>
 
+#include "Commands.h"
 #include "Packs/SampleBuffer.h"
 #include "RunWorkshop.h"
 #include "ScriptFile.h"
 #include "Support/AudioFiles.h"
+#include "Support/CommandTexts.h"
 #include "Support/Failure.h"
+#include "Support/KeptText.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
@@ -54,6 +58,17 @@ TEST_F(PackWorkshop, WrongUsageAndFailureHaveDifferentStatus) {
   EXPECT_EQ(run({"check", path("bundled/bad"), "--json"}), 1);
   EXPECT_EQ(last_.err, "tobrin-packs: Invalid bad: path escapes pack: ../x y.wav\n") << "one line";
   EXPECT_EQ(last_.out, "");
+}
+
+TEST(PackWorkshopTexts, AreAsTheyWere) {
+  CLI::App app;
+  for (const auto& add :
+       {addListCommand, addCheckCommand, addGenerateCommand, addLoudnessCommand, addRenderCommand,
+        addSliceCommand, addBuildCommand, addImportCommand, addExportCommand, addInstallCommand})
+    add(app, {std::cout, std::cerr});
+  const std::string help = testing::run({"--help"}).out;
+  testing::expectKeptText(testing::textsOf(app) + help.substr(help.find("Examples:")),
+                          "TobrinPacks/commands.txt");
 }
 
 TEST_F(PackWorkshop, ListsWhatItFinds) {

@@ -12,36 +12,24 @@
 namespace tobrin {
 namespace {
 
-TEST(MicWatch, DescribesTheInput) {
-  std::ostringstream out;
-  VirtualQueue queue(MicMonitor::queueName), main("main");
-  MicMonitor monitor(queue, main, nullptr);
-  const PlatformWords words{.unknownRecorder = "unknown here"};
-  MicWatch::Surroundings surroundings{.words = words};
-  surroundings.processName = [](int32_t process) {
-    return process == 99 ? std::optional<std::string>("caller") : std::nullopt;
-  };
-  const MicWatch watch(monitor, main, out, surroundings);
-  EXPECT_EQ(watch.describe({std::nullopt, false, false, {{99, 98}}}),
-            "default input: none · running: no · recording: caller, pid 98");
-  EXPECT_EQ(watch.describe({"Headset", true, true, std::nullopt}),
-            "default input: Headset (also plays audio) · running: yes · "
-            "recording: unknown here");
-}
-
 TEST(MicWatch, SaysWhatItSeesWordForWord) {
   setenv("TZ", "UTC", 1);
   std::ostringstream out;
   VirtualQueue queue(MicMonitor::queueName), main("main");
   const auto mic = std::make_shared<testing::MicState>();
   MicMonitor monitor(queue, main, std::make_unique<testing::ScriptedMicSource>(mic));
-  const PlatformWords words{.soundStateOnly = "(state only)"};
+  const PlatformWords words{.soundStateOnly = "(state only)", .unknownRecorder = "unknown here"};
   MicWatch::Surroundings surroundings{.now = [] { return std::time_t{3723}; }, .words = words};
-  surroundings.processName = [](int32_t) { return std::optional<std::string>("caller"); };
+  surroundings.processName = [](int32_t process) {
+    return process == 7 ? std::optional<std::string>("caller") : std::nullopt;
+  };
+  const MicActivity seen[] = {{std::nullopt, false, false, {{7, 98}}},
+                              {std::nullopt, false, false, {std::vector<int32_t>()}},
+                              {"Headset", true, true, std::nullopt}};
   surroundings.sleep = [&](auto) {
     queue.runUntil(queue.now());
-    for (const bool called : {true, false}) {
-      mic->activity.recordingProcesses = called ? std::vector<int32_t>{7} : std::vector<int32_t>();
+    for (const MicActivity& activity : seen) {
+      mic->activity = activity;
       mic->changed();
       queue.runUntil(queue.now() + machTicks(2000));
       main.runUntil(queue.now());
@@ -49,13 +37,16 @@ TEST(MicWatch, SaysWhatItSeesWordForWord) {
   };
   mic->activity.recordingProcesses.emplace();
   EXPECT_EQ(MicWatch(monitor, main, out, surroundings).run(2.9), 0);
-  EXPECT_EQ(out.str(),
-            "Watching the microphone for 2 s (state only).\n"
-            "  default input: none · running: no · recording: nobody\n  mic in use: no\n"
-            "01:02:03  mic in use: sounds pause\n"
-            "  default input: none · running: no · recording: caller\n"
-            "01:02:03  mic free: sounds resume\n"
-            "  default input: none · running: no · recording: nobody\n");
+  EXPECT_EQ(
+      out.str(),
+      "Watching the microphone for 2 s (state only).\n"
+      "  default input: none · running: no · recording: nobody\n  mic in use: no\n"
+      "01:02:03  mic in use: sounds pause\n"
+      "  default input: none · running: no · recording: caller, pid 98\n"
+      "01:02:03  mic free: sounds resume\n"
+      "  default input: none · running: no · recording: nobody\n"
+      "01:02:03  mic in use: sounds pause\n"
+      "  default input: Headset (also plays audio) · running: yes · recording: unknown here\n");
 }
 
 }  // namespace
