@@ -21,6 +21,7 @@ constexpr std::size_t lagBins = 30;
 constexpr double largestDrift = 500e-6;
 constexpr double driftSmear = 0.002;     // s over the recording, from one drift tried to the next
 constexpr std::size_t mostEvents = 800;  // of each action in the search; more do not change it
+constexpr float sureEvidence = 14;       // weaker rises cost the search time, and say little
 constexpr double enoughEvidence = 60;    // what is surer counts no more
 constexpr double likelyDrift = 150e-6;   // of clocks of two devices; holds where little is known
 constexpr double fewestPresses = 4;
@@ -59,6 +60,7 @@ std::vector<Candidate> candidatesOf(const std::vector<double>& events,
     for (; rise != rises.end(); ++rise) {
       const double after = static_cast<double>(rise->sample) / rate - events[i];
       if (after >= latestDelay) break;
+      if (rise->evidence < sureEvidence) continue;
       result.push_back(
           {events[i], after, std::min(static_cast<double>(rise->evidence) / enoughEvidence, 1.0)});
     }

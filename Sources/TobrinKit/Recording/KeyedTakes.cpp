@@ -4,9 +4,11 @@
 #include <cmath>
 #include <cstdio>
 #include <iterator>
+#include <span>
 
 #include "Building/TakeCutter.h"
 #include "Building/TierAssignment.h"
+#include "Recording/NoiseRemoval.h"
 #include "Recording/TierCounts.h"
 
 namespace tobrin {
@@ -25,13 +27,13 @@ struct GoodRelease {
 
 class KeyedCutter {
  public:
-  KeyedCutter(const KeyedRecording& recording, const std::vector<KeySound>& sounds,
-              const SlicerOptions& options)
+  /// Cuts out of `samples`, which are the recording's or what is left of them without noise.
+  KeyedCutter(const KeyedRecording& recording, std::span<const float> samples,
+              const std::vector<KeySound>& sounds, const SlicerOptions& options)
       : recording_(recording),
         sounds_(sounds),
         options_(options),
-        cutter_({recording.samples, recording.samples, recording.samples, recording.rate},
-                options) {}
+        cutter_({samples, samples, samples, recording.rate}, options) {}
 
   RecordedTiers presses(KeyGroup group) const {
     const CutTake cut = [&](const RecordedHit& hit) {
@@ -163,7 +165,12 @@ std::string reportOf(const KeyedTakes& takes, const std::vector<RecordedKey>& ke
   text += takes.fit.isKnown ? numbers : "; the sounds do not go with the keys; ";
   (void)std::snprintf(numbers, sizeof numbers, "noise floor %.1f dB",
                       20 * std::log10(static_cast<double>(takes.noiseFloor) + 1e-9));
-  return text + numbers;
+  text += numbers;
+  if (takes.noiseLoweredDb > 0) {
+    (void)std::snprintf(numbers, sizeof numbers, ", %.0f dB lower in takes", takes.noiseLoweredDb);
+    text += numbers;
+  }
+  return text;
 }
 
 }  // namespace
@@ -176,7 +183,10 @@ KeyedTakes findKeyedTakes(const KeyedRecording& recording, const SlicerOptions& 
   result.fit = fitClocks(rises.rises, recording.keys, recording.rate);
   result.sounds =
       findKeySounds(recording.samples, recording.rate, rises, recording.keys, result.fit, options);
-  const KeyedCutter cutter(recording, result.sounds, options);
+  const NoiseRemoval cleaned = removeNoise(recording, result.sounds, result.fit);
+  result.noiseLoweredDb = cleaned.loweredDb;
+  const auto& samples = cleaned.samples.empty() ? recording.samples : cleaned.samples;
+  const KeyedCutter cutter(recording, samples, result.sounds, options);
   for (const KeyGroup group : allKeyGroups) {
     auto presses = cutter.presses(group);
     if (!presses.empty()) result.down.emplace(group, std::move(presses));

@@ -18,9 +18,10 @@ struct KeyedTakes {
   std::map<KeyGroup, std::vector<RecordedTake>> up;
   std::vector<KeySound> sounds;  ///< one a key of the recording, in the same order
   ClockFit fit;
-  double rate = 48000;   ///< Hz, of the takes
-  float noiseFloor = 0;  ///< amplitude above 700 Hz
-  std::string report;    ///< one line for people
+  double rate = 48000;        ///< Hz, of the takes
+  float noiseFloor = 0;       ///< amplitude above 700 Hz
+  double noiseLoweredDb = 0;  ///< in the takes; 0 where the recording was left as it is
+  std::string report;         ///< one line for people
 };
 
 /// Finds the sound of every key and cuts the good ones, of presses up to `variantsOf` a tier, of
