@@ -11,8 +11,9 @@ inline std::string textsOf(const CLI::App& app) {
   for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
     text += command->get_name() + ": " + command->get_description() + "\n";
     for (const CLI::Option* option : command->get_options())
-      text += "  " + option->get_name(true, true) + (option->get_required() ? "!" : "") + " [" +
-              option->get_default_str() + "]: " + option->get_description() + "\n";
+      if (option != command->get_help_ptr())
+        text += "  " + option->get_name(true, true) + (option->get_required() ? "!" : "") + " [" +
+                option->get_default_str() + "]: " + option->get_description() + "\n";
   }
   return text;
 }

@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <sstream>
 
+#include "Commands.h"
+#include "Support/CommandTexts.h"
+#include "Support/KeptText.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
@@ -54,6 +57,15 @@ TEST_F(ForceToolsTest, FailuresAreOneLineAndTheirStatusShowsTheirKind) {
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << text;
     EXPECT_EQ(out.str(), "");
   }
+}
+
+TEST_F(ForceToolsTest, ItsTextsAreAsTheyWere) {
+  CLI::App app;
+  addRecordCommand(app, {out, err});
+  addReplayCommand(app, {out, err});
+  ASSERT_EQ(run({"--help"}), 0);
+  testing::expectKeptText(testing::textsOf(app) + out.str().substr(out.str().find("Examples:")),
+                          "TobrinForce/commands.txt");
 }
 
 }  // namespace

@@ -25,7 +25,9 @@ TEST(MicWatch, SaysWhatItSeesWordForWord) {
   };
   const MicActivity seen[] = {{std::nullopt, false, false, {{7, 98}}},
                               {std::nullopt, false, false, {std::vector<int32_t>()}},
-                              {"Headset", true, true, std::nullopt}};
+                              {"Headset", true, true, {{98}}},
+                              {std::nullopt, false, false, {std::vector<int32_t>()}},
+                              {"Webcam", true, false, std::nullopt}};
   surroundings.sleep = [&](auto) {
     queue.runUntil(queue.now());
     for (const MicActivity& activity : seen) {
@@ -37,16 +39,19 @@ TEST(MicWatch, SaysWhatItSeesWordForWord) {
   };
   mic->activity.recordingProcesses.emplace();
   EXPECT_EQ(MicWatch(monitor, main, out, surroundings).run(2.9), 0);
-  EXPECT_EQ(
-      out.str(),
-      "Watching the microphone for 2 s (state only).\n"
-      "  default input: none · running: no · recording: nobody\n  mic in use: no\n"
-      "01:02:03  mic in use: sounds pause\n"
-      "  default input: none · running: no · recording: caller, pid 98\n"
-      "01:02:03  mic free: sounds resume\n"
-      "  default input: none · running: no · recording: nobody\n"
-      "01:02:03  mic in use: sounds pause\n"
-      "  default input: Headset (also plays audio) · running: yes · recording: unknown here\n");
+  EXPECT_EQ(out.str(),
+            "Watching the microphone for 2 s (state only).\n"
+            "  default input: none · running: no · recording: nobody\n  mic in use: no\n"
+            "01:02:03  mic in use: sounds pause\n"
+            "  default input: none · running: no · recording: caller, pid 98\n"
+            "01:02:03  mic free: sounds resume\n"
+            "  default input: none · running: no · recording: nobody\n"
+            "01:02:03  mic in use: sounds pause\n"
+            "  default input: Headset (also plays audio) · running: yes · recording: pid 98\n"
+            "01:02:03  mic free: sounds resume\n"
+            "  default input: none · running: no · recording: nobody\n"
+            "01:02:03  mic in use: sounds pause\n"
+            "  default input: Webcam · running: yes · recording: unknown here\n");
 }
 
 }  // namespace
