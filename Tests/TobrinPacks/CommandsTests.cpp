@@ -9,6 +9,7 @@
 #include "Packs/WAVWriter.h"
 #include "RunWorkshop.h"
 #include "Support/AudioFiles.h"
+#include "Support/ForeignPacks.h"
 #include "Support/KeptText.h"
 #include "Support/TempFolder.h"
 
@@ -62,10 +63,19 @@ TEST(SameBytes, StarterPacksTheirRendersAndHitsAreAsTheyWere) {
   for (const auto& [name, bytes] : testing::filesIn(folder.path()))
     sums += name + " " + shortSum(bytes) + "\n";
   testing::expectKeptText(sums, "TobrinPacks/same-bytes.txt");
-  const std::string plot = into + "/plot.svg";
-  const Outcome sliced = run({"slice", into + "/cream.wav", "--plot", plot, "--options",
-                              folder.write("gain.json", R"({"gainDb": 6})")});
-  testing::expectKeptText(sliced.out, "TobrinPacks/slice.txt");
+  testing::writeFiles(folder.path() / "foreign", testing::foreign::files());
+  const std::string plot = into + "/plot.svg", made = into + "/made";
+  const std::string options = folder.write("gain.json", R"({"gainDb": 6})");
+  std::string said;
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"slice", into + "/cream.wav", "--plot", plot, "--options",
+                                 options},
+        {"import", into + "/foreign", "--into", made},
+        {"check", made},
+        {"check", into + "/dome", "--json"},
+        {"loudness", into + "/dome"}})
+    said += run(words).out;
+  testing::expectKeptText(said, "TobrinPacks/said.txt");
   testing::expectKeptText(testing::contentOf(plot), "TobrinPacks/plot.svg");
 }
 
