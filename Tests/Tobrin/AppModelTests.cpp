@@ -315,13 +315,6 @@ TEST_F(AppModelTest, WaitsForAccessToKeys) {
   keys_.allowed = true;
   advance(1500);
   EXPECT_TRUE(model.listening()) << "given back";
-  EXPECT_FALSE(model.canGiveBackKeyAccess());
-  keys_.canGiveBack = true;
-  EXPECT_TRUE(model.canGiveBackKeyAccess());
-  desktop_.refusal = "nobody agreed";
-  model.giveBackKeyAccess();
-  EXPECT_EQ(desktop_.actions.back(), "no access");
-  EXPECT_EQ(model.keyAccessProblem(), "Access to keys can't be taken back: nobody agreed");
 }
 
 TEST_F(AppModelTest, APreviewLeavesNoTrace) {

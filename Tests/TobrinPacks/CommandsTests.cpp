@@ -72,7 +72,7 @@ TEST(SameBytes, StarterPacksTheirRendersAndHitsAreAsTheyWere) {
                                  options},
         {"import", into + "/foreign", "--into", made},
         {"check", made},
-        {"check", into + "/dome", "--json"},
+        {"check", made, "--json"},
         {"loudness", into + "/dome"}})
     said += run(words).out;
   testing::expectKeptText(said, "TobrinPacks/said.txt");

@@ -58,14 +58,6 @@ TEST(LoadedPack, FillsMissingGroupsFromAlphaElseFromAnother) {
   EXPECT_THROW(TestPack().up(KeyGroup::alpha, 1).make("x"), PackError);
 }
 
-TEST(LoadedPack, VariantsRunThroughEachTierOnItsOwn) {
-  TestPack builder;
-  for (const Tier tier : allTiers)
-    for (std::size_t i = 0; i < 5 - index(tier); ++i)
-      builder.down(KeyGroup::alpha, tier, static_cast<float>(i));
-  EXPECT_EQ(values(*builder.make(), KeyGroup::alpha, 4), (std::vector<float>{4, 0, 1, 0}));
-}
-
 /// A pack folder of one `alpha` tier whose paths are given.
 class LoadedPackFolder : public ::testing::Test {
  protected:
