@@ -6,7 +6,6 @@
 #include "Input/Accelerator.h"
 #include "Input/ChordRecognizer.h"
 #include "Input/Hotkey.h"
-#include "Support/KeptText.h"
 
 namespace tobrin {
 namespace {
@@ -64,15 +63,6 @@ TEST(Hotkey, ShowsModifiersInOrderThenTheKey) {
     EXPECT_EQ(row.hotkey.displayString(row.keyName), row.shown);
     EXPECT_EQ(row.hotkey.spelledOut(words, row.keyName), row.spelledOut);
   }
-}
-
-TEST(Hotkey, EveryKeyHasItsLabel) {
-  std::string shown;
-  for (uint32_t code = 0; code < 128; ++code)
-    shown += std::to_string(code) + " " + Hotkey{code, {}}.displayString(nullptr) + "\n";
-  for (const Hotkey& preset : Hotkey::presets())
-    shown += preset.displayString(nullptr) + "\n";
-  testing::expectKeptText(shown, "TobrinKit/Input/labels.txt");
 }
 
 constexpr uint32_t command = Modifiers::command;
