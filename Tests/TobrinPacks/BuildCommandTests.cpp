@@ -64,7 +64,7 @@ TEST_F(BuildCommand, NeverTakesOneRecordingForAnotherWithItsNumber) {
   const auto takesOf = [&](const std::string& address) {
     Json beginning = source(1, address);
     beginning["end"] = 8;
-    const auto built = build({beginning}, pack);
+    const auto built = build(Json::array({beginning}), pack);
     EXPECT_EQ(built.status, 0) << built.err;
     auto takes = filesIn(pack);
     takes.erase("pack.json");
