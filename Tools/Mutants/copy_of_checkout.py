@@ -12,7 +12,9 @@ SUITE = re.compile(r'^TEST(?:_F|_P)?\((\w+),', re.MULTILINE)
 
 
 class Copy:
-    def __init__(self, folder):
+    """`desktop` are the desktop tests to ask; none where it is empty."""
+
+    def __init__(self, folder, desktop):
         self.folder = folder
         self.build = folder / 'build/release'
         self.note = folder / 'changed'  # names the file that differs from the checkout now
@@ -20,6 +22,10 @@ class Copy:
         self.configure()
         if not self.make('unit-tests') or not self.mend():
             sys.exit('mutants: the sources do not build as they are')
+        self.desktop = desktop
+        if desktop and not self.make('all'):
+            sys.exit('mutants: the application does not build as it is')
+        self.unchanged = self.application()
         self.programs = [Program(line) for line in (self.build / 'unit-tests.txt').read_text().splitlines()]
 
     def refresh(self):
@@ -69,7 +75,12 @@ class Copy:
         for program, same in zip(self.programs, other.programs):
             program.seconds, program.noticed = same.seconds, same.noticed
 
-    def try_change(self, change, desktop):
+    def application(self):
+        """The program and what it loads."""
+        files = [self.build / 'tobrin', *sorted((self.build / 'modules').glob('*.so'))]
+        return [file.read_bytes() for file in files if file.exists()]
+
+    def try_change(self, change):
         """Whether any program differs, and who noticed."""
         path = self.folder / change.file
         text = path.read_text()
@@ -77,8 +88,8 @@ class Copy:
         path.write_text(change.apply(text))
         try:
             differs, noticed = self.ask_units(change.file)
-            if differs and not noticed and desktop:
-                noticed = self.ask_desktop(desktop)
+            if self.desktop and not noticed:
+                return self.ask_desktop(differs)
             return differs, noticed
         finally:
             path.write_text(text)
@@ -97,14 +108,16 @@ class Copy:
                 return True, failed
         return differs, None
 
-    def ask_desktop(self, names):
-        """The first live test that fails, each in a private desktop."""
+    def ask_desktop(self, differs):
+        """Each of these tests is a program that runs in a private desktop."""
         if not self.make('all', keep=False):
-            return 'the build'
-        run = subprocess.run(['ctest', '--label-regex', '^desktop$', '--tests-regex', names, '--stop-on-failure'],
+            return False, None
+        if not differs and self.application() == self.unchanged:
+            return False, None
+        run = subprocess.run(['ctest', '--label-regex', '^desktop$', '--tests-regex', self.desktop, '--stop-on-failure'],
                              cwd=self.build, capture_output=True, text=True)
         failed = re.search(r'Test +#\d+: (\S+) .*\*\*\*', run.stdout)
-        return failed.group(1) if failed else None
+        return True, failed.group(1) if failed else None
 
     def nearest_first(self, source):
         """The tests of the changed target are the likeliest to notice; of the others, the quick ones go first."""
