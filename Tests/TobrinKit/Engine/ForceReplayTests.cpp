@@ -36,6 +36,19 @@ TEST(ForceReplay, TheWindowGoesFromTwelveBeforeToFourteenAfter) {
   }
 }
 
+TEST(ForceReplay, CountsWhatStandsOutFromTheNoise) {
+  int counted = 0;
+  for (int i = 0; i < 20; ++i) {
+    MotionTrace trace = traceOf(6000, {{4990, 0.001 + 0.0005 * i}});
+    for (std::size_t n = 0; n < trace.samples.size(); ++n)
+      trace.samples[n].acceleration.z += n % 2 == 0 ? 0.002 : -0.002;
+    const auto last = replayForce(trace, {{{5000 * millisecond, 0}}}, 1).back().stage;
+    EXPECT_EQ(last.counted, last.window->peak > 3 * last.noise) << last.window->peak;
+    counted += last.counted ? 1 : 0;
+  }
+  EXPECT_NEAR(counted, 10, 8) << "some do, and some do not";
+}
+
 TEST(ForceReplay, ASensorThatStallsLeavesKeysAtTheUsualStrength) {
   MotionTrace trace = traceOf(2000, {{1000, 0.06}});
   const KeyTrace keys{{{1000 * millisecond, 0},

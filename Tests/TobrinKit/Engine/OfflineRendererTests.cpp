@@ -6,10 +6,13 @@
 #include <cmath>
 #include <map>
 #include <set>
+#include <sstream>
 
 #include "Base/SplitMix64.h"
+#include "Engine/DemonstrationPhrase.h"
 #include "Engine/Voicing.h"
 #include "PlainVoicing.h"
+#include "Support/KeptText.h"
 #include "Support/TestPack.h"
 
 namespace tobrin {
@@ -62,6 +65,14 @@ TEST(Voicing, PlaysTheTakesThatThePackGivesAKey) {
   EXPECT_EQ(downs[2], (Takes{101, 103})) << "in turn";
   EXPECT_EQ(downs[3].size(), 1u) << "always the same, as without the map";
   EXPECT_EQ(ups[2].size(), 1u);
+}
+
+TEST(DemonstrationPhrase, IsAsItWas) {
+  SplitMix64 rng(1);
+  std::ostringstream text;
+  for (const PhraseKey& key : demonstrationPhrase(rng))
+    text << key.code << " " << key.press.count() << " " << key.position << "\n";
+  testing::expectKeptText(text.str(), "TobrinKit/Engine/phrase.txt");
 }
 
 TEST(OfflineRenderer, StartsKeysWithTheirBlockAndLastsUntilTheTailAfterTheLast) {
