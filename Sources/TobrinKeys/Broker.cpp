@@ -209,6 +209,7 @@ void Broker::addStream(uid_t user, FileDescriptor socket) {
           }};
   streams_.push_back(
       std::make_unique<KeyStream>(loop_, seats_, user, std::move(socket), std::move(notices)));
+  if (options_.alsoWhenLocked) streams_.back()->tell(KeyRecord::Kind::alsoWhenLocked);
   looksLeft_ = looks;
   review();
 }

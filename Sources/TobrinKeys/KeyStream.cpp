@@ -4,7 +4,6 @@
 #include <sys/socket.h>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "KeyboardNodes.h"
@@ -31,7 +30,7 @@ bool KeyStream::follow(const Place& place) {
     return place_.kind == Place::Kind::locked || place_.kind == Place::Kind::background;
   }
   if (std::exchange(told_, KeyRecord::Kind::delivering) != KeyRecord::Kind::delivering)
-    send(std::array{KeyRecord{.kind = KeyRecord::Kind::delivering}});
+    tell(KeyRecord::Kind::delivering);
   const KeyboardNodes found = keyboardNodes(place_.seat);
   for (const std::string& node : found.nodes)
     takeUp(node);
@@ -40,7 +39,7 @@ bool KeyStream::follow(const Place& place) {
 
 void KeyStream::stop(KeyRecord::Kind why) {
   keyboards_.clear();
-  if (std::exchange(told_, why) != why) send(std::array{KeyRecord{.kind = why}});
+  if (std::exchange(told_, why) != why) tell(why);
 }
 
 void KeyStream::takeUp(const std::string& node) {

@@ -5,6 +5,7 @@
 
 #include <sys/types.h>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -41,6 +42,8 @@ class KeyStream final {
 
   /// Lets go of all and tells why.
   void stop(KeyRecord::Kind why);
+
+  void tell(KeyRecord::Kind what) { send(std::array{KeyRecord{.kind = what}}); }
 
  private:
   struct Listening {

@@ -136,7 +136,7 @@ TEST_F(EvdevKeySourceTest, AnOverrunBufferLeavesNoKeyStuck) {
 }
 
 TEST_F(EvdevKeySourceTest, OnlyKeyboardsAreOpened) {
-  const VirtualKeyboard buttons("Power button", false);
+  const VirtualKeyboard buttons("Power button", VirtualKeyboard::none);
   const VirtualKeyboard keyboard("Keyboard");
   const auto isListed = [](const VirtualKeyboard& device) {
     const auto nodes = KeyboardList().nodes("seat0");

@@ -34,7 +34,7 @@ int keyAccess(const char* action) {
 TEST(KeyAccess, KeyboardsAloneAreGivenToTheSeatAndTakenBack) {
   if (!VirtualKeyboard::isPossible()) GTEST_SKIP() << "no /dev/uinput";
   const VirtualKeyboard keyboard("Keyboard");
-  const VirtualKeyboard buttons("Buttons", false);
+  const VirtualKeyboard buttons("Buttons", VirtualKeyboard::none);
   std::this_thread::sleep_for(std::chrono::milliseconds(500));  // the device manager's rules
   ASSERT_FALSE(isGivenToTheSeat(keyboard.node()));
   const bool buttonsBefore = isGivenToTheSeat(buttons.node());

@@ -1,8 +1,10 @@
 // The key broker with real keyboards, consoles and a message bus; the login manager and the service
 // that asks administrators are stand-ins. As root in a virtual machine.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/input.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 
@@ -22,6 +24,7 @@
 #include "Evdev/KeyBroker.h"
 #include "Evdev/KeyConsent.h"
 #include "Evdev/KeyRecord.h"
+#include "Evdev/KeyboardList.h"
 #include "Input/KeyMonitor.h"
 #include "Support/Eventually.h"
 #include "Support/HeardKeys.h"
@@ -45,6 +48,10 @@ void strike(VirtualKeyboard& keyboard, unsigned key) {
 
 class KeyBroker : public ::testing::Test {
  protected:
+  explicit KeyBroker(const std::string& options = "")
+      : system(keyBrokerName, TOBRIN_KEYS " /proc/" + std::to_string(getpid()) + "/exe" + options) {
+  }
+
   void SetUp() override {
     if (!VirtualKeyboard::isPossible()) GTEST_SKIP() << "no /dev/uinput";
     ASSERT_TRUE(testing::showConsole(ours));
@@ -83,8 +90,7 @@ class KeyBroker : public ::testing::Test {
     });
   }
 
-  testing::SystemServices system{keyBrokerName,
-                                 TOBRIN_KEYS " /proc/" + std::to_string(getpid()) + "/exe"};
+  testing::SystemServices system;
   testing::HeardKeys heard;
   KeyMonitor monitor{std::make_unique<BrokerKeySource>(), std::ref(heard), testing::patient()};
 };
@@ -152,12 +158,16 @@ TEST_F(KeyBroker, NothingThatIsTypedElsewhereIsDeliveredInAHundredSwitches) {
       ASSERT_EQ(heard.await(1), "-0 ") << round;
     }
     strike(keyboard, KEY_B);
+    const KeyPause pause = isLock ? KeyPause::locked : KeyPause::inBackground;
+    ASSERT_TRUE(eventually([&] { return monitor.pause() == pause; })) << round;
     keyboard.press({KEY_C});  // still held on the way back
     testing::showConsole(ours);
     goToFront();
     keyboard.release({KEY_A, KEY_C});
     ASSERT_EQ(heard.await(0), "") << round;
+    ASSERT_TRUE(eventually([&] { return monitor.pause() == KeyPause::none; })) << round;
   }
+  EXPECT_FALSE(monitor.goesOnWhileLocked());
 }
 
 TEST_F(KeyBroker, ABrokerThatIsKilledWhileItsUserTypesLeavesNoKeyStuckAndComesBack) {
@@ -225,6 +235,51 @@ TEST_F(KeyBroker, KeyboardsComeAndGo) {
   }
 }
 
+TEST_F(KeyBroker, TellsOfTheKeyboardsThatAreListedAndOfNothingElse) {
+  ASSERT_EQ(ask(true), "");
+  ASSERT_TRUE(monitor.start());
+  VirtualKeyboard keyboard("Keyboard"), keypad("Keypad", VirtualKeyboard::keypad),
+      taken("Taken by a remapper"), remapped("The remapper's"),
+      media("Media keys", {KEY_MUTE, KEY_VOLUMEUP}), buttons("Buttons", VirtualKeyboard::none);
+  const FileDescriptor remapper = FileDescriptor::open(taken.node().c_str(), O_RDONLY);
+  ASSERT_EQ(ioctl(remapper.get(), EVIOCGRAB, 1), 0);
+  const auto isListed = [](const VirtualKeyboard& device) {
+    const auto nodes = KeyboardList().nodes("seat0");
+    return std::count(nodes.begin(), nodes.end(), device.node()) == 1;
+  };
+  for (VirtualKeyboard* const device : {&keyboard, &keypad, &remapped}) {
+    EXPECT_TRUE(eventually([&] {
+      strike(*device, KEY_KP5);
+      std::this_thread::sleep_for(milliseconds(20));
+      return heard.await(0).find("+87 -87 ") != std::string::npos;
+    })) << device->node();
+    EXPECT_TRUE(isListed(*device));
+  }
+  strike(taken, KEY_KP5);  // what comes of it comes from the remapper
+  strike(media, KEY_MUTE);
+  strike(buttons, KEY_POWER);
+  std::this_thread::sleep_for(milliseconds(200));
+  EXPECT_EQ(heard.await(0), "");
+  EXPECT_FALSE(isListed(media) || isListed(buttons));
+}
+
+class KeyBrokerByTheAdministratorsWish : public KeyBroker {
+ protected:
+  KeyBrokerByTheAdministratorsWish() : KeyBroker(" --also-when-locked") {}
+};
+
+TEST_F(KeyBrokerByTheAdministratorsWish, KeysComeWhileTheSessionIsLockedAndTheProgramKnows) {
+  VirtualKeyboard keyboard("Keyboard");
+  ASSERT_EQ(ask(true), "");
+  ASSERT_TRUE(monitor.start());
+  Session locked = mine(1);
+  locked.isLocked = 1;
+  system.change(locked, stranger(0));
+  EXPECT_TRUE(isHeard(keyboard));
+  EXPECT_TRUE(monitor.goesOnWhileLocked());
+  EXPECT_EQ(monitor.pause(), KeyPause::none);
+}
+
 /// How long after the kernel's time stamp each of many keys arrives, in microseconds, in order.
 std::vector<double> delays(KeySource& source, VirtualKeyboard& keyboard) {
   std::vector<double> result;
@@ -238,7 +293,7 @@ std::vector<double> delays(KeySource& source, VirtualKeyboard& keyboard) {
     source.interrupt();
   });
   source.run([&](const KeySource::Event& event) {
-    result.push_back(machDelta(machNow(), event.time.value_or(0)) * 1000);
+    if (event.time) result.push_back(machDelta(machNow(), *event.time) * 1000);
   });
   typist.join();
   source.close();

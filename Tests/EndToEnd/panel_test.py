@@ -17,6 +17,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "
 from desktopclients import screenreader  # noqa: E402
 from desktopclients.filechooser import FileChooser  # noqa: E402
 from desktopclients.legibility import BARS, legible_share  # noqa: E402
+from desktopclients.screensaver import ScreenSaver  # noqa: E402
 from desktopclients.traywatcher import TrayWatcher  # noqa: E402
 from desktopclients.xclient import KeyGrab, OtherWindow  # noqa: E402
 from listening import control, panels, record, types_audibly, write_click_pack, xdotool  # noqa: E402
@@ -27,7 +28,7 @@ ICONS = pathlib.Path(__file__).resolve().parents[2] / "Resources/icons"
 CHORD = "ctrl+alt+super+"
 # In the order of the Tab key; of a group, the chosen one.
 STOPS = ["Sounds", "Preview", "Blue Click, Clicky", "Mute", "Volume", "Strength: Medium", "Key release sounds", "Stereo by key position",
-         "Quiet during calls", "Open at login", "Turn sounds on/off with",
+         "Quiet during calls", "Quiet while the screen is locked", "Open at login", "Turn sounds on/off with",
          "Shortcut keys: Ctrl+Alt+Super+K", "Shortcut: Ctrl+Alt+Super+K", "Packs Folder…", "Add Pack…", "Quit"]
 
 
@@ -46,6 +47,8 @@ class PanelTest(PanelDriver):
                 self.saves(key, value)
                 self.assertTrue(eventually(lambda: named(name).checked == (value == on)), name)
         self.assertEqual(self.saved()["engineSettings"]["volume"], 0.5, "nothing else was touched")
+        self.click("Quiet while the screen is locked")
+        self.assertTrue(eventually(lambda: self.saved().get("quietWhileLocked") is False), self.saved())
         entry = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "autostart/app.tobrin.Tobrin.desktop"
         self.click("Open at login")
         self.assertTrue(eventually(entry.exists))
@@ -66,7 +69,13 @@ class PanelTest(PanelDriver):
                 self.click(name)
                 recorder.wait_for("sound")
                 recorder.quiet_for(0.5)
-        self.shows("Panda · Tactile", "Panda · Fixed strength")
+            self.shows("Panda · Tactile", "Panda · Fixed strength")
+            saver = ScreenSaver()
+            self.addCleanup(saver.close)
+            for locked in (True, False):
+                saver.set_active(locked)
+                self.shows("Paused while the screen is locked" if locked else "Panda · Fixed strength")
+                self.assertEqual(types_audibly(recorder), not locked)
         self.assertEqual(self.saved()["selectedPack"], "panda")
         self.click("Strength: Slam")
         self.saves("fixedTier", 3)
@@ -113,7 +122,7 @@ class PanelTest(PanelDriver):
         self.saves("shortcut", {"keyCode": 1, "modifiers": 11})
         xdotool("key", "shift+Tab", "shift+Tab", "space")
         self.saves("shortcutEnabled", False)
-        xdotool("key", *["shift+Tab"] * 5, "Left")
+        xdotool("key", *["shift+Tab"] * 6, "Left")
         self.saves("fixedTier", 0)
         for keys, volume in ((("shift+Tab", "Right", "Right"), 0.8), (("Home",), 0), (("Page_Up",), 0.2), (("End",), 1),
                              (("Page_Down",), 0.8), (("shift+Tab", "Return"), 0), (("space",), 0.8)):

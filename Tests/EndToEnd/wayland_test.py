@@ -79,10 +79,10 @@ class WaylandTest(PanelDriver):
         refusal = "Access to keys can't be taken back: Not authorized"
         for script, alert in (("echo Not authorized >&2; exit 127", True), ("exit 126", False)):
             answer.write_text(script, encoding="utf-8")
-            named("Take Back").press()
+            eventually(lambda: named("Take Back")).press()
             self.assertTrue(eventually(lambda: (named(refusal) is not None) == alert), script)
         answer.write_text("rm /etc/udev/rules.d/*; chmod 0 /dev/input/event0", encoding="utf-8")
-        named("Take Back").press()
+        eventually(lambda: named("Take Back")).press()
         self.shows(TITLE, "Needs access to the keyboard")
         asked = (self.folder / "asked").read_text(encoding="utf-8").splitlines()
         self.assertEqual(asked, [str(PROGRAM.parent / "tobrin-key-access"), "--remove"])

@@ -16,6 +16,13 @@ struct KeyScript : Script<KeySource::Event> {
   std::atomic<bool> allowed = true;  ///< whether this program may listen
   std::atomic<bool> canGiveBack = false;
   std::atomic<int> requests = 0;  ///< for permission
+
+  /// From now on no keys come, or they come again.
+  void setPause(KeyPause why) {
+    pause = why;
+    send({.type = KeySource::EventType::pauseChanged});
+  }
+  std::atomic<KeyPause> pause = KeyPause::none;
 };
 
 class ScriptedKeySource final : public KeySource {
@@ -31,6 +38,7 @@ class ScriptedKeySource final : public KeySource {
     ++script_.requests;
     return script_.allowed;
   }
+  [[nodiscard]] KeyPause pause() const override { return script_.pause; }
   [[nodiscard]] bool canGiveBackPermission() const override { return script_.canGiveBack; }
   [[nodiscard]] std::string problem() const override {
     return script_.allowed ? "" : "not allowed";

@@ -55,6 +55,7 @@ struct TestDesktop final : Workspace, LoginItem {
   std::string refusal;  ///< why actions fail; empty: they succeed
   std::vector<std::string> actions;
   std::function<void()> onWake, onTerminate;
+  std::function<void(bool)> onLock;
 
   [[nodiscard]] bool isEnabled() const override { return startsAtLogin; }
   std::string setEnabled(bool on) override {
@@ -62,6 +63,7 @@ struct TestDesktop final : Workspace, LoginItem {
     return refusal;
   }
   void setOnWake(std::function<void()> call) override { onWake = std::move(call); }
+  void setOnLock(std::function<void(bool)> call) override { onLock = std::move(call); }
   void setOnTerminate(std::function<void()> call) override { onTerminate = std::move(call); }
   std::string openPacksFolder() override { return act("folder"); }
   void openKeyAccessSettings(OnEnd onEnd) override { onEnd(act("access")); }

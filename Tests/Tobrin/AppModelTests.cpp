@@ -286,6 +286,36 @@ TEST_F(AppModelTest, PausesDuringCalls) {
   EXPECT_FALSE(desktop_.onWake);
 }
 
+TEST_F(AppModelTest, SaysWhyNoKeysComeAndIsSilentWhileTheScreenIsLocked) {
+  AppModel& model = start();
+  advance(0);
+  const std::string playing = model.statusLine();
+  for (const auto& [pause, status] :
+       {std::pair(KeyPause::inBackground, "Paused while another session is in front"),
+        {KeyPause::locked, "Paused while the screen is locked"}}) {
+    keys_.setPause(pause);
+    advance(0);
+    EXPECT_EQ(model.statusLine(), status);
+    keys_.setPause(KeyPause::none);
+    advance(0);
+    EXPECT_EQ(model.statusLine(), playing);
+  }
+  for (const bool isWanted : {true, false, true}) {
+    model.setQuietWhileLocked(isWanted);
+    model.audition();
+    desktop_.onLock(true);
+    EXPECT_EQ(model.statusLine(), isWanted ? "Paused while the screen is locked" : playing);
+    advance(100);
+    EXPECT_EQ(isHeard(), !isWanted);
+    desktop_.onLock(false);
+    EXPECT_EQ(model.statusLine(), playing);
+    model.audition();
+    EXPECT_TRUE(isHeard()) << "again";
+  }
+  model.setQuietWhileLocked(false);
+  EXPECT_FALSE(start().quietWhileLocked()) << "remembered";
+}
+
 TEST_F(AppModelTest, WaitsForAccessToKeys) {
   keys_.allowed = false;
   AppModel& model = start();

@@ -16,13 +16,19 @@ class VirtualKeyboard final {
  public:
   static bool isPossible() { return access("/dev/uinput", R_OK | W_OK) == 0; }
 
-  /// Without letters it is a bare pair of buttons.
-  explicit VirtualKeyboard(const std::string& name, bool letters = true) {
+  /// The kernel's codes from the first to the last.
+  struct Keys {
+    unsigned first, last;
+  };
+  static constexpr Keys all{KEY_ESC, KEY_MICMUTE}, keypad{KEY_KP7, KEY_KPDOT}, none{1, 0};
+
+  /// Has a power button and a mouse button besides.
+  explicit VirtualKeyboard(const std::string& name, Keys keys = all) {
     libevdev* plan = libevdev_new();
     libevdev_set_name(plan, name.c_str());
     libevdev_enable_event_code(plan, EV_KEY, KEY_POWER, nullptr);
     libevdev_enable_event_code(plan, EV_KEY, BTN_LEFT, nullptr);
-    for (unsigned key = KEY_ESC; letters && key <= KEY_MICMUTE; ++key)
+    for (unsigned key = keys.first; key <= keys.last; ++key)
       libevdev_enable_event_code(plan, EV_KEY, key, nullptr);
     const int failure =
         libevdev_uinput_create_from_device(plan, LIBEVDEV_UINPUT_OPEN_MANAGED, &device_);

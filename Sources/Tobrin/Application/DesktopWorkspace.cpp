@@ -64,13 +64,18 @@ Launcher::Commands DesktopWorkspace::errands() {
 }
 
 DesktopWorkspace::DesktopWorkspace(const Launcher& launcher)
-    : launcher_(launcher), sleep_([this] {
+    : launcher_(launcher),
+      sleep_([this] {
         if (onWake_) onWake_();
+      }),
+      lock_([this](bool isLocked) {
+        if (onLock_) onLock_(isLocked);
       }) {
   QObject::connect(qApp, &QCoreApplication::aboutToQuit, qApp, [this] {
     if (onTerminate_) onTerminate_();
   });
   hearSleep();
+  hearLock();
 }
 
 void DesktopWorkspace::hearSleep() {
@@ -79,6 +84,18 @@ void DesktopWorkspace::hearSleep() {
   QObject::connect(sleepNotifier_.get(), &QSocketNotifier::activated, sleepNotifier_.get(), [this] {
     if (!sleep_.process()) sleepNotifier_->setEnabled(false);
   });
+}
+
+void DesktopWorkspace::hearLock() {
+  if (lock_.descriptor() < 0) return;
+  lockNotifier_ = std::make_unique<QSocketNotifier>(lock_.descriptor(), QSocketNotifier::Read);
+  QObject::connect(lockNotifier_.get(), &QSocketNotifier::activated, lockNotifier_.get(),
+                   [this] { lock_.process(); });
+}
+
+void DesktopWorkspace::setOnLock(std::function<void(bool)> onLock) {
+  onLock_ = std::move(onLock);
+  if (onLock_ && lock_.isLocked()) onLock_(true);
 }
 
 void DesktopWorkspace::setOnTerminate(std::function<void()> onTerminate) {

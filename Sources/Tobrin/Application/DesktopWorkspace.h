@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "Confinement/Launcher.h"
+#include "Desktop/LockWatch.h"
 #include "Desktop/SleepWatch.h"
 #include "Engine/DesktopServices.h"
 #include "Evdev/KeyConsent.h"
@@ -21,6 +22,7 @@ class DesktopWorkspace final : public Workspace {
   explicit DesktopWorkspace(const Launcher& launcher);
 
   void setOnWake(std::function<void()> onWake) override { onWake_ = std::move(onWake); }
+  void setOnLock(std::function<void(bool)> onLock) override;
   void setOnTerminate(std::function<void()> onTerminate) override;
   std::string openPacksFolder() override;
   void openKeyAccessSettings(OnEnd onEnd) override;
@@ -30,15 +32,19 @@ class DesktopWorkspace final : public Workspace {
 
  private:
   void hearSleep();
+  void hearLock();
   void hearAnswer();
   void removeKeyRule(OnEnd onEnd);
   void takeRemovalReport();
 
   const Launcher& launcher_;
   std::function<void()> onWake_;
+  std::function<void(bool)> onLock_;
   std::function<void()> onTerminate_;
   SleepWatch sleep_;
   std::unique_ptr<QSocketNotifier> sleepNotifier_;
+  LockWatch lock_;
+  std::unique_ptr<QSocketNotifier> lockNotifier_;
   // While an administrator is asked for access.
   std::unique_ptr<KeyConsent> consent_;
   std::unique_ptr<QSocketNotifier> consentNotifier_;

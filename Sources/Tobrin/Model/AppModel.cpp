@@ -36,6 +36,7 @@ AppModel::AppModel(AppServices services, std::optional<Preview> preview)
 AppModel::~AppModel() {
   *self_ = nullptr;
   services_.workspace.setOnWake(nullptr);
+  services_.workspace.setOnLock(nullptr);
   services_.workspace.setOnTerminate(nullptr);
   services_.shortcutService->setOnChanged(nullptr);
   hotkey_->unregister();
@@ -56,6 +57,7 @@ std::string AppModel::readSavedState(const std::optional<Preview>& preview) {
     lastForce_ = preview->reading;
     return preview->pack.value_or(defaultPackID);
   }
+  lockSilence_.read(services_.settings);
   const auto saved = services_.settings.read(settingsKey);
   if (saved) {
     try {
@@ -106,6 +108,10 @@ void AppModel::wireCallbacks() {
   services_.workspace.setOnWake([this] {
     conductor_->systemDidWake();
     micMonitor_->refresh();
+  });
+  services_.workspace.setOnLock([this](bool isLocked) {
+    lockSilence_.setLocked(isLocked);
+    lockChanged();
   });
   services_.workspace.setOnTerminate([this] {
     conductor_->shutdown();
@@ -162,18 +168,20 @@ PlaybackGate AppModel::gate() const {
 
 EngineSettings AppModel::effectiveSettings() const {
   EngineSettings effective = settings_;
-  effective.enabled = gate().isPlaying();
+  effective.enabled = gate().isPlaying() && !lockSilence_.isNow();
   effective.forceSensing = settings_.forceSensing && sensorAvailable_;
   return effective;
 }
 
 SoundState AppModel::soundState() const {
-  return tobrin::soundState({.hasKeyAccess = hasPermission(),
-                             .hasSound = soundProblem_.empty(),
-                             .hasPack = !packError(),
-                             .isOn = settings_.enabled,
-                             .isInCall = gate().state() == PlaybackGate::State::pausedForCall,
-                             .volume = settings_.volume});
+  return tobrin::soundState(
+      {.hasKeyAccess = hasPermission(),
+       .hasSound = soundProblem_.empty(),
+       .hasPack = !packError(),
+       .isOn = settings_.enabled,
+       .pause = lockSilence_.isNow() ? KeyPause::locked : keyAccess_->state().pause,
+       .isInCall = gate().state() == PlaybackGate::State::pausedForCall,
+       .volume = settings_.volume});
 }
 
 ProgramStatus AppModel::status() const {
@@ -217,6 +225,19 @@ void AppModel::outputRecordedChanged(bool recorded) {
 
 void AppModel::applyMask() {
   conductor_->setMasked(isMasked());
+  emit statusChanged();
+}
+
+// Locked screen
+
+void AppModel::setQuietWhileLocked(bool on) {
+  if (!preview_) lockSilence_.want(on, services_.settings);
+  lockChanged();
+  emit settingsChanged();
+}
+
+void AppModel::lockChanged() {
+  if (!preview_) conductor_->apply(effectiveSettings(), false);
   emit statusChanged();
 }
 

@@ -19,6 +19,7 @@
 #include "Model/AppServices.h"
 #include "Model/Comforts.h"
 #include "Model/KeyAccessWatch.h"
+#include "Model/LockSilence.h"
 #include "Model/PackSelection.h"
 #include "Model/PackShelf.h"
 #include "Model/SettingsSaver.h"
@@ -72,6 +73,9 @@ class AppModel final : public QObject {
   [[nodiscard]] bool hasPermission() const { return preview_ || keyAccess_->state().hasPermission; }
   [[nodiscard]] bool listening() const { return keyAccess_->state().listening; }
   [[nodiscard]] bool needsRelaunch() const { return keyAccess_->state().needsRelaunch; }
+  [[nodiscard]] bool quietWhileLocked() const { return lockSilence_.isWanted(); }
+  /// Whether keys are heard while the screen is locked, so that the user's wish decides.
+  [[nodiscard]] bool hearsWhileLocked() const { return keyAccess_->state().hearsWhileLocked; }
   /// Whether there is access to keys that the user can give back.
   [[nodiscard]] bool canGiveBackKeyAccess() const;
   /// Why access to keys could not be granted or given back; empty while nothing went wrong.
@@ -123,6 +127,7 @@ class AppModel final : public QObject {
   void lookForPacks();
   void menuOpened();
   void setLaunchAtLogin(bool on);
+  void setQuietWhileLocked(bool on);
   void relaunch();
   void audition();
   /// Lets one key be heard, to judge how loud keys are.
@@ -144,12 +149,12 @@ class AppModel final : public QObject {
   [[nodiscard]] const KeyMonitor& monitor() const { return *monitor_; }
 
  signals:
-  void settingsChanged();
+  void settingsChanged();  ///< settings, quietWhileLocked
   void selectedPackChanged();
   void packsChanged();
   void packErrorChanged();
   void permissionChanged();  ///< hasPermission, listening, needsRelaunch, keyAccessProblem,
-                             ///< canGiveBackKeyAccess
+                             ///< canGiveBackKeyAccess, hearsWhileLocked
   void lastForceChanged();
   void launchAtLoginChanged();  ///< launchAtLogin, loginItemProblem
   void packsFolderProblemChanged();
@@ -169,6 +174,7 @@ class AppModel final : public QObject {
   void outputRecordedChanged(bool recorded);
   void applyMask();
   [[nodiscard]] bool isMasked() const { return outputRecorded_ && comforts_.maskWhileRecorded; }
+  void lockChanged();
   void sensorChanged(const std::string& problem);
   void outputProblemChanged(const std::string& problem);
   void lookForKeyAccess();
@@ -188,6 +194,7 @@ class AppModel final : public QObject {
   EngineSettings settings_;
   Comforts comforts_;
   SettingsSaver saver_;
+  LockSilence lockSilence_;
   PackShelf shelf_;
   std::string selectedBeforeRemoval_;
   std::string keyAccessProblem_;

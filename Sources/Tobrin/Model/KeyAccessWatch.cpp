@@ -35,7 +35,10 @@ void KeyAccessWatch::monitorChanged() {
 
 void KeyAccessWatch::publishListening() {
   grantedWithoutKeys_.reset();
-  publish({.hasPermission = true, .listening = true});
+  publish({.hasPermission = true,
+           .listening = true,
+           .pause = monitor_.pause(),
+           .hearsWhileLocked = monitor_.goesOnWhileLocked()});
 }
 
 void KeyAccessWatch::lookLater() {

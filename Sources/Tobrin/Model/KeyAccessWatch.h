@@ -18,7 +18,9 @@ class KeyAccessWatch final {
   struct State {
     bool hasPermission = false;
     bool listening = false;
-    bool needsRelaunch = false;  ///< access was granted, but no keys come
+    bool needsRelaunch = false;       ///< access was granted, but no keys come
+    KeyPause pause = KeyPause::none;  ///< while listening
+    bool hearsWhileLocked = true;     ///< while listening
 
     bool operator==(const State&) const = default;
   };
@@ -31,7 +33,8 @@ class KeyAccessWatch final {
   void start();
   /// Looks at once whether access has been granted.
   void look();
-  /// To be called after the monitor has lost its keyboards or has taken them up again.
+  /// To be called after the monitor has lost its keyboards or has taken them up again, pauses or
+  /// goes on.
   void monitorChanged();
 
   [[nodiscard]] const State& state() const { return state_; }

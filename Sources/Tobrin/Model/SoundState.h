@@ -2,14 +2,18 @@
 /// What the panel, the tray and the terminal show follows from it. Thread: any.
 #pragma once
 
+#include "Input/KeyPause.h"
+
 namespace tobrin {
 
 /// In order of severity: of several, the first is what the user must mend first.
 enum class SoundState {
-  noKeyAccess,    ///< keys cannot be heard
-  noSound,        ///< nothing plays: no sound server, no device
-  packBroken,     ///< the selected pack did not load, or there is none
-  off,            ///< switched off by the user
+  noKeyAccess,  ///< keys cannot be heard
+  noSound,      ///< nothing plays: no sound server, no device
+  packBroken,   ///< the selected pack did not load, or there is none
+  off,          ///< switched off by the user
+  pausedInBackground,
+  pausedWhileLocked,
   pausedForCall,  ///< an application uses a microphone
   muted,          ///< the volume is 0
   playing,
@@ -20,6 +24,7 @@ struct SoundConditions {
   bool hasSound = true;
   bool hasPack = true;
   bool isOn = true;
+  KeyPause pause = KeyPause::none;
   bool isInCall = false;  ///< and sounds pause for it
   float volume = 1;       ///< linear
 };
@@ -29,6 +34,8 @@ struct SoundConditions {
   if (!conditions.hasSound) return SoundState::noSound;
   if (!conditions.hasPack) return SoundState::packBroken;
   if (!conditions.isOn) return SoundState::off;
+  if (conditions.pause == KeyPause::inBackground) return SoundState::pausedInBackground;
+  if (conditions.pause == KeyPause::locked) return SoundState::pausedWhileLocked;
   if (conditions.isInCall) return SoundState::pausedForCall;
   return conditions.volume > 0 ? SoundState::playing : SoundState::muted;
 }

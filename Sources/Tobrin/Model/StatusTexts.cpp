@@ -14,6 +14,10 @@ std::string StatusTexts::statusLine(const ProgramStatus& status) const {
       break;
     case SoundState::off:
       return translate_("Off");
+    case SoundState::pausedInBackground:
+      return translate_("Paused while another session is in front");
+    case SoundState::pausedWhileLocked:
+      return translate_("Paused while the screen is locked");
     case SoundState::pausedForCall:
       return translate_("Paused while the mic is in use");
     case SoundState::muted:

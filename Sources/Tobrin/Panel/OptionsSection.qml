@@ -40,6 +40,24 @@ Card {
     }
     Hairline { }
     PanelSwitch {
+        Layout.fillWidth: true
+        text: qsTr("Quiet while the screen is locked")
+        enabled: section.model.hearsWhileLocked
+        checked: section.model.quietWhileLocked || !enabled
+        onToggled: section.model.quietWhileLocked = checked
+    }
+    Part {
+        Layout.rightMargin: Theme.inset
+        Layout.bottomMargin: Theme.gap
+        shown: !section.model.hearsWhileLocked
+        content: PanelText {
+            text: qsTr("Here Tobrin isn't told what is typed while the screen is locked. Only an administrator can change that.")
+            small: true
+            secondary: true
+        }
+    }
+    Hairline { }
+    PanelSwitch {
         id: login
         Layout.fillWidth: true
         text: qsTr("Open at login")

@@ -85,6 +85,8 @@ QString PanelModel::noSensorNote() const {
 QString PanelModel::previewProblem() const {
   switch (model_.soundState()) {
     case SoundState::noKeyAccess:
+    case SoundState::pausedInBackground:
+    case SoundState::pausedWhileLocked:
     case SoundState::playing:
       return {};
     case SoundState::noSound:
@@ -214,6 +216,12 @@ bool PanelModel::stereo() const {
 bool PanelModel::quietDuringCalls() const {
   return model_.settings().quietDuringCalls;
 }
+bool PanelModel::quietWhileLocked() const {
+  return model_.quietWhileLocked();
+}
+bool PanelModel::hearsWhileLocked() const {
+  return model_.hearsWhileLocked();
+}
 bool PanelModel::launchAtLogin() const {
   return model_.launchAtLogin();
 }
@@ -244,6 +252,9 @@ void PanelModel::setStereo(bool on) {
 }
 void PanelModel::setQuietDuringCalls(bool on) {
   change(&EngineSettings::quietDuringCalls, on);
+}
+void PanelModel::setQuietWhileLocked(bool on) {
+  model_.setQuietWhileLocked(on);
 }
 void PanelModel::setLaunchAtLogin(bool on) {
   model_.setLaunchAtLogin(on);

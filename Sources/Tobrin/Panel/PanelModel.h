@@ -57,6 +57,9 @@ class PanelModel final : public QObject {
   Q_PROPERTY(
       bool quietDuringCalls READ quietDuringCalls WRITE setQuietDuringCalls NOTIFY settingsChanged)
   Q_PROPERTY(
+      bool quietWhileLocked READ quietWhileLocked WRITE setQuietWhileLocked NOTIFY settingsChanged)
+  Q_PROPERTY(bool hearsWhileLocked READ hearsWhileLocked NOTIFY permissionChanged)
+  Q_PROPERTY(
       bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
 
   Q_PROPERTY(bool hasReading READ hasReading NOTIFY lastForceChanged)
@@ -107,6 +110,8 @@ class PanelModel final : public QObject {
   [[nodiscard]] bool releaseSounds() const;
   [[nodiscard]] bool stereo() const;
   [[nodiscard]] bool quietDuringCalls() const;
+  [[nodiscard]] bool quietWhileLocked() const;
+  [[nodiscard]] bool hearsWhileLocked() const;
   [[nodiscard]] bool launchAtLogin() const;
   [[nodiscard]] bool hasReading() const;
   [[nodiscard]] double readingRelative() const;  ///< multiples of a typical stroke
@@ -127,6 +132,7 @@ class PanelModel final : public QObject {
   void setReleaseSounds(bool on);
   void setStereo(bool on);
   void setQuietDuringCalls(bool on);
+  void setQuietWhileLocked(bool on);
   void setLaunchAtLogin(bool on);
   void setShortcutEnabled(bool on);
   void setShortcutIndex(int index);

@@ -30,6 +30,8 @@
     <message><source>Stereo by key position</source><translation>Stereo nach Lage der Taste</translation></message>
     <message><source>Quiet during calls</source><translation>Still bei Anrufen</translation></message>
     <message><source>Pause while any app is using the microphone, and resume when it's free. Tobrin never listens to it.</source><translation>Pause, solange ein Programm das Mikrofon benutzt, und weiter, wenn es frei ist. Tobrin hört nie mit.</translation></message>
+    <message><source>Quiet while the screen is locked</source><translation>Still bei gesperrtem Bildschirm</translation></message>
+    <message><source>Here Tobrin isn't told what is typed while the screen is locked. Only an administrator can change that.</source><translation>Hier erfährt Tobrin nicht, was bei gesperrtem Bildschirm getippt wird. Das kann nur ein Verwalter ändern.</translation></message>
     <message><source>Open at login</source><translation>Beim Anmelden öffnen</translation></message>
     <message><source>Access to the keyboard</source><translation>Zugriff auf die Tastatur</translation></message>
     <message><source>Take Back</source><translation>Zurücknehmen</translation></message>
@@ -125,6 +127,8 @@
     <message><source>No sound</source><translation>Kein Ton</translation></message>
     <message><source>%1 can't be played</source><translation>%1 lässt sich nicht abspielen</translation></message>
     <message><source>Off</source><translation>Aus</translation></message>
+    <message><source>Paused while another session is in front</source><translation>Pause, solange eine andere Sitzung vorn ist</translation></message>
+    <message><source>Paused while the screen is locked</source><translation>Pause, solange der Bildschirm gesperrt ist</translation></message>
     <message><source>Paused while the mic is in use</source><translation>Pause, solange das Mikrofon benutzt wird</translation></message>
     <message><source>Muted</source><translation>Stumm</translation></message>
     <message><source>Fixed strength</source><translation>Feste Stärke</translation></message>

@@ -22,6 +22,8 @@ class Workspace {
   virtual ~Workspace() = default;
   /// Called after the machine woke from sleep.
   virtual void setOnWake(std::function<void()> onWake) = 0;
+  /// Called when the screen is locked and when it is unlocked; first where it is locked already.
+  virtual void setOnLock(std::function<void(bool isLocked)> onLock) = 0;
   /// Called when the session or the user ends the program.
   virtual void setOnTerminate(std::function<void()> onTerminate) = 0;
   /// Shows the user's packs in the file manager, making their folder if it is missing; returns why

@@ -99,6 +99,9 @@ void KeyMonitor::handle(const KeySource::Event& event) {
     case KeySource::EventType::flagsChanged:
       action = modifiers_.update(event.code, event.flags);
       break;
+    case KeySource::EventType::pauseChanged:
+      if (options_.onChange) options_.onChange();
+      break;
   }
   if (!action) return;
   const KeyEvent heard{.code = event.code, .action = *action, .time = time};

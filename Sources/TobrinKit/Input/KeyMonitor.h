@@ -30,8 +30,8 @@ struct KeyMonitorOptions {
   /// Receives every event, also those too old to be handed on, after the handler: which keys are
   /// held follows from all of them. Called as the handler is.
   std::function<void(const KeyEvent&)> observer = nullptr;
-  /// Called when a source in use was lost and when it is open again, that is, whenever `isRunning`
-  /// changes by itself. Thread: key.
+  /// Called when a source in use was lost and when it is open again, and when it pauses or goes on:
+  /// whenever `isRunning`, `pause` or `goesOnWhileLocked` changes by itself. Thread: key.
   std::function<void()> onChange = nullptr;
   /// The clock events are stamped with on delivery, in `MachTime` ticks.
   std::function<uint64_t()> now = &machNow;
@@ -66,6 +66,8 @@ class KeyMonitor final {
   /// Whether keys are heard now; false while a lost source is being waited for. Thread: any.
   [[nodiscard]] bool isRunning() const { return running_.load(std::memory_order_acquire); }
 
+  [[nodiscard]] KeyPause pause() const { return source_->pause(); }
+  [[nodiscard]] bool goesOnWhileLocked() const { return source_->goesOnWhileLocked(); }
   [[nodiscard]] bool hasPermission() const { return source_->hasPermission(); }
   bool requestPermission() { return source_->requestPermission(); }
   [[nodiscard]] bool canGiveBackPermission() const { return source_->canGiveBackPermission(); }

@@ -8,11 +8,13 @@
 #include <optional>
 #include <string>
 
+#include "Input/KeyPause.h"
+
 namespace tobrin {
 
 class KeySource {
  public:
-  enum class EventType : uint8_t { keyDown, keyUp, flagsChanged };
+  enum class EventType : uint8_t { keyDown, keyUp, flagsChanged, pauseChanged };
 
   struct Event {
     EventType type = EventType::keyDown;
@@ -43,6 +45,13 @@ class KeySource {
 
   /// Ends a `run`, also one that has yet to begin; in force until `close`. Thread: any.
   virtual void interrupt() = 0;
+
+  /// Why no keys come for now although `run` goes on; an event `pauseChanged` says that this or
+  /// `goesOnWhileLocked` has changed. Thread: any.
+  [[nodiscard]] virtual KeyPause pause() const { return KeyPause::none; }
+
+  /// Whether keys come while the session is locked, too. Thread: any.
+  [[nodiscard]] virtual bool goesOnWhileLocked() const { return true; }
 
   /// Whether the user lets this program hear the keyboards. Thread: any.
   [[nodiscard]] virtual bool hasPermission() const = 0;

@@ -14,6 +14,8 @@ namespace tobrin {
 
 bool BrokerKeySource::open() {
   std::string why;
+  pause_ = KeyPause::none;
+  goesOnWhileLocked_ = false;
   stream_ = broker::open(why);
   setProblem(stream_ ? "" : why);
   return static_cast<bool>(stream_);
@@ -64,13 +66,24 @@ void BrokerKeySource::take(const KeyRecord& record, const Sink& sink) {
       keyboards_[record.keyboard].releaseAll(machNow(), sink);
       keyboards_.erase(record.keyboard);
       break;
-    case Kind::delivering:
+    case Kind::alsoWhenLocked:
+      goesOnWhileLocked_ = true;
       break;
+    case Kind::delivering:
+      return setPause(KeyPause::none, sink);
     case Kind::inBackground:
+      return setPause(KeyPause::inBackground, sink);
     case Kind::locked:
+      return setPause(KeyPause::locked, sink);
     case Kind::takenBack:
       releaseAll(sink);
   }
+}
+
+void BrokerKeySource::setPause(KeyPause pause, const Sink& sink) {
+  if (pause != KeyPause::none) releaseAll(sink);
+  pause_ = pause;
+  sink({.type = EventType::pauseChanged});
 }
 
 void BrokerKeySource::releaseAll(const Sink& sink) {

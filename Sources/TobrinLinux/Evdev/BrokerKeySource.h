@@ -3,6 +3,7 @@
 /// that ends is started again by asking. Thread: key.
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <string>
 
@@ -22,6 +23,8 @@ class BrokerKeySource final : public KeySource {
   void run(const Sink& sink) override;
   void close() override;
   void interrupt() override { wake_.raise(); }
+  [[nodiscard]] KeyPause pause() const override { return pause_; }
+  [[nodiscard]] bool goesOnWhileLocked() const override { return goesOnWhileLocked_; }
   [[nodiscard]] bool hasPermission() const override;
   bool requestPermission() override { return hasPermission(); }
   [[nodiscard]] std::string problem() const override;
@@ -34,6 +37,7 @@ class BrokerKeySource final : public KeySource {
   bool takePacket(const Sink& sink);
   void take(const KeyRecord& record, const Sink& sink);
   void releaseAll(const Sink& sink);
+  void setPause(KeyPause pause, const Sink& sink);
   void setProblem(const std::string& problem);
 
   WakeEvent wake_;  // any thread
@@ -41,6 +45,10 @@ class BrokerKeySource final : public KeySource {
   // key thread
   FileDescriptor stream_;
   std::map<uint32_t, HeldKeys> keyboards_;
+
+  // written by the key thread
+  std::atomic<KeyPause> pause_{KeyPause::none};
+  std::atomic<bool> goesOnWhileLocked_{false};
 
   mutable Mutex mutex_;
   std::string problem_ TOBRIN_GUARDED_BY(mutex_);

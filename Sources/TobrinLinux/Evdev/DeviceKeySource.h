@@ -15,6 +15,10 @@ class DeviceKeySource final : public KeySource {
   void run(const Sink& sink) override { used_.load()->run(sink); }
   void close() override;
   void interrupt() override;
+  [[nodiscard]] KeyPause pause() const override { return used_.load()->pause(); }
+  [[nodiscard]] bool goesOnWhileLocked() const override {
+    return used_.load()->goesOnWhileLocked();
+  }
   [[nodiscard]] bool hasPermission() const override;
   bool requestPermission() override { return hasPermission(); }
   [[nodiscard]] bool canGiveBackPermission() const override;

@@ -135,11 +135,12 @@ void EvdevKeySource::dropWhatMayNotBeRead(const Sink& sink) {
 /// ours.
 bool EvdevKeySource::takeSeatChange(const Sink& sink) {
   watches_->seat.clear();
-  const bool wasOurs = std::exchange(isOurs_, watches_->seat.isOurs());
-  if (wasOurs == isOurs_) return false;
+  const bool isOurs = watches_->seat.isOurs();
+  if (isOurs_.exchange(isOurs) == isOurs) return false;
   for (const auto& keyboard : keyboards_)
     keyboard->releaseAll(sink);
   keyboards_.clear();
+  sink({.type = EventType::pauseChanged});
   return true;
 }
 

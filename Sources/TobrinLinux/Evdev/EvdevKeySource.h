@@ -5,6 +5,7 @@
 /// sends nothing here, so that no key comes twice. Thread: key.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -31,6 +32,9 @@ class EvdevKeySource final : public KeySource {
   void run(const Sink& sink) override;
   void close() override;
   void interrupt() override;
+  [[nodiscard]] KeyPause pause() const override {
+    return isOurs_ ? KeyPause::none : KeyPause::inBackground;
+  }
   [[nodiscard]] bool hasPermission() const override;
   /// Nobody can be asked: an administrator grants it.
   bool requestPermission() override { return hasPermission(); }
@@ -52,8 +56,8 @@ class EvdevKeySource final : public KeySource {
   // key thread
   std::unique_ptr<Watches> watches_;  // while open
   std::vector<std::unique_ptr<Keyboard>> keyboards_;
-  bool isOurs_ = true;    // whether our user sits at the keyboards
-  bool refused_ = false;  // of the keyboards there are, not one may be read
+  bool refused_ = false;            // of the keyboards there are, not one may be read
+  std::atomic<bool> isOurs_{true};  // whether our user sits at the keyboards; any thread reads it
 
   mutable Mutex mutex_;
   std::string problem_ TOBRIN_GUARDED_BY(mutex_);

@@ -12,11 +12,12 @@ struct KeyRecord {
   enum class Kind : uint8_t {
     release,
     press,
-    gone,          ///< the keyboard was pulled out: nothing is held on it
-    delivering,    ///< from now on keys are delivered
-    inBackground,  ///< no keys until `delivering`: another session is in front, or none
-    locked,        ///< no keys until `delivering`: the session is locked
-    takenBack      ///< the user took the access back; the socket ends
+    gone,           ///< the keyboard was pulled out: nothing is held on it
+    delivering,     ///< from now on keys are delivered
+    inBackground,   ///< no keys until `delivering`: another session is in front, or none
+    locked,         ///< no keys until `delivering`: the session is locked
+    takenBack,      ///< the user took the access back; the socket ends
+    alsoWhenLocked  ///< comes first where keys are delivered while the session is locked, too
   };
 
   uint64_t timeNs = 0;  ///< CLOCK_MONOTONIC, of a press or release

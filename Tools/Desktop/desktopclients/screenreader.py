@@ -5,7 +5,7 @@ import subprocess
 import gi
 
 gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi  # noqa: E402
+from gi.repository import Atspi, GLib  # noqa: E402
 
 ENVIRONMENT = {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
 _STATES = {"checked": Atspi.StateType.CHECKED, "showing": Atspi.StateType.SHOWING,
@@ -64,9 +64,12 @@ def showing():
 
 
 def _collect(accessible, group, found):
-    control = Control(accessible, group)
+    """Leaves out what goes away while it is looked at."""
+    try:
+        control = Control(accessible, group)
+        children = [accessible.get_child_at_index(index) for index in range(accessible.get_child_count())]
+    except GLib.Error:
+        return
     found.append(control)
-    for index in range(accessible.get_child_count()):
-        child = accessible.get_child_at_index(index)
-        if child is not None:  # gone since they were counted
-            _collect(child, control.name, found)
+    for child in filter(None, children):
+        _collect(child, control.name, found)
