@@ -4,6 +4,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QPalette>
@@ -48,9 +49,8 @@ QVariant unwrapped(QVariant value) {
 }  // namespace
 
 Appearance::Appearance(QObject* parent) : QObject(parent) {
-  QDBusConnection::sessionBus().connect(
-      service, path, interface, "SettingChanged", this,
-      SLOT(portalChanged(const QString&, const QString&, const QDBusVariant&)));
+  QDBusConnection::sessionBus().connect(service, path, interface, "SettingChanged", this,
+                                        SLOT(portalChanged(const QDBusMessage&)));
   qGuiApp->installEventFilter(this);
   for (const Setting& setting : all)
     ask(setting.space, setting.key);
@@ -73,11 +73,12 @@ bool Appearance::eventFilter(QObject* watched, QEvent* event) {
   return QObject::eventFilter(watched, event);
 }
 
-void Appearance::portalChanged(const QString& space, const QString& key,
-                               const QDBusVariant& value) {
+/// The whole message: Qt refuses to connect a slot that takes a variant as its parameter.
+void Appearance::portalChanged(const QDBusMessage& signal) {
+  const QVariantList words = signal.arguments();
+  if (words.size() != 3) return;
   for (const Setting& setting : all)
-    if (space == setting.space && key == setting.key)
-      take(nameOf(setting), QVariant::fromValue(value));
+    if (words[0] == setting.space && words[1] == setting.key) take(nameOf(setting), words[2]);
 }
 
 void Appearance::take(const QString& setting, const QVariant& value) {

@@ -2,7 +2,7 @@
 /// the palette. Thread: main.
 #pragma once
 
-#include <QDBusVariant>
+#include <QDBusMessage>
 #include <QMap>
 #include <QObject>
 #include <QVariant>
@@ -23,7 +23,7 @@ class Appearance final : public QObject {
   void changed();
 
  private slots:
-  void portalChanged(const QString& space, const QString& key, const QDBusVariant& value);
+  void portalChanged(const QDBusMessage& signal);
 
  private:
   bool eventFilter(QObject* watched, QEvent* event) override;
