@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 #include <linux/vt.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <systemd/sd-bus.h>
@@ -121,7 +122,8 @@ class SystemServices final {
           while (sd_bus_process(bus_, nullptr) > 0) {
           }
         }
-        sd_bus_wait(bus_, 2000);
+        pollfd wait{sd_bus_get_fd(bus_), POLLIN, 0};  // the bus itself is the lock's
+        poll(&wait, 1, 2);
       }
     });
   }
