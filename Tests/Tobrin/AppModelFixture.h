@@ -52,7 +52,8 @@ struct MemorySettings final : SettingsStore {
 /// Session and login item in one.
 struct TestDesktop final : Workspace, LoginItem {
   bool startsAtLogin = false;
-  std::string refusal;  ///< why actions fail; empty: they succeed
+  bool isAccessWide = false;  ///< an older grant is in force
+  std::string refusal;        ///< why actions fail; empty: they succeed
   std::vector<std::string> actions;
   std::function<void()> onWake, onTerminate;
   std::function<void(bool)> onLock;
@@ -67,6 +68,12 @@ struct TestDesktop final : Workspace, LoginItem {
   void setOnTerminate(std::function<void()> call) override { onTerminate = std::move(call); }
   std::string openPacksFolder() override { return act("folder"); }
   void openKeyAccessSettings(OnEnd onEnd) override { onEnd(act("access")); }
+  bool canNarrowKeyAccess() override { return isAccessWide; }
+  void narrowKeyAccess(OnEnd onEnd) override {
+    const std::string problem = act("narrow access");
+    isAccessWide = isAccessWide && !problem.empty();
+    onEnd(problem);
+  }
   void giveBackKeyAccess(OnEnd onEnd) override { onEnd(act("no access")); }
   std::string relaunch() override { return act("relaunch"); }
   void terminate() override { actions.emplace_back("terminate"); }

@@ -347,6 +347,29 @@ TEST_F(AppModelTest, WaitsForAccessToKeys) {
   EXPECT_TRUE(model.listening()) << "given back";
 }
 
+TEST_F(AppModelTest, OffersToReplaceAnOlderAccessUntilTheUserSaysNo) {
+  start().menuOpened();
+  EXPECT_FALSE(model_->offersNarrowerKeyAccess());
+  desktop_.isAccessWide = true;
+  model_->menuOpened();
+  EXPECT_TRUE(model_->offersNarrowerKeyAccess());
+  desktop_.refusal = "it was not allowed";
+  model_->narrowKeyAccess();
+  EXPECT_EQ(model_->keyAccessProblem(), "Access to keys can't be changed: it was not allowed");
+  EXPECT_TRUE(model_->offersNarrowerKeyAccess()) << "all is as it was";
+  desktop_.refusal.clear();
+  model_->narrowKeyAccess();
+  EXPECT_FALSE(model_->offersNarrowerKeyAccess());
+  EXPECT_EQ(model_->keyAccessProblem(), "");
+
+  desktop_.isAccessWide = true;
+  model_->menuOpened();
+  model_->keepWideKeyAccess();
+  EXPECT_EQ(std::count(desktop_.actions.begin(), desktop_.actions.end(), "narrow access"), 2);
+  start().menuOpened();
+  EXPECT_FALSE(model_->offersNarrowerKeyAccess()) << "remembered";
+}
+
 TEST_F(AppModelTest, APreviewLeavesNoTrace) {
   const AppModel& model = start(AppModel::Preview{.pack = "omega"});
   advance(0);

@@ -131,6 +131,20 @@ void DesktopWorkspace::hearAnswer() {
   });
 }
 
+bool DesktopWorkspace::canNarrowKeyAccess() {
+  return isKeyRuleInstalled() && KeyConsent::isPossible();
+}
+
+/// The consent first: without it the end of the rule would be the end of the access.
+void DesktopWorkspace::narrowKeyAccess(OnEnd onEnd) {
+  if (removalNotifier_) return;
+  if (broker::isAllowed()) return removeKeyRule(std::move(onEnd));
+  openKeyAccessSettings([this, onEnd = std::move(onEnd)](const std::string& problem) {
+    if (!problem.empty()) return onEnd(problem);
+    removeKeyRule(onEnd);
+  });
+}
+
 void DesktopWorkspace::giveBackKeyAccess(OnEnd onEnd) {
   if (removalNotifier_) return;
   const std::string problem = KeyConsent::isPossible() ? broker::takeBack() : "";

@@ -26,6 +26,8 @@ class DesktopWorkspace final : public Workspace {
   void setOnTerminate(std::function<void()> onTerminate) override;
   std::string openPacksFolder() override;
   void openKeyAccessSettings(OnEnd onEnd) override;
+  bool canNarrowKeyAccess() override;
+  void narrowKeyAccess(OnEnd onEnd) override;
   void giveBackKeyAccess(OnEnd onEnd) override;
   std::string relaunch() override;
   void terminate() override;

@@ -13,6 +13,7 @@ AppModel::AppModel(AppServices services, std::optional<Preview> preview)
       sensorAvailable_(services_.motionSource != nullptr || (preview && preview->reading)),
       saver_(services_.main,
              [this] { return services_.settings.write(settingsKey, settings_.toJson()); }),
+      accessOffer_(services_.workspace, services_.settings),
       shelf_(services_.main, services_.adding, services_.addPack, services_.discardPack),
       self_(std::make_shared<AppModel*>(this)) {
   const std::string selectedID = readSavedState(preview);
@@ -371,6 +372,8 @@ void AppModel::lookForPacks() {
 void AppModel::menuOpened() {
   lookForPacks();
   lookForKeyAccess();
+  if (!preview_) accessOffer_.look();
+  emit permissionChanged();
   registerShortcut();
 }
 
@@ -427,6 +430,17 @@ void AppModel::giveBackKeyAccess() {
   });
 }
 
+void AppModel::narrowKeyAccess() {
+  services_.workspace.narrowKeyAccess([this, self = self_](const std::string& problem) {
+    if (*self != nullptr) keyAccessSettled("Access to keys can't be changed: ", problem);
+  });
+}
+
+void AppModel::keepWideKeyAccess() {
+  accessOffer_.decline();
+  emit permissionChanged();
+}
+
 bool AppModel::canGiveBackKeyAccess() const {
   return !preview_ && listening() && monitor_->canGiveBackPermission();
 }
@@ -434,6 +448,7 @@ bool AppModel::canGiveBackKeyAccess() const {
 void AppModel::keyAccessSettled(const char* failure, const std::string& problem) {
   keyAccessProblem_ = problem.empty() ? "" : failure + problem;
   if (!problem.empty()) logLine(keyAccessProblem_);
+  accessOffer_.look();
   emit permissionChanged();
   lookForKeyAccess();
 }

@@ -16,6 +16,7 @@
 #include "Input/GlobalHotkey.h"
 #include "Input/KeyMonitor.h"
 #include "Mic/MicMonitor.h"
+#include "Model/AccessOffer.h"
 #include "Model/AppServices.h"
 #include "Model/Comforts.h"
 #include "Model/KeyAccessWatch.h"
@@ -78,6 +79,8 @@ class AppModel final : public QObject {
   [[nodiscard]] bool hearsWhileLocked() const { return keyAccess_->state().hearsWhileLocked; }
   /// Whether there is access to keys that the user can give back.
   [[nodiscard]] bool canGiveBackKeyAccess() const;
+  /// Whether the user is to be asked to replace an older access, which other programs have, too.
+  [[nodiscard]] bool offersNarrowerKeyAccess() const { return accessOffer_.isOpen(); }
   /// Why access to keys could not be granted or given back; empty while nothing went wrong.
   [[nodiscard]] const std::string& keyAccessProblem() const { return keyAccessProblem_; }
   /// Why the packs folder could not be shown, and why "Open at login" could not be changed, in a
@@ -137,6 +140,8 @@ class AppModel final : public QObject {
   void openPacksFolder();
   void openKeyAccessSettings();
   void giveBackKeyAccess();
+  void narrowKeyAccess();
+  void keepWideKeyAccess();
   void toggleEnabled();
   /// While the user presses keys to choose them as the shortcut, the one before them is let go.
   void captureShortcut(bool captures);
@@ -154,7 +159,7 @@ class AppModel final : public QObject {
   void packsChanged();
   void packErrorChanged();
   void permissionChanged();  ///< hasPermission, listening, needsRelaunch, keyAccessProblem,
-                             ///< canGiveBackKeyAccess, hearsWhileLocked
+                             ///< canGiveBackKeyAccess, hearsWhileLocked, offersNarrowerKeyAccess
   void lastForceChanged();
   void launchAtLoginChanged();  ///< launchAtLogin, loginItemProblem
   void packsFolderProblemChanged();
@@ -195,6 +200,7 @@ class AppModel final : public QObject {
   Comforts comforts_;
   SettingsSaver saver_;
   LockSilence lockSilence_;
+  AccessOffer accessOffer_;
   PackShelf shelf_;
   std::string selectedBeforeRemoval_;
   std::string keyAccessProblem_;

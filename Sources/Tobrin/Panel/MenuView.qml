@@ -80,6 +80,10 @@ Rectangle {
                 shown: !panel.model.hasPermission
                 content: PermissionCard { model: panel.model }
             }
+            Part {
+                shown: panel.model.hasPermission && panel.model.offersNarrowerKeyAccess
+                content: AccessOfferCard { model: panel.model }
+            }
             PackSection {
                 Layout.fillWidth: true
                 model: panel.model

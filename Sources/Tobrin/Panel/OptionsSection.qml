@@ -92,6 +92,6 @@ Card {
     WarningLine {
         Layout.fillWidth: true
         Layout.bottomMargin: Theme.gap
-        text: access.visible ? section.model.keyAccessProblem : ""
+        text: access.visible && !section.model.offersNarrowerKeyAccess ? section.model.keyAccessProblem : ""
     }
 }

@@ -113,6 +113,10 @@ bool PanelModel::canGiveBackKeyAccess() const {
   return model_.canGiveBackKeyAccess();
 }
 
+bool PanelModel::offersNarrowerKeyAccess() const {
+  return model_.offersNarrowerKeyAccess();
+}
+
 bool PanelModel::hasPermission() const {
   return model_.hasPermission();
 }
@@ -356,6 +360,12 @@ void PanelModel::mute() {
 }
 void PanelModel::giveBackKeyAccess() {
   model_.giveBackKeyAccess();
+}
+void PanelModel::narrowKeyAccess() {
+  model_.narrowKeyAccess();
+}
+void PanelModel::keepWideKeyAccess() {
+  model_.keepWideKeyAccess();
 }
 
 void PanelModel::openSettings() {

@@ -26,6 +26,7 @@ class PanelModel final : public QObject {
   Q_PROPERTY(QString keyAccessButton READ keyAccessButton CONSTANT)
   Q_PROPERTY(QString keyAccessNote READ keyAccessNote CONSTANT)
   Q_PROPERTY(bool canGiveBackKeyAccess READ canGiveBackKeyAccess NOTIFY permissionChanged)
+  Q_PROPERTY(bool offersNarrowerKeyAccess READ offersNarrowerKeyAccess NOTIFY permissionChanged)
   Q_PROPERTY(QString noSensorNote READ noSensorNote CONSTANT)
   Q_PROPERTY(QString previewProblem READ previewProblem NOTIFY statusChanged)
   Q_PROPERTY(bool playing READ playing NOTIFY statusChanged)
@@ -83,6 +84,7 @@ class PanelModel final : public QObject {
   [[nodiscard]] QString keyAccessButton() const;
   [[nodiscard]] QString keyAccessNote() const;
   [[nodiscard]] bool canGiveBackKeyAccess() const;
+  [[nodiscard]] bool offersNarrowerKeyAccess() const;
   [[nodiscard]] QString noSensorNote() const;
   /// Why a preview could not be heard now; empty where it can.
   [[nodiscard]] QString previewProblem() const;
@@ -147,6 +149,8 @@ class PanelModel final : public QObject {
   Q_INVOKABLE void mute();
   Q_INVOKABLE void openSettings();
   Q_INVOKABLE void giveBackKeyAccess();
+  Q_INVOKABLE void narrowKeyAccess();
+  Q_INVOKABLE void keepWideKeyAccess();
   Q_INVOKABLE void relaunch();
   Q_INVOKABLE void openPacksFolder();
   Q_INVOKABLE void quit();

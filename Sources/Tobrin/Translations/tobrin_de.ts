@@ -2,6 +2,13 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE" sourcelanguage="en">
 <context>
+    <name>AccessOfferCard</name>
+    <message><source>Other programs can read your keyboard</source><translation>Andere Programme können deine Tastatur lesen</translation></message>
+    <message><source>An older rule lets every program you run read it. Without the rule only Tobrin is told of keys. An administrator has to agree.</source><translation>Eine ältere Regel lässt jedes deiner Programme sie lesen. Ohne die Regel erfährt nur Tobrin von Tasten. Dem muss ein Verwalter zustimmen.</translation></message>
+    <message><source>Remove the Rule…</source><translation>Regel entfernen …</translation></message>
+    <message><source>Leave It</source><translation>So lassen</translation></message>
+</context>
+<context>
     <name>ForceMeter</name>
     <message><source>Type to see how hard you hit</source><translation>Tippe, um zu sehen, wie hart du anschlägst</translation></message>
 </context>

@@ -33,6 +33,11 @@ class Workspace {
   using OnEnd = std::function<void(const std::string& problem)>;
   /// Offers the user the one-time grant of access to keys.
   virtual void openKeyAccessSettings(OnEnd onEnd) = 0;
+  /// Whether an older grant is in force by which other programs have the keys, too, and could be
+  /// replaced by one for this program alone.
+  virtual bool canNarrowKeyAccess() = 0;
+  /// Replaces it. Where somebody does not agree, all stays as it was.
+  virtual void narrowKeyAccess(OnEnd onEnd) = 0;
   /// Gives that access back.
   virtual void giveBackKeyAccess(OnEnd onEnd) = 0;
   /// Starts a new instance of the program, which waits for this one to end; returns why it failed.
