@@ -48,7 +48,7 @@ class PanelTest(PanelDriver):
                 self.assertTrue(eventually(lambda: named(name).checked == (value == on)), name)
         self.assertEqual(self.saved()["engineSettings"]["volume"], 0.5, "nothing else was touched")
         self.click("Quiet while the screen is locked")
-        self.assertTrue(eventually(lambda: self.saved().get("quietWhileLocked") is False), self.saved())
+        self.assertTrue(eventually(lambda: self.saved().get("comforts", {}).get("quietWhileLocked") is False), self.saved())
         entry = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "autostart/app.tobrin.Tobrin.desktop"
         self.click("Open at login")
         self.assertTrue(eventually(entry.exists))

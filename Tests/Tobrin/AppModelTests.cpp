@@ -301,7 +301,7 @@ TEST_F(AppModelTest, SaysWhyNoKeysComeAndIsSilentWhileTheScreenIsLocked) {
     EXPECT_EQ(model.statusLine(), playing);
   }
   for (const bool isWanted : {true, false, true}) {
-    model.setQuietWhileLocked(isWanted);
+    model.setComforts({.quietWhileLocked = isWanted});
     model.audition();
     desktop_.onLock(true);
     EXPECT_EQ(model.statusLine(), isWanted ? "Paused while the screen is locked" : playing);
@@ -312,8 +312,8 @@ TEST_F(AppModelTest, SaysWhyNoKeysComeAndIsSilentWhileTheScreenIsLocked) {
     model.audition();
     EXPECT_TRUE(isHeard()) << "again";
   }
-  model.setQuietWhileLocked(false);
-  EXPECT_FALSE(start().quietWhileLocked()) << "remembered";
+  model.setComforts({.quietWhileLocked = false});
+  EXPECT_FALSE(start().comforts().quietWhileLocked) << "remembered";
 }
 
 TEST_F(AppModelTest, WaitsForAccessToKeys) {

@@ -13,7 +13,6 @@ AppModel::AppModel(AppServices services, std::optional<Preview> preview)
       sensorAvailable_(services_.motionSource != nullptr || (preview && preview->reading)),
       saver_(services_.main,
              [this] { return services_.settings.write(settingsKey, settings_.toJson()); }),
-      accessOffer_(services_.workspace, services_.settings),
       shelf_(services_.main, services_.adding, services_.addPack, services_.discardPack),
       self_(std::make_shared<AppModel*>(this)) {
   const std::string selectedID = readSavedState(preview);
@@ -58,7 +57,6 @@ std::string AppModel::readSavedState(const std::optional<Preview>& preview) {
     lastForce_ = preview->reading;
     return preview->pack.value_or(defaultPackID);
   }
-  lockSilence_.read(services_.settings);
   const auto saved = services_.settings.read(settingsKey);
   if (saved) {
     try {
@@ -110,10 +108,7 @@ void AppModel::wireCallbacks() {
     conductor_->systemDidWake();
     micMonitor_->refresh();
   });
-  services_.workspace.setOnLock([this](bool isLocked) {
-    lockSilence_.setLocked(isLocked);
-    lockChanged();
-  });
+  services_.workspace.setOnLock([this](bool isLocked) { lockChanged(isLocked); });
   services_.workspace.setOnTerminate([this] {
     conductor_->shutdown();
     saver_.save();
@@ -151,6 +146,7 @@ void AppModel::setComforts(const Comforts& comforts) {
   comforts_ = comforts;
   if (!preview_) services_.settings.write(comfortsKey, comforts_.toJson());
   updateMicMonitor();
+  if (!preview_) conductor_->apply(effectiveSettings(), false);
   applyMask();
   emit settingsChanged();
 }
@@ -169,7 +165,7 @@ PlaybackGate AppModel::gate() const {
 
 EngineSettings AppModel::effectiveSettings() const {
   EngineSettings effective = settings_;
-  effective.enabled = gate().isPlaying() && !lockSilence_.isNow();
+  effective.enabled = gate().isPlaying() && !isSilentByLock();
   effective.forceSensing = settings_.forceSensing && sensorAvailable_;
   return effective;
 }
@@ -180,7 +176,7 @@ SoundState AppModel::soundState() const {
        .hasSound = soundProblem_.empty(),
        .hasPack = !packError(),
        .isOn = settings_.enabled,
-       .pause = lockSilence_.isNow() ? KeyPause::locked : keyAccess_->state().pause,
+       .pause = isSilentByLock() ? KeyPause::locked : keyAccess_->state().pause,
        .isInCall = gate().state() == PlaybackGate::State::pausedForCall,
        .volume = settings_.volume});
 }
@@ -231,13 +227,8 @@ void AppModel::applyMask() {
 
 // Locked screen
 
-void AppModel::setQuietWhileLocked(bool on) {
-  if (!preview_) lockSilence_.want(on, services_.settings);
-  lockChanged();
-  emit settingsChanged();
-}
-
-void AppModel::lockChanged() {
+void AppModel::lockChanged(bool isLocked) {
+  isLocked_ = isLocked;
   if (!preview_) conductor_->apply(effectiveSettings(), false);
   emit statusChanged();
 }
@@ -372,8 +363,7 @@ void AppModel::lookForPacks() {
 void AppModel::menuOpened() {
   lookForPacks();
   lookForKeyAccess();
-  if (!preview_) accessOffer_.look();
-  emit permissionChanged();
+  lookForWideKeyAccess();
   registerShortcut();
 }
 
@@ -437,7 +427,15 @@ void AppModel::narrowKeyAccess() {
 }
 
 void AppModel::keepWideKeyAccess() {
-  accessOffer_.decline();
+  Comforts changed = comforts_;
+  changed.keepsWideKeyAccess = true;
+  setComforts(changed);
+  lookForWideKeyAccess();
+}
+
+void AppModel::lookForWideKeyAccess() {
+  offersNarrowerKeyAccess_ =
+      !preview_ && !comforts_.keepsWideKeyAccess && services_.workspace.canNarrowKeyAccess();
   emit permissionChanged();
 }
 
@@ -448,8 +446,7 @@ bool AppModel::canGiveBackKeyAccess() const {
 void AppModel::keyAccessSettled(const char* failure, const std::string& problem) {
   keyAccessProblem_ = problem.empty() ? "" : failure + problem;
   if (!problem.empty()) logLine(keyAccessProblem_);
-  accessOffer_.look();
-  emit permissionChanged();
+  lookForWideKeyAccess();
   lookForKeyAccess();
 }
 

@@ -16,11 +16,9 @@
 #include "Input/GlobalHotkey.h"
 #include "Input/KeyMonitor.h"
 #include "Mic/MicMonitor.h"
-#include "Model/AccessOffer.h"
 #include "Model/AppServices.h"
 #include "Model/Comforts.h"
 #include "Model/KeyAccessWatch.h"
-#include "Model/LockSilence.h"
 #include "Model/PackSelection.h"
 #include "Model/PackShelf.h"
 #include "Model/SettingsSaver.h"
@@ -74,13 +72,12 @@ class AppModel final : public QObject {
   [[nodiscard]] bool hasPermission() const { return preview_ || keyAccess_->state().hasPermission; }
   [[nodiscard]] bool listening() const { return keyAccess_->state().listening; }
   [[nodiscard]] bool needsRelaunch() const { return keyAccess_->state().needsRelaunch; }
-  [[nodiscard]] bool quietWhileLocked() const { return lockSilence_.isWanted(); }
   /// Whether keys are heard while the screen is locked, so that the user's wish decides.
   [[nodiscard]] bool hearsWhileLocked() const { return keyAccess_->state().hearsWhileLocked; }
   /// Whether there is access to keys that the user can give back.
   [[nodiscard]] bool canGiveBackKeyAccess() const;
   /// Whether the user is to be asked to replace an older access, which other programs have, too.
-  [[nodiscard]] bool offersNarrowerKeyAccess() const { return accessOffer_.isOpen(); }
+  [[nodiscard]] bool offersNarrowerKeyAccess() const { return offersNarrowerKeyAccess_; }
   /// Why access to keys could not be granted or given back; empty while nothing went wrong.
   [[nodiscard]] const std::string& keyAccessProblem() const { return keyAccessProblem_; }
   /// Why the packs folder could not be shown, and why "Open at login" could not be changed, in a
@@ -130,7 +127,6 @@ class AppModel final : public QObject {
   void lookForPacks();
   void menuOpened();
   void setLaunchAtLogin(bool on);
-  void setQuietWhileLocked(bool on);
   void relaunch();
   void audition();
   /// Lets one key be heard, to judge how loud keys are.
@@ -154,7 +150,7 @@ class AppModel final : public QObject {
   [[nodiscard]] const KeyMonitor& monitor() const { return *monitor_; }
 
  signals:
-  void settingsChanged();  ///< settings, quietWhileLocked
+  void settingsChanged();  ///< settings, comforts
   void selectedPackChanged();
   void packsChanged();
   void packErrorChanged();
@@ -179,7 +175,9 @@ class AppModel final : public QObject {
   void outputRecordedChanged(bool recorded);
   void applyMask();
   [[nodiscard]] bool isMasked() const { return outputRecorded_ && comforts_.maskWhileRecorded; }
-  void lockChanged();
+  void lockChanged(bool isLocked);
+  void lookForWideKeyAccess();
+  [[nodiscard]] bool isSilentByLock() const { return isLocked_ && comforts_.quietWhileLocked; }
   void sensorChanged(const std::string& problem);
   void outputProblemChanged(const std::string& problem);
   void lookForKeyAccess();
@@ -199,8 +197,6 @@ class AppModel final : public QObject {
   EngineSettings settings_;
   Comforts comforts_;
   SettingsSaver saver_;
-  LockSilence lockSilence_;
-  AccessOffer accessOffer_;
   PackShelf shelf_;
   std::string selectedBeforeRemoval_;
   std::string keyAccessProblem_;
@@ -212,6 +208,8 @@ class AppModel final : public QObject {
   std::optional<ForceReading> lastForce_;
   bool launchAtLogin_ = false;
   bool micInUse_ = false;
+  bool isLocked_ = false;
+  bool offersNarrowerKeyAccess_ = false;
   bool outputRecorded_ = false;
   bool isCapturingShortcut_ = false;
   GlobalHotkey::Status shortcutStatus_;

@@ -18,12 +18,18 @@ void read(const Json& document, const char* key, bool& value) {
 Comforts Comforts::fromJson(std::string_view text) {
   Comforts comforts;
   const Json document = Json::parse(text, nullptr, false);
-  if (document.is_object()) read(document, "maskWhileRecorded", comforts.maskWhileRecorded);
+  if (!document.is_object()) return comforts;
+  read(document, "maskWhileRecorded", comforts.maskWhileRecorded);
+  read(document, "quietWhileLocked", comforts.quietWhileLocked);
+  read(document, "keepsWideKeyAccess", comforts.keepsWideKeyAccess);
   return comforts;
 }
 
 std::string Comforts::toJson() const {
-  return Json{{"maskWhileRecorded", maskWhileRecorded}}.dump();
+  return Json{{"maskWhileRecorded", maskWhileRecorded},
+              {"quietWhileLocked", quietWhileLocked},
+              {"keepsWideKeyAccess", keepsWideKeyAccess}}
+      .dump();
 }
 
 }  // namespace tobrin

@@ -10,6 +10,10 @@ namespace tobrin {
 struct Comforts {
   /// Each stroke gets the sound of another key while a program records what is played.
   bool maskWhileRecorded = true;
+  /// Silence while the screen is locked.
+  bool quietWhileLocked = true;
+  /// An older access to keys, which other programs have, too, is to stay as it is.
+  bool keepsWideKeyAccess = false;
 
   bool operator==(const Comforts&) const = default;
 

@@ -221,7 +221,7 @@ bool PanelModel::quietDuringCalls() const {
   return model_.settings().quietDuringCalls;
 }
 bool PanelModel::quietWhileLocked() const {
-  return model_.quietWhileLocked();
+  return model_.comforts().quietWhileLocked;
 }
 bool PanelModel::hearsWhileLocked() const {
   return model_.hearsWhileLocked();
@@ -258,7 +258,9 @@ void PanelModel::setQuietDuringCalls(bool on) {
   change(&EngineSettings::quietDuringCalls, on);
 }
 void PanelModel::setQuietWhileLocked(bool on) {
-  model_.setQuietWhileLocked(on);
+  Comforts changed = model_.comforts();
+  changed.quietWhileLocked = on;
+  model_.setComforts(changed);
 }
 void PanelModel::setLaunchAtLogin(bool on) {
   model_.setLaunchAtLogin(on);
