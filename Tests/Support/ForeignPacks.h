@@ -139,6 +139,8 @@ inline Files profile() {
            "  other:\n"
            "    - {sound: a, keys: [a]}\n"
            "    - {sound: right, keys: [right]}\n"},
+          {"COPYING", "Do as you like."},
+          {"license.doc", std::string("Not a text\0", 11)},
           {"a.wav", strokeFile(0)},
           {"up.wav", strokeFile(20)},
           {"57.wav", strokeFile(1)},

@@ -4,11 +4,15 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <span>
+#include <sstream>
 
 #include "Input/KeyLayout.h"
 #include "Packs/PackLoader.h"
+#include "Packs/SampleBuffer.h"
 #include "RunWorkshop.h"
 #include "Support/ForeignPacks.h"
+#include "Support/KeptText.h"
 
 namespace tobrin {
 namespace {
@@ -31,32 +35,45 @@ std::shared_ptr<const LoadedPack> loaded(const fs::path& folder) {
   return loadPack(PackInfo::read(folder, false), 48000);
 }
 
+/// The manifest and, of each sound, the length and the power.
+std::string describe(const fs::path& pack) {
+  std::ostringstream text;
+  text.precision(3);
+  for (const auto& [name, content] : testing::filesIn(pack)) {
+    if (!name.ends_with(".wav")) {
+      text << content;
+      continue;
+    }
+    const auto sound = SampleBuffer::load(pack / name, 48000);
+    double power = 0;
+    for (const float x : std::span(sound->left(), sound->frames()))
+      power += static_cast<double>(x) * static_cast<double>(x);
+    text << name << ": " << sound->frames() << " frames, " << power << "\n";
+  }
+  return text.str();
+}
+
 TEST(ImportCommand, MakesPacksOfEveryFormatFromFoldersAndArchives) {
-  const std::tuple<const char*, Files, const char*, Json> rows[] = {
-      {"Sprite", foreign::sprite(), "config.json, version 1", {{"alpha", 2}, {"modifier", 1}}},
-      {"Files", foreign::files(), "config.json, version 2", {{"alpha", 4}, {"modifier", 2}}},
-      {"Named", foreign::named(), "config.json, named keys", {{"alpha", 2}, {"modifier", 1}}},
-      {"My keys", foreign::keyFiles(), "two files a key", {{"alpha", 2}, {"modifier", 1}}},
-      {"Profile", foreign::profile(), "profile.yaml", {{"alpha", 3}, {"modifier", 1}}},
-  };
+  const std::pair<const char*, Files> rows[] = {{"Sprite", foreign::sprite()},
+                                                {"Files", foreign::files()},
+                                                {"Named", foreign::named()},
+                                                {"My keys", foreign::keyFiles()},
+                                                {"Profile", foreign::profile()}};
   const std::tuple<const char*, int, int> archives[] = {
       {"zip", ARCHIVE_FORMAT_ZIP, ARCHIVE_FILTER_NONE},
       {"tar.gz", ARCHIVE_FORMAT_TAR_PAX_RESTRICTED, ARCHIVE_FILTER_GZIP},
       {"7z", ARCHIVE_FORMAT_7ZIP, ARCHIVE_FILTER_NONE}};
-  for (const auto& [name, files, format, groups] : rows) {
+  std::string text;
+  for (const auto& [name, files] : rows) {
     const testing::TempFolder folder;
     const fs::path into = folder.path() / "into";
     testing::writeFiles(folder.path() / "source", files);
-    const Json made = imported(folder.path() / "source", into);
+    Json made = imported(folder.path() / "source", into);
     EXPECT_EQ(made["name"], name);
-    EXPECT_EQ(made["format"], format);
-    EXPECT_EQ(made["groups"]["alpha"], groups["alpha"]) << name;
-    EXPECT_EQ(made["groups"]["modifier"], groups["modifier"]) << name;
-    EXPECT_EQ(made["groups"]["enter"], made["groups"]["backspace"]) << name;
-    EXPECT_EQ(made["releases"], std::string(name) == "Sprite" ? 0 : 1) << name;
     EXPECT_NEAR(made["lufs"].get<double>(), -28, 0.3) << name;
+    made.erase("lufs");
+    text += made.dump(1) + "\n" + describe(into);
     EXPECT_EQ(run({"check", into}).err, "") << "no name in it is unknown";
-    EXPECT_EQ(loaded(into)->hasReleaseSounds(), made["releases"] == 1) << name;
     const auto fromFolder = testing::filesIn(into);
     for (const auto& [ending, archive, filter] : archives) {
       const fs::path file = folder.path() / "packed";
@@ -65,6 +82,7 @@ TEST(ImportCommand, MakesPacksOfEveryFormatFromFoldersAndArchives) {
       EXPECT_EQ(testing::filesIn(into), fromFolder) << name << ", " << ending;
     }
   }
+  testing::expectKeptText(text, "TobrinPacks/imported.txt");
 }
 
 /// Which of the composed strokes a take is, by its pitch.
