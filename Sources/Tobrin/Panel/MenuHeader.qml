@@ -39,7 +39,6 @@ RowLayout {
         }
         ShortText {
             Layout.fillWidth: true
-            Layout.preferredWidth: 1
             text: header.model.statusLine
             lines: 2
             small: true

@@ -32,6 +32,15 @@ ColumnLayout {
             color: Theme.warning
             Accessible.role: Accessible.AlertMessage
         }
+        Part {
+            Layout.fillWidth: false
+            Layout.alignment: Qt.AlignTop
+            shown: detail.fails && detail.pack.name !== undefined
+            content: PanelButton {
+                text: qsTr("Try Again")
+                onClicked: detail.model.select(detail.model.selectedPackID)
+            }
+        }
     }
     ShortText {
         id: title

@@ -44,6 +44,10 @@
     <message><source>Take Back</source><translation>Zurücknehmen</translation></message>
 </context>
 <context>
+    <name>PackDetail</name>
+    <message><source>Try Again</source><translation>Noch einmal</translation></message>
+</context>
+<context>
     <name>PackGrid</name>
     <message><source>Find a pack</source><translation>Paket suchen</translation></message>
     <message><source>No pack is called that.</source><translation>So heißt kein Paket.</translation></message>
