@@ -16,7 +16,6 @@ namespace {
 constexpr double typicalDb = -30;  // of a press: 30 ms of it
 constexpr double separateSeconds = 0.025;
 constexpr std::size_t levelFrames = 1440;    // 30 ms
-constexpr std::size_t audibleFrames = 48;    // 1 ms
 constexpr std::size_t spokenFrames = 76800;  // 1.6 s
 constexpr uint32_t keyCount = 30;
 
@@ -48,11 +47,16 @@ class KeyTypist {
 
   ComposedKeys typed() {
     const double end = condition_.seconds - 1;
-    for (double at = 0.6; at < end; at += interval())
+    double at = 0.6;
+    while (at < end) {
       stroke(at);
-    for (double at = 0.9; condition_.knocks > 0 && at < end;
-         at += 2 * random_.unit() / condition_.knocks)
+      at += interval();
+    }
+    at = 0.9;
+    while (condition_.knocks > 0 && at < end) {
       knock(at);
+      at += 2 * random_.unit() / condition_.knocks;
+    }
     speak();
     for (float& x : result_.recording.samples)
       x += static_cast<float>(noise_ * std::numbers::sqrt3 * random_.signedUnit());
@@ -146,8 +150,10 @@ class KeyTypist {
   /// Syllables: a buzz of harmonics that swells and fades.
   void speak() {
     const double end = condition_.seconds - 2;
-    for (double at = 1; condition_.speech > 0 && at < end; at += 2) {
+    double at = 1;
+    while (condition_.speech > 0 && at < end) {
       if (random_.unit() < condition_.speech) say(at, 100 + 60 * random_.unit());
+      at += 2;
     }
   }
 

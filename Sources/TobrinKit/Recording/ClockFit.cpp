@@ -174,7 +174,7 @@ std::vector<Match> matchesOf(std::span<const RecordedKey> keys, const ClockFit& 
 
 /// Moves the fit by the weighted least squares of its errors: a line through those of the presses
 /// and of the releases, which may lie beside it by a lag.
-void improve(ClockFit& fit, std::vector<Match> matches) {
+void improve(ClockFit& fit, const std::vector<Match>& matches) {
   double weights = 0, lags = 0, lagWeights = 0;
   for (const Match& match : matches) {
     lags += match.isRelease ? match.weight * match.error : 0;
@@ -207,6 +207,7 @@ void improve(ClockFit& fit, std::vector<Match> matches) {
 double spreadOf(const std::vector<Match>& matches) {
   constexpr double ofMedian = 1.4826;  // of an even bell
   std::vector<float> errors;
+  errors.reserve(matches.size());
   for (const Match& match : matches)
     errors.push_back(static_cast<float>(std::abs(match.error)));
   return std::max(ofMedian * static_cast<double>(percentile(std::move(errors), 0.5)), leastSpread);

@@ -44,6 +44,7 @@ class KeyedCutter {
     const auto variants = variantsOf(group, options_);
     if (haveForce(good)) return tiersByForce(good, variants, cut);
     std::vector<RecordedHit> hits;
+    hits.reserve(good.size());
     for (const GoodPress& each : good)
       hits.push_back(each.hit);
     return takesByTier(std::move(hits), variants, cut);

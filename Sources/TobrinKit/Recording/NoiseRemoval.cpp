@@ -38,6 +38,7 @@ Samples partOf(Samples samples, std::size_t begin, double length) {
 /// Where no key sounds.
 std::vector<Pause> pausesOf(const KeyedRecording& recording, const ClockFit& fit) {
   std::vector<double> moments;
+  moments.reserve(recording.keys.size() + 1);
   for (const RecordedKey& key : recording.keys)
     moments.push_back(fit.soundOf(key));
   moments.push_back(static_cast<double>(recording.samples.size()) / recording.rate);
@@ -57,6 +58,7 @@ std::vector<Pause> pausesOf(const KeyedRecording& recording, const ClockFit& fit
 
 double noisePower(Samples samples, const std::vector<Pause>& pauses) {
   std::vector<float> powers;
+  powers.reserve(pauses.size());
   for (const Pause& pause : pauses)
     powers.push_back(
         static_cast<float>(meanPower(samples.subspan(pause.begin, pause.end - pause.begin))));

@@ -149,6 +149,7 @@ std::vector<std::pair<std::size_t, double>> joined(const std::vector<double>& fi
                                                    const std::vector<double>& coarse) {
   std::vector<std::pair<std::size_t, double>> result;
   const auto hops = clearest(fine, shortReach, leastShortEvidence);
+  result.reserve(hops.size());
   for (const std::size_t k : hops)
     result.emplace_back(k, fine[k]);
   for (const std::size_t k : clearest(coarse, longReach, leastLongEvidence)) {
