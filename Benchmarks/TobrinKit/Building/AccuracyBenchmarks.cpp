@@ -183,6 +183,12 @@ std::vector<TypingCondition> conditions() {
       c.rate = random.unit() < 0.3 ? 44100 : 48000;
     });
   }
+  for (const double releaseDb : {-6.0, 0.0}) {
+    add("touches, bounces", [&](TypingCondition& c) {
+      c.interval = 1.2, c.hold = 0.12, c.releaseDb = releaseDb;
+      c.contacts = 0.6, c.topBounces = 0.4, c.bounces = 0.3;
+    });
+  }
   return list;
 }
 

@@ -85,6 +85,10 @@ class Typist {
       add(at + 0.028 + 0.022 * random_.unit(), strength - 7 + 2 * normal(),
           {group, std::nullopt, random_.next() % 12}, Sound::knock, isWide);
     }
+    if (condition_.contacts > 0 && random_.unit() < condition_.contacts) {
+      add(at - 0.028 - 0.032 * random_.unit(), strength - 9 + 3 * normal(),
+          {group, std::nullopt, random_.next() % 12}, Sound::knock, isWide);
+    }
     const double hold = std::clamp(condition_.hold * std::exp(0.22 * normal()), 0.03, 1.0);
     if (random_.unit() >= condition_.heard) return;
     // What a key gives on its way up depends on the finger less than the way down does.
@@ -92,6 +96,10 @@ class Typist {
     const double release =
         -22 - condition_.strengthSpread + shared + condition_.releaseDb + 2.2 * normal();
     add(at + hold, release, {group, std::nullopt, random_.next() % 12}, Sound::release, isWide);
+    if (condition_.topBounces > 0 && random_.unit() < condition_.topBounces) {
+      add(at + hold + 0.028 + 0.022 * random_.unit(), release - 4 + 2 * normal(),
+          {group, std::nullopt, random_.next() % 12}, Sound::knock, isWide);
+    }
   }
 
   struct Key {

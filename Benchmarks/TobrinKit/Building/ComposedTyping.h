@@ -14,7 +14,7 @@ namespace tobrin {
 struct TypingCondition {
   enum class Damage : uint8_t { none, noise, gated, muffled, codec, room, hum };
 
-  std::string name;
+  std::string name{};
   const SynthProfile* profile = &SynthProfile::cream();
   double interval = 0.2;      ///< median from press to press
   double hold = 0.095;        ///< median from press to its release
@@ -22,6 +22,8 @@ struct TypingCondition {
   double strengthSpread = 9;  ///< strengths lie this many dB around their mean, evenly
   double heard = 0.9;         ///< share of presses whose release sounds at all
   double bounces = 0;         ///< share of presses with a second knock 28 to 50 ms later
+  double contacts = 0;        ///< share of presses that a finger's touch comes 28 to 60 ms ahead of
+  double topBounces = 0;      ///< share of releases with a second knock 28 to 50 ms later
   double ticks = 0;           ///< faint sounds of no key a second, 24 to 48 dB below the presses
   double wideShare = 0.15;    ///< share of presses on the space bar
   double rate = 48000;        ///< Hz

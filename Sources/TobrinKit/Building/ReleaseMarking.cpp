@@ -19,6 +19,11 @@ constexpr double evenOdds = 0.5;
 constexpr std::size_t hitsToChooseBy = 400;
 constexpr int firstRounds = 3;
 constexpr int lastRounds = 6;
+constexpr double slowSeconds = 0.35;  // from one hit to the next, where a stroke is over
+constexpr double slowShare = 0.15;    // of hits; a stroke may have four and more
+constexpr double besideSeconds = 0.06;
+constexpr double touchDb = 4.5;  // by which a touch is weaker than the strike that follows
+constexpr double bounceDb = 2;   // by which a bounce is weaker than what it follows
 constexpr double quietest = 1e-9;
 
 /// How fast somebody may type, and how long they hold keys then. In seconds.
@@ -45,16 +50,39 @@ double pressLevelAround(const std::vector<TypedHit>& hits, const std::vector<dou
   return static_cast<double>(percentile(std::move(around), pressPercentile));
 }
 
+/// Whether keys are struck one at a time: then a hit close to another is no other key's, but in
+/// fast typing it is.
+bool isSlow(const std::vector<TypedHit>& hits) {
+  std::size_t pauses = 0;
+  for (std::size_t i = 1; i < hits.size(); ++i)
+    pauses += hits[i].time - hits[i - 1].time > slowSeconds ? 1u : 0u;
+  return static_cast<double>(pauses) > slowShare * static_cast<double>(hits.size());
+}
+
+/// Whether a hit comes just before a clearly louder one, or just after a louder one.
+bool isBeside(const std::vector<TypedHit>& hits, const std::vector<double>& levels,
+              std::size_t index) {
+  for (std::size_t i = index + 1;
+       i < hits.size() && hits[i].time - hits[index].time < besideSeconds; ++i)
+    if (levels[i] > levels[index] + touchDb) return true;
+  for (std::size_t i = index; i-- > 0 && hits[index].time - hits[i].time < besideSeconds;)
+    if (levels[i] > levels[index] + bounceDb) return true;
+  return false;
+}
+
 std::vector<TypedHit> typed(const std::vector<RecordedHit>& hits, double rate) {
   std::vector<TypedHit> result;
   std::vector<double> levels;
   for (const auto& hit : hits) {
-    result.push_back({static_cast<double>(hit.onset) / rate, 0});
+    result.push_back({static_cast<double>(hit.onset) / rate, 0, false});
     levels.push_back(20 * std::log10(std::max(static_cast<double>(hit.energy), quietest)));
   }
   for (std::size_t i = 0; i < result.size(); ++i) {
     result[i].relativeDb = levels[i] - pressLevelAround(result, levels, i);
   }
+  if (!isSlow(result)) return result;
+  for (std::size_t i = 0; i < result.size(); ++i)
+    result[i].isBeside = isBeside(result, levels, i);
   return result;
 }
 

@@ -18,7 +18,8 @@ namespace {
 constexpr double shortestHold = 0.025;  // s
 constexpr double longestHold = 1.0;
 constexpr std::size_t beamWidth = 24;
-constexpr double farBehind = 12;  // of the best state, in log likelihood; not followed
+constexpr double farBehind = 12;         // of the best state, in log likelihood; not followed
+constexpr double mostPartsASecond = 25;  // one within the time that a part may be apart
 constexpr std::size_t mostHeld = 4;
 constexpr int none = -1;
 constexpr double impossible = -std::numeric_limits<double>::infinity();
@@ -114,6 +115,7 @@ class Lattice {
         logHeard_(std::log(model.heardReleases)),
         logUnheard_(std::log(1 - model.heardReleases)),
         logStray_(std::log(model.straysASecond)),
+        logPart_(std::log(model.partsBeside * mostPartsASecond)),
         pause_(logTimeDensity(model.logInterval, TypingModel::longestInterval)) {
     steps_.resize(hits.size() + 1);
     steps_[0].nodes.push_back({State(), 0, impossible});
@@ -145,7 +147,8 @@ class Lattice {
     timeSince(index);
     const double press = model_.pressDb.logDensity(here.relativeDb);
     const double release = logHeard_ + model_.releaseDb.logDensity(here.relativeDb);
-    const double stray = logStray_ + model_.strayDb.logDensity(here.relativeDb);
+    const double stray = here.isBeside ? logPart_ + model_.partDb.logDensity(here.relativeDb)
+                                       : logStray_ + model_.strayDb.logDensity(here.relativeDb);
     const auto& nodes = steps_[index].nodes;
     places_.clear(nodes.size() * (mostHeld + 2));
     for (std::size_t from = 0; from < nodes.size(); ++from) {
@@ -251,6 +254,7 @@ class Lattice {
   double logHeard_;
   double logUnheard_;
   double logStray_;
+  double logPart_;
   double pause_;  // density of every interval beyond the longest
   // Since the hits from `windowBegin_` on, at the current one.
   std::size_t windowBegin_ = 0;

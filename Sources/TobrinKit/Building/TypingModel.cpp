@@ -56,7 +56,13 @@ TypingModel TypingModel::fitted(const std::vector<TypedHit>& hits,
   assert(assignment.size() == hits.size());
   std::vector<double> pressLevels, releaseLevels, strayLevels, holds, intervals;
   double lastPress = -longestInterval;
+  std::size_t beside = 0, parts = 0;
   for (std::size_t i = 0; i < hits.size(); ++i) {
+    beside += hits[i].isBeside ? 1u : 0u;
+    if (assignment[i] == isStray && hits[i].isBeside) {
+      ++parts;
+      continue;
+    }
     if (assignment[i] == isStray) {
       strayLevels.push_back(hits[i].relativeDb);
       continue;
@@ -80,6 +86,7 @@ TypingModel TypingModel::fitted(const std::vector<TypedHit>& hits,
                                    std::max(mostStrays * count / length, 0.05));
   model.heardReleases =
       std::clamp(share(releaseLevels.size(), pressLevels.size(), heardReleases), 0.02, 0.98);
+  model.partsBeside = std::clamp(share(parts, beside, partsBeside), 0.02, 0.98);
   model.pressDb = Bell::fit(std::move(pressLevels), pressDb, expectedWeight, leastDb);
   model.releaseDb = Bell::fit(std::move(releaseLevels), releaseDb, expectedWeight, leastDb);
   model.strayDb = Bell::fit(std::move(strayLevels), strayDb, expectedWeight, leastStrayDb);

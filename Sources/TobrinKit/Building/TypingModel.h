@@ -25,16 +25,19 @@ struct Bell {
 struct TypedHit {
   double time = 0;        ///< s
   double relativeDb = 0;  ///< level against the presses around it
+  bool isBeside = false;  ///< hardly apart from a louder hit: perhaps a touch or a bounce
 };
 
 struct TypingModel {
   Bell pressDb{0, 4};
   Bell releaseDb{-10, 4};
   Bell strayDb{-15, 7};         ///< knocks, residue, releases of presses that were not heard
+  Bell partDb{-8, 5};           ///< touches and bounces of keys
   Bell logHold{-2.4, 0.35};     ///< natural logarithm of seconds; about 90 ms
   Bell logInterval{-1.7, 0.5};  ///< from press to press; about 180 ms
   double heardReleases = 0.7;   ///< share of presses whose release is heard
   double straysASecond = 0.2;
+  double partsBeside = 0.3;  ///< share of the hits beside louder ones that are parts of those
 
   static constexpr double longestInterval = 2.0;  ///< s; a longer one is a pause
 

@@ -9,6 +9,7 @@
 #include "Base/SplitMix64.h"
 #include "Building/RecordedPackBuilder.h"
 #include "Building/TypingLattice.h"
+#include "ComposedTyping.h"
 #include "Packs/SampleBuffer.h"
 #include "Support/AudioFiles.h"
 #include "Support/KeptText.h"
@@ -205,6 +206,28 @@ TEST(RecordedPack, HitsNearTheLimitsAreJudgedAsTheyWere) {
     at += hold + (i % 12 == 3 ? 0.022 : 0.1 + 0.2 * rng.unit());
   }
   testing::expectKeptText(describe(piece.slice()), "TobrinKit/Building/limits.txt");
+}
+
+TEST(RecordingSlicer, TouchesAndBouncesOfSlowStrokesAreNoPresses) {
+  TypingCondition condition{.interval = 1.2, .hold = 0.12, .releaseDb = 0, .heard = 1, .seed = 7};
+  condition.contacts = condition.bounces = condition.topBounces = 0.5;
+  const ComposedTyping typing = composeTyping(condition, 60);
+  const auto sliced = sliceRecording(typing.left, typing.right, typing.rate, {});
+  std::size_t presses = 0, kept = 0, right = 0;
+  for (const HitFate fate : sliced.fates)
+    kept += fate == HitFate::press || fate == HitFate::bigPress ? 1u : 0u;
+  for (const auto& stroke : typing.strokes) {
+    if (stroke.sound != ComposedTyping::Sound::press) continue;
+    ++presses;
+    for (std::size_t i = 0; i < sliced.hits.size(); ++i) {
+      const bool isKept = sliced.fates[i] == HitFate::press || sliced.fates[i] == HitFate::bigPress;
+      const std::size_t onset = sliced.hits[i].onset;
+      if (isKept && onset + 480 > stroke.onset && onset < stroke.onset + 480) ++right;
+    }
+  }
+  EXPECT_GT(presses, 40u);
+  EXPECT_GE(right, presses - 1);
+  EXPECT_LE(kept, right + right / 8);
 }
 
 /// Expected is what looking through all nodes for every edge gave: none may be taken for another.
