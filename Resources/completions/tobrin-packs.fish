@@ -1,4 +1,4 @@
-set -l commands list check generate loudness render slice build import export install
+set -l commands list check generate loudness render slice record build import export install
 set -l none "not __fish_seen_subcommand_from $commands"
 complete -c tobrin-packs -n $none -f
 complete -c tobrin-packs -n $none -l version -d 'Print the version'
@@ -9,14 +9,15 @@ complete -c tobrin-packs -n $none -a generate -d 'Write the starter packs'
 complete -c tobrin-packs -n $none -a loudness -d 'Measure loudness'
 complete -c tobrin-packs -n $none -a render -d 'Play typing through a pack into a WAV file'
 complete -c tobrin-packs -n $none -a slice -d 'Find the keystrokes of a recording'
+complete -c tobrin-packs -n $none -a record -d 'Make a pack of your own keyboard'
 complete -c tobrin-packs -n $none -a build -d 'Build a pack from recordings'
 complete -c tobrin-packs -n $none -a import -d 'Make a pack of one in another format'
 complete -c tobrin-packs -n $none -a export -d 'Write a pack as one file'
 complete -c tobrin-packs -n $none -a install -d 'Put packs among your own'
 
-complete -c tobrin-packs -n '__fish_seen_subcommand_from list check loudness slice build import' -l json -d 'One JSON document'
+complete -c tobrin-packs -n '__fish_seen_subcommand_from list check loudness slice record build import' -l json -d 'One JSON document'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from generate' -f -a 'cream blue-click panda dome typewriter'
-complete -c tobrin-packs -n '__fish_seen_subcommand_from generate build import' -r -l into -d 'Folder to write'
+complete -c tobrin-packs -n '__fish_seen_subcommand_from generate record build import' -r -l into -d 'Folder to write'
 
 set -l render '__fish_seen_subcommand_from render'
 complete -c tobrin-packs -n $render -r -l out -d 'WAV file to write'
@@ -33,6 +34,10 @@ complete -c tobrin-packs -n $render -x -l format -a 's16 f32' -d 'Sample format'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from slice' -r -l options -d 'Slicer options'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from slice' -r -l keys -d 'Keys that were typed'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from slice' -r -l plot -d 'SVG file to draw'
+complete -c tobrin-packs -n '__fish_seen_subcommand_from record' -x -l name -d 'Name of the pack'
+complete -c tobrin-packs -n '__fish_seen_subcommand_from record' -x -l source -d 'Microphone'
+complete -c tobrin-packs -n '__fish_seen_subcommand_from record' -x -l seconds -d 'For how long'
+complete -c tobrin-packs -n '__fish_seen_subcommand_from record' -r -l keep -d 'WAV file for the recording'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from build' -r -l cache -d 'Where recordings are kept'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from import' -x -l id -d 'Id of the pack'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from import' -x -l name -d 'Name of the pack'

@@ -24,7 +24,7 @@ Examples:
 'tobrin-packs COMMAND --help' says more about each.
 )";
 
-void addCommands(CLI::App& app, const CommandStreams& streams) {
+void addCommands(CLI::App& app, const CommandStreams& streams, std::span<const AddCommand> more) {
   addListCommand(app, streams);
   addCheckCommand(app, streams);
   addGenerateCommand(app, streams);
@@ -35,6 +35,8 @@ void addCommands(CLI::App& app, const CommandStreams& streams) {
   addImportCommand(app, streams);
   addExportCommand(app, streams);
   addInstallCommand(app, streams);
+  for (const AddCommand add : more)
+    add(app, streams);
 }
 
 /// What `--help` and `--version` throw is no error; everything else is wrong usage.
@@ -68,12 +70,13 @@ std::string reasonOf(const std::exception& error) {
 
 }  // namespace
 
-int runPackWorkshop(const std::vector<std::string>& arguments, const CommandStreams& streams) {
+int runPackWorkshop(const std::vector<std::string>& arguments, const CommandStreams& streams,
+                    std::span<const AddCommand> more) {
   CLI::App app("Makes, checks and auditions Tobrin's sound packs.", "tobrin-packs");
   app.set_version_flag("--version", "tobrin-packs " TOBRIN_VERSION);
   app.footer(footer);
   app.require_subcommand(1);
-  addCommands(app, streams);
+  addCommands(app, streams, more);
   try {
     refuseUnknownCommand(app, arguments);
     // The parser takes arguments from the back.

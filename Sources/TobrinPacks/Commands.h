@@ -45,6 +45,9 @@ void addRenderCommand(CLI::App& app, const CommandStreams& streams);
 /// "slice": shows what the slicer makes of a recording.
 void addSliceCommand(CLI::App& app, const CommandStreams& streams);
 
+/// "record": makes a pack of one's own keyboard. Needs a desktop's sound server and keys.
+void addRecordCommand(CLI::App& app, const CommandStreams& streams);
+
 /// "build": makes a pack from recordings.
 void addBuildCommand(CLI::App& app, const CommandStreams& streams);
 

@@ -29,11 +29,15 @@ Progress::~Progress() {
 }
 
 void Progress::show(double fraction) {
+  const int percent = static_cast<int>(std::clamp(fraction, 0.0, 1.0) * 100);
+  show(std::to_string(percent) + " %");
+}
+
+void Progress::show(const std::string& state) {
   if (Clock::now() < next_) return;
   next_ = Clock::now() + interval;
   isShown_ = true;
-  const int percent = static_cast<int>(std::clamp(fraction, 0.0, 1.0) * 100);
-  err_ << '\r' << what_ << ": " << percent << " %\033[K" << std::flush;
+  err_ << '\r' << what_ << ": " << state << "\033[K" << std::flush;
 }
 
 }  // namespace tobrin

@@ -19,6 +19,8 @@ class Progress final {
 
   /// `fraction` from 0 to 1.
   void show(double fraction);
+  /// How far it is, in words.
+  void show(const std::string& state);
 
  private:
   std::ostream& err_;
