@@ -21,14 +21,15 @@ from desktopclients.screensaver import ScreenSaver  # noqa: E402
 from desktopclients.traywatcher import TrayWatcher  # noqa: E402
 from desktopclients.xclient import KeyGrab, OtherWindow  # noqa: E402
 from listening import control, panels, record, types_audibly, write_click_pack, xdotool  # noqa: E402
+from listening.ownkeyboard import OwnKeyboard  # noqa: E402
 from listening.panel import PATIENCE, PanelDriver, eventually, focused, named  # noqa: E402
 
 PACKS, PROGRAM = pathlib.Path(sys.argv.pop()), sys.argv.pop()
 ICONS = pathlib.Path(__file__).resolve().parents[2] / "Resources/icons"
 CHORD = "ctrl+alt+super+"
 # In the order of the Tab key; of a group, the chosen one.
-STOPS = ["Sounds", "Preview", "Blue Click, Clicky", "Mute", "Volume", "Strength: Medium", "Key release sounds", "Stereo by key position",
-         "Quiet during calls", "Quiet while the screen is locked", "Open at login", "Turn sounds on/off with",
+STOPS = ["Sounds", "Preview", "Blue Click, Clicky", "Record Your Keyboard…", "Mute", "Volume", "Strength: Medium", "Key release sounds",
+         "Stereo by key position", "Quiet during calls", "Quiet while the screen is locked", "Open at login", "Turn sounds on/off with",
          "Shortcut keys: Ctrl+Alt+Super+K", "Shortcut: Ctrl+Alt+Super+K", "Packs Folder…", "Add Pack…", "Quit"]
 
 
@@ -128,7 +129,7 @@ class PanelTest(PanelDriver):
                              (("Page_Down",), 0.8), (("shift+Tab", "Return"), 0), (("space",), 0.8)):
             xdotool("key", *keys)
             self.assertTrue(eventually(lambda: abs(self.saved()["engineSettings"]["volume"] - volume) < 1e-5), (keys, self.saved()))
-        xdotool("key", "shift+Tab")
+        xdotool("key", "shift+Tab", "shift+Tab")
         for key, pack in (("Down", "panda"), ("Right", "typewriter"), ("Home", "blue-click"), ("End", "typewriter"), ("d", "dome")):
             xdotool("key", key, "Return")
             self.assertTrue(eventually(lambda: self.saved().get("selectedPack") == pack), (key, self.saved()))
@@ -219,6 +220,33 @@ class PanelTest(PanelDriver):
             manifest |= {"id": str(number), "name": name, "kind": name * 2, "summary": name * 5, "author": name, "license": "l" * 400}
             (folder / "pack.json").write_text(json.dumps(manifest), encoding="utf-8")
         return self.folder / "packs"
+
+    def test_ones_own_keyboard_is_recorded_and_leaving_keeps_nothing(self):
+        keyboard = OwnKeyboard(self.folder, pathlib.Path(PROGRAM).with_name("tobrin-packs"), PACKS / "cream", presses=60)
+        self.start_with_panel()
+        self.click("Record Your Keyboard…")
+        self.shows("test_mic", "Type a few keys.")
+        self.click("Start")
+        self.shows("Type softly, as if somebody slept next door.", "Softly: 0 of 20")
+        with record(self.folder / "heard.wav") as recorder:
+            keyboard.play_and_type()
+            self.assertFalse([line for line in recorder.lines if "sound" in line], "it hears, and is silent itself")
+        self.shows("Softly: 20 of 20")
+        self.click("Pause")
+        self.shows("Paused. Nothing is recorded.")
+        for key, stop in (("Tab", "Skip"), ("Tab", "Finish"), ("Return", "Name of the pack")):  # by the keyboard
+            xdotool("key", key)
+            self.assertTrue(eventually(lambda: focused() == stop), (stop, focused()))
+        xdotool("key", "ctrl+a", "type", "Desk")
+        self.click("Keep")
+        self.assertTrue(eventually(lambda: self.saved().get("selectedPack") == "desk"), self.saved())
+        self.shows("Desk, Recorded")
+        self.click("Record Your Keyboard…")
+        self.shows("Type a few keys.")
+        xdotool("key", "Escape")
+        self.shows("Record Your Keyboard…")
+        packs = pathlib.Path(os.environ["XDG_DATA_HOME"]) / "Tobrin/Packs"
+        self.assertEqual([pack.name for pack in packs.iterdir()], ["desk"])
 
     def test_nothing_is_cut_at_any_size(self):
         hostile = self.hostile_packs()

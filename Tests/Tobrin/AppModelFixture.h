@@ -24,6 +24,7 @@
 #include "Model/AppModel.h"
 #include "Panel/PanelModel.h"
 #include "Support/HandDrivenDevice.h"
+#include "Support/ScriptedCapture.h"
 #include "Support/ScriptedKeySource.h"
 #include "Support/ScriptedMicSource.h"
 #include "Support/ScriptedMotionSource.h"
@@ -145,6 +146,7 @@ class AppModelTest : public ::testing::Test {
             .keySource = std::make_unique<ScriptedKeySource>(keys_),
             .shortcutService = std::make_unique<DeskShortcuts>(shortcuts_),
             .micSource = std::make_unique<ScriptedMicSource>(microphone_),
+            .makeSoundCapture = [this] { return std::make_unique<ScriptedCapture>(capture_); },
             .onThreadStart = nullptr,
             .keyOfScanCode =
                 [](uint32_t code) { return std::optional(static_cast<uint16_t>(code)); },
@@ -211,6 +213,7 @@ class AppModelTest : public ::testing::Test {
   bool hasSensor_ = false;
   ShortcutDesk shortcuts_;
   std::shared_ptr<MicState> microphone_ = std::make_shared<MicState>();
+  std::shared_ptr<CaptureScript> capture_ = std::make_shared<CaptureScript>();
   std::shared_ptr<HandDrivenDevice::Controls> device_ =
       std::make_shared<HandDrivenDevice::Controls>();
   std::vector<PackInfo> found_ = {pack("alpha"), pack("leopold"), pack("omega")};

@@ -70,6 +70,7 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
       .keySource = makeKeySource(),
       .shortcutService = std::make_unique<DesktopShortcuts>(portalMemory(settings_, main_)),
       .micSource = makeMicSource(soundServer),
+      .makeSoundCapture = makeSoundCapture,
       .onThreadStart = prepareTimelyThread,
       .keyOfScanCode = [](uint32_t code) { return virtualCodeOf(code - xKeyCodeOffset); },
       .findPacks = [] { return findPacks(); },

@@ -14,7 +14,8 @@ AppModel::AppModel(AppServices services, std::optional<Preview> preview)
       saver_(services_.main,
              [this] { return services_.settings.write(settingsKey, settings_.toJson()); }),
       shelf_(services_.main, services_.adding, services_.addPack, services_.discardPack),
-      self_(std::make_shared<AppModel*>(this)) {
+      self_(std::make_shared<AppModel*>(this)),
+      guide_(guideServices()) {
   const std::string selectedID = readSavedState(preview);
   auto sensor = services_.motionSource != nullptr
                     ? std::make_unique<ForceSensor>(std::move(services_.motionSource),
@@ -84,10 +85,13 @@ void AppModel::wireCallbacks() {
       [this](const std::string& problem) { onMain([this, problem] { sensorChanged(problem); }); });
   monitor_ = std::make_unique<KeyMonitor>(
       std::move(services_.keySource), [this](const KeyEvent& event) { conductor_->handle(event); },
-      KeyMonitorOptions{
-          .onThreadStart = services_.onThreadStart,
-          .observer = [this](const KeyEvent& e) { services_.shortcutService->observe(e); },
-          .onChange = [this] { onMain([this] { keyAccess_->monitorChanged(); }); }});
+      KeyMonitorOptions{.onThreadStart = services_.onThreadStart,
+                        .observer =
+                            [this](const KeyEvent& event) {
+                              services_.shortcutService->observe(event);
+                              guide_.addKey(event);
+                            },
+                        .onChange = [this] { onMain([this] { keyAccess_->monitorChanged(); }); }});
   keyAccess_ = std::make_unique<KeyAccessWatch>(*monitor_, services_.main, [this] {
     emit permissionChanged();
     emit statusChanged();
@@ -104,6 +108,9 @@ void AppModel::wireCallbacks() {
     if (*self != nullptr) outputRecordedChanged(recorded);
   });
   connect(&shelf_, &PackShelf::added, this, &AppModel::packAdded);
+  connect(&shelf_, &PackShelf::changed, this, [this] {
+    if (shelf_.problem()) guide_.keepFailed(shelf_.problem()->reason);
+  });
   services_.workspace.setOnWake([this] {
     conductor_->systemDidWake();
     micMonitor_->refresh();
@@ -165,7 +172,7 @@ PlaybackGate AppModel::gate() const {
 
 EngineSettings AppModel::effectiveSettings() const {
   EngineSettings effective = settings_;
-  effective.enabled = gate().isPlaying() && !isSilentByLock();
+  effective.enabled = (isTrying_ || (gate().isPlaying() && !isSilent_)) && !isSilentByLock();
   effective.forceSensing = settings_.forceSensing && sensorAvailable_;
   return effective;
 }
@@ -176,6 +183,7 @@ SoundState AppModel::soundState() const {
        .hasSound = soundProblem_.empty(),
        .hasPack = !packError(),
        .isOn = settings_.enabled,
+       .isRecording = isSilent_,
        .pause = isSilentByLock() ? KeyPause::locked : keyAccess_->state().pause,
        .isInCall = gate().state() == PlaybackGate::State::pausedForCall,
        .volume = settings_.volume});
@@ -320,7 +328,8 @@ void AppModel::startPacks(const std::string& selectedID) {
                                   },
                               .play =
                                   [this](std::shared_ptr<const LoadedPack> pack, bool audition) {
-                                    conductor_->setPack(std::move(pack));
+                                    playing_ = std::move(pack);
+                                    conductor_->setPack(playing_);
                                     if (audition && !preview_) conductor_->audition();
                                   }},
       selectedID);
@@ -336,6 +345,45 @@ void AppModel::startPacks(const std::string& selectedID) {
 void AppModel::packAdded(const std::string& id) {
   refreshPacks();
   setSelectedPackID(id);
+  guide_.leave();  // what was added may be its pack; another could not be added meanwhile
+}
+
+// Recording one's own keyboard
+
+RecordingGuide::Services AppModel::guideServices() {
+  return {.main = services_.main,
+          .worker = services_.adding,
+          .makeCapture = services_.makeSoundCapture,
+          .setSilent =
+              [this](bool silent) {
+                isSilent_ = silent;
+                conductor_->apply(effectiveSettings(), true);
+                emit statusChanged();
+              },
+          .play = [this](const std::filesystem::path& folder) { playTrial(folder); },
+          .keep = [this](const std::filesystem::path& folder) { shelf_.add({folder}); }};
+}
+
+void AppModel::playTrial(const std::filesystem::path& packFolder) {
+  const uint64_t trial = ++trials_;
+  isTrying_ = !packFolder.empty();
+  conductor_->apply(effectiveSettings(), true);
+  if (!isTrying_) return conductor_->setPack(playing_);
+  services_.loader.async(
+      [this, self = self_, packFolder, trial, load = services_.loadPack, &main = services_.main] {
+        std::shared_ptr<const LoadedPack> pack;
+        try {
+          pack = load(PackInfo::read(packFolder, false));
+        } catch (const std::exception& error) {
+          logLine(std::string("a recorded pack can't be loaded: ") + error.what());
+          return;
+        }
+        main.async([this, self, pack, trial] {
+          if (*self == nullptr || trial != trials_) return;
+          conductor_->setPack(pack);
+          conductor_->audition();
+        });
+      });
 }
 
 void AppModel::removePack(const std::string& id) {

@@ -21,6 +21,7 @@
 #include "Model/KeyAccessWatch.h"
 #include "Model/PackSelection.h"
 #include "Model/PackShelf.h"
+#include "Model/RecordingGuide.h"
 #include "Model/SettingsSaver.h"
 #include "Model/StatusTexts.h"
 
@@ -117,6 +118,8 @@ class AppModel final : public QObject {
 
   /// What the user adds to their packs, and takes from them.
   [[nodiscard]] PackShelf& shelf() { return shelf_; }
+  /// Recording one's own keyboard.
+  [[nodiscard]] RecordingGuide& recordingGuide() { return guide_; }
   /// Moves one of the user's own packs to the trash; the one after it takes its place.
   void removePack(const std::string& id);
   /// Brings the pack back that was removed last, and the choice of before.
@@ -184,6 +187,8 @@ class AppModel final : public QObject {
   void keyAccessSettled(const char* failure, const std::string& problem);
   void startPacks(const std::string& selectedID);
   void packAdded(const std::string& id);
+  [[nodiscard]] RecordingGuide::Services guideServices();
+  void playTrial(const std::filesystem::path& packFolder);
   void readLoginItem();
 
   /// Runs `task` on the main thread if the model is still there.
@@ -198,6 +203,10 @@ class AppModel final : public QObject {
   Comforts comforts_;
   SettingsSaver saver_;
   PackShelf shelf_;
+  bool isSilent_ = false;                      // while a keyboard is recorded
+  bool isTrying_ = false;                      // another pack than the selected one
+  std::shared_ptr<const LoadedPack> playing_;  // the selected pack
+  uint64_t trials_ = 0;                        // a trial's pack that loads late is dropped
   std::string selectedBeforeRemoval_;
   std::string keyAccessProblem_;
   std::string packsFolderProblem_;
@@ -221,6 +230,7 @@ class AppModel final : public QObject {
   std::unique_ptr<KeyAccessWatch> keyAccess_;
   std::unique_ptr<GlobalHotkey> hotkey_;
   std::unique_ptr<MicMonitor> micMonitor_;
+  RecordingGuide guide_;  // last: it gets keys from the monitor until that has stopped
 };
 
 }  // namespace tobrin

@@ -21,6 +21,7 @@
 #include "Packs/LoadedPack.h"
 #include "Packs/PackLibrary.h"
 #include "Packs/PackManifest.h"
+#include "Recording/SoundCapture.h"
 
 namespace tobrin {
 
@@ -40,6 +41,7 @@ struct AppServices {
   std::unique_ptr<KeySource> keySource;
   std::unique_ptr<ShortcutService> shortcutService;
   std::unique_ptr<MicSource> micSource;
+  std::function<std::unique_ptr<SoundCapture>()> makeSoundCapture;  ///< throws
   /// Names the calling thread and asks for its scheduling; may be null.
   std::function<void(std::string_view threadName)> onThreadStart;
 

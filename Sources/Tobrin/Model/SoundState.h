@@ -14,6 +14,7 @@ enum class SoundState {
   off,          ///< switched off by the user
   pausedInBackground,
   pausedWhileLocked,
+  recording,      ///< the user's own keyboard is being recorded
   pausedForCall,  ///< an application uses a microphone
   muted,          ///< the volume is 0
   playing,
@@ -24,6 +25,7 @@ struct SoundConditions {
   bool hasSound = true;
   bool hasPack = true;
   bool isOn = true;
+  bool isRecording = false;
   KeyPause pause = KeyPause::none;
   bool isInCall = false;  ///< and sounds pause for it
   float volume = 1;       ///< linear
@@ -36,6 +38,7 @@ struct SoundConditions {
   if (!conditions.isOn) return SoundState::off;
   if (conditions.pause == KeyPause::inBackground) return SoundState::pausedInBackground;
   if (conditions.pause == KeyPause::locked) return SoundState::pausedWhileLocked;
+  if (conditions.isRecording) return SoundState::recording;
   if (conditions.isInCall) return SoundState::pausedForCall;
   return conditions.volume > 0 ? SoundState::playing : SoundState::muted;
 }

@@ -18,6 +18,8 @@ std::string StatusTexts::statusLine(const ProgramStatus& status) const {
       return translate_("Paused while another session is in front");
     case SoundState::pausedWhileLocked:
       return translate_("Paused while the screen is locked");
+    case SoundState::recording:
+      return translate_("Recording your keyboard");
     case SoundState::pausedForCall:
       return translate_("Paused while the mic is in use");
     case SoundState::muted:

@@ -16,7 +16,8 @@ Rectangle {
     readonly property real topMargin: titled ? 0 : Theme.margin
 
     implicitWidth: Theme.panelWidth
-    implicitHeight: titleBar.height + topMargin + header.implicitHeight + content.implicitHeight + footer.implicitHeight
+    implicitHeight: recordPage.item !== null ? titleBar.height + recordPage.item.implicitHeight
+                    : titleBar.height + topMargin + header.implicitHeight + content.implicitHeight + footer.implicitHeight
                     + 2 * Theme.inset + Theme.margin
     color: Theme.background
     LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
@@ -44,11 +45,13 @@ Rectangle {
     }
     MenuHeader {
         id: header
+        visible: !recordPage.wanted
         anchors { top: titleBar.bottom; left: parent.left; right: parent.right; margins: Theme.margin; topMargin: panel.topMargin }
         model: panel.model
     }
     PanelScroller {
         id: scroller
+        visible: !recordPage.wanted
         anchors { top: header.bottom; bottom: footer.top; left: parent.left; right: parent.right; topMargin: Theme.inset; bottomMargin: Theme.inset }
         contentHeight: content.implicitHeight
         pinned: volume
@@ -112,8 +115,18 @@ Rectangle {
     }
     PanelFooter {
         id: footer
+        visible: !recordPage.wanted
         anchors { bottom: parent.bottom; left: parent.left; right: parent.right; margins: Theme.margin }
         model: panel.model
+    }
+    // Loaded when it is wanted: few open it, and everybody opens the panel.
+    Loader {
+        id: recordPage
+
+        readonly property bool wanted: panel.model.recording.stage !== RecordingModel.Away
+
+        anchors { top: titleBar.bottom; bottom: parent.bottom; left: parent.left; right: parent.right }
+        onWantedChanged: setSource(wanted ? "RecordPage.qml" : "", { recording: panel.model.recording })
     }
     DropArea {
         id: drop

@@ -60,4 +60,10 @@ ColumnLayout {
         Layout.leftMargin: Theme.unit / 2
         model: section.model
     }
+    PanelButton {
+        text: qsTr("Record Your Keyboard…")
+        hint: qsTr("Makes a pack of the keyboard under your hands, with a microphone.")
+        enabled: section.model.hasPermission
+        onClicked: section.model.recording.begin()
+    }
 }

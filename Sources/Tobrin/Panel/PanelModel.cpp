@@ -33,7 +33,11 @@ QString origin(const PackManifest& manifest) {
 }  // namespace
 
 PanelModel::PanelModel(AppModel& model, QObject* parent)
-    : QObject(parent), model_(model), shelf_(model), texts_(model.words(), translated) {
+    : QObject(parent),
+      model_(model),
+      shelf_(model),
+      recording_(model),
+      texts_(model.words(), translated) {
   connect(&model, &AppModel::statusChanged, this, &PanelModel::statusChanged);
   connect(&model, &AppModel::permissionChanged, this, &PanelModel::permissionChanged);
   connect(&model, &AppModel::outputChanged, this, &PanelModel::soundProblemChanged);
@@ -87,6 +91,7 @@ QString PanelModel::previewProblem() const {
     case SoundState::noKeyAccess:
     case SoundState::pausedInBackground:
     case SoundState::pausedWhileLocked:
+    case SoundState::recording:
     case SoundState::playing:
       return {};
     case SoundState::noSound:

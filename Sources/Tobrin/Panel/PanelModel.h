@@ -10,6 +10,7 @@
 
 #include "Model/StatusTexts.h"
 #include "Panel/PackShelfModel.h"
+#include "Panel/RecordingModel.h"
 
 namespace tobrin {
 
@@ -41,6 +42,7 @@ class PanelModel final : public QObject {
   Q_PROPERTY(QString loginItemProblem READ loginItemProblem NOTIFY launchAtLoginChanged)
 
   Q_PROPERTY(tobrin::PackShelfModel* shelf READ shelf CONSTANT)
+  Q_PROPERTY(tobrin::RecordingModel* recording READ recording CONSTANT)
   Q_PROPERTY(QVariantList packs READ packs NOTIFY packsChanged)
   Q_PROPERTY(QString selectedPackID READ selectedPackID NOTIFY selectedPackChanged)
   Q_PROPERTY(QVariantMap selectedPack READ selectedPack NOTIFY selectedPackChanged)
@@ -98,6 +100,7 @@ class PanelModel final : public QObject {
   [[nodiscard]] QString packsFolderProblem() const;  ///< empty while there is none
   [[nodiscard]] QString loginItemProblem() const;    ///< empty while there is none
   [[nodiscard]] PackShelfModel* shelf() { return &shelf_; }
+  [[nodiscard]] RecordingModel* recording() { return &recording_; }
   [[nodiscard]] QVariantList packs() const;  ///< maps of id, name, kind, summary, own, problem
   [[nodiscard]] QString selectedPackID() const;
   [[nodiscard]] QVariantMap selectedPack() const;  ///< name, kind, summary, own, origin; or empty
@@ -179,6 +182,7 @@ class PanelModel final : public QObject {
 
   AppModel& model_;
   PackShelfModel shelf_;
+  RecordingModel recording_;
   StatusTexts texts_;
 };
 

@@ -83,6 +83,7 @@ PanelWindow::PanelWindow(AppModel& model, std::function<void()> onClosed)
     logLine(error.toString().toStdString());
   view_->installEventFilter(this);
   wirePackChooser();
+  connect(model_->recording(), &RecordingModel::changed, this, &PanelWindow::followRecording);
   if (QQuickItem* root = view_->rootObject()) {
     // Texts wrap only once they know their width, and cards come and go.
     connect(root, &QQuickItem::implicitHeightChanged, this, &PanelWindow::followContent);
@@ -196,7 +197,8 @@ void PanelWindow::keepFrameOnScreen() {
 
 void PanelWindow::closeOnEscape(const QKeyEvent& key) {
   // The server goes on repeating a key that closed the panel, and would close the next one by it.
-  if (key.key() == Qt::Key_Escape && !key.isAutoRepeat()) view_->hide();
+  if (key.key() != Qt::Key_Escape || key.isAutoRepeat()) return;
+  if (model_->recording()->stage() == RecordingModel::Away) view_->hide();
 }
 
 void PanelWindow::loseFocus() {
@@ -239,6 +241,15 @@ void PanelWindow::endAsking(PackShelfModel::Asking next) {
   if (view_->isVisible()) view_->requestActivate();
 }
 
+/// While a keyboard is recorded the panel stays, wherever the focus goes.
+void PanelWindow::followRecording() {
+  if (model_->recording()->stage() == RecordingModel::Away || !closesWithFocus_) return;
+  isReopening_ = true;
+  view_->hide();
+  isReopening_ = false;
+  open(nullptr);
+}
+
 bool PanelWindow::eventFilter(QObject* watched, QEvent* event) {
   switch (event->type()) {
     case QEvent::FocusOut:
@@ -254,6 +265,8 @@ bool PanelWindow::eventFilter(QObject* watched, QEvent* event) {
       closeOnEscape(*static_cast<QKeyEvent*>(event));
       break;
     case QEvent::Hide:
+      if (isReopening_) break;
+      model_->recording()->leave();
       model_->shelf()->panelClosed();
       onClosed_();
       break;

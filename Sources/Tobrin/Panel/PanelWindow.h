@@ -39,6 +39,7 @@ class PanelWindow final : public QObject, public Panel {
   void leaveWithFocus();
   void wirePackChooser();
   void askForPacks();
+  void followRecording();
   void endAsking(PackShelfModel::Asking next);
 
   std::unique_ptr<PanelModel> model_;  // before the view, which binds to it
@@ -46,6 +47,7 @@ class PanelWindow final : public QObject, public Panel {
   PackChooser packChooser_;
   std::function<void()> onClosed_;
   bool closesWithFocus_ = false;
+  bool isReopening_ = false;  // hidden for a moment, and not closed
   FocusLoss focusLoss_;
   QPoint anchor_;  // where it opened, if it closes with the focus
   QSize fitted_;   // the size last chosen for it

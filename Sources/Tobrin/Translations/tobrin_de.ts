@@ -58,6 +58,8 @@
     <message><source>Sound</source><translation>Klang</translation></message>
     <message><source>Preview</source><translation>Anhören</translation></message>
     <message><source>Move %1 to the trash</source><translation>%1 in den Papierkorb legen</translation></message>
+    <message><source>Record Your Keyboard…</source><translation>Deine Tastatur aufnehmen…</translation></message>
+    <message><source>Makes a pack of the keyboard under your hands, with a microphone.</source><translation>Macht mit einem Mikrofon ein Paket aus der Tastatur unter deinen Händen.</translation></message>
 </context>
 <context>
     <name>PackWork</name>
@@ -166,5 +168,79 @@
     <message><source>Force sensing needs a laptop with a fast motion sensor. Pick a fixed strength instead.</source><translation>Um den Anschlag zu messen, braucht es einen Laptop mit schnellem Bewegungssensor. Wähle stattdessen eine feste Stärke.</translation></message>
     <message><source> is a system shortcut (the desktop's keyboard settings). Pick another.</source><translation> gehört der Arbeitsumgebung (deren Tastatureinstellungen). Wähle ein anderes.</translation></message>
     <message><source>Masked while the sound is recorded</source><translation>Verdeckt, solange der Ton aufgenommen wird</translation></message>
+    <message><source>Recording your keyboard</source><translation>Deine Tastatur wird aufgenommen</translation></message>
+</context>
+<context>
+    <name>RecordPage</name>
+    <message><source>Record Your Keyboard</source><translation>Deine Tastatur aufnehmen</translation></message>
+    <message><source>Cancel</source><translation>Abbrechen</translation></message>
+    <message><source>Nothing of the recording is kept.</source><translation>Von der Aufnahme bleibt nichts.</translation></message>
+</context>
+<context>
+    <name>RecordMicrophone</name>
+    <message><source>Two minutes of typing make a sound pack of the keyboard under your hands. Put the microphone near the keys.</source><translation>Zwei Minuten Tippen machen ein Tonpaket aus der Tastatur unter deinen Händen. Stelle das Mikrofon nahe an die Tasten.</translation></message>
+    <message><source>The microphone is on only on these pages. Which keys you press is never written down, but the sound of typing can give it away: type nothing secret.</source><translation>Das Mikrofon ist nur auf diesen Seiten an. Welche Tasten du drückst, wird nirgends festgehalten, aber der Klang des Tippens kann es verraten: Tippe nichts Geheimes.</translation></message>
+    <message><source>Microphone</source><translation>Mikrofon</translation></message>
+    <message><source>Type here to try it</source><translation>Tippe hier zum Ausprobieren</translation></message>
+    <message><source>Start</source><translation>Starten</translation></message>
+</context>
+<context>
+    <name>LevelMeter</name>
+    <message><source>Level of the microphone</source><translation>Pegel des Mikrofons</translation></message>
+</context>
+<context>
+    <name>RecordTyping</name>
+    <message><source>Paused. Nothing is recorded.</source><translation>Angehalten. Nichts wird aufgenommen.</translation></message>
+    <message><source>Type here</source><translation>Tippe hier</translation></message>
+    <message><source>Resume</source><translation>Weiter</translation></message>
+    <message><source>Pause</source><translation>Anhalten</translation></message>
+    <message><source>Skip</source><translation>Überspringen</translation></message>
+    <message><source>On to the next, where the keyboard has no such key.</source><translation>Zum Nächsten, wenn die Tastatur keine solche Taste hat.</translation></message>
+    <message><source>Finish</source><translation>Fertig</translation></message>
+    <message><source>Make a pack of what there is.</source><translation>Aus dem, was da ist, ein Paket machen.</translation></message>
+</context>
+<context>
+    <name>RecordCount</name>
+    <message><source>%1: %2 of %3</source><translation>%1: %2 von %3</translation></message>
+</context>
+<context>
+    <name>RecordBuilding</name>
+    <message><source>Making your pack…</source><translation>Dein Paket entsteht…</translation></message>
+</context>
+<context>
+    <name>RecordResult</name>
+    <message><source>This is your keyboard. Type anything to hear it.</source><translation>Das ist deine Tastatur. Tippe irgendetwas, um sie zu hören.</translation></message>
+    <message><source>Name</source><translation>Name</translation></message>
+    <message><source>My Keyboard</source><translation>Meine Tastatur</translation></message>
+    <message><source>Name of the pack</source><translation>Name des Pakets</translation></message>
+    <message><source>Listen</source><translation>Anhören</translation></message>
+    <message><source>Type More</source><translation>Mehr tippen</translation></message>
+    <message><source>Keep</source><translation>Behalten</translation></message>
+</context>
+<context>
+    <name>tobrin::RecordingModel</name>
+    <message><source>This microphone's sound is filtered, which changes the sound of keys.</source><translation>Der Ton dieses Mikrofons wird gefiltert, was den Klang der Tasten verändert.</translation></message>
+    <message><source>Type a few keys.</source><translation>Tippe ein paar Tasten.</translation></message>
+    <message><source>This microphone does not hear your keys. Is it the right one, and switched on?</source><translation>Dieses Mikrofon hört deine Tasten nicht. Ist es das richtige und eingeschaltet?</translation></message>
+    <message><source>Too quiet. Bring the microphone nearer or turn it up.</source><translation>Zu leise. Bringe das Mikrofon näher oder stelle es lauter.</translation></message>
+    <message><source>Too loud. Turn the microphone down or move it away.</source><translation>Zu laut. Stelle das Mikrofon leiser oder rücke es weg.</translation></message>
+    <message><source>It is too noisy here: fans, music, voices.</source><translation>Hier ist es zu unruhig: Lüfter, Musik, Stimmen.</translation></message>
+    <message><source>%1 of %2 presses and releases sound good.</source><translation>%1 von %2 Anschlägen und Loslassern klingen gut.</translation></message>
+    <message><source>That sounds good.</source><translation>Das klingt gut.</translation></message>
+    <message><source>the quick brown fox jumps over the lazy dog</source><translation>zwölf boxkämpfer jagen viktor quer über den großen sylter deich</translation></message>
+    <message><source>Softly</source><translation>Leise</translation></message>
+    <message><source>Type softly, as if somebody slept next door.</source><translation>Tippe leise, als schliefe jemand nebenan.</translation></message>
+    <message><source>As usual</source><translation>Wie sonst</translation></message>
+    <message><source>Now type as you usually do.</source><translation>Tippe nun, wie du es sonst tust.</translation></message>
+    <message><source>Hard</source><translation>Hart</translation></message>
+    <message><source>Now hit the keys hard.</source><translation>Schlage die Tasten nun hart an.</translation></message>
+    <message><source>Space Bar</source><translation>Leertaste</translation></message>
+    <message><source>Press the space bar, softly and hard, with pauses.</source><translation>Drücke die Leertaste, leise und hart, mit Pausen.</translation></message>
+    <message><source>Return</source><translation>Eingabetaste</translation></message>
+    <message><source>Press Return, softly and hard.</source><translation>Drücke die Eingabetaste, leise und hart.</translation></message>
+    <message><source>Backspace</source><translation>Rücktaste</translation></message>
+    <message><source>Press Backspace, softly and hard.</source><translation>Drücke die Rücktaste, leise und hart.</translation></message>
+    <message><source>Shift and Others</source><translation>Umschalt und andere</translation></message>
+    <message><source>Press Shift, Ctrl and Alt one by one.</source><translation>Drücke Umschalt, Strg und Alt, eine nach der anderen.</translation></message>
 </context>
 </TS>
