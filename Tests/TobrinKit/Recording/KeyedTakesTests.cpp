@@ -24,7 +24,10 @@ TEST(KeyedTakes, EverySoundGoesToItsKey) {
        .interval = 0.1,
        .seconds = 40},
       {.name = "late click", .profile = &SynthProfile::click(), .delay = 0.15, .seconds = 30},
-      {.name = "bump", .profile = &SynthProfile::panda(), .interval = 0.12, .seconds = 30},
+      {.name = "late strike",
+       .profile = &SynthProfile::typewriter(),
+       .interval = 0.25,
+       .seconds = 30},
       {.name = "loud releases", .releaseDb = 1, .seconds = 30},
       {.name = "knocks", .knocks = 1, .seconds = 30},
   };
@@ -33,12 +36,15 @@ TEST(KeyedTakes, EverySoundGoesToItsKey) {
     const ComposedKeys composed = composeKeys(condition);
     const KeyedTakes takes = findKeyedTakes(composed.recording);
     const KeyedScore score = scoreOf(composed, takes);
-    EXPECT_NEAR(takes.fit.delay, condition.delay, 0.005);  // a bump comes before the strike
+    // The strike is what most sounds have in common; a typewriter's comes 18 ms after its key's
+    // touch.
+    const double lead = condition.profile == &SynthProfile::typewriter() ? 0.018 : 0;
+    EXPECT_NEAR(takes.fit.delay, condition.delay + lead, 0.003);
     EXPECT_NEAR(takes.fit.drift, condition.drift, 40e-6);
     EXPECT_GE(score.presses, 0.995);
     EXPECT_GE(score.releases, 0.99);
     EXPECT_EQ(score.wrong, 0u);
-    EXPECT_LT(score.onsetErrorMs, 1);
+    EXPECT_LT(score.onsetErrorMs, 1.5);
     EXPECT_GE(score.good, takes.sounds.size() / 2 - 50);
     EXPECT_LE(score.spoiled, score.good / 20);
   }
@@ -94,6 +100,17 @@ TEST(KeyedTakes, TiersFollowForceWhereItIsMeasured) {
   const auto levels = letterLevels(byEnergy);
   EXPECT_EQ(levels.size(), tierCount);
   EXPECT_TRUE(std::is_sorted(levels.begin(), levels.end()));
+  // Each tier's takes come seven tenths of the way to the level that the tier has in every pack.
+  std::vector<float> energies;
+  for (std::size_t key = 0; key < byEnergy.sounds.size(); ++key) {
+    const RecordedKey& each = composed.recording.keys[key];
+    if (each.group == KeyGroup::alpha && each.action == KeyAction::down &&
+        byEnergy.sounds[key].fate == KeyFate::good)
+      energies.push_back(byEnergy.sounds[key].hit.energy);
+  }
+  const float struck = percentile(energies, 0.96) / percentile(energies, 0.19);
+  const float levelled = std::pow(struck, 0.3f) * std::pow(2 / 0.55f, 0.7f);
+  EXPECT_NEAR(levels.back() / levels.front(), levelled, 0.08f * levelled);
   for (std::size_t key = 0; key < composed.recording.keys.size(); ++key) {
     if (composed.recording.keys[key].action == KeyAction::down)
       composed.recording.keys[key].force = key % 4 < 2 ? 0.4f : 2.6f;

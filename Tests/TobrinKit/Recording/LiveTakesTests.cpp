@@ -36,7 +36,7 @@ std::size_t presses(const LiveState& state, KeyGroup group) {
 }
 
 TEST(LiveTakes, CountsWhatIsGoodWhileItComes) {
-  const ComposedKeys composed = composeKeys({.delay = 0.1, .drift = 100e-6, .seconds = 40});
+  const ComposedKeys composed = composeKeys({.delay = 0.1, .drift = 400e-6, .seconds = 40});
   LiveTakes live(composed.recording.rate);
   play(composed.recording, 0, 12, live);
   const LiveState early = live.state();
