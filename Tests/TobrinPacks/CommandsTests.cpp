@@ -75,7 +75,12 @@ TEST(SameBytes, StarterPacksTheirRendersAndHitsAreAsTheyWere) {
         {"check", made, "--json"},
         {"loudness", into + "/dome"}})
     said += run(words).out;
-  testing::expectKeptText(said, "TobrinPacks/said.txt");
+  said += run({"nonsense"}).err;
+  const auto json = nlohmann::json::parse(run({"slice", into + "/cream.wav", "--json"}).out);
+  for (const auto& object : {json, json["hits"][0], json["down"]})
+    for (const auto& [key, value] : object.items())
+      said += key + " ";
+  testing::expectKeptText(said + "\n", "TobrinPacks/said.txt");
   testing::expectKeptText(testing::contentOf(plot), "TobrinPacks/plot.svg");
 }
 
