@@ -172,7 +172,7 @@ PlaybackGate AppModel::gate() const {
 
 EngineSettings AppModel::effectiveSettings() const {
   EngineSettings effective = settings_;
-  effective.enabled = (isTrying_ || (gate().isPlaying() && !isSilent_)) && !isSilentByLock();
+  effective.enabled = (played_->isTrying() || (gate().isPlaying() && !isSilent_)) && !isSilentByLock();
   effective.forceSensing = settings_.forceSensing && sensorAvailable_;
   return effective;
 }
@@ -316,6 +316,10 @@ std::optional<std::string> AppModel::shortcutProblem() const {
 // Packs
 
 void AppModel::startPacks(const std::string& selectedID) {
+  played_ = std::make_unique<PlayedPack>(PlayedPack::Services{.main = services_.main,
+                                                              .loader = services_.loader,
+                                                              .loadPack = services_.loadPack,
+                                                              .conductor = *conductor_});
   packs_ = std::make_unique<PackSelection>(
       PackSelection::Services{.main = services_.main,
                               .loader = services_.loader,
@@ -328,9 +332,7 @@ void AppModel::startPacks(const std::string& selectedID) {
                                   },
                               .play =
                                   [this](std::shared_ptr<const LoadedPack> pack, bool audition) {
-                                    playing_ = std::move(pack);
-                                    conductor_->setPack(playing_);
-                                    if (audition && !preview_) conductor_->audition();
+                                    played_->select(std::move(pack), audition && !preview_);
                                   }},
       selectedID);
   connect(packs_.get(), &PackSelection::packsChanged, this, &AppModel::packsChanged);
@@ -360,30 +362,12 @@ RecordingGuide::Services AppModel::guideServices() {
                 conductor_->apply(effectiveSettings(), true);
                 emit statusChanged();
               },
-          .play = [this](const std::filesystem::path& folder) { playTrial(folder); },
+          .play =
+              [this](const std::filesystem::path& folder) {
+                folder.empty() ? played_->endTrial() : played_->tryOut(folder);
+                conductor_->apply(effectiveSettings(), true);
+              },
           .keep = [this](const std::filesystem::path& folder) { shelf_.add({folder}); }};
-}
-
-void AppModel::playTrial(const std::filesystem::path& packFolder) {
-  const uint64_t trial = ++trials_;
-  isTrying_ = !packFolder.empty();
-  conductor_->apply(effectiveSettings(), true);
-  if (!isTrying_) return conductor_->setPack(playing_);
-  services_.loader.async(
-      [this, self = self_, packFolder, trial, load = services_.loadPack, &main = services_.main] {
-        std::shared_ptr<const LoadedPack> pack;
-        try {
-          pack = load(PackInfo::read(packFolder, false));
-        } catch (const std::exception& error) {
-          logLine(std::string("a recorded pack can't be loaded: ") + error.what());
-          return;
-        }
-        main.async([this, self, pack, trial] {
-          if (*self == nullptr || trial != trials_) return;
-          conductor_->setPack(pack);
-          conductor_->audition();
-        });
-      });
 }
 
 void AppModel::removePack(const std::string& id) {

@@ -21,6 +21,7 @@
 #include "Model/KeyAccessWatch.h"
 #include "Model/PackSelection.h"
 #include "Model/PackShelf.h"
+#include "Model/PlayedPack.h"
 #include "Model/RecordingGuide.h"
 #include "Model/SettingsSaver.h"
 #include "Model/StatusTexts.h"
@@ -188,7 +189,6 @@ class AppModel final : public QObject {
   void startPacks(const std::string& selectedID);
   void packAdded(const std::string& id);
   [[nodiscard]] RecordingGuide::Services guideServices();
-  void playTrial(const std::filesystem::path& packFolder);
   void readLoginItem();
 
   /// Runs `task` on the main thread if the model is still there.
@@ -203,10 +203,7 @@ class AppModel final : public QObject {
   Comforts comforts_;
   SettingsSaver saver_;
   PackShelf shelf_;
-  bool isSilent_ = false;                      // while a keyboard is recorded
-  bool isTrying_ = false;                      // another pack than the selected one
-  std::shared_ptr<const LoadedPack> playing_;  // the selected pack
-  uint64_t trials_ = 0;                        // a trial's pack that loads late is dropped
+  bool isSilent_ = false;  // while a keyboard is recorded
   std::string selectedBeforeRemoval_;
   std::string keyAccessProblem_;
   std::string packsFolderProblem_;
@@ -225,6 +222,7 @@ class AppModel final : public QObject {
 
   std::shared_ptr<AppModel*> self_;  // null inside once the model is gone; shared with posted tasks
   std::unique_ptr<Conductor> conductor_;
+  std::unique_ptr<PlayedPack> played_;
   std::unique_ptr<PackSelection> packs_;
   std::unique_ptr<KeyMonitor> monitor_;
   std::unique_ptr<KeyAccessWatch> keyAccess_;

@@ -58,6 +58,14 @@ Card {
     }
     Hairline { }
     PanelSwitch {
+        Layout.fillWidth: true
+        text: qsTr("Mask keys while the sound is recorded")
+        checked: section.model.maskWhileRecorded
+        onToggled: section.model.maskWhileRecorded = checked
+        Accessible.description: qsTr("Each key then gets the sound of another, so that a recording does not tell what you type.")
+    }
+    Hairline { }
+    PanelSwitch {
         id: login
         Layout.fillWidth: true
         text: qsTr("Open at login")

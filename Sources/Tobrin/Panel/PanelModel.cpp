@@ -228,6 +228,9 @@ bool PanelModel::quietDuringCalls() const {
 bool PanelModel::quietWhileLocked() const {
   return model_.comforts().quietWhileLocked;
 }
+bool PanelModel::maskWhileRecorded() const {
+  return model_.comforts().maskWhileRecorded;
+}
 bool PanelModel::hearsWhileLocked() const {
   return model_.hearsWhileLocked();
 }
@@ -265,6 +268,11 @@ void PanelModel::setQuietDuringCalls(bool on) {
 void PanelModel::setQuietWhileLocked(bool on) {
   Comforts changed = model_.comforts();
   changed.quietWhileLocked = on;
+  model_.setComforts(changed);
+}
+void PanelModel::setMaskWhileRecorded(bool on) {
+  Comforts changed = model_.comforts();
+  changed.maskWhileRecorded = on;
   model_.setComforts(changed);
 }
 void PanelModel::setLaunchAtLogin(bool on) {

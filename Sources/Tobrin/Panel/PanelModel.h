@@ -61,6 +61,8 @@ class PanelModel final : public QObject {
       bool quietDuringCalls READ quietDuringCalls WRITE setQuietDuringCalls NOTIFY settingsChanged)
   Q_PROPERTY(
       bool quietWhileLocked READ quietWhileLocked WRITE setQuietWhileLocked NOTIFY settingsChanged)
+  Q_PROPERTY(bool maskWhileRecorded READ maskWhileRecorded WRITE setMaskWhileRecorded NOTIFY
+                 settingsChanged)
   Q_PROPERTY(bool hearsWhileLocked READ hearsWhileLocked NOTIFY permissionChanged)
   Q_PROPERTY(
       bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
@@ -117,6 +119,7 @@ class PanelModel final : public QObject {
   [[nodiscard]] bool quietDuringCalls() const;
   [[nodiscard]] bool quietWhileLocked() const;
   [[nodiscard]] bool hearsWhileLocked() const;
+  [[nodiscard]] bool maskWhileRecorded() const;
   [[nodiscard]] bool launchAtLogin() const;
   [[nodiscard]] bool hasReading() const;
   [[nodiscard]] double readingRelative() const;  ///< multiples of a typical stroke
@@ -138,6 +141,7 @@ class PanelModel final : public QObject {
   void setStereo(bool on);
   void setQuietDuringCalls(bool on);
   void setQuietWhileLocked(bool on);
+  void setMaskWhileRecorded(bool on);
   void setLaunchAtLogin(bool on);
   void setShortcutEnabled(bool on);
   void setShortcutIndex(int index);

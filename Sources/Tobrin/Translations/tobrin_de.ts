@@ -33,6 +33,8 @@
 </context>
 <context>
     <name>OptionsSection</name>
+    <message><source>Mask keys while the sound is recorded</source><translation>Tasten verdecken, solange der Ton aufgenommen wird</translation></message>
+    <message><source>Each key then gets the sound of another, so that a recording does not tell what you type.</source><translation>Jede Taste klingt dann wie eine andere, damit eine Aufnahme nicht verrät, was du tippst.</translation></message>
     <message><source>Key release sounds</source><translation>Töne beim Loslassen</translation></message>
     <message><source>Stereo by key position</source><translation>Stereo nach Lage der Taste</translation></message>
     <message><source>Quiet during calls</source><translation>Still bei Anrufen</translation></message>
