@@ -25,7 +25,7 @@ HitFate hitFateOf(const RecordedKey& key, KeyFate fate) {
   return isLarge(key.group) ? HitFate::bigPress : HitFate::press;
 }
 
-bool isHeard(const KeySound& sound) {
+bool isHeard(const KeyEventSound& sound) {
   return sound.hit.peak > 0;
 }
 
@@ -71,7 +71,7 @@ Json keysAsJson(const KeyedSlice& slice) {
   Json keys = Json::array();
   for (std::size_t i = 0; i < slice.recording.keys.size(); ++i) {
     const RecordedKey& key = slice.recording.keys[i];
-    const KeySound& sound = slice.takes.sounds[i];
+    const KeyEventSound& sound = slice.takes.sounds[i];
     keys.push_back({{"time_ns", key.time},
                     {"action", nameOf(key.action)},
                     {"group", rawValue(key.group)},

@@ -37,7 +37,7 @@ class Scorer {
     const bool isRelease = composed_.recording.keys[key].action == KeyAction::up;
     const bool isSeparable = composed_.truths[key].isSeparable;
     if (isSeparable) ++separable_[isRelease ? 1 : 0];
-    const KeySound& sound = takes_.sounds[key];
+    const KeyEventSound& sound = takes_.sounds[key];
     if (sound.hit.peak <= 0) return;
     const double error = msFrom(key, sound.hit.onset);
     if (isSeparable && error < foundWithinMs) {

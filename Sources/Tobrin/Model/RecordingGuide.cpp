@@ -246,7 +246,7 @@ void RecordingGuide::build(const std::string& name, std::function<void(const Bui
       const auto sounds = buildPack(recording, name, into).sounds;
       built.keyCount = sounds.size();
       built.goodCount = static_cast<std::size_t>(std::ranges::count(
-          sounds, KeyFate::good, [](const KeySound& sound) { return sound.fate; }));
+          sounds, KeyFate::good, [](const KeyEventSound& sound) { return sound.fate; }));
     } catch (const std::exception& error) {
       built.problem = error.what();
     }

@@ -39,13 +39,13 @@ class SoundJudge {
              std::span<const RecordedKey> keys, const SlicerOptions& options)
       : mono_(mono), rate_(rate), rises_(rises), keys_(keys), options_(options) {}
 
-  std::vector<KeySound> judged(const ClockFit& fit) {
+  std::vector<KeyEventSound> judged(const ClockFit& fit) {
     const auto assigned = assignRises(rises_.rises, keys_, fit, rate_);
     const auto onsets = strokeBeginnings(rises_.rises, keys_, assigned, rate_);
     addKeys(assigned, onsets);
     addStrangers(assigned);
     measure();
-    std::vector<KeySound> sounds(keys_.size());
+    std::vector<KeyEventSound> sounds(keys_.size());
     for (std::size_t key = 0; key < keys_.size(); ++key) {
       if (assigned[key].isDoubtful) sounds[key].fate = KeyFate::overlapping;
     }
@@ -190,7 +190,7 @@ std::string_view nameOf(KeyFate fate) {
   return names[static_cast<std::size_t>(fate)];
 }
 
-std::vector<KeySound> findKeySounds(std::span<const float> mono, double rate,
+std::vector<KeyEventSound> findKeySounds(std::span<const float> mono, double rate,
                                     const SoundRises& rises, std::span<const RecordedKey> keys,
                                     const ClockFit& fit, const SlicerOptions& options) {
   return SoundJudge(mono, rate, rises, keys, options).judged(fit);

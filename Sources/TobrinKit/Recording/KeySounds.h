@@ -29,14 +29,14 @@ inline constexpr std::size_t keyFateCount = 6;
 [[nodiscard]] std::string_view nameOf(KeyFate fate);
 
 /// The sound of one key event.
-struct KeySound {
+struct KeyEventSound {
   KeyFate fate = KeyFate::unheard;
   RecordedHit hit;  ///< all zero where nothing was heard, or it is not sure whose it is
 };
 
 /// One a key, in the same order. `rises` are those of `mono`; `rate` in Hz. Releases need less room
 /// than presses, for which `options` says how much.
-[[nodiscard]] std::vector<KeySound> findKeySounds(std::span<const float> mono, double rate,
+[[nodiscard]] std::vector<KeyEventSound> findKeySounds(std::span<const float> mono, double rate,
                                                   const SoundRises& rises,
                                                   std::span<const RecordedKey> keys,
                                                   const ClockFit& fit,

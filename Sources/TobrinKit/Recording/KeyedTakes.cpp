@@ -29,7 +29,7 @@ class KeyedCutter {
  public:
   /// Cuts out of `samples`, which are the recording's or what is left of them without noise.
   KeyedCutter(const KeyedRecording& recording, std::span<const float> samples,
-              const std::vector<KeySound>& sounds, const SlicerOptions& options)
+              const std::vector<KeyEventSound>& sounds, const SlicerOptions& options)
       : recording_(recording),
         sounds_(sounds),
         options_(options),
@@ -113,7 +113,7 @@ class KeyedCutter {
   }
 
   const KeyedRecording& recording_;
-  const std::vector<KeySound>& sounds_;
+  const std::vector<KeyEventSound>& sounds_;
   const SlicerOptions& options_;
   TakeCutter cutter_;
 };
@@ -157,7 +157,7 @@ std::string reportOf(const KeyedTakes& takes, const std::vector<RecordedKey>& ke
   for (std::size_t i = 0; i < keyFateCount; ++i) {
     const auto fate = static_cast<KeyFate>(i);
     const auto count = std::count_if(takes.sounds.begin(), takes.sounds.end(),
-                                     [&](const KeySound& each) { return each.fate == fate; });
+                                     [&](const KeyEventSound& each) { return each.fate == fate; });
     text += (i > 0 ? ", " : " ") + std::to_string(count) + " " + std::string(nameOf(fate));
   }
   char numbers[128];

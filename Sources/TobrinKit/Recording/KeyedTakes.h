@@ -16,7 +16,7 @@ namespace tobrin {
 struct KeyedTakes {
   std::map<KeyGroup, RecordedTiers> down;  ///< a group without good presses is absent
   std::map<KeyGroup, std::vector<RecordedTake>> up;
-  std::vector<KeySound> sounds;  ///< one a key of the recording, in the same order
+  std::vector<KeyEventSound> sounds;  ///< one a key of the recording, in the same order
   ClockFit fit;
   double rate = 48000;        ///< Hz, of the takes
   float noiseFloor = 0;       ///< amplitude above 700 Hz

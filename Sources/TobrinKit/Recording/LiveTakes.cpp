@@ -91,7 +91,7 @@ void LiveTakes::judge(std::span<const float> part, const SoundRises& rises, std:
   judgedUntil_ = std::max(judgedUntil_, end);
 }
 
-void LiveTakes::add(const RecordedKey& key, const KeySound& sound) {
+void LiveTakes::add(const RecordedKey& key, const KeyEventSound& sound) {
   const bool isPress = key.action == KeyAction::down;
   if (isPress) recent_.push_back({sound.fate, sound.hit.peak, sound.hit.energy});
   if (recent_.size() > recentPresses) recent_.pop_front();

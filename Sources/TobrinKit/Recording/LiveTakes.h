@@ -66,7 +66,7 @@ class LiveTakes final {
   void look();
   void fit(const SoundRises& rises, std::size_t begin);
   void judge(std::span<const float> part, const SoundRises& rises, std::size_t begin);
-  void add(const RecordedKey& key, const KeySound& sound);
+  void add(const RecordedKey& key, const KeyEventSound& sound);
   [[nodiscard]] LiveVerdict verdict() const;
   [[nodiscard]] std::size_t samples(double seconds) const;
 

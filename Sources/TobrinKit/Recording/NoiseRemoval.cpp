@@ -71,9 +71,9 @@ struct PressShape {
   double attack = 0;
 };
 
-PressShape shapeOf(Samples samples, double rate, std::span<const KeySound> sounds, double noise) {
+PressShape shapeOf(Samples samples, double rate, std::span<const KeyEventSound> sounds, double noise) {
   std::vector<float> levels, attacks;
-  for (const KeySound& sound : sounds) {
+  for (const KeyEventSound& sound : sounds) {
     if (sound.fate != KeyFate::good || sound.hit.isRelease) continue;
     const auto power = [&](double seconds) {
       return decibels(
@@ -88,7 +88,7 @@ PressShape shapeOf(Samples samples, double rate, std::span<const KeySound> sound
 
 }  // namespace
 
-NoiseRemoval removeNoise(const KeyedRecording& recording, std::span<const KeySound> sounds,
+NoiseRemoval removeNoise(const KeyedRecording& recording, std::span<const KeyEventSound> sounds,
                          const ClockFit& fit) {
   if (!fit.isKnown) return {};
   const auto pauses = pausesOf(recording, fit);

@@ -21,6 +21,6 @@ struct NoiseRemoval {
 /// the share of its first 3 ms in that, by no more than half a dB. `sounds` are those of the
 /// recording's keys.
 [[nodiscard]] NoiseRemoval removeNoise(const KeyedRecording& recording,
-                                       std::span<const KeySound> sounds, const ClockFit& fit);
+                                       std::span<const KeyEventSound> sounds, const ClockFit& fit);
 
 }  // namespace tobrin
