@@ -211,6 +211,28 @@ TEST_F(AppModelTest, SensesForceWhereThereIsASensor) {
   EXPECT_NE(log_.find("Tobrin: force can't be sensed: the test says no\n"), std::string::npos);
 }
 
+TEST_F(AppModelTest, MeasuresForceInSilenceWhileAKeyboardIsRecorded) {
+  capture_->inputs = {{"desk", "Desk", true, false}};
+  for (const bool hasSensor : {false, true}) {
+    hasSensor_ = hasSensor;
+    AppModel& model = start();
+    model.recordingGuide().begin();
+    isHeard();  // what is left of the first phrase
+    EXPECT_EQ(model.statusLine(), "Recording your keyboard");
+    EXPECT_EQ(model.effectiveSettings().enabled, hasSensor);
+    EXPECT_EQ(model.effectiveSettings().volume, hasSensor ? 0 : EngineSettings().volume);
+    keys_.press(0);
+    EXPECT_FALSE(isHeard());
+    keys_.release(0);
+    model.recordingGuide().leave();
+    EXPECT_EQ(model.effectiveSettings().volume, EngineSettings().volume);
+    advance(100);
+    keys_.press(0);
+    EXPECT_TRUE(isHeard());
+    keys_.release(0);
+  }
+}
+
 TEST_F(AppModelTest, MasksKeysWhileTheSoundIsRecorded) {
   microphone_->activity.outputRecorded = true;
   AppModel& model = start();

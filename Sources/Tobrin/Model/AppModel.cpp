@@ -43,6 +43,7 @@ AppModel::~AppModel() {
   hotkey_->unregister();
   monitor_->stop();
   micMonitor_->stop();
+  conductor_->setOnForce(nullptr);
   conductor_->shutdown();
 }
 
@@ -76,6 +77,7 @@ std::string AppModel::readSavedState(const std::optional<Preview>& preview) {
 
 void AppModel::wireCallbacks() {
   conductor_->setOnForce([this](const ForceReading& reading) {
+    guide_.addForce(reading);
     onMain([this, reading] {
       lastForce_ = reading;
       emit lastForceChanged();
@@ -172,7 +174,11 @@ PlaybackGate AppModel::gate() const {
 
 EngineSettings AppModel::effectiveSettings() const {
   EngineSettings effective = settings_;
-  effective.enabled = (played_->isTrying() || (gate().isPlaying() && !isSilent_)) && !isSilentByLock();
+  // While a keyboard is recorded its force is measured, and nothing is heard.
+  const bool onlyMeasures = isSilent_ && settings_.forceSensing && sensorAvailable_;
+  const bool plays = played_->isTrying() || onlyMeasures || (gate().isPlaying() && !isSilent_);
+  effective.enabled = plays && !isSilentByLock();
+  if (onlyMeasures) effective.volume = 0;
   effective.forceSensing = settings_.forceSensing && sensorAvailable_;
   return effective;
 }

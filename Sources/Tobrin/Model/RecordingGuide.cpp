@@ -176,6 +176,11 @@ void RecordingGuide::addKey(const KeyEvent& event) {
   if (recorder_ != nullptr) recorder_->addKey(event);
 }
 
+void RecordingGuide::addForce(const ForceReading& reading) {
+  const MutexLock lock(lock_);
+  if (recorder_ != nullptr && reading.sensed) recorder_->addForce(reading.code, reading.position);
+}
+
 std::size_t RecordingGuide::wanted(Step step) {
   switch (step) {
     case Step::soft:

@@ -1,6 +1,6 @@
 /// Leads through recording one's own keyboard: the choice of a microphone, what to type, listening
 /// to the pack that comes of it, keeping it. Leaving at any time leaves nothing behind.
-/// Thread: main, but for `addKey`.
+/// Thread: main, but for `addKey` and `addForce`.
 #pragma once
 
 #include <QObject>
@@ -17,6 +17,7 @@
 #include "Base/KeyEvent.h"
 #include "Base/Mutex.h"
 #include "Base/SerialQueue.h"
+#include "Engine/EngineSettings.h"
 #include "Recording/KeyboardRecorder.h"
 #include "Recording/LiveTakes.h"
 #include "Recording/SoundCapture.h"
@@ -73,6 +74,8 @@ class RecordingGuide final : public QObject {
 
   /// Thread: any.
   void addKey(const KeyEvent& event);
+  /// How hard a key was struck, where that is measured. Thread: any.
+  void addForce(const ForceReading& reading);
 
   [[nodiscard]] Stage stage() const { return stage_; }
   [[nodiscard]] const std::vector<SoundCapture::Input>& inputs() const { return inputs_; }

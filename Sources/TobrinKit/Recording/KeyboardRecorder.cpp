@@ -1,5 +1,6 @@
 #include "Recording/KeyboardRecorder.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tobrin {
@@ -10,6 +11,7 @@ constexpr double rate = SoundCapture::rate;
 constexpr std::size_t channels = 2;
 constexpr std::size_t keysToChoose = 8;
 constexpr double secondsToChoose = 30;
+constexpr int64_t forcePatience = 100'000'000;    // ns
 constexpr int64_t silenceForPause = 500'000'000;  // ns, so that sounds of before end in it
 
 }  // namespace
@@ -40,12 +42,21 @@ void KeyboardRecorder::stop() {
   }
   collect();
   gaps_.flush();
+  addWaitingKeys(gaps_.dueTime());
   if (!isChosen_ && !undecided_.empty()) chooseChannel();
 }
 
 void KeyboardRecorder::addKey(const KeyEvent& event) {
   const MutexLock lock(lock_);
-  if (isRecording_) waiting_.push_back(event);
+  if (isRecording_) waiting_.push_back({event, std::nullopt});
+}
+
+void KeyboardRecorder::addForce(uint16_t code, float position) {
+  const MutexLock lock(lock_);
+  const auto press = std::find_if(waiting_.rbegin(), waiting_.rend(), [&](const Waiting& key) {
+    return key.event.code == code && key.event.action == KeyAction::down;
+  });
+  if (press != waiting_.rend()) press->force = position;
 }
 
 void KeyboardRecorder::collect() {
@@ -60,18 +71,29 @@ void KeyboardRecorder::addBlock(const SoundCapture::Block& block) {
 }
 
 void KeyboardRecorder::collectKeys() {
-  // Keys keep until there is sound, whose start their times count from.
+  // Keys keep until there is sound, whose start their times count from, and then until their force
+  // is measured.
+  if (gaps_.firstTime() && !isResuming_) addWaitingKeys(gaps_.dueTime() - forcePatience);
+}
+
+/// Those of before that time of the recording's.
+void KeyboardRecorder::addWaitingKeys(int64_t until) {
   const std::optional<int64_t> start = gaps_.firstTime();
-  if (!start || isResuming_) return;
+  if (!start) return;
   if (!numbers_) numbers_.emplace(static_cast<uint64_t>(*start));
-  std::vector<KeyEvent> keys;
+  std::vector<Waiting> keys;
   {
     const MutexLock lock(lock_);
-    keys.swap(waiting_);
+    const auto isLater = [&](const Waiting& key) {
+      return static_cast<int64_t>(key.event.time) - leftOut_ > until;
+    };
+    const auto later = std::find_if(waiting_.begin(), waiting_.end(), isLater);
+    keys.assign(waiting_.begin(), later);
+    waiting_.erase(waiting_.begin(), later);
   }
-  for (KeyEvent event : keys) {
+  for (auto& [event, force] : keys) {
     event.time -= static_cast<uint64_t>(leftOut_);
-    const std::optional<RecordedKey> key = numbers_->recorded(event);
+    const std::optional<RecordedKey> key = numbers_->recorded(event, force);
     if (!key || key->time < 0) continue;
     if (key->action == KeyAction::down) ++keyCount_;
     takes_.addKey(*key);

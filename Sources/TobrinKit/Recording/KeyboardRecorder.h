@@ -1,5 +1,5 @@
 /// Records one's own keyboard: a microphone, and the keys that are typed meanwhile, each key as a
-/// number and never by its code. Thread: one at a time, but for `addKey`.
+/// number and never by its code. Thread: one at a time, but for `addKey` and `addForce`.
 #pragma once
 
 #include <memory>
@@ -34,6 +34,9 @@ class KeyboardRecorder final {
 
   /// A key was pressed or let go; forgotten while nothing is recorded. Thread: any.
   void addKey(const KeyEvent& event);
+  /// How hard the last press of that key was, as a tier position from 0 to 3. Counts where it comes
+  /// within a tenth of a second. Thread: any.
+  void addForce(uint16_t code, float position);
 
   /// Takes in what has arrived. To be called several times a second while it runs.
   void collect();
@@ -48,7 +51,13 @@ class KeyboardRecorder final {
   [[nodiscard]] std::string description() const { return capture_->description(); }
 
  private:
+  struct Waiting {
+    KeyEvent event;
+    std::optional<float> force;
+  };
+
   void addBlock(const SoundCapture::Block& block);
+  void addWaitingKeys(int64_t until);
   void collectKeys();
   void addSound(std::span<const float> interleaved);
   void chooseChannel();
@@ -68,7 +77,7 @@ class KeyboardRecorder final {
 
   Mutex lock_;
   bool isRecording_ TOBRIN_GUARDED_BY(lock_) = false;
-  std::vector<KeyEvent> waiting_ TOBRIN_GUARDED_BY(lock_);
+  std::vector<Waiting> waiting_ TOBRIN_GUARDED_BY(lock_);
 };
 
 }  // namespace tobrin

@@ -50,6 +50,7 @@ TEST_F(KeyboardRecorderTest, KeepsTheBetterChannelAndOfKeysNoCode) {
   const Key typed[] = {Key::a, Key::space, Key::a, Key::leftShift};
   for (int index = 0; index < 8; ++index)
     press(typed[index % 4], start_ + index * 10 * blockNs);
+  recorder_.addForce(codeOf(Key::leftShift), 2.5F);
   recorder_.collect();
   sound(start_ + 100 * blockNs, 0.3F, 0.25F);
   recorder_.collect();
@@ -63,6 +64,8 @@ TEST_F(KeyboardRecorderTest, KeepsTheBetterChannelAndOfKeysNoCode) {
             (RecordedKey{10 * blockNs, KeyAction::down, KeyGroup::space, 1, {}}));
   EXPECT_EQ(recording.keys[5].number, 0U) << "the same key again";
   EXPECT_EQ(recording.keys[6].group, KeyGroup::modifier);
+  EXPECT_EQ(recording.keys[6].force, std::nullopt);
+  EXPECT_EQ(recording.keys[14].force, 2.5F) << "the last press of that key";
 }
 
 TEST_F(KeyboardRecorderTest, LeavesOutWhatHappensInAPause) {
@@ -78,7 +81,7 @@ TEST_F(KeyboardRecorderTest, LeavesOutWhatHappensInAPause) {
   for (int index = 0; index < 8; ++index)
     sound(later + index * blockNs, 0.25F, 0);
   press(Key::c, later + blockNs);
-  recorder_.collect();
+  recorder_.stop();
 
   const KeyedRecording& recording = recorder_.takes().recording();
   const auto resumed = static_cast<std::size_t>(std::lround(0.51 * rate));
