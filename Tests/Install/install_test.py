@@ -13,8 +13,8 @@ import unittest
 BUILD, SOURCE = (pathlib.Path(sys.argv.pop()) for _ in range(2))
 COMMANDS = {
     "tobrin": [[]],
-    "tobrin-packs": [[], ["list"], ["check"], ["generate"], ["loudness"], ["render"], ["slice"], ["build"], ["import"], ["export"],
-                     ["install"]],
+    "tobrin-packs": [[], ["list"], ["check"], ["generate"], ["loudness"], ["render"], ["slice"], ["record"], ["build"], ["import"],
+                     ["export"], ["install"]],
     "tobrin-force": [[], ["record"], ["replay"]],
 }
 UNLISTED = {"tobrin": {"snapshot"}}  # an aid for these documents, which the usage text leaves out
