@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <exception>
+#include <tuple>
 #include <utility>
 
 #include "Base/ExchangeFolders.h"
@@ -197,14 +198,21 @@ void RecordingGuide::poll(uint64_t round) {
   if (round != round_ || recorder_ == nullptr) return;
   if (stage_ == Stage::microphone || (stage_ == Stage::typing && !isPaused_)) {
     recorder_->collect();
-    live_ = recorder_->takes().state();
-    problem_ = recorder_->problem();
-    countTakes();
-    emit changed();
+    takeState();
+    emit levelChanged();
   }
   services_.main.after(pollInterval, [this, round, alive = std::weak_ptr(alive_)] {
     if (!alive.expired()) poll(round);
   });
+}
+
+void RecordingGuide::takeState() {
+  const auto shown = [this] { return std::tuple(live_.verdict, problem_, have_, step_); };
+  const auto before = shown();
+  live_ = recorder_->takes().state();
+  problem_ = recorder_->problem();
+  countTakes();
+  if (shown() != before) emit changed();
 }
 
 void RecordingGuide::countTakes() {

@@ -93,6 +93,7 @@ class RecordingGuide final : public QObject {
 
  signals:
   void changed();
+  void levelChanged();  ///< of `live` the level alone
 
  private:
   struct Built {
@@ -102,6 +103,7 @@ class RecordingGuide final : public QObject {
   };
 
   void poll(uint64_t round);
+  void takeState();
   void countTakes();
   [[nodiscard]] std::size_t goodTakesOfStep() const;
   void enterStep(std::size_t step);

@@ -31,11 +31,7 @@ ColumnLayout {
         enabled: !body.paused
         Component.onCompleted: forceActiveFocus()
         onEnabledChanged: if (enabled) forceActiveFocus()
-
-        Connections {
-            target: body.recording
-            function onChanged() { if (typed.text.length > 60) typed.clear(); }
-        }
+        onTextEdited: if (text.length > 60) clear()
     }
     LevelMeter {
         Layout.fillWidth: true
@@ -63,7 +59,7 @@ ColumnLayout {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
                 title: modelData.title
-                have: modelData.have
+                have: body.recording.counts[index] // qmllint disable unqualified
                 wanted: modelData.wanted
                 current: index === body.recording.step // qmllint disable unqualified
             }

@@ -26,6 +26,7 @@ struct StepText {
 RecordingModel::RecordingModel(AppModel& model, QObject* parent)
     : QObject(parent), guide_(model.recordingGuide()) {
   connect(&guide_, &RecordingGuide::changed, this, &RecordingModel::changed);
+  connect(&guide_, &RecordingGuide::levelChanged, this, &RecordingModel::levelChanged);
 }
 
 RecordingModel::Stage RecordingModel::stage() const {
@@ -112,13 +113,18 @@ QVariantList RecordingModel::steps() const {
   QVariantList all;
   for (const Step step : RecordingGuide::allSteps) {
     const StepText words = text(step);
-    const auto wanted = static_cast<int>(RecordingGuide::wanted(step));
     all.append(QVariantMap{{"title", words.title},
                            {"instruction", words.instruction},
                            {"sample", words.sample},
-                           {"have", std::min(static_cast<int>(guide_.have(step)), wanted)},
-                           {"wanted", wanted}});
+                           {"wanted", static_cast<int>(RecordingGuide::wanted(step))}});
   }
+  return all;
+}
+
+QList<int> RecordingModel::counts() const {
+  QList<int> all;
+  for (const auto step : RecordingGuide::allSteps)
+    all.append(static_cast<int>(std::min(guide_.have(step), RecordingGuide::wanted(step))));
   return all;
 }
 

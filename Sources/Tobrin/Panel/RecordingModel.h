@@ -2,6 +2,7 @@
 /// and texts of a view. Thread: main.
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -22,12 +23,13 @@ class RecordingModel final : public QObject {
   Q_PROPERTY(QStringList inputs READ inputs NOTIFY changed)
   Q_PROPERTY(int inputIndex READ inputIndex NOTIFY changed)
   Q_PROPERTY(QString inputWarning READ inputWarning NOTIFY changed)
-  Q_PROPERTY(double level READ level NOTIFY changed)
+  Q_PROPERTY(double level READ level NOTIFY levelChanged)
   Q_PROPERTY(QString advice READ advice NOTIFY changed)
   Q_PROPERTY(bool soundsGood READ soundsGood NOTIFY changed)
   Q_PROPERTY(QString problem READ problem NOTIFY changed)
   Q_PROPERTY(int step READ step NOTIFY changed)
-  Q_PROPERTY(QVariantList steps READ steps NOTIFY changed)
+  Q_PROPERTY(QVariantList steps READ steps CONSTANT)
+  Q_PROPERTY(QList<int> counts READ counts NOTIFY changed)
   Q_PROPERTY(bool paused READ paused NOTIFY changed)
   Q_PROPERTY(QString report READ report NOTIFY changed)
 
@@ -49,8 +51,9 @@ class RecordingModel final : public QObject {
   [[nodiscard]] bool soundsGood() const;
   [[nodiscard]] QString problem() const;  ///< empty while there is none
   [[nodiscard]] int step() const;         ///< place in `steps`
-  /// Maps of title, instruction, sample, have, wanted.
+  /// Maps of title, instruction, sample, wanted.
   [[nodiscard]] QVariantList steps() const;
+  [[nodiscard]] QList<int> counts() const;  ///< good sounds of each step so far
   [[nodiscard]] bool paused() const;
   [[nodiscard]] QString report() const;  ///< of the stage `Listening`
 
@@ -68,6 +71,7 @@ class RecordingModel final : public QObject {
 
  signals:
   void changed();
+  void levelChanged();
 
  private:
   RecordingGuide& guide_;

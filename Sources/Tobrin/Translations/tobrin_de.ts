@@ -60,7 +60,7 @@
     <message><source>Sound</source><translation>Klang</translation></message>
     <message><source>Preview</source><translation>Anhören</translation></message>
     <message><source>Move %1 to the trash</source><translation>%1 in den Papierkorb legen</translation></message>
-    <message><source>Record Your Keyboard…</source><translation>Deine Tastatur aufnehmen…</translation></message>
+    <message><source>Record Your Keyboard…</source><translation>Deine Tastatur aufnehmen …</translation></message>
     <message><source>Makes a pack of the keyboard under your hands, with a microphone.</source><translation>Macht mit einem Mikrofon ein Paket aus der Tastatur unter deinen Händen.</translation></message>
 </context>
 <context>
@@ -207,7 +207,7 @@
 </context>
 <context>
     <name>RecordBuilding</name>
-    <message><source>Making your pack…</source><translation>Dein Paket entsteht…</translation></message>
+    <message><source>Making your pack…</source><translation>Dein Paket entsteht …</translation></message>
 </context>
 <context>
     <name>RecordResult</name>

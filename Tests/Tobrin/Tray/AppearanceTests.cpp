@@ -61,7 +61,9 @@ class PortalSettings final {
       sd_bus_message_open_container(answer, 'v', "v");
       append(answer, setting);
       sd_bus_message_close_container(answer);
-      return sd_bus_send(nullptr, answer, nullptr);
+      const int sent = sd_bus_send(nullptr, answer, nullptr);
+      sd_bus_message_unref(answer);
+      return sent;
     }
     return sd_bus_error_set(error, "org.freedesktop.portal.Error.NotFound", "no such setting");
   }
