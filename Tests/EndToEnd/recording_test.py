@@ -1,12 +1,16 @@
 #!/usr/bin/env python3
 """A pack of one's own keyboard, from the shell: recording_test.py WORKSHOP PACKS, in a desktop session."""
 
+import array
 import json
+import math
+import operator
 import pathlib
 import signal
 import subprocess
 import sys
 import unittest
+import wave
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
 from listening import DesktopTest  # noqa: E402
@@ -14,6 +18,25 @@ from listening.ownkeyboard import KEYS, OwnKeyboard, lateness  # noqa: E402
 from listening.tools import Background  # noqa: E402
 
 PACKS, WORKSHOP = pathlib.Path(sys.argv.pop()), sys.argv.pop()
+
+
+def mono(path):
+    with wave.open(str(path)) as file:
+        samples, channels = array.array("h", file.readframes(file.getnframes())), file.getnchannels()
+    return [sum(samples[at:at + channels]) for at in range(0, len(samples), channels)]
+
+
+def around_peak(sound, start):
+    """Five milliseconds around the loudest sample of the first thirty, of one energy."""
+    peak = max(range(start, min(start + 1440, len(sound))), key=lambda at: abs(sound[at]))
+    cut = sound[max(0, peak - 60):peak + 180]
+    energy = math.sqrt(sum(sample * sample for sample in cut)) or 1
+    return [sample / energy for sample in cut]
+
+
+def like(one, other):
+    """The correlation of two cuts, 1 for one form."""
+    return max(abs(sum(map(operator.mul, one[max(0, lag):], other[max(0, -lag):]))) for lag in range(-90, 91))
 
 
 class RecordingTest(DesktopTest):
@@ -48,6 +71,7 @@ class RecordingTest(DesktopTest):
         subprocess.run([WORKSHOP, "check", pack], check=True, stdout=subprocess.DEVNULL)
         loudness = json.loads(subprocess.check_output([WORKSHOP, "loudness", pack, "--json"]))["lufs"]
         self.assertAlmostEqual(loudness, -28, delta=0.3)
+        self.assert_takes_are_what_sounded(pack)
         lines = kept.with_suffix(".keys.csv").read_text().splitlines()
         self.assertEqual(lines[0], "time_ns,action,group,key")
         groups = {code: group for group, keys in KEYS.items() for _, code in keys}
@@ -64,6 +88,19 @@ class RecordingTest(DesktopTest):
         middle = offsets[len(offsets) // 2]
         strays = [offset - middle for offset in offsets if abs(offset - middle) > 0.004]
         self.assertEqual(strays, [])
+
+    def assert_takes_are_what_sounded(self, pack):
+        """Each take has the form of a sound of its group that was composed."""
+        forms = []
+        sound = mono(self.keyboard.sound)
+        groups = json.loads((pack / "pack.json").read_text())["groups"]
+        for group, codes in ((group, {code for _, code in KEYS[group]}) for group in groups):
+            composed = [around_peak(sound, round(second * 48000)) for second, _, code, down, _ in self.actions if down and code in codes]
+            for name in sum(groups[group]["down"].values(), []):
+                likeness = max(like(around_peak(mono(pack / name), 0), each) for each in composed)
+                self.assertGreater(likeness, 0.75, name)
+                forms.append(likeness)
+        self.assertGreater(sorted(forms)[len(forms) // 2], 0.93)
 
     def test_says_which_microphones_there_are(self):
         run = subprocess.run([WORKSHOP, "record", "--into", self.folder / "mine", "--source", "nothing"], capture_output=True, text=True)

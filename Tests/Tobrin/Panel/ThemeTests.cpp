@@ -7,11 +7,7 @@
 #include <cmath>
 #include <memory>
 
-// The toolkit's own threads are not built with the thread sanitizer, which cannot see their locks.
-// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer's name
-extern "C" const char* __tsan_default_options() {
-  return "ignore_noninstrumented_modules=1";
-}
+#include "Support/ToolkitThreads.h"
 
 namespace {
 

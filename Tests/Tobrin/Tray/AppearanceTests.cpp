@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "Support/ToolkitThreads.h"
 #include "Tools/Desktop/PrivateBus.h"
 
 namespace tobrin {

@@ -35,7 +35,7 @@ def lateness(recording, actions):
     """Seconds by which the last press, after its pause, sounds later after the first one than was composed."""
     with wave.open(str(recording)) as file:
         samples = array.array("h", file.readframes(file.getnframes()))
-    loud = [max(samples[at:at + 48]) > 500 for at in range(0, len(samples) - 48, 48)]  # each millisecond
+    loud = [max(samples[at:at + 48]) > 300 for at in range(0, len(samples) - 48, 48)]  # each millisecond
     first, pause = loud.index(True), int(PAUSE * 800)
     last = max(at for at in range(pause, len(loud)) if loud[at] and not any(loud[at - pause:at]))
     return (last - first) / 1000 - (actions[-2][0] - actions[0][0])
@@ -47,8 +47,8 @@ class OwnKeyboard:
         script = folder / "keys.json"
         script.write_text(json.dumps([{"time": second, "code": code, "action": "down" if down else "up", "position": hard}
                                       for second, _, code, down, hard in self.actions]))
-        self._sound = folder / "typing.wav"
-        subprocess.run([workshop, "render", pack, "--script", script, "--out", self._sound], check=True, stdout=subprocess.DEVNULL)
+        self.sound = folder / "typing.wav"
+        subprocess.run([workshop, "render", pack, "--script", script, "--out", self.sound], check=True, stdout=subprocess.DEVNULL)
         self._script = folder / "keys.txt"
         self._script.write_text("".join(f"{(second - LEAD) * 1000:.1f} {'press' if down else 'release'} {symbol}\n"
                                         for second, symbol, _, down, _ in self.actions))
@@ -57,7 +57,7 @@ class OwnKeyboard:
 
     def play_and_type(self):
         """The sound runs from when it is linked, the keys a second later."""
-        player = subprocess.Popen(["pw-cat", "-p", "--target=0", "--latency=10ms", self._sound])
+        player = subprocess.Popen(["pw-cat", "-p", "--target=0", "--latency=10ms", "--volume=0.4", self.sound])
         try:
             links = [["pw-link", f"pw-cat:output_{side}", "test_mic:input_MONO"] for side in ("FL", "FR")]
             while subprocess.run(links[0], stderr=subprocess.DEVNULL).returncode:
