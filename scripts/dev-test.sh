@@ -47,16 +47,17 @@ test_assertions() {
 # test_on SYSTEM [CTEST_OPTION...]: arm64 is built here and emulated; a Debian is bootstrapped from nothing, where
 # SUITE-units leaves out what needs a desktop, and packages.
 test_on() {
-  local system=$1 part=''
+  local system=$1 part='' status=0
   shift
   case $system in
     arm64)
       dpkg --print-foreign-architectures | grep -qx arm64 || as_root dpkg --add-architecture arm64
       ensure_packages scripts/packages-arm64.txt
       build_preset arm64
-      ctest --preset arm64 --parallel "$(nproc)" "$@"
+      ctest --preset arm64 --parallel "$(nproc)" "$@" || status=$?
       # Some development files are there for one kind of machine at a time.
       ensure_packages scripts/packages.txt
+      return "$status"
       ;;
     bookworm | trixie | bookworm-units | trixie-units)
       ensure_packages scripts/packages-debian.txt

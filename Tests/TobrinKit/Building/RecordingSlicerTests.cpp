@@ -196,11 +196,17 @@ TEST(RecordedPack, HitsNearTheLimitsAreJudgedAsTheyWere) {
   for (int i = 0; at < 88.5; ++i) {
     const double press = 0.1 * std::pow(10, 6 * rng.signedUnit() / 20);
     const double hold = 0.1 + 0.15 * rng.unit();
-    piece.add(at, press, 0.15 + rng.unit(), 0.4 + 2 * rng.unit());
+    // One draw a line: compilers differ in the order of a call's arguments.
+    const double length = 0.4 + 2 * rng.unit();
+    const double pitch = 0.15 + rng.unit();
+    piece.add(at, press, pitch, length);
     if (i % 3 == 0) piece.add(at + 0.005 + 0.04 * rng.unit(), 0.4 * press, 0.2, 3);
     if (i % 4 == 1) piece.swell(at, press * rng.unit());
     if (i % 5 == 2) piece.add(at - 0.08, 0.0002 + 0.0008 * rng.unit());
-    if (i % 10 == 6) piece.click(at + 0.02 + 0.02 * rng.unit(), 0.98 + 0.02 * rng.unit());
+    if (i % 10 == 6) {
+      const double level = 0.98 + 0.02 * rng.unit();
+      piece.click(at + 0.02 + 0.02 * rng.unit(), level);
+    }
     piece.add(at + hold, 0.2 * press, 1.3, 0.6);
     if (i % 4 == 3) piece.swell(at + hold, 0.4 * press * rng.unit());
     at += hold + (i % 12 == 3 ? 0.022 : 0.1 + 0.2 * rng.unit());
