@@ -227,13 +227,17 @@ class PanelTest(PanelDriver):
     def test_ones_own_keyboard_is_recorded_and_leaving_keeps_nothing(self):
         keyboard = OwnKeyboard(self.folder, pathlib.Path(PROGRAM).with_name("tobrin-packs"), PACKS / "cream", presses=60)
         self.start_with_panel()
-        self.click("Record Your Keyboard…")
-        self.shows("test_mic", "Type a few keys.")
-        self.click("Start")
-        self.shows("Type softly, as if somebody slept next door.", "Softly: 0 of 20")
-        with record(self.folder / "heard.wav") as recorder:
-            keyboard.play_and_type()
-            self.assertFalse([line for line in recorder.lines if "sound" in line], "it hears, and is silent itself")
+        for _ in range(5):  # where the machine had too much to do, the player fell behind: no keyboard does that
+            self.click("Record Your Keyboard…")
+            self.shows("test_mic", "Type a few keys.")
+            self.click("Start")
+            self.shows("Type softly, as if somebody slept next door.", "Softly: 0 of 20")
+            with record(self.folder / "heard.wav") as recorder:
+                keyboard.play_and_type()
+                self.assertFalse([line for line in recorder.lines if "sound" in line], "it hears, and is silent itself")
+            if eventually(lambda: named("Softly: 20 of 20"), 10):
+                break
+            self.click("Cancel")
         self.shows("Softly: 20 of 20")
         self.click("Pause")
         self.shows("Paused. Nothing is recorded.")
