@@ -233,6 +233,15 @@ TEST_F(AppModelTest, MeasuresForceInSilenceWhileAKeyboardIsRecorded) {
   }
 }
 
+TEST_F(AppModelTest, APackThatIsAddedMeanwhileDoesNotEndARecording) {
+  AppModel& model = start();
+  model.recordingGuide().begin();
+  model.shelf().add({"/downloads/new.zip"});
+  advance(100);
+  EXPECT_EQ(model.selectedPackID(), "new");
+  EXPECT_EQ(model.recordingGuide().stage(), RecordingGuide::Stage::microphone);
+}
+
 TEST_F(AppModelTest, MasksKeysWhileTheSoundIsRecorded) {
   microphone_->activity.outputRecorded = true;
   AppModel& model = start();

@@ -353,7 +353,7 @@ void AppModel::startPacks(const std::string& selectedID) {
 void AppModel::packAdded(const std::string& id) {
   refreshPacks();
   setSelectedPackID(id);
-  guide_.leave();  // what was added may be its pack; another could not be added meanwhile
+  guide_.packsAdded();
 }
 
 // Recording one's own keyboard

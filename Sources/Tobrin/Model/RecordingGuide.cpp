@@ -153,6 +153,10 @@ void RecordingGuide::keep(const std::string& name) {
   });
 }
 
+void RecordingGuide::packsAdded() {
+  if (isKeeping_) leave();
+}
+
 void RecordingGuide::keepFailed(const std::string& reason) {
   if (!std::exchange(isKeeping_, false)) return;
   problem_ = reason;

@@ -67,6 +67,8 @@ class RecordingGuide final : public QObject {
   void typeMore();
   void listen();
   void keep(const std::string& name);
+  /// Packs were put among the user's: ends the guide where one of them is its own.
+  void packsAdded();
   /// The pack could not be put among the user's, for that reason.
   void keepFailed(const std::string& reason);
   /// Ends the recording and forgets all of it.
