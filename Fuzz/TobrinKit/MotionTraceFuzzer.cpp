@@ -1,4 +1,5 @@
-// Any text as a motion trace, as a list of keys and as those of a recording; what is taken must survive being written.
+// Any text as a motion trace, as a list of keys and as those of a recording; what is taken must
+// survive being written.
 #include <sstream>
 
 #include "Force/KeyTrace.h"

@@ -29,8 +29,8 @@ ICONS = pathlib.Path(__file__).resolve().parents[2] / "Resources/icons"
 CHORD = "ctrl+alt+super+"
 # In the order of the Tab key; of a group, the chosen one.
 STOPS = ["Sounds", "Preview", "Blue Click, Clicky", "Record Your Keyboard…", "Mute", "Volume", "Strength: Medium", "Key release sounds",
-         "Stereo by key position", "Quiet during calls", "Quiet while the screen is locked", "Mask keys while the sound is recorded",
-         "Open at login", "Turn sounds on/off with",
+         "Stereo by key position", "Quiet during calls", "Open at login", "More…",
+         "Turn sounds on/off with",
          "Shortcut keys: Ctrl+Alt+Super+K", "Shortcut: Ctrl+Alt+Super+K", "Packs Folder…", "Add Pack…", "Quit"]
 
 
@@ -49,10 +49,12 @@ class PanelTest(PanelDriver):
                 self.saves(key, value)
                 self.assertTrue(eventually(lambda: named(name).checked == (value == on)), name)
         self.assertEqual(self.saved()["engineSettings"]["volume"], 0.5, "nothing else was touched")
+        self.click("More…")
         for name, key in (("Quiet while the screen is locked", "quietWhileLocked"),
                           ("Mask keys while the sound is recorded", "maskWhileRecorded")):
             self.click(name)
             self.assertTrue(eventually(lambda: self.saved().get("comforts", {}).get(key) is False), self.saved())
+        self.click("Back")
         entry = pathlib.Path(os.environ["XDG_CONFIG_HOME"]) / "autostart/app.tobrin.Tobrin.desktop"
         self.click("Open at login")
         self.assertTrue(eventually(entry.exists))
@@ -126,7 +128,7 @@ class PanelTest(PanelDriver):
         self.saves("shortcut", {"keyCode": 1, "modifiers": 11})
         xdotool("key", "shift+Tab", "shift+Tab", "space")
         self.saves("shortcutEnabled", False)
-        xdotool("key", *["shift+Tab"] * 7, "Left")
+        xdotool("key", *["shift+Tab"] * 6, "Left")
         self.saves("fixedTier", 0)
         for keys, volume in ((("shift+Tab", "Right", "Right"), 0.8), (("Home",), 0), (("Page_Up",), 0.2), (("End",), 1),
                              (("Page_Down",), 0.8), (("shift+Tab", "Return"), 0), (("space",), 0.8)):
@@ -136,6 +138,10 @@ class PanelTest(PanelDriver):
         for key, pack in (("Down", "panda"), ("Right", "typewriter"), ("Home", "blue-click"), ("End", "typewriter"), ("d", "dome")):
             xdotool("key", key, "Return")
             self.assertTrue(eventually(lambda: self.saved().get("selectedPack") == pack), (key, self.saved()))
+        self.click("More…")
+        self.assertTrue(eventually(lambda: focused() == "Back"))
+        xdotool("key", "Escape")
+        self.assertTrue(eventually(lambda: focused() == "More…"), focused())
         self.close_by_keyboard()
 
     def test_the_first_start_shows_itself_and_the_next_is_quiet(self):

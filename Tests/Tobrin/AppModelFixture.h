@@ -159,8 +159,11 @@ class AppModelTest : public ::testing::Test {
             .discardPack = [this](const PackInfo& info) { return discard(info); }},
         std::move(preview));
     panel_ = std::make_unique<PanelModel>(*model_);
-    bindings_ = std::make_unique<Bindings>(*panel_);
-    shelfBindings_ = std::make_unique<Bindings>(*panel_->shelf());
+    bindings_.clear();
+    for (QObject* part :
+         {static_cast<QObject*>(panel_.get()), static_cast<QObject*>(panel_->shelf()),
+          static_cast<QObject*>(panel_->more())})
+      bindings_.emplace_back(*part);
     return *model_;
   }
 
@@ -171,8 +174,8 @@ class AppModelTest : public ::testing::Test {
       moveTo(main_.now() + machTicks(std::min(step, milliseconds - passed)));
     moveTo(main_.now());
     if (!model_) return;
-    bindings_->look();
-    shelfBindings_->look();
+    for (Bindings& each : bindings_)
+      each.look();
   }
 
   void change(const std::function<void(EngineSettings&)>& edit) {
@@ -222,7 +225,7 @@ class AppModelTest : public ::testing::Test {
   std::string log_;
   std::unique_ptr<AppModel> model_;
   std::unique_ptr<PanelModel> panel_;
-  std::unique_ptr<Bindings> bindings_, shelfBindings_;  ///< what the panel shows
+  std::vector<Bindings> bindings_;  ///< what the panel shows
 
  private:
   std::shared_ptr<const LoadedPack> load(const PackInfo& info) {

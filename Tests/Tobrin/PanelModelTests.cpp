@@ -14,9 +14,15 @@ class PanelModelTest : public AppModelTest {
   /// Notes all that is to be seen of what was done.
   void after(const std::string& what, double milliseconds = 0) {
     advance(milliseconds);
-    seen_ += what + "\n" + bindings_->changes() + shelfBindings_->changes();
+    seen_ += what + "\n" + changes();
     for (const std::string& action : std::exchange(desktop_.actions, {}))
       seen_ += "  desktop: " + action + "\n";
+  }
+  std::string changes() {
+    std::string all;
+    for (Bindings& each : bindings_)
+      all += each.changes();
+    return all;
   }
   void press(uint16_t code) {
     QSignalSpy struck(panel_.get(), &PanelModel::keyStruck);
@@ -54,7 +60,8 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   for (const uint16_t code : std::initializer_list<uint16_t>{0, 49, 54, 200})
     press(code);
   for (int i = 0; i < 2; ++i) {
-    bindings_->setAll();
+    for (Bindings& each : bindings_)
+      each.setAll();
     after("all is set to something else");
     seen_ += "  " + model_->settings().toJson() + "\n";
   }
@@ -120,8 +127,7 @@ TEST_F(PanelModelTest, ShowsPacksComeAndGo) {
   device_->refusal = "no server";
   keys_.allowed = false;
   start();
-  (void)bindings_->changes();  // all that is there at first
-  (void)shelfBindings_->changes();
+  (void)changes();  // all that is there at first
   after("without a sound server");
   keys_.allowed = true;
   panel_->menuOpened();
@@ -130,7 +136,8 @@ TEST_F(PanelModelTest, ShowsPacksComeAndGo) {
   after("with a sound server");
   whileAdding_ = [&] {
     main_.runUntil(main_.now() + machTicks(1100));
-    shelfBindings_->look();
+    for (Bindings& each : bindings_)
+      each.look();
   };
   panel_->shelf()->setAsking(PackShelfModel::Asking::byDropping);
   after("asked to drop packs");

@@ -1,5 +1,5 @@
-/// The packs that there are, and the one of them that plays: finds them, keeps the choice, and loads
-/// it on a queue made for that. Thread: main.
+/// The packs that there are, and the one of them that plays: finds them, keeps the choice, and
+/// loads it on a queue made for that. Thread: main.
 #pragma once
 
 #include <QObject>

@@ -13,6 +13,8 @@ Rectangle {
     property bool reducedMotion: false
     property bool framed: false
     property bool titled: false
+    // A page in the panel's place, and what Escape leaves first.
+    readonly property bool showsPage: recordPage.wanted || morePage.active
     readonly property real topMargin: titled ? 0 : Theme.margin
 
     implicitWidth: Theme.panelWidth
@@ -45,13 +47,13 @@ Rectangle {
     }
     MenuHeader {
         id: header
-        visible: !recordPage.wanted
+        visible: !panel.showsPage
         anchors { top: titleBar.bottom; left: parent.left; right: parent.right; margins: Theme.margin; topMargin: panel.topMargin }
         model: panel.model
     }
     PanelScroller {
         id: scroller
-        visible: !recordPage.wanted
+        visible: !panel.showsPage
         anchors { top: header.bottom; bottom: footer.top; left: parent.left; right: parent.right; topMargin: Theme.inset; bottomMargin: Theme.inset }
         contentHeight: content.implicitHeight
         pinned: volume
@@ -106,7 +108,17 @@ Rectangle {
                 Layout.fillWidth: true
                 model: panel.model
             }
-            OptionsSection { model: panel.model }
+            OptionsSection {
+                id: options
+                model: panel.model
+            }
+            Connections {
+                target: options.moreButton
+                function onClicked() {
+                    morePage.byKeyboard = options.moreButton.visualFocus;
+                    morePage.active = true;
+                }
+            }
             ShortcutSection {
                 Layout.fillWidth: true
                 model: panel.model
@@ -115,7 +127,7 @@ Rectangle {
     }
     PanelFooter {
         id: footer
-        visible: !recordPage.wanted
+        visible: !panel.showsPage
         anchors { bottom: parent.bottom; left: parent.left; right: parent.right; margins: Theme.margin }
         model: panel.model
     }
@@ -127,6 +139,28 @@ Rectangle {
 
         anchors { top: titleBar.bottom; bottom: parent.bottom; left: parent.left; right: parent.right }
         onWantedChanged: setSource(wanted ? "RecordPage.qml" : "", { recording: panel.model.recording })
+    }
+    Loader {
+        id: morePage
+
+        property bool byKeyboard: false // how it was opened
+
+        anchors { top: titleBar.bottom; bottom: parent.bottom; left: parent.left; right: parent.right }
+        active: false
+        sourceComponent: MorePage {
+            more: panel.model.more
+            byKeyboard: morePage.byKeyboard
+            onClosed: {
+                morePage.active = false;
+                options.moreButton.forceActiveFocus(byKeyboard ? Qt.TabFocusReason : Qt.OtherFocusReason);
+            }
+        }
+    }
+    Connections {
+        target: panel.Window.window
+        function onVisibleChanged() {
+            morePage.active = false;
+        }
     }
     DropArea {
         id: drop

@@ -8,6 +8,8 @@ Card {
 
     required property PanelModel model
 
+    readonly property alias moreButton: moreButton
+
     PanelSwitch {
         Layout.fillWidth: true
         text: qsTr("Key release sounds")
@@ -37,32 +39,6 @@ Card {
         text: qsTr("Pause while any app is using the microphone, and resume when it's free. Tobrin never listens to it.")
         small: true
         secondary: true
-    }
-    Hairline { }
-    PanelSwitch {
-        Layout.fillWidth: true
-        text: qsTr("Quiet while the screen is locked")
-        enabled: section.model.hearsWhileLocked
-        checked: section.model.quietWhileLocked || !enabled
-        onToggled: section.model.quietWhileLocked = checked
-    }
-    Part {
-        Layout.rightMargin: Theme.inset
-        Layout.bottomMargin: Theme.gap
-        shown: !section.model.hearsWhileLocked
-        content: PanelText {
-            text: qsTr("Here Tobrin isn't told what is typed while the screen is locked. Only an administrator can change that.")
-            small: true
-            secondary: true
-        }
-    }
-    Hairline { }
-    PanelSwitch {
-        Layout.fillWidth: true
-        text: qsTr("Mask keys while the sound is recorded")
-        checked: section.model.maskWhileRecorded
-        onToggled: section.model.maskWhileRecorded = checked
-        Accessible.description: qsTr("Each key then gets the sound of another, so that a recording does not tell what you type.")
     }
     Hairline { }
     PanelSwitch {
@@ -101,5 +77,20 @@ Card {
         Layout.fillWidth: true
         Layout.bottomMargin: Theme.gap
         text: access.visible && !section.model.offersNarrowerKeyAccess ? section.model.keyAccessProblem : ""
+    }
+    Hairline { }
+    RowLayout {
+        Layout.topMargin: Theme.unit
+        Layout.bottomMargin: Theme.unit
+
+        PanelText {
+            Layout.fillWidth: true
+            text: qsTr("Quiet apps, masking and more")
+            Accessible.ignored: true
+        }
+        PanelButton {
+            id: moreButton
+            text: qsTr("More…")
+        }
     }
 }

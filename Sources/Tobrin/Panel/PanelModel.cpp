@@ -36,6 +36,7 @@ PanelModel::PanelModel(AppModel& model, QObject* parent)
     : QObject(parent),
       model_(model),
       shelf_(model),
+      more_(model),
       recording_(model),
       texts_(model.words(), translated) {
   connect(&model, &AppModel::statusChanged, this, &PanelModel::statusChanged);
@@ -225,15 +226,6 @@ bool PanelModel::stereo() const {
 bool PanelModel::quietDuringCalls() const {
   return model_.settings().quietDuringCalls;
 }
-bool PanelModel::quietWhileLocked() const {
-  return model_.comforts().quietWhileLocked;
-}
-bool PanelModel::maskWhileRecorded() const {
-  return model_.comforts().maskWhileRecorded;
-}
-bool PanelModel::hearsWhileLocked() const {
-  return model_.hearsWhileLocked();
-}
 bool PanelModel::launchAtLogin() const {
   return model_.launchAtLogin();
 }
@@ -264,16 +256,6 @@ void PanelModel::setStereo(bool on) {
 }
 void PanelModel::setQuietDuringCalls(bool on) {
   change(&EngineSettings::quietDuringCalls, on);
-}
-void PanelModel::setQuietWhileLocked(bool on) {
-  Comforts changed = model_.comforts();
-  changed.quietWhileLocked = on;
-  model_.setComforts(changed);
-}
-void PanelModel::setMaskWhileRecorded(bool on) {
-  Comforts changed = model_.comforts();
-  changed.maskWhileRecorded = on;
-  model_.setComforts(changed);
 }
 void PanelModel::setLaunchAtLogin(bool on) {
   model_.setLaunchAtLogin(on);

@@ -9,6 +9,7 @@
 #include <QtQmlIntegration>
 
 #include "Model/StatusTexts.h"
+#include "Panel/MoreModel.h"
 #include "Panel/PackShelfModel.h"
 #include "Panel/RecordingModel.h"
 
@@ -42,6 +43,7 @@ class PanelModel final : public QObject {
   Q_PROPERTY(QString loginItemProblem READ loginItemProblem NOTIFY launchAtLoginChanged)
 
   Q_PROPERTY(tobrin::PackShelfModel* shelf READ shelf CONSTANT)
+  Q_PROPERTY(tobrin::MoreModel* more READ more CONSTANT)
   Q_PROPERTY(tobrin::RecordingModel* recording READ recording CONSTANT)
   Q_PROPERTY(QVariantList packs READ packs NOTIFY packsChanged)
   Q_PROPERTY(QString selectedPackID READ selectedPackID NOTIFY selectedPackChanged)
@@ -59,11 +61,6 @@ class PanelModel final : public QObject {
   Q_PROPERTY(bool stereo READ stereo WRITE setStereo NOTIFY settingsChanged)
   Q_PROPERTY(
       bool quietDuringCalls READ quietDuringCalls WRITE setQuietDuringCalls NOTIFY settingsChanged)
-  Q_PROPERTY(
-      bool quietWhileLocked READ quietWhileLocked WRITE setQuietWhileLocked NOTIFY settingsChanged)
-  Q_PROPERTY(bool maskWhileRecorded READ maskWhileRecorded WRITE setMaskWhileRecorded NOTIFY
-                 settingsChanged)
-  Q_PROPERTY(bool hearsWhileLocked READ hearsWhileLocked NOTIFY permissionChanged)
   Q_PROPERTY(
       bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
 
@@ -102,6 +99,7 @@ class PanelModel final : public QObject {
   [[nodiscard]] QString packsFolderProblem() const;  ///< empty while there is none
   [[nodiscard]] QString loginItemProblem() const;    ///< empty while there is none
   [[nodiscard]] PackShelfModel* shelf() { return &shelf_; }
+  [[nodiscard]] MoreModel* more() { return &more_; }
   [[nodiscard]] RecordingModel* recording() { return &recording_; }
   [[nodiscard]] QVariantList packs() const;  ///< maps of id, name, kind, summary, own, problem
   [[nodiscard]] QString selectedPackID() const;
@@ -117,9 +115,6 @@ class PanelModel final : public QObject {
   [[nodiscard]] bool releaseSounds() const;
   [[nodiscard]] bool stereo() const;
   [[nodiscard]] bool quietDuringCalls() const;
-  [[nodiscard]] bool quietWhileLocked() const;
-  [[nodiscard]] bool hearsWhileLocked() const;
-  [[nodiscard]] bool maskWhileRecorded() const;
   [[nodiscard]] bool launchAtLogin() const;
   [[nodiscard]] bool hasReading() const;
   [[nodiscard]] double readingRelative() const;  ///< multiples of a typical stroke
@@ -140,8 +135,6 @@ class PanelModel final : public QObject {
   void setReleaseSounds(bool on);
   void setStereo(bool on);
   void setQuietDuringCalls(bool on);
-  void setQuietWhileLocked(bool on);
-  void setMaskWhileRecorded(bool on);
   void setLaunchAtLogin(bool on);
   void setShortcutEnabled(bool on);
   void setShortcutIndex(int index);
@@ -186,6 +179,7 @@ class PanelModel final : public QObject {
 
   AppModel& model_;
   PackShelfModel shelf_;
+  MoreModel more_;
   RecordingModel recording_;
   StatusTexts texts_;
 };

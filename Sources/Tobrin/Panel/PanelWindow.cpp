@@ -198,7 +198,8 @@ void PanelWindow::keepFrameOnScreen() {
 void PanelWindow::closeOnEscape(const QKeyEvent& key) {
   // The server goes on repeating a key that closed the panel, and would close the next one by it.
   if (key.key() != Qt::Key_Escape || key.isAutoRepeat()) return;
-  if (model_->recording()->stage() == RecordingModel::Away) view_->hide();
+  const QQuickItem* root = view_->rootObject();
+  if (root == nullptr || !root->property("showsPage").toBool()) view_->hide();
 }
 
 void PanelWindow::loseFocus() {

@@ -32,15 +32,26 @@
     <message><source>Type anything: it sounds in every app.</source><translation>Tippe irgendetwas: Es klingt in jedem Programm.</translation></message>
 </context>
 <context>
-    <name>OptionsSection</name>
+    <name>MorePage</name>
+    <message><source>More</source><translation>Mehr</translation></message>
+    <message><source>Back</source><translation>Zurück</translation></message>
+</context>
+<context>
+    <name>MoreQuiet</name>
+    <message><source>Quiet</source><translation>Stille</translation></message>
+    <message><source>Quiet while the screen is locked</source><translation>Still bei gesperrtem Bildschirm</translation></message>
+    <message><source>Here Tobrin isn't told what is typed while the screen is locked. Only an administrator can change that.</source><translation>Hier erfährt Tobrin nicht, was bei gesperrtem Bildschirm getippt wird. Das kann nur ein Verwalter ändern.</translation></message>
     <message><source>Mask keys while the sound is recorded</source><translation>Tasten verdecken, solange der Ton aufgenommen wird</translation></message>
     <message><source>Each key then gets the sound of another, so that a recording does not tell what you type.</source><translation>Jede Taste klingt dann wie eine andere, damit eine Aufnahme nicht verrät, was du tippst.</translation></message>
+</context>
+<context>
+    <name>OptionsSection</name>
+    <message><source>More…</source><translation>Mehr …</translation></message>
+    <message><source>Quiet apps, masking and more</source><translation>Stille Programme, Verdecken und mehr</translation></message>
     <message><source>Key release sounds</source><translation>Töne beim Loslassen</translation></message>
     <message><source>Stereo by key position</source><translation>Stereo nach Lage der Taste</translation></message>
     <message><source>Quiet during calls</source><translation>Still bei Anrufen</translation></message>
     <message><source>Pause while any app is using the microphone, and resume when it's free. Tobrin never listens to it.</source><translation>Pause, solange ein Programm das Mikrofon benutzt, und weiter, wenn es frei ist. Tobrin hört nie mit.</translation></message>
-    <message><source>Quiet while the screen is locked</source><translation>Still bei gesperrtem Bildschirm</translation></message>
-    <message><source>Here Tobrin isn't told what is typed while the screen is locked. Only an administrator can change that.</source><translation>Hier erfährt Tobrin nicht, was bei gesperrtem Bildschirm getippt wird. Das kann nur ein Verwalter ändern.</translation></message>
     <message><source>Open at login</source><translation>Beim Anmelden öffnen</translation></message>
     <message><source>Access to the keyboard</source><translation>Zugriff auf die Tastatur</translation></message>
     <message><source>Take Back</source><translation>Zurücknehmen</translation></message>

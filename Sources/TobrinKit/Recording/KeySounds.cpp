@@ -191,8 +191,8 @@ std::string_view nameOf(KeyFate fate) {
 }
 
 std::vector<KeyEventSound> findKeySounds(std::span<const float> mono, double rate,
-                                    const SoundRises& rises, std::span<const RecordedKey> keys,
-                                    const ClockFit& fit, const SlicerOptions& options) {
+                                         const SoundRises& rises, std::span<const RecordedKey> keys,
+                                         const ClockFit& fit, const SlicerOptions& options) {
   return SoundJudge(mono, rate, rises, keys, options).judged(fit);
 }
 

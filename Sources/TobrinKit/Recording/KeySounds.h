@@ -37,9 +37,9 @@ struct KeyEventSound {
 /// One a key, in the same order. `rises` are those of `mono`; `rate` in Hz. Releases need less room
 /// than presses, for which `options` says how much.
 [[nodiscard]] std::vector<KeyEventSound> findKeySounds(std::span<const float> mono, double rate,
-                                                  const SoundRises& rises,
-                                                  std::span<const RecordedKey> keys,
-                                                  const ClockFit& fit,
-                                                  const SlicerOptions& options);
+                                                       const SoundRises& rises,
+                                                       std::span<const RecordedKey> keys,
+                                                       const ClockFit& fit,
+                                                       const SlicerOptions& options);
 
 }  // namespace tobrin

@@ -71,7 +71,8 @@ struct PressShape {
   double attack = 0;
 };
 
-PressShape shapeOf(Samples samples, double rate, std::span<const KeyEventSound> sounds, double noise) {
+PressShape shapeOf(Samples samples, double rate, std::span<const KeyEventSound> sounds,
+                   double noise) {
   std::vector<float> levels, attacks;
   for (const KeyEventSound& sound : sounds) {
     if (sound.fate != KeyFate::good || sound.hit.isRelease) continue;

@@ -1,0 +1,47 @@
+/// What the panel's "More…" page binds to: the user's comforts in the types and texts of a view.
+/// Keeps no state. Thread: main.
+#pragma once
+
+#include <QObject>
+#include <QtQmlIntegration>
+
+namespace tobrin {
+
+class AppModel;
+struct Comforts;
+
+class MoreModel final : public QObject {
+  Q_OBJECT
+  QML_NAMED_ELEMENT(MoreModel)
+  QML_UNCREATABLE("handed to the panel by the program")
+
+  Q_PROPERTY(
+      bool quietWhileLocked READ quietWhileLocked WRITE setQuietWhileLocked NOTIFY comfortsChanged)
+  Q_PROPERTY(bool hearsWhileLocked READ hearsWhileLocked NOTIFY permissionChanged)
+  Q_PROPERTY(bool maskWhileRecorded READ maskWhileRecorded WRITE setMaskWhileRecorded NOTIFY
+                 comfortsChanged)
+
+ public:
+  explicit MoreModel(AppModel& model, QObject* parent = nullptr);
+
+  [[nodiscard]] bool quietWhileLocked() const;
+  /// Whether keys are heard while the screen is locked, so that the user's wish decides.
+  [[nodiscard]] bool hearsWhileLocked() const;
+  [[nodiscard]] bool maskWhileRecorded() const;
+
+  void setQuietWhileLocked(bool on);
+  void setMaskWhileRecorded(bool on);
+
+ signals:
+  void comfortsChanged();
+  void permissionChanged();
+
+ private:
+  /// Changes one comfort and leaves the others.
+  template <typename Field>
+  void change(Field Comforts::*field, Field value);
+
+  AppModel& model_;
+};
+
+}  // namespace tobrin

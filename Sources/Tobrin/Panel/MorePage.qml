@@ -1,0 +1,53 @@
+// What only some want, in the panel's place and of its size: where Tobrin sounds, and when it does
+// not.
+import QtQuick
+import QtQuick.Layouts
+import Tobrin
+
+Rectangle {
+    id: page
+
+    required property MoreModel more
+    property bool byKeyboard: false // how it was opened: the focus is then shown
+
+    signal closed()
+
+    color: Theme.background
+    Accessible.role: Accessible.Pane
+    Accessible.name: qsTr("More")
+    Component.onCompleted: back.forceActiveFocus(byKeyboard ? Qt.TabFocusReason : Qt.OtherFocusReason)
+
+    Shortcut {
+        sequences: ["Escape", StandardKey.Back]
+        onActivated: page.closed()
+    }
+    RowLayout {
+        id: top
+        anchors { left: parent.left; right: parent.right; top: parent.top; margins: Theme.margin }
+
+        PanelText {
+            Layout.fillWidth: true
+            text: page.Accessible.name
+            font { pixelSize: Theme.titleText; weight: Font.DemiBold }
+            Accessible.role: Accessible.Heading
+        }
+        PanelButton {
+            id: back
+            text: qsTr("Back")
+            onClicked: page.closed()
+        }
+    }
+    PanelScroller {
+        anchors { left: parent.left; right: parent.right; top: top.bottom; bottom: parent.bottom; topMargin: Theme.inset; bottomMargin: Theme.inset }
+        contentHeight: sections.implicitHeight
+
+        ColumnLayout {
+            id: sections
+            x: Theme.margin
+            width: page.width - 2 * Theme.margin
+            spacing: Theme.inset
+
+            MoreQuiet { more: page.more }
+        }
+    }
+}
