@@ -142,31 +142,5 @@ TEST_F(BuildCommand, FetchesOverHttpAndSaysWhatWentWrongThere) {
   }
 }
 
-TEST_F(BuildCommand, LeavesFoldersAloneThatItCannotFill) {
-  const auto refused = [&](const fs::path& into, const Json& sources, const std::string& reason) {
-    const auto before = filesIn(folder.path() / into.filename());
-    const auto outcome = build(sources, into);
-    EXPECT_EQ(outcome.status, 1) << into;
-    EXPECT_NE(outcome.err.find(reason), std::string::npos) << outcome.err;
-    EXPECT_TRUE(filesIn(folder.path() / into.filename()) == before) << into;
-  };
-  folder.write("letters/first.txt", "dear");
-  const Json absent = Json::array({source(1, "file:///no/such.wav")});
-  refused(folder.path() / "letters", absent, "is no sound pack");
-  refused(pack, Json::array(), "sources");
-  folder.write("text.txt", "this is no sound");
-  ::testing::internal::CaptureStderr();
-  refused(pack, Json::array({source(3, "text.txt")}), "Can't read text.txt: ffmpeg failed");
-  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "") << "one line says it";
-  EXPECT_FALSE(fs::exists(cache / "3.ogg")) << "what is no sound is fetched again next time";
-  Json quiet = source(1, fileURL());
-  quiet["end"] = 0.01;
-  refused(pack, Json::array({quiet}), "mine");
-  quiet = source(1, fileURL());
-  quiet["start"] = 10'000;
-  refused(pack, Json::array({quiet}), "typing: \"start\" is 10000 s, but it lasts");
-  EXPECT_FALSE(fs::exists(pack));
-}
-
 }  // namespace
 }  // namespace tobrin

@@ -3,37 +3,16 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
-#include "Packs/PackLibrary.h"
-#include "Packs/WAVWriter.h"
 #include "RunWorkshop.h"
 #include "Support/AudioFiles.h"
-#include "Support/ForeignPacks.h"
 #include "Support/KeptText.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
 namespace {
 
-using testing::Outcome;
 using testing::run;
-
-TEST(GenerateCommand, WritesTheNamedPacksAndNothingElse) {
-  const testing::TempFolder folder;
-  const std::string into = folder.path() / "packs";
-  ASSERT_EQ(run({"generate", "dome", "cream", "dome", "--into", into}).status, 0);
-  const auto packs = discoverPacks(into, false);
-  ASSERT_EQ(packs.size(), 2u);
-  EXPECT_EQ(packs[0].id + packs[1].id, "creamdome");
-
-  EXPECT_EQ(run({"generate", "cream"}).status, 2) << "no folder";
-  const Outcome unknown = run({"generate", "panda", "leopold", "--into", into});
-  EXPECT_EQ(unknown.status, 2);
-  EXPECT_NE(unknown.err.find("leopold"), std::string::npos);
-  EXPECT_EQ(discoverPacks(into, false).size(), 2u);
-  EXPECT_EQ(run({"generate", "cream", "--into", folder.write("file", "")}).status, 1);
-}
 
 std::string shortSum(const std::string& bytes) {
   uint64_t sum = 0xcbf29ce484222325;  // FNV-1a
@@ -63,47 +42,10 @@ TEST(SameBytes, StarterPacksTheirRendersAndHitsAreAsTheyWere) {
   for (const auto& [name, bytes] : testing::filesIn(folder.path()))
     sums += name + " " + shortSum(bytes) + "\n";
   testing::expectKeptText(sums, "TobrinPacks/same-bytes.txt");
-  testing::writeFiles(folder.path() / "foreign", testing::foreign::files());
-  const std::string plot = into + "/plot.svg", made = into + "/made";
+  const std::string plot = into + "/plot.svg";
   const std::string options = folder.write("gain.json", R"({"gainDb": 6})");
-  std::string said;
-  for (const std::vector<std::string>& words :
-       {std::vector<std::string>{"slice", into + "/cream.wav", "--plot", plot, "--options",
-                                 options},
-        {"import", into + "/foreign", "--into", made},
-        {"check", made},
-        {"check", made, "--json"},
-        {"loudness", into + "/dome"}})
-    said += run(words).out;
-  said += run({"nonsense"}).err;
-  const auto json = nlohmann::json::parse(run({"slice", into + "/cream.wav", "--json"}).out);
-  for (const auto& object : {json, json["hits"][0], json["down"]})
-    for (const auto& [key, value] : object.items())
-      said += key + " ";
-  testing::expectKeptText(said + "\n", "TobrinPacks/said.txt");
+  run({"slice", into + "/cream.wav", "--plot", plot, "--options", options});
   testing::expectKeptText(testing::contentOf(plot), "TobrinPacks/plot.svg");
-}
-
-TEST(LoudnessCommand, MeasuresFilesAtAnyRateAndPacksInUse) {
-  const testing::TempFolder folder;
-  const std::string file = folder.path() / "sine.wav";
-  std::vector<float> sine(5 * 44'100);
-  for (std::size_t n = 0; n < sine.size(); ++n)
-    sine[n] = 0.1f * static_cast<float>(
-                         std::sin(2 * std::numbers::pi * 997 * static_cast<double>(n) / 44'100));
-  writeWAV(sine, sine, 44'100, file);
-  const auto measured = nlohmann::json::parse(run({"loudness", file, "--json"}).out);
-  EXPECT_NEAR(measured["lufs"].get<double>(), -20, 0.05);
-  writeWAV(sine, {}, 44'100, file);
-  EXPECT_EQ(run({"loudness", file}).out, "-23.01 LUFS\n");
-
-  writeWAV(std::span(sine).first(4'000), {}, 44'100, file);
-  EXPECT_EQ(nlohmann::json::parse(run({"loudness", file, "--json"}).out)["lufs"], nullptr);
-
-  ASSERT_EQ(run({"generate", "cream", "--into", folder.path()}).status, 0);
-  const auto pack = nlohmann::json::parse(run({"loudness", folder.path() / "cream", "--json"}).out);
-  EXPECT_NEAR(pack["lufs"].get<double>(), -26, 2);
-  EXPECT_EQ(run({"loudness", folder.path()}).status, 1);
 }
 
 using Json = nlohmann::json;
@@ -125,7 +67,7 @@ std::string clicks(const WavHeader& header, double amplitude) {
   return testing::wav16(header, samples);
 }
 
-TEST(SliceCommand, FindsTheSameHitsInEveryLayoutAndRateAndAnswersAnyInput) {
+TEST(SliceCommand, FindsTheSameHitsInEveryLayoutAndRate) {
   const testing::TempFolder folder;
   const std::string whole = clicks({}, 0.5);
   const std::tuple<const char*, std::string, std::size_t> cases[] = {
@@ -152,19 +94,11 @@ TEST(SliceCommand, FindsTheSameHitsInEveryLayoutAndRateAndAnswersAnyInput) {
     }
   }
   EXPECT_TRUE(result["down"].empty()) << "of what is clipped";
-
-  const std::string options = folder.write("options.json", R"({"minPressMs": 600})");
-  const std::string file = folder.write("recording.wav", whole), plot = file + ".svg";
-  const auto sliced = run({"slice", file, "--options", options, "--plot", plot, "--json"});
-  EXPECT_TRUE(Json::parse(sliced.out)["down"].empty()) << "no hit has so much room";
-  EXPECT_TRUE(testing::contentOf(plot).starts_with("<svg"));
-  for (const char* content : {"hello", ""}) {
-    const auto failed = run({"slice", folder.write("recording.wav", content), "--json"});
-    EXPECT_EQ(failed.status, 1) << content;
-    EXPECT_TRUE(failed.out.empty()) << content;
-    EXPECT_NE(failed.err.find("recording.wav"), std::string::npos) << failed.err;
-    EXPECT_EQ(std::count(failed.err.begin(), failed.err.end(), '\n'), 1) << failed.err;
-  }
+  std::string known;
+  for (const auto& [key, value] : result["hits"][0].items())
+    known += key + " ";
+  EXPECT_EQ(known,
+            "brightness clipped decayMs energy gapAfter isBig isRelease onset peak preActivity ");
 }
 
 TEST(SliceCommand, GivesEachSoundToTheKeyThatWasTyped) {
