@@ -4,11 +4,24 @@
 #include <sys/socket.h>
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 #include "KeyboardNodes.h"
 
 namespace tobrin {
+
+namespace {
+
+/// The number in "/dev/input/event5": other programs may look up by it what the device is.
+uint16_t numberOf(const std::string& node) {
+  constexpr std::string_view before = "/dev/input/event";
+  uint16_t number = 0;
+  std::from_chars(node.data() + before.size(), node.data() + node.size(), number);
+  return number;
+}
+
+}  // namespace
 
 KeyStream::KeyStream(sd_event* loop, const Seats& seats, uid_t user, FileDescriptor socket,
                      Notices notices)
@@ -49,7 +62,8 @@ void KeyStream::takeUp(const std::string& node) {
   sd_event_source* source = nullptr;
   if (!keyboard || sd_event_add_io(loop_, &source, keyboard->fd(), EPOLLIN, &onKeys, this) < 0)
     return;
-  ++nextNumber_;
+  send(std::array{KeyRecord{
+      .keyboard = nextNumber_++, .code = numberOf(node), .kind = KeyRecord::Kind::appeared}});
   // Notices of the login manager that have come in meanwhile go first.
   sd_event_source_set_priority(source, SD_EVENT_PRIORITY_NORMAL + 1);
   keyboards_.push_back({std::move(keyboard), EventSource(source)});

@@ -101,7 +101,14 @@ TEST_F(EvdevKeySourceTest, AGrabbedKeyboardCountsThroughItsTwinOnly) {
   twin.release({KEY_LEFTSHIFT});
   twin.press({KEY_LEFTSHIFT});
   EXPECT_EQ(heard.await(2), "-56 +56 ") << "the lost release costs one press, no more";
+  monitor.holdBack({"twin"});
+  twin.press({KEY_C});
   close(remapper);
+  real.press({KEY_D});
+  EXPECT_EQ(heard.await(1), "+2 ");
+  monitor.holdBack({});
+  twin.press({KEY_E});
+  EXPECT_EQ(heard.await(1), "+14 ");
 }
 
 TEST_F(EvdevKeySourceTest, AnOverrunBufferLeavesNoKeyStuck) {

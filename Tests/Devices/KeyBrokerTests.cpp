@@ -239,7 +239,7 @@ TEST_F(KeyBroker, TellsOfTheKeyboardsThatAreListedAndOfNothingElse) {
   ASSERT_EQ(ask(true), "");
   ASSERT_TRUE(monitor.start());
   VirtualKeyboard keyboard("Keyboard"), keypad("Keypad", VirtualKeyboard::keypad),
-      taken("Taken by a remapper"), remapped("The remapper's"),
+      taken("Taken by a remapper"), remapped("The remapper's"), expander("The expander's"),
       media("Media keys", {KEY_MUTE, KEY_VOLUMEUP}), buttons("Buttons", VirtualKeyboard::none);
   const FileDescriptor remapper = FileDescriptor::open(taken.node().c_str(), O_RDONLY);
   ASSERT_EQ(ioctl(remapper.get(), EVIOCGRAB, 1), 0);
@@ -247,7 +247,7 @@ TEST_F(KeyBroker, TellsOfTheKeyboardsThatAreListedAndOfNothingElse) {
     const auto nodes = KeyboardList().nodes("seat0");
     return std::count(nodes.begin(), nodes.end(), device.node()) == 1;
   };
-  for (VirtualKeyboard* const device : {&keyboard, &keypad, &remapped}) {
+  for (VirtualKeyboard* const device : {&keyboard, &keypad, &remapped, &expander}) {
     EXPECT_TRUE(eventually([&] {
       strike(*device, KEY_KP5);
       std::this_thread::sleep_for(milliseconds(20));
@@ -255,6 +255,8 @@ TEST_F(KeyBroker, TellsOfTheKeyboardsThatAreListedAndOfNothingElse) {
     })) << device->node();
     EXPECT_TRUE(isListed(*device));
   }
+  monitor.holdBack({"expander"});
+  strike(expander, KEY_KP5);
   strike(taken, KEY_KP5);  // what comes of it comes from the remapper
   strike(media, KEY_MUTE);
   strike(buttons, KEY_POWER);

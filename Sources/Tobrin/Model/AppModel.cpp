@@ -94,6 +94,7 @@ void AppModel::wireCallbacks() {
                               guide_.addKey(event);
                             },
                         .onChange = [this] { onMain([this] { keyAccess_->monitorChanged(); }); }});
+  monitor_->holdBack(comforts_.heldBackKeyboards);
   keyAccess_ = std::make_unique<KeyAccessWatch>(*monitor_, services_.main, [this] {
     emit permissionChanged();
     emit statusChanged();
@@ -153,6 +154,7 @@ void AppModel::setSettings(const EngineSettings& settings) {
 void AppModel::setComforts(const Comforts& comforts) {
   if (comforts == comforts_) return;
   comforts_ = comforts;
+  monitor_->holdBack(comforts_.heldBackKeyboards);
   if (!preview_) services_.settings.write(comfortsKey, comforts_.toJson());
   updateMicMonitor();
   if (!preview_) conductor_->apply(effectiveSettings(), false);

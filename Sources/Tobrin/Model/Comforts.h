@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "Input/HeldBackKeyboards.h"
+
 namespace tobrin {
 
 struct Comforts {
@@ -15,9 +17,13 @@ struct Comforts {
   /// An older access to keys, which other programs have, too, is to stay as it is.
   bool keepsWideKeyAccess = false;
 
+  /// Silent are keys of keyboards with these names.
+  HeldBackKeyboards::Names heldBackKeyboards = HeldBackKeyboards::usual();
+
   bool operator==(const Comforts&) const = default;
 
-  /// What can be read of JSON text; the rest keeps its default, whatever stands there.
+  /// What can be read of JSON text; the rest keeps its default, whatever stands there, and of a
+  /// list is left out.
   static Comforts fromJson(std::string_view text);
   [[nodiscard]] std::string toJson() const;
 };

@@ -88,10 +88,11 @@ void KeyMonitor::handle(const KeySource::Event& event) {
   const uint64_t time = options_.now();
   const bool stale = event.time && time > *event.time && time - *event.time > staleTicks;
 
+  if (event.autorepeat || heldBack_.holdsBack(event)) return;
   std::optional<KeyAction> action;
   switch (event.type) {
     case KeySource::EventType::keyDown:
-      if (!event.autorepeat) action = KeyAction::down;
+      action = KeyAction::down;
       break;
     case KeySource::EventType::keyUp:
       action = KeyAction::up;

@@ -18,6 +18,7 @@
 #include "Base/KeyEvent.h"
 #include "Base/MachTime.h"
 #include "Base/Mutex.h"
+#include "Input/HeldBackKeyboards.h"
 #include "Input/KeySource.h"
 #include "Input/ModifierTracker.h"
 
@@ -63,6 +64,10 @@ class KeyMonitor final {
   /// Not to be called on the monitor's thread.
   void stop();
 
+  /// Nothing that keyboards with these names send is handed on, to handler or observer. Thread:
+  /// any.
+  void holdBack(const HeldBackKeyboards::Names& names) { heldBack_.set(names); }
+
   /// Whether keys are heard now; false while a lost source is being waited for. Thread: any.
   [[nodiscard]] bool isRunning() const { return running_.load(std::memory_order_acquire); }
 
@@ -87,6 +92,7 @@ class KeyMonitor final {
   const KeyMonitorOptions options_;
 
   ModifierTracker modifiers_;         // monitor thread
+  HeldBackKeyboards heldBack_;        // monitor thread, but for its names
   std::atomic<bool> running_{false};  // written by the monitor thread
 
   Mutex control_;  // serialises start and stop

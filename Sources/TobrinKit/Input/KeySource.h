@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "Input/KeyPause.h"
 
@@ -24,6 +25,9 @@ class KeySource {
     /// When it happened, by the kernel or the display server, in `MachTime` ticks; nothing where
     /// their clock cannot be trusted.
     std::optional<uint64_t> time = {};
+    /// What the keyboard calls itself, as long as the event is handed on; empty where that is not
+    /// known.
+    std::string_view keyboard = {};
   };
 
   /// Receives one event on the thread that called `run`.

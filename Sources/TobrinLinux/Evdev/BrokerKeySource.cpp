@@ -6,11 +6,23 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <fstream>
 
 #include "Base/MachTime.h"
 #include "Evdev/KeyBroker.h"
 
 namespace tobrin {
+namespace {
+
+/// What the kernel's device of this number calls itself, which every program may read.
+std::string nameOfDevice(uint16_t number) {
+  std::ifstream file("/sys/class/input/event" + std::to_string(number) + "/device/name");
+  std::string name;
+  std::getline(file, name);
+  return name;
+}
+
+}  // namespace
 
 bool BrokerKeySource::open() {
   std::string why;
@@ -65,6 +77,9 @@ void BrokerKeySource::take(const KeyRecord& record, const Sink& sink) {
     case Kind::gone:
       keyboards_[record.keyboard].releaseAll(machNow(), sink);
       keyboards_.erase(record.keyboard);
+      break;
+    case Kind::appeared:
+      keyboards_.try_emplace(record.keyboard, nameOfDevice(record.code));
       break;
     case Kind::alsoWhenLocked:
       goesOnWhileLocked_ = true;

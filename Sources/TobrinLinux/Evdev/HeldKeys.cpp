@@ -14,7 +14,7 @@ std::optional<KeySource::Event> HeldKeys::take(uint32_t kernelCode, Change chang
   const uint32_t mask = ModifierTracker::mask(*code);
   flags_ = change == Change::release ? flags_ & ~mask : flags_ | mask;
 
-  KeySource::Event event{.code = *code, .flags = flags_, .time = time};
+  KeySource::Event event{.code = *code, .flags = flags_, .time = time, .keyboard = keyboard_};
   if (ModifierTracker::isModifier(*code)) {
     // Caps Lock changes its flag when pressed, all others when pressed and released.
     const bool capsReleased = *code == codeOf(Key::capsLock) && change == Change::release;

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
+#include <utility>
 
 #include "Input/KeySource.h"
 
@@ -16,6 +18,9 @@ namespace tobrin {
 class HeldKeys {
  public:
   enum class Change : uint8_t { release, press, repeat };
+
+  /// `keyboard` is what the keyboard calls itself, which each event says.
+  explicit HeldKeys(std::string keyboard = {}) : keyboard_(std::move(keyboard)) {}
 
   /// What a change of one key means; nothing for keys without a virtual code, and for what changes
   /// of modifier keys are not handed on (a repeat, a Caps Lock release). `time` is handed on.
@@ -35,6 +40,7 @@ class HeldKeys {
  private:
   static constexpr std::size_t kernelCodeCount = 0x300;
 
+  const std::string keyboard_;
   std::bitset<kernelCodeCount> held_;
   uint32_t flags_ = 0;  // of the modifier keys among them
 };

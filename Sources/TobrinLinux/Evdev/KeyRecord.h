@@ -12,17 +12,18 @@ struct KeyRecord {
   enum class Kind : uint8_t {
     release,
     press,
-    gone,           ///< the keyboard was pulled out: nothing is held on it
-    delivering,     ///< from now on keys are delivered
-    inBackground,   ///< no keys until `delivering`: another session is in front, or none
-    locked,         ///< no keys until `delivering`: the session is locked
-    takenBack,      ///< the user took the access back; the socket ends
-    alsoWhenLocked  ///< comes first where keys are delivered while the session is locked, too
+    gone,            ///< the keyboard was pulled out: nothing is held on it
+    delivering,      ///< from now on keys are delivered
+    inBackground,    ///< no keys until `delivering`: another session is in front, or none
+    locked,          ///< no keys until `delivering`: the session is locked
+    takenBack,       ///< the user took the access back; the socket ends
+    alsoWhenLocked,  ///< comes first where keys are delivered while the session is locked, too
+    appeared         ///< before a keyboard's first key: `code` is the number of its device
   };
 
   uint64_t timeNs = 0;  ///< CLOCK_MONOTONIC, of a press or release
   uint32_t keyboard = 0;
-  uint16_t code = 0;  ///< the kernel's, of a press or release
+  uint16_t code = 0;  ///< the kernel's, of a press or release; see `appeared`
   Kind kind = Kind::release;
   uint8_t unused = 0;
 };

@@ -45,7 +45,10 @@ std::unique_ptr<Keyboard> Keyboard::open(const std::string& node, int& error) {
 }
 
 Keyboard::Keyboard(std::string node, FileDescriptor file, libevdev* device)
-    : node_(std::move(node)), file_(std::move(file)), device_(device) {
+    : node_(std::move(node)),
+      file_(std::move(file)),
+      device_(device),
+      held_(libevdev_get_name(device)) {
   monotonic_ = libevdev_set_clock_id(device_, CLOCK_MONOTONIC) == 0;
   for (unsigned key = 0; key <= KEY_MAX; ++key) {
     if (libevdev_get_event_value(device_, EV_KEY, key) != 0) held_.preset(key);

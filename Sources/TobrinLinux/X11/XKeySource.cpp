@@ -9,6 +9,7 @@
 
 #include "Base/MachTime.h"
 #include "Evdev/KeyCodes.h"
+#include "X11/XDeviceNames.h"
 
 namespace tobrin {
 namespace {
@@ -28,6 +29,7 @@ bool XKeySource::open() {
   if (!hasRawEvents()) return fail("the X server has no XInput 2.1");
   clock_ = XClock::compare(connection_.get());
   if (!selectEvents()) return fail("the X server does not tell of raw key events");
+  learnKeyboards();
   const MutexLock lock(mutex_);
   problem_.clear();
   return true;
@@ -59,6 +61,12 @@ bool XKeySource::selectEvents() const {
   const auto cookie = xcb_input_xi_select_events_checked(
       connection_.get(), firstScreen(connection_.get()).root, masks.size(), &masks[0].head);
   return XReply<xcb_generic_error_t>(xcb_request_check(connection_.get(), cookie)) == nullptr;
+}
+
+/// Keeps those that are known, with what is held on them.
+void XKeySource::learnKeyboards() {
+  for (auto& [id, name] : deviceNames(connection_.get()))
+    keyboards_.try_emplace(id, std::move(name));
 }
 
 void XKeySource::run(const Sink& sink) {
@@ -129,6 +137,7 @@ void XKeySource::takeKeyboardsChanged(const xcb_generic_event_t& event, const Si
     found->second.releaseAll(clock_.ticks(hierarchy.time, machNow()), sink);
     keyboards_.erase(found);
   }
+  learnKeyboards();
 }
 
 void XKeySource::close() {

@@ -35,6 +35,7 @@ class XKeySource final : public KeySource {
   bool fail(const std::string& reason);
   [[nodiscard]] bool hasRawEvents() const;
   [[nodiscard]] bool selectEvents() const;
+  void learnKeyboards();
   void takeAll(const Sink& sink);
   void take(const xcb_generic_event_t& event, const Sink& sink);
   void takeKey(const xcb_generic_event_t& event, HeldKeys::Change change, const Sink& sink);

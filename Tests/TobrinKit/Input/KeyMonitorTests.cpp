@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <vector>
 
 #include "Input/ChordRecognizer.h"
@@ -66,6 +67,36 @@ TEST_F(KeyMonitorTest, ABacklogIsDroppedButModifiersStayRight) {
                {1, KeyAction::down, clock},
                {57, KeyAction::down, clock},
                {1, KeyAction::up, clock}});
+}
+
+TEST_F(KeyMonitorTest, KeyboardsOfProgramsThatTypeAreHeldBackAndDisturbNoOther) {
+  constexpr std::string_view real = "A keyboard", program = "YDOTOOLD virtual device";
+  const auto send = [&](std::string_view keyboard, Type type, uint16_t code, uint32_t flags = 0) {
+    script.send({type, code, false, flags, clock, keyboard});
+  };
+  ASSERT_TRUE(monitor.start());
+  monitor.holdBack({"", "ydoTool"});  // no name names no keyboard
+  send(real, Type::keyDown, 0);
+  send(real, Type::flagsChanged, 56, 0x2);
+  for (const uint16_t code : std::to_array<uint16_t>({0, 1})) {
+    send(program, Type::flagsChanged, 56, 0x2);
+    send(program, Type::keyDown, code);
+    send(program, Type::keyUp, code);
+    send(program, Type::flagsChanged, 56, 0);
+  }
+  send(program, Type::flagsChanged, 57);  // Caps Lock, which shows its presses alone
+  send(real, Type::keyUp, 0);
+  send(real, Type::flagsChanged, 56, 0);
+  send(program, Type::keyDown, 2);
+  monitor.holdBack({"a keyboard"});
+  send(program, Type::keyUp, 2);  // goes the way of its press
+  send(program, Type::keyDown, 3);
+  monitor.stop();
+  expectHeard({{0, KeyAction::down, clock},
+               {56, KeyAction::down, clock},
+               {0, KeyAction::up, clock},
+               {56, KeyAction::up, clock},
+               {3, KeyAction::down, clock}});
 }
 
 TEST_F(KeyMonitorTest, StartsOnceStopsAndStartsAgain) {

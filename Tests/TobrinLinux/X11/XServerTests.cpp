@@ -42,6 +42,11 @@ TEST_F(XKeySourceTest, GetsKeysWhileAnotherProgramHasTheKeyboard) {
   std::this_thread::sleep_for(std::chrono::milliseconds(900));  // the server repeats after 660 ms
   server->release({KEY_SPACE});
   EXPECT_EQ(heard.await(2), "+49 -49 ");
+  monitor.holdBack({"XTest keyboard"});
+  server->press({KEY_A});
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  monitor.holdBack({});
+  server->release({KEY_A});
   server->press({KEY_LEFTCTRL});
   EXPECT_EQ(heard.await(1), "+59 ");
   server.reset();

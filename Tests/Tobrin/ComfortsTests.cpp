@@ -1,0 +1,30 @@
+#include "Model/Comforts.h"
+
+#include <gtest/gtest.h>
+
+namespace tobrin {
+namespace {
+
+TEST(Comforts, WhatIsDamagedCostsItselfAlone) {
+  const struct {
+    const char* text;
+    Comforts expected;
+  } rows[] = {
+      {"{", {}},
+      {"[true]", {}},
+      {R"({"maskWhileRecorded": "yes", "quietWhileLocked": false})", {.quietWhileLocked = false}},
+      {R"({"maskWhileRecorded": false, "heldBackKeyboards": "Mine"})",
+       {.maskWhileRecorded = false}},
+      {R"({"heldBackKeyboards": ["Mine", 1, {}, "Youré"]})",
+       {.heldBackKeyboards = {"Mine", "Youré"}}},
+      {R"({"heldBackKeyboards": []})", {.heldBackKeyboards = {}}},
+  };
+  for (const auto& row : rows) {
+    const Comforts read = Comforts::fromJson(row.text);
+    EXPECT_EQ(read, row.expected) << row.text;
+    EXPECT_EQ(Comforts::fromJson(read.toJson()), read) << row.text;
+  }
+}
+
+}  // namespace
+}  // namespace tobrin
