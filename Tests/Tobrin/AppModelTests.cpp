@@ -156,7 +156,7 @@ TEST_F(AppModelTest, LetsGoOfAShortcutThatIsNotWanted) {
   model.menuOpened();
   EXPECT_FALSE(shortcuts_.pressed) << "holds nothing it should not";
   EXPECT_EQ(log_,
-            "Tobrin: shortcut Ctrl+Alt+Super+K unavailable: " + *model.shortcutProblem() + "\n");
+            "Tobrin: shortcut Ctrl+Alt+Super+K unavailable: " + *model.shortcut().problem() + "\n");
   shortcuts_.reserved = false;
   shortcuts_.changed();  // the settings were slow to come: nothing is reserved
   advance(0);
@@ -378,25 +378,25 @@ TEST_F(AppModelTest, WaitsForAccessToKeys) {
 
 TEST_F(AppModelTest, OffersToReplaceAnOlderAccessUntilTheUserSaysNo) {
   start().menuOpened();
-  EXPECT_FALSE(model_->offersNarrowerKeyAccess());
+  EXPECT_FALSE(model_->keyAccess().offersNarrower());
   desktop_.isAccessWide = true;
   model_->menuOpened();
-  EXPECT_TRUE(model_->offersNarrowerKeyAccess());
+  EXPECT_TRUE(model_->keyAccess().offersNarrower());
   desktop_.refusal = "it was not allowed";
-  model_->narrowKeyAccess();
-  EXPECT_EQ(model_->keyAccessProblem(), "Access to keys can't be changed: it was not allowed");
-  EXPECT_TRUE(model_->offersNarrowerKeyAccess()) << "all is as it was";
+  model_->keyAccess().narrow();
+  EXPECT_EQ(model_->keyAccess().problem(), "Access to keys can't be changed: it was not allowed");
+  EXPECT_TRUE(model_->keyAccess().offersNarrower()) << "all is as it was";
   desktop_.refusal.clear();
-  model_->narrowKeyAccess();
-  EXPECT_FALSE(model_->offersNarrowerKeyAccess());
-  EXPECT_EQ(model_->keyAccessProblem(), "");
+  model_->keyAccess().narrow();
+  EXPECT_FALSE(model_->keyAccess().offersNarrower());
+  EXPECT_EQ(model_->keyAccess().problem(), "");
 
   desktop_.isAccessWide = true;
   model_->menuOpened();
   model_->keepWideKeyAccess();
   EXPECT_EQ(std::count(desktop_.actions.begin(), desktop_.actions.end(), "narrow access"), 2);
   start().menuOpened();
-  EXPECT_FALSE(model_->offersNarrowerKeyAccess()) << "remembered";
+  EXPECT_FALSE(model_->keyAccess().offersNarrower()) << "remembered";
 }
 
 TEST_F(AppModelTest, APreviewLeavesNoTrace) {

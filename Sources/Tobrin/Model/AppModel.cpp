@@ -1,9 +1,6 @@
 #include "Model/AppModel.h"
 
-#include <algorithm>
-
 #include "Base/Log.h"
-#include "Input/KeyLayout.h"
 
 namespace tobrin {
 
@@ -40,7 +37,7 @@ AppModel::~AppModel() {
   services_.workspace.setOnLock(nullptr);
   services_.workspace.setOnTerminate(nullptr);
   services_.shortcutService->setOnChanged(nullptr);
-  hotkey_->unregister();
+  shortcut_->unregister();
   monitor_->stop();
   micMonitor_->stop();
   conductor_->setOnForce(nullptr);
@@ -95,12 +92,19 @@ void AppModel::wireCallbacks() {
                             },
                         .onChange = [this] { onMain([this] { keyAccess_->monitorChanged(); }); }});
   monitor_->holdBack(comforts_.heldBackKeyboards);
-  keyAccess_ = std::make_unique<KeyAccessWatch>(*monitor_, services_.main, [this] {
-    emit permissionChanged();
-    emit statusChanged();
-  });
-  hotkey_ = std::make_unique<GlobalHotkey>(*services_.shortcutService,
-                                           [this] { onMain([this] { toggleEnabled(); }); });
+  keyAccess_ = std::make_unique<KeyAccess>(
+      KeyAccess::Services{.monitor = *monitor_,
+                          .main = services_.main,
+                          .workspace = services_.workspace,
+                          .keepsWide = [this] { return comforts_.keepsWideKeyAccess; },
+                          .onChange =
+                              [this] {
+                                emit permissionChanged();
+                                emit statusChanged();
+                              }});
+  shortcut_ = std::make_unique<ShortcutChoice>(*services_.shortcutService, services_.words,
+                                               std::move(services_.keyOfScanCode),
+                                               [this] { onMain([this] { toggleEnabled(); }); });
   services_.shortcutService->setOnChanged([this] { onMain([this] { registerShortcut(); }); });
   micMonitor_ = std::make_unique<MicMonitor>(services_.micQueue, services_.main,
                                              std::move(services_.micSource));
@@ -127,11 +131,11 @@ void AppModel::wireCallbacks() {
 
 void AppModel::start() {
   packs_->start();
+  registerShortcut();
   if (preview_) return;
   if (isFirstStart_) saver_.saveSoon();
   conductor_->apply(effectiveSettings(), true);
   keyAccess_->start();
-  registerShortcut();
   updateMicMonitor();
   readLoginItem();
 }
@@ -268,57 +272,22 @@ void AppModel::outputProblemChanged(const std::string& problem) {
 // Shortcut
 
 void AppModel::registerShortcut() {
-  if (preview_) return;
-  shortcutStatus_ = hotkey_->registerHotkey(settings_.shortcutEnabled && !isCapturingShortcut_
-                                                ? std::optional(settings_.shortcut)
-                                                : std::nullopt);
-  if (settings_.shortcutEnabled && shortcutProblem()) {
-    logLine("shortcut " + display(settings_.shortcut) + " unavailable: " + *shortcutProblem());
-  }
-  emit shortcutStatusChanged();
+  shortcut_->choose(settings_.shortcutEnabled && !preview_, settings_.shortcut);
+  emit shortcutChanged();
 }
 
 void AppModel::captureShortcut(bool captures) {
-  isCapturingShortcut_ = captures;
-  registerShortcut();
+  shortcut_->capture(captures);
+  emit shortcutChanged();
 }
 
 bool AppModel::chooseShortcut(uint32_t scanCode, Modifiers modifiers) {
-  const auto code = services_.keyOfScanCode(scanCode);
-  const bool isOwnKey = code && keyGroupOf(*code) != KeyGroup::modifier;
-  const bool isFree = (modifiers.rawValue & ~Modifiers::shift) != 0;
-  if (!isOwnKey || !isFree) return false;
+  const auto chosen = shortcut_->of(scanCode, modifiers);
+  if (!chosen) return false;
   EngineSettings changed = settings_;
-  changed.shortcut = {.keyCode = *code, .modifiers = modifiers};
+  changed.shortcut = *chosen;
   setSettings(changed);
   return true;
-}
-
-std::string AppModel::display(const Hotkey& shortcut) const {
-  return shortcut.spelledOut(services_.words, [this](uint32_t keyCode) {
-    return services_.shortcutService->keyName(keyCode);
-  });
-}
-
-std::vector<Hotkey> AppModel::offeredShortcuts() const {
-  std::vector<Hotkey> offered(Hotkey::presets().begin(), Hotkey::presets().end());
-  if (std::find(offered.begin(), offered.end(), settings_.shortcut) == offered.end()) {
-    offered.push_back(settings_.shortcut);
-  }
-  return offered;
-}
-
-ShortcutRoute AppModel::shortcutRoute() const {
-  const bool isActive = shortcutStatus_.kind == GlobalHotkey::Status::Kind::active;
-  return isActive ? services_.shortcutService->route() : ShortcutRoute::exclusive;
-}
-
-std::string AppModel::shortcutHint() const {
-  return StatusTexts(services_.words).shortcutHint(display(settings_.shortcut), shortcutRoute());
-}
-
-std::optional<std::string> AppModel::shortcutProblem() const {
-  return StatusTexts(services_.words).shortcutProblem(shortcutStatus_, display(settings_.shortcut));
 }
 
 // Packs
@@ -402,8 +371,7 @@ void AppModel::lookForPacks() {
 
 void AppModel::menuOpened() {
   lookForPacks();
-  lookForKeyAccess();
-  lookForWideKeyAccess();
+  if (!preview_) keyAccess_->look();
   registerShortcut();
 }
 
@@ -444,50 +412,11 @@ void AppModel::openPacksFolder() {
   emit packsFolderProblemChanged();
 }
 
-void AppModel::lookForKeyAccess() {
-  if (!preview_) keyAccess_->look();
-}
-
-void AppModel::openKeyAccessSettings() {
-  services_.workspace.openKeyAccessSettings([this, self = self_](const std::string& problem) {
-    if (*self != nullptr) keyAccessSettled("Access to keys can't be set up: ", problem);
-  });
-}
-
-void AppModel::giveBackKeyAccess() {
-  services_.workspace.giveBackKeyAccess([this, self = self_](const std::string& problem) {
-    if (*self != nullptr) keyAccessSettled("Access to keys can't be taken back: ", problem);
-  });
-}
-
-void AppModel::narrowKeyAccess() {
-  services_.workspace.narrowKeyAccess([this, self = self_](const std::string& problem) {
-    if (*self != nullptr) keyAccessSettled("Access to keys can't be changed: ", problem);
-  });
-}
-
 void AppModel::keepWideKeyAccess() {
   Comforts changed = comforts_;
   changed.keepsWideKeyAccess = true;
   setComforts(changed);
-  lookForWideKeyAccess();
-}
-
-void AppModel::lookForWideKeyAccess() {
-  offersNarrowerKeyAccess_ =
-      !preview_ && !comforts_.keepsWideKeyAccess && services_.workspace.canNarrowKeyAccess();
-  emit permissionChanged();
-}
-
-bool AppModel::canGiveBackKeyAccess() const {
-  return !preview_ && listening() && monitor_->canGiveBackPermission();
-}
-
-void AppModel::keyAccessSettled(const char* failure, const std::string& problem) {
-  keyAccessProblem_ = problem.empty() ? "" : failure + problem;
-  if (!problem.empty()) logLine(keyAccessProblem_);
-  lookForWideKeyAccess();
-  lookForKeyAccess();
+  keyAccess_->look();
 }
 
 void AppModel::relaunch() {

@@ -13,17 +13,17 @@
 #include "Engine/Conductor.h"
 #include "Engine/EngineSettings.h"
 #include "Engine/PlaybackGate.h"
-#include "Input/GlobalHotkey.h"
 #include "Input/KeyMonitor.h"
 #include "Mic/MicMonitor.h"
 #include "Model/AppServices.h"
 #include "Model/Comforts.h"
-#include "Model/KeyAccessWatch.h"
+#include "Model/KeyAccess.h"
 #include "Model/PackSelection.h"
 #include "Model/PackShelf.h"
 #include "Model/PlayedPack.h"
 #include "Model/RecordingGuide.h"
 #include "Model/SettingsSaver.h"
+#include "Model/ShortcutChoice.h"
 #include "Model/StatusTexts.h"
 
 namespace tobrin {
@@ -73,15 +73,7 @@ class AppModel final : public QObject {
   [[nodiscard]] const std::optional<std::string>& packError() const { return packs_->error(); }
   [[nodiscard]] bool hasPermission() const { return preview_ || keyAccess_->state().hasPermission; }
   [[nodiscard]] bool listening() const { return keyAccess_->state().listening; }
-  [[nodiscard]] bool needsRelaunch() const { return keyAccess_->state().needsRelaunch; }
-  /// Whether keys are heard while the screen is locked, so that the user's wish decides.
-  [[nodiscard]] bool hearsWhileLocked() const { return keyAccess_->state().hearsWhileLocked; }
-  /// Whether there is access to keys that the user can give back.
-  [[nodiscard]] bool canGiveBackKeyAccess() const;
-  /// Whether the user is to be asked to replace an older access, which other programs have, too.
-  [[nodiscard]] bool offersNarrowerKeyAccess() const { return offersNarrowerKeyAccess_; }
-  /// Why access to keys could not be granted or given back; empty while nothing went wrong.
-  [[nodiscard]] const std::string& keyAccessProblem() const { return keyAccessProblem_; }
+  [[nodiscard]] KeyAccess& keyAccess() { return *keyAccess_; }
   /// Why the packs folder could not be shown, and why "Open at login" could not be changed, in a
   /// sentence each; empty while nothing went wrong.
   [[nodiscard]] const std::string& packsFolderProblem() const { return packsFolderProblem_; }
@@ -89,7 +81,6 @@ class AppModel final : public QObject {
   [[nodiscard]] const std::optional<ForceReading>& lastForce() const { return lastForce_; }
   [[nodiscard]] bool launchAtLogin() const { return launchAtLogin_; }
   [[nodiscard]] bool micInUse() const { return micInUse_; }
-  [[nodiscard]] GlobalHotkey::Status shortcutStatus() const { return shortcutStatus_; }
   [[nodiscard]] bool sensorAvailable() const { return sensorAvailable_; }
   /// Why the sensor that is there does not work, in words; empty while it does.
   [[nodiscard]] const std::string& sensorProblem() const { return sensorProblem_; }
@@ -101,17 +92,8 @@ class AppModel final : public QObject {
   [[nodiscard]] SoundState soundState() const;
   [[nodiscard]] ProgramStatus status() const;
   [[nodiscard]] std::string statusLine() const;
-  /// Why the shortcut does not work, in words; nothing while it does or is off.
-  [[nodiscard]] std::optional<std::string> shortcutProblem() const;
-  /// How the shortcut reaches the program.
-  [[nodiscard]] ShortcutRoute shortcutRoute() const;
-  /// What the shortcut does, and what to know of the way it takes.
-  [[nodiscard]] std::string shortcutHint() const;
-  /// A shortcut as the user reads it, in the current keyboard layout.
-  [[nodiscard]] std::string display(const Hotkey& shortcut) const;
+  [[nodiscard]] const ShortcutChoice& shortcut() const { return *shortcut_; }
   [[nodiscard]] const PlatformWords& words() const { return services_.words; }
-  /// The presets, and the user's choice where it is another.
-  [[nodiscard]] std::vector<Hotkey> offeredShortcuts() const;
   [[nodiscard]] PlaybackGate gate() const;
   /// The settings as the engine gets them: sounds only while the gate is open, force only with a
   /// sensor.
@@ -138,15 +120,12 @@ class AppModel final : public QObject {
   /// Volume to nothing, and back to what it was.
   void mute();
   void openPacksFolder();
-  void openKeyAccessSettings();
-  void giveBackKeyAccess();
-  void narrowKeyAccess();
+  /// An older access to keys, which other programs have, too, is to stay as it is.
   void keepWideKeyAccess();
   void toggleEnabled();
   /// While the user presses keys to choose them as the shortcut, the one before them is let go.
   void captureShortcut(bool captures);
-  /// Takes a key with modifiers as the shortcut. False where they cannot be one: a modifier alone,
-  /// or a key that would be missed in typing.
+  /// Takes a key with modifiers as the shortcut. False where they cannot be one.
   bool chooseShortcut(uint32_t scanCode, Modifiers modifiers);
   void quit();
 
@@ -158,15 +137,14 @@ class AppModel final : public QObject {
   void selectedPackChanged();
   void packsChanged();
   void packErrorChanged();
-  void permissionChanged();  ///< hasPermission, listening, needsRelaunch, keyAccessProblem,
-                             ///< canGiveBackKeyAccess, hearsWhileLocked, offersNarrowerKeyAccess
+  void permissionChanged();  ///< what keyAccess() says
   void lastForceChanged();
   void launchAtLoginChanged();  ///< launchAtLogin, loginItemProblem
   void packsFolderProblemChanged();
   void micInUseChanged();
-  void shortcutStatusChanged();
-  void outputChanged();  ///< what the sound goes through, or soundProblem
-  void statusChanged();  ///< statusLine, soundState or sensorProblem may differ
+  void shortcutChanged();  ///< what shortcut() says
+  void outputChanged();    ///< what the sound goes through, or soundProblem
+  void statusChanged();    ///< statusLine, soundState or sensorProblem may differ
 
  private:
   /// Returns the id of the pack that was selected.
@@ -180,12 +158,9 @@ class AppModel final : public QObject {
   void applyMask();
   [[nodiscard]] bool isMasked() const { return outputRecorded_ && comforts_.maskWhileRecorded; }
   void lockChanged(bool isLocked);
-  void lookForWideKeyAccess();
   [[nodiscard]] bool isSilentByLock() const { return isLocked_ && comforts_.quietWhileLocked; }
   void sensorChanged(const std::string& problem);
   void outputProblemChanged(const std::string& problem);
-  void lookForKeyAccess();
-  void keyAccessSettled(const char* failure, const std::string& problem);
   void startPacks(const std::string& selectedID);
   void packAdded(const std::string& id);
   [[nodiscard]] RecordingGuide::Services guideServices();
@@ -205,7 +180,6 @@ class AppModel final : public QObject {
   PackShelf shelf_;
   bool isSilent_ = false;  // while a keyboard is recorded
   std::string selectedBeforeRemoval_;
-  std::string keyAccessProblem_;
   std::string packsFolderProblem_;
   std::string loginItemProblem_;
   std::string sensorProblem_;
@@ -215,18 +189,15 @@ class AppModel final : public QObject {
   bool launchAtLogin_ = false;
   bool micInUse_ = false;
   bool isLocked_ = false;
-  bool offersNarrowerKeyAccess_ = false;
   bool outputRecorded_ = false;
-  bool isCapturingShortcut_ = false;
-  GlobalHotkey::Status shortcutStatus_;
 
   std::shared_ptr<AppModel*> self_;  // null inside once the model is gone; shared with posted tasks
   std::unique_ptr<Conductor> conductor_;
   std::unique_ptr<PlayedPack> played_;
   std::unique_ptr<PackSelection> packs_;
   std::unique_ptr<KeyMonitor> monitor_;
-  std::unique_ptr<KeyAccessWatch> keyAccess_;
-  std::unique_ptr<GlobalHotkey> hotkey_;
+  std::unique_ptr<KeyAccess> keyAccess_;
+  std::unique_ptr<ShortcutChoice> shortcut_;
   std::unique_ptr<MicMonitor> micMonitor_;
   RecordingGuide guide_;  // last: it gets keys from the monitor until that has stopped
 };

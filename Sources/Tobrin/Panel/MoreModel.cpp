@@ -20,7 +20,7 @@ bool MoreModel::quietWhileLocked() const {
   return model_.comforts().quietWhileLocked;
 }
 bool MoreModel::hearsWhileLocked() const {
-  return model_.hearsWhileLocked();
+  return model_.keyAccess().state().hearsWhileLocked;
 }
 bool MoreModel::maskWhileRecorded() const {
   return model_.comforts().maskWhileRecorded;

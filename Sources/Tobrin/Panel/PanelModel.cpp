@@ -48,7 +48,7 @@ PanelModel::PanelModel(AppModel& model, QObject* parent)
   connect(&model, &AppModel::packErrorChanged, this, &PanelModel::packErrorChanged);
   connect(&model, &AppModel::settingsChanged, this, &PanelModel::settingsChanged);
   connect(&model, &AppModel::settingsChanged, this, &PanelModel::shortcutChanged);
-  connect(&model, &AppModel::shortcutStatusChanged, this, &PanelModel::shortcutChanged);
+  connect(&model, &AppModel::shortcutChanged, this, &PanelModel::shortcutChanged);
   connect(&model, &AppModel::launchAtLoginChanged, this, &PanelModel::launchAtLoginChanged);
   connect(&model, &AppModel::packsFolderProblemChanged, this,
           &PanelModel::packsFolderProblemChanged);
@@ -116,22 +116,22 @@ QString PanelModel::keyAccessNote() const {
 }
 
 bool PanelModel::canGiveBackKeyAccess() const {
-  return model_.canGiveBackKeyAccess();
+  return model_.keyAccess().canGiveBack();
 }
 
 bool PanelModel::offersNarrowerKeyAccess() const {
-  return model_.offersNarrowerKeyAccess();
+  return model_.keyAccess().offersNarrower();
 }
 
 bool PanelModel::hasPermission() const {
   return model_.hasPermission();
 }
 bool PanelModel::needsRelaunch() const {
-  return model_.needsRelaunch();
+  return model_.keyAccess().state().needsRelaunch;
 }
 
 QString PanelModel::keyAccessProblem() const {
-  return text(model_.keyAccessProblem());
+  return text(model_.keyAccess().problem());
 }
 
 QString PanelModel::soundProblem() const {
@@ -290,25 +290,25 @@ QString PanelModel::readingCaption() const {
 
 QStringList PanelModel::shortcutChoices() const {
   QStringList names;
-  for (const Hotkey& each : model_.offeredShortcuts())
-    names.append(text(model_.display(each)));
+  for (const Hotkey& each : model_.shortcut().offered())
+    names.append(text(model_.shortcut().display(each)));
   return names;
 }
 
 int PanelModel::shortcutIndex() const {
-  const auto offered = model_.offeredShortcuts();
+  const auto offered = model_.shortcut().offered();
   const auto found = std::find(offered.begin(), offered.end(), model_.settings().shortcut);
   return static_cast<int>(found - offered.begin());
 }
 
 void PanelModel::setShortcutIndex(int index) {
-  const auto offered = model_.offeredShortcuts();
+  const auto offered = model_.shortcut().offered();
   if (index < 0 || index >= static_cast<int>(offered.size())) return;
   change(&EngineSettings::shortcut, offered[static_cast<std::size_t>(index)]);
 }
 
 QString PanelModel::shortcutName() const {
-  return text(model_.display(model_.settings().shortcut));
+  return text(model_.shortcut().display(model_.settings().shortcut));
 }
 
 void PanelModel::captureShortcut(bool captures) {
@@ -329,13 +329,13 @@ bool PanelModel::chooseShortcut(quint32 scanCode, int modifiers) {
 }
 
 QString PanelModel::shortcutProblem() const {
-  return textOrNone(
-      texts_.shortcutProblem(model_.shortcutStatus(), model_.display(model_.settings().shortcut)));
+  return textOrNone(texts_.shortcutProblem(model_.shortcut().status(),
+                                           model_.shortcut().display(model_.settings().shortcut)));
 }
 
 QString PanelModel::shortcutHint() const {
-  return text(
-      texts_.shortcutHint(model_.display(model_.settings().shortcut), model_.shortcutRoute()));
+  return text(texts_.shortcutHint(model_.shortcut().display(model_.settings().shortcut),
+                                  model_.shortcut().route()));
 }
 
 // Actions
@@ -356,17 +356,17 @@ void PanelModel::mute() {
   model_.mute();
 }
 void PanelModel::giveBackKeyAccess() {
-  model_.giveBackKeyAccess();
+  model_.keyAccess().giveBack();
 }
 void PanelModel::narrowKeyAccess() {
-  model_.narrowKeyAccess();
+  model_.keyAccess().narrow();
 }
 void PanelModel::keepWideKeyAccess() {
   model_.keepWideKeyAccess();
 }
 
 void PanelModel::openSettings() {
-  model_.openKeyAccessSettings();
+  model_.keyAccess().allow();
 }
 void PanelModel::relaunch() {
   model_.relaunch();
