@@ -1,5 +1,6 @@
 #include "ScriptFile.h"
 
+#include <cmath>
 #include <stdexcept>
 #include <string>
 
@@ -24,7 +25,8 @@ double number(const Json& entry, const char* key, double high) {
   const Json& value = member(entry, key);
   const double result = value.is_number() ? value.get<double>() : -1;
   if (!(result >= 0 && result <= high))
-    fail(std::string("\"") + key + "\" is not a number from 0 to " + Json(high).dump());
+    fail(std::string("\"") + key + "\" is not a number from 0 to " +
+         std::to_string(std::lround(high)));
   return result;
 }
 

@@ -14,6 +14,7 @@ inline std::string textsOf(const CLI::App& app) {
       if (option != command->get_help_ptr())
         text += "  " + option->get_name(true, true) + (option->get_required() ? "!" : "") + " [" +
                 option->get_default_str() + "]: " + option->get_description() + "\n";
+    text += command->get_footer();
   }
   return text;
 }

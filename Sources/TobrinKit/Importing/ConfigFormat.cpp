@@ -61,10 +61,10 @@ struct KeyEntry {
 
 void addKeys(ForeignPack& pack, const std::map<uint16_t, KeyEntry>& entries, ImportNotes& notes) {
   for (const auto& [code, entry] : entries) {
-    if (!entry.down)
-      notes.leftOut("release sounds of keys without a press sound");
-    else
+    if (entry.down)
       pack.keys[code] = {*entry.down, entry.up.value_or(Sounds())};
+    else if (entry.up)
+      notes.leftOut("release sounds of keys without a press sound");
   }
 }
 

@@ -1,19 +1,18 @@
 #include "Importing/LenientJson.h"
 
+#include <string>
+
 #include "Base/ReadJson.h"
 
 namespace tobrin {
 namespace {
 
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view blanks = " \t\r\n";
 
 /// Copies a text and leaves out what plain JSON does not have.
 class JsonCleaner {
  public:
-  explicit JsonCleaner(std::string_view text) : text_(text) {
-    if (text_.starts_with(byteOrderMark)) text_.remove_prefix(byteOrderMark.size());
-  }
+  explicit JsonCleaner(std::string_view text) : text_(text) {}
 
   std::string cleaned() && {
     while (at_ < text_.size()) {
@@ -83,12 +82,8 @@ std::string fromLatin1(std::string_view text) {
 
 }  // namespace
 
-std::string plainJson(std::string_view text) {
-  return JsonCleaner(text).cleaned();
-}
-
 nlohmann::json readLenientJson(std::string_view text) {
-  const std::string plain = plainJson(text);
+  const std::string plain = JsonCleaner(text).cleaned();
   try {
     return readJson(plain);
   } catch (const JsonError&) {

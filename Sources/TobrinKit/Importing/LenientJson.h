@@ -4,15 +4,11 @@
 #pragma once
 
 #include <nlohmann/json.hpp>
-#include <string>
 #include <string_view>
 
 namespace tobrin {
 
 /// Throws `JsonError` as `readJson` does, with its limits.
 [[nodiscard]] nlohmann::json readLenientJson(std::string_view text);
-
-/// The text as plain JSON, as far as that goes.
-[[nodiscard]] std::string plainJson(std::string_view text);
 
 }  // namespace tobrin

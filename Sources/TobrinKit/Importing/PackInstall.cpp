@@ -58,7 +58,11 @@ PackInstall::PackInstall(const fs::path& source, const fs::path& packsFolder,
     : packsFolder_(packsFolder), services_(services) {
   const auto named = [&](Kind kind, const std::exception& error) {
     const std::string name = source.filename().string();
-    const std::string text = error.what();
+    std::string text = error.what();
+    // Errors of the copy that is prepared name its folder.
+    const std::string aside = folder_ ? folder_->aside().filename().string() : name;
+    if (const auto at = text.find(aside); at != std::string::npos)
+      text.replace(at, aside.size(), name);
     return ImportError(kind, text.find(name) != std::string::npos ? text : name + ": " + text);
   };
   try {
