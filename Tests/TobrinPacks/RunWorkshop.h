@@ -6,14 +6,9 @@
 #include <vector>
 
 #include "CommandLine.h"
+#include "Support/Session.h"
 
 namespace tobrin::testing {
-
-struct Outcome {
-  int status = 0;
-  std::string out;
-  std::string err;
-};
 
 inline Outcome run(const std::vector<std::string>& arguments) {
   std::ostringstream out;

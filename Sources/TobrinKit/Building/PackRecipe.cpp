@@ -23,6 +23,7 @@ Source sourceFrom(const Json& object, const std::string& place) {
   source.title = fields.text("title");
   source.license = fields.text("license");
   source.previewURL = fields.text("previewURL");
+  if (source.previewURL.empty()) fields.fail("previewURL", "must not be empty");
   if (const auto* start = fields.find("start")) {
     source.start = fields.number("start", *start, 0, longestRecording);
   }

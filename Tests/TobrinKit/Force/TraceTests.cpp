@@ -4,10 +4,8 @@
 #include <string>
 
 #include "Force/ForceSensor.h"
-#include "Force/KeyTrace.h"
 #include "Force/TraceCsv.h"
 #include "Force/TraceSource.h"
-#include "Support/Failure.h"
 #include "Support/ImpactTrace.h"
 
 namespace tobrin {
@@ -26,27 +24,6 @@ TEST(MotionTrace, WhatIsWrittenReadsBack) {
   text << "\n\n";
   EXPECT_EQ(MotionTrace::parse(text.str(), "it").samples, trace.samples);
   EXPECT_EQ(trace.period(), 3 * millisecond);
-}
-
-TEST(MotionTrace, MalformedTracesAreNamedWithFileAndLine) {
-  const std::pair<const char*, std::string> rows[] = {
-      {"", "T:1: expected the header \"time_ns,x,y,z\""},
-      {"time_ns,x,y,z\n1,2,3\n", "T:2: expected 4 fields (time_ns,x,y,z), found 3"},
-      {"time_ns,x,y,z\n1,0,0,0\n1,0,zero,0\n", "T:3: y is no number: \"zero\""},
-      {"time_ns,x,y,z\n1,0,-1e300,0\n", "T:2: more than 32768 g"},
-      {"time_ns,x,y,z\n-1,0,0,0\n",
-       "T:2: time_ns is no whole number from 0 to 9223372036854775807: \"-1\""},
-      {"time_ns,x,y,z\n99999,0,0,0\n5,0,0,0\n", "T:3: the time goes back, from 99999 to 5"},
-      {"time_ns,x,y,z\n1,0,0,0\n\n2,0,0,0\n", "T:3: the line is empty"},
-      {"time_ns,x,y,z\n7,0,0,0\n7,0,0,0\n",
-       "T: a trace needs at least two samples at different times"},
-      {"time_ns,x,y,z\n1,0,0,0\n9,0,0,0\n", "T: more than 100000 samples a second"},
-  };
-  EXPECT_THROW((void)KeyTrace::parse("time_ns,code\n5,65536\n", "K"), TraceError);
-  EXPECT_THROW((void)KeyTrace::parse("time_ns,code\n5,1\n4,1\n", "K"), TraceError);
-  EXPECT_EQ(testing::failureOf([] { MotionTrace::load("/"); }), "/: Is a directory");
-  for (const auto& [text, error] : rows)
-    EXPECT_EQ(testing::failureOf([&] { MotionTrace::parse(text, "T"); }), error) << text;
 }
 
 TEST(TraceSource, RepeatsStampedWithThePresent) {
