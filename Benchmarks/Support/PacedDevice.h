@@ -35,6 +35,8 @@ class PacedDevice final : public AudioDevice {
   [[nodiscard]] std::string problem() const override { return {}; }
   [[nodiscard]] std::string description() const override { return "nothing"; }
   void setCallbacks(AudioCallbacks callbacks) override { callbacks_ = std::move(callbacks); }
+  void choose(const std::string& /*id*/) override {}
+  void findOutputs() override {}
 
  private:
   static constexpr uint32_t frames = 256;

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <mutex>
+#include <string>
 
 #include "Engine/AudioDevice.h"
 
@@ -22,8 +24,26 @@ struct AudioPlayer {
   std::atomic<bool> overlapped = false;
 
   AudioCallbacks callbacks() {
-    return {.render = render, .context = this, .changed = [this] { changes.fetch_add(1); }};
+    return {.render = render,
+            .context = this,
+            .changed = [this] { changes.fetch_add(1); },
+            .outputsChanged =
+                [this](const SoundOutputs& now) {
+                  const std::lock_guard lock(mutex);
+                  outputs = now;
+                }};
   }
+
+  /// The name of the output that plays; empty where it is not known.
+  [[nodiscard]] std::string used() const {
+    const std::lock_guard lock(mutex);
+    for (const SoundOutput& output : outputs.present)
+      if (output.id == outputs.used) return output.name;
+    return outputs.used;
+  }
+
+  mutable std::mutex mutex;
+  SoundOutputs outputs;  // guarded by mutex
 
   static void render(void* context, float* left, float* right, uint32_t frames) noexcept {
     auto& player = *static_cast<AudioPlayer*>(context);

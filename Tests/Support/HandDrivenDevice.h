@@ -23,6 +23,8 @@ class HandDrivenDevice final : public AudioDevice {
     bool running = false;
     std::atomic<int> starts = 0;
     std::atomic<int> pauses = 0;
+    std::string chosen;  ///< id of the output; empty: the default one
+    int searches = 0;    ///< for outputs
 
     /// Has the next block rendered; silence while the device does not run.
     std::pair<std::vector<float>, std::vector<float>> render(uint32_t frames) {
@@ -60,6 +62,8 @@ class HandDrivenDevice final : public AudioDevice {
   void setCallbacks(AudioCallbacks callbacks) override {
     controls_->callbacks = std::move(callbacks);
   }
+  void choose(const std::string& id) override { controls_->chosen = id; }
+  void findOutputs() override { ++controls_->searches; }
 
  private:
   const std::shared_ptr<Controls> controls_;  // shared with the test

@@ -1,11 +1,13 @@
 /// The audio platform as the engine needs it: one output of 48 kHz float samples that asks for them
-/// by a callback and follows the user's default device. Implemented once for each sound system.
-/// Thread: any.
+/// by a callback and follows the user's default device, or plays on a chosen one. Implemented once
+/// for each sound system. Thread: any.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <string>
+
+#include "Engine/SoundOutputs.h"
 
 namespace tobrin {
 
@@ -13,11 +15,14 @@ namespace tobrin {
 /// must be real-time safe; `right` is null or equal to `left` for a mono device. `changed` may come
 /// on any thread of the device, never from inside `render` nor with a lock held that `start`
 /// or `pause` take: the default device or its format was switched, the sound server was lost, or it
-/// came back. The device's destructor waits for it.
+/// came back. The device's destructor waits for it. `outputsChanged` may be empty; it comes on any
+/// thread, with any lock held, when the devices that there are become known and after each change,
+/// and must only post.
 struct AudioCallbacks {
   void (*render)(void* context, float* left, float* right, uint32_t frames) noexcept = nullptr;
   void* context = nullptr;
   std::function<void()> changed;
+  std::function<void(const SoundOutputs& outputs)> outputsChanged;
 };
 
 class AudioDevice {
@@ -44,7 +49,15 @@ class AudioDevice {
   /// What the sound goes through, for people ("PipeWire, Built-in Audio"). Thread: any.
   [[nodiscard]] virtual std::string description() const = 0;
 
-  /// Must be called once, before the first `start`.
+  /// Plays on the device of this id from now on; empty: on the user's default one, wherever that
+  /// goes. While the chosen one is away the default stands in for it. Where the user moves the
+  /// sound by the desktop's own means, that holds until the next choice. Called as `start` is.
+  virtual void choose(const std::string& id) = 0;
+
+  /// Has `outputsChanged` called soon, also where nothing was played yet. Called as `start` is.
+  virtual void findOutputs() = 0;
+
+  /// Must be called once, before anything else.
   virtual void setCallbacks(AudioCallbacks callbacks) = 0;
 };
 

@@ -21,11 +21,14 @@ TBMixer* makeMixer() {
 
 }  // namespace
 
-AudioOutput::AudioOutput(std::unique_ptr<AudioDevice> device)
+AudioOutput::AudioOutput(std::unique_ptr<AudioDevice> device,
+                         std::function<void(const SoundOutputs&)> onOutputs)
     : mixer_(makeMixer()), device_(std::move(device)) {
   assert(device_);
-  device_->setCallbacks(
-      {.render = &render, .context = mixer_, .changed = [this] { deviceChanged(); }});
+  device_->setCallbacks({.render = &render,
+                         .context = mixer_,
+                         .changed = [this] { deviceChanged(); },
+                         .outputsChanged = std::move(onOutputs)});
 }
 
 AudioOutput::~AudioOutput() {
@@ -77,6 +80,16 @@ void AudioOutput::pause() {
 void AudioOutput::deviceChanged() {
   MutexLock lock(mutex_);
   if (isWanted_ && startLocked() && onProblem_) onProblem_("");
+}
+
+void AudioOutput::choose(const std::string& id) {
+  MutexLock lock(mutex_);
+  device_->choose(id);
+}
+
+void AudioOutput::findOutputs() {
+  MutexLock lock(mutex_);
+  device_->findOutputs();
 }
 
 void AudioOutput::forgetVoices() {

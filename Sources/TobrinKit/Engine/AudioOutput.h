@@ -1,6 +1,6 @@
-/// The voice mixer joined to the default output device. What uses it speaks in mixer commands. One
-/// mutex, which the render callback never takes, lets `start`, `pause` and the device's notice of a
-/// change run one at a time. Thread: any.
+/// The voice mixer joined to an output device, the user's default one or a chosen one. What uses it
+/// speaks in mixer commands. One mutex, which the render callback never takes, lets `start`,
+/// `pause` and the device's notice of a change run one at a time. Thread: any.
 #pragma once
 
 #include <atomic>
@@ -23,7 +23,10 @@ class AudioOutput final {
   static constexpr uint32_t requestedBufferFrames = 256;  ///< about 5.3 ms at 48 kHz
 
   /// Creates the mixer; a refusal of its memory ends the process. The device is owned.
-  explicit AudioOutput(std::unique_ptr<AudioDevice> device);
+  /// `onOutputs`, which may be empty, gets the devices that there are and the one that plays, on
+  /// any thread, and must only post.
+  explicit AudioOutput(std::unique_ptr<AudioDevice> device,
+                       std::function<void(const SoundOutputs&)> onOutputs = nullptr);
   ~AudioOutput();
   AudioOutput(const AudioOutput&) = delete;
   AudioOutput& operator=(const AudioOutput&) = delete;
@@ -40,6 +43,13 @@ class AudioOutput final {
   /// Pauses the output, and the device's own attempts to start; the render callback is not called
   /// until the next `start`.
   void pause();
+
+  /// Plays on this device from now on, or on the default one where the id is empty. Waits while a
+  /// start does.
+  void choose(const std::string& id);
+
+  /// Has `onOutputs` called soon, also where nothing was played yet. Waits while a start does.
+  void findOutputs();
 
   /// Ends every voice and drops all waiting commands, so that neither an old sound nor a pointer
   /// into an old pack waits for the next block: for an output that is paused or stalled. Thread:

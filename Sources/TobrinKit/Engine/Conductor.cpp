@@ -44,6 +44,14 @@ void Conductor::setMasked(bool masked) {
   queue_.async([core = core_, masked] { core->setMasked(masked); });
 }
 
+void Conductor::chooseOutput(const std::string& id) {
+  queue_.async([core = core_, id] { core->chooseOutput(id); });
+}
+
+void Conductor::findOutputs() {
+  queue_.async([core = core_] { core->findOutputs(); });
+}
+
 void Conductor::setPack(std::shared_ptr<const LoadedPack> pack) {
   queue_.async([core = core_, loaded = std::move(pack)] { core->setPack(loaded); });
 }

@@ -55,6 +55,10 @@ class Conductor final {
   /// Whether each stroke gets the sound of another key of its group, so that who records the sounds
   /// does not learn from them which keys were pressed.
   void setMasked(bool masked);
+  /// Plays on the device of this id; empty: on the default one.
+  void chooseOutput(const std::string& id);
+  /// Has the output say which devices there are, also where nothing was played yet.
+  void findOutputs();
   /// Fades what sounds, then plays from `pack` (null: silence). The old pack is kept alive for 2 s.
   void setPack(std::shared_ptr<const LoadedPack> pack);
   /// Plays a short demonstration phrase, until the next one or another pack.

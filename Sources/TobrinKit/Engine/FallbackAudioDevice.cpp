@@ -64,15 +64,29 @@ std::string FallbackAudioDevice::description() const {
   return inCharge().description();
 }
 
+void FallbackAudioDevice::choose(const std::string& id) {
+  const std::lock_guard lock(mutex_);
+  chosen_ = id;
+  preferred_.device->choose(id);
+  if (fallback_.device != nullptr) fallback_.device->choose(id);
+}
+
+void FallbackAudioDevice::findOutputs() {
+  const std::lock_guard lock(mutex_);
+  preferred_.device->findOutputs();
+  if (fallback_.device != nullptr) fallback_.device->findOutputs();
+}
+
 bool FallbackAudioDevice::startFallback() {
   if (fallback_.device == nullptr) {
     fallback_.device = makeFallback_();
     if (fallback_.device == nullptr) return false;
     fallback_.device->setCallbacks(fallback_.callbacks());
+    fallback_.device->choose(chosen_);
   }
   // The preferred device goes on trying and is silent should it come to run.
   preferred_.isInCharge = false;
-  fallback_.isInCharge = true;
+  if (!fallback_.isInCharge.exchange(true)) tellOutputs(fallback_);
   return fallback_.device->start();
 }
 
@@ -81,6 +95,7 @@ void FallbackAudioDevice::leaveFallback() {
   fallback_.device->pause();
   fallback_.isInCharge = false;
   preferred_.isInCharge = true;
+  tellOutputs(preferred_);
 }
 
 void FallbackAudioDevice::sideChanged(Side& side) {
@@ -93,12 +108,28 @@ void FallbackAudioDevice::sideChanged(Side& side) {
   callbacks_.changed();
 }
 
+void FallbackAudioDevice::outputsChanged(Side& side, const SoundOutputs& outputs) {
+  {
+    const std::lock_guard lock(outputsMutex_);
+    side.outputs = outputs;
+  }
+  if (side.isInCharge) tellOutputs(side);
+}
+
+void FallbackAudioDevice::tellOutputs(const Side& side) {
+  const std::lock_guard lock(outputsMutex_);  // also while telling, so that the last is the newest
+  if (callbacks_.outputsChanged) callbacks_.outputsChanged(side.outputs);
+}
+
 const AudioDevice& FallbackAudioDevice::inCharge() const {
   return fallback_.isInCharge ? *fallback_.device : *preferred_.device;
 }
 
 AudioCallbacks FallbackAudioDevice::Side::callbacks() {
-  return {.render = render, .context = this, .changed = [this] { owner->sideChanged(*this); }};
+  return {.render = render,
+          .context = this,
+          .changed = [this] { owner->sideChanged(*this); },
+          .outputsChanged = [this](const SoundOutputs& now) { owner->outputsChanged(*this, now); }};
 }
 
 void FallbackAudioDevice::Side::render(void* self, float* left, float* right,

@@ -24,6 +24,9 @@ class FallbackAudioDevice final : public AudioDevice {
   FallbackAudioDevice& operator=(const FallbackAudioDevice&) = delete;
 
   void setCallbacks(AudioCallbacks callbacks) override;
+  /// Each side takes the choice for itself; one that does not have the device plays on its default.
+  void choose(const std::string& id) override;
+  void findOutputs() override;
   bool start() override;
   void pause() override;
   [[nodiscard]] bool isRunning() const override;
@@ -36,12 +39,15 @@ class FallbackAudioDevice final : public AudioDevice {
     FallbackAudioDevice* owner;
     std::atomic<bool> isInCharge;
     std::unique_ptr<AudioDevice> device;  // guarded by the owner's mutex
+    SoundOutputs outputs;                 // guarded by the owner's outputsMutex_
 
     static void render(void* self, float* left, float* right, uint32_t frames) noexcept;
     [[nodiscard]] AudioCallbacks callbacks();
   };
 
   void sideChanged(Side& side);
+  void outputsChanged(Side& side, const SoundOutputs& outputs);
+  void tellOutputs(const Side& side);
   bool startFallback();
   void leaveFallback();
   [[nodiscard]] const AudioDevice& inCharge() const;
@@ -50,9 +56,11 @@ class FallbackAudioDevice final : public AudioDevice {
   const Maker makeFallback_;
   const std::function<bool()> mayFallBack_;
   mutable std::mutex mutex_;
-  bool isClosing_ = false;  // guarded by mutex_
-  Side fallback_{this, false, nullptr};
-  Side preferred_{this, true, nullptr};
+  bool isClosing_ = false;   // guarded by mutex_
+  std::string chosen_;       // guarded by mutex_
+  std::mutex outputsMutex_;  // taken last: devices hold locks of their own when they tell
+  Side fallback_{this, false, nullptr, {}};
+  Side preferred_{this, true, nullptr, {}};
 };
 
 }  // namespace tobrin

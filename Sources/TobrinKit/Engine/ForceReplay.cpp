@@ -25,6 +25,8 @@ class SilentDevice final : public AudioDevice {
   [[nodiscard]] std::string problem() const override { return {}; }
   [[nodiscard]] std::string description() const override { return "silence"; }
   void setCallbacks(AudioCallbacks callbacks) override { callbacks_ = std::move(callbacks); }
+  void choose(const std::string& /*id*/) override {}
+  void findOutputs() override {}
 
   void drain() {
     std::array<float, 1> none{};

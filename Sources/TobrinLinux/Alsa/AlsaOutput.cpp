@@ -8,7 +8,10 @@
 #include <span>
 #include <stdexcept>
 
+#include "Alsa/AlsaCards.h"
+#include "Alsa/AlsaConfiguration.h"
 #include "Alsa/AlsaPcm.h"
+#include "Motion/DeviceWatch.h"
 #include "Threads/AsioQueue.h"
 #include "Threads/ThreadPreparation.h"
 
@@ -72,6 +75,18 @@ void AlsaOutput::setCallbacks(AudioCallbacks callbacks) {
   callbacks_ = std::move(callbacks);
 }
 
+void AlsaOutput::choose(const std::string& id) {
+  const std::lock_guard lock(mutex_);
+  if (chosen_ == id) return;
+  chosen_ = id;
+  reopens_ = true;
+  wake_.raise();
+}
+
+void AlsaOutput::findOutputs() {
+  listOutputs();
+}
+
 bool AlsaOutput::start() {
   std::unique_lock lock(mutex_);
   assert(callbacks_.render != nullptr);
@@ -128,12 +143,12 @@ void AlsaOutput::run(const std::function<void()>& onThreadStart) {
 
 bool AlsaOutput::playOnce() {
   try {
-    AlsaPcm pcm(deviceName_);
-    left_.resize(pcm.periodFrames());
-    right_.resize(pcm.periodFrames());
+    const auto pcm = open();
+    left_.resize(pcm->periodFrames());
+    right_.resize(pcm->periodFrames());
     retryPause_ = firstRetryPause;
-    succeeded();
-    play(pcm);
+    succeeded(pcm->output());
+    play(*pcm);
     return true;
   } catch (const std::runtime_error& error) {
     failed(error.what());
@@ -141,13 +156,33 @@ bool AlsaOutput::playOnce() {
   }
 }
 
+std::unique_ptr<AlsaPcm> AlsaOutput::open() {
+  reopens_ = false;
+  std::string chosen;
+  {
+    const std::lock_guard lock(mutex_);
+    chosen = chosen_;
+    isStandIn_ = false;
+  }
+  if (chosen.empty()) return std::make_unique<AlsaPcm>(deviceName_);
+  try {
+    return std::make_unique<AlsaPcm>(chosen);
+  } catch (const std::runtime_error&) {
+    const std::lock_guard lock(mutex_);
+    isStandIn_ = true;
+  }
+  return std::make_unique<AlsaPcm>(deviceName_);
+}
+
 void AlsaOutput::play(AlsaPcm& pcm) {
-  std::vector<pollfd> waitingFor = pcm.pollDescriptors();
-  waitingFor.insert(waitingFor.begin(), {wake_.fd(), POLLIN, 0});
-  const std::span device = std::span(waitingFor).subspan(1);
+  DeviceWatch cards("sound");
+  std::vector<pollfd> waitingFor = {{wake_.fd(), POLLIN, 0}, {cards.fd(), POLLIN, 0}};
+  const auto devices = pcm.pollDescriptors();
+  waitingFor.insert(waitingFor.end(), devices.begin(), devices.end());
+  const std::span device = std::span(waitingFor).subspan(2);
   Pace pace(pcm);
-  while (goal_ == Goal::play) {
-    for (uint32_t room = pcm.room(); room > 0 && goal_ == Goal::play; room = pcm.room()) {
+  while (goesOn()) {
+    for (uint32_t room = pcm.room(); room > 0 && goesOn(); room = pcm.room()) {
       const uint32_t frames = std::min(room, pcm.periodFrames());
       fill(pcm, frames);
       sleep(std::span(waitingFor).first(1), pace.restAfter(frames));
@@ -156,7 +191,11 @@ void AlsaOutput::play(AlsaPcm& pcm) {
     }
     do {
       if (!sleep(waitingFor, stallLimit)) pcm.giveUp("takes no more sound");
-    } while (goal_ == Goal::play && !pcm.isReady(device));
+      if (waitingFor[1].revents != 0) {
+        cards.note();
+        listOutputs();
+      }
+    } while (goesOn() && !pcm.isReady(device));
   }
   playOut(pcm);
 }
@@ -196,9 +235,14 @@ void AlsaOutput::fallAsleep() {
   phaseChanged_.notify_all();
 }
 
-void AlsaOutput::succeeded() {
+void AlsaOutput::succeeded(const std::string& output) {
   const std::lock_guard lock(mutex_);
   phase_ = Phase::playing;
+  outputs_.used = output;
+  if (isListed_)
+    tellOutputs();
+  else
+    listOutputs();
   problem_.clear();
   if (!startIsAnswered_) notifyChanged();
   phaseChanged_.notify_all();
@@ -211,6 +255,32 @@ void AlsaOutput::failed(const std::string& problem) {
   problem_ = problem;
   startIsAnswered_ = false;
   phaseChanged_.notify_all();
+}
+
+// Asking the cards takes longer than the thread that renders has time.
+void AlsaOutput::listOutputs() {
+  notifier_->async([this] {
+    // Beside a sound server the cards are its own, and its mixer says which one plays.
+    const bool hasServer =
+        alsaDeviceLeadsTo("pulse", deviceName_) || alsaDeviceLeadsTo("jack", deviceName_);
+    outputsListed(hasServer ? std::vector<SoundOutput>() : alsaCardOutputs());
+  });
+}
+
+void AlsaOutput::outputsListed(std::vector<SoundOutput> present) {
+  const std::lock_guard lock(mutex_);
+  outputs_.present = std::move(present);
+  isListed_ = true;
+  tellOutputs();
+  const bool isBack = std::ranges::any_of(
+      outputs_.present, [this](const SoundOutput& output) { return output.id == chosen_; });
+  if (!isStandIn_ || !isBack) return;
+  reopens_ = true;
+  wake_.raise();
+}
+
+void AlsaOutput::tellOutputs() {
+  if (callbacks_.outputsChanged) callbacks_.outputsChanged(outputs_);
 }
 
 void AlsaOutput::notifyChanged() {

@@ -1,5 +1,6 @@
 /// Plays through ALSA, for desktops without a PipeWire server. Its thread ("Tobrin.Audio") renders.
-/// While paused the device is closed, once it has played all it took, and the thread sleeps.
+/// A chosen device that is not to be had is tried at each start, and when a card comes while it
+/// plays. While paused the device is closed, once it has played all it took, and the thread sleeps.
 /// Thread: any.
 #pragma once
 
@@ -34,6 +35,9 @@ class AlsaOutput final : public AudioDevice {
   AlsaOutput& operator=(const AlsaOutput&) = delete;
 
   void setCallbacks(AudioCallbacks callbacks) override;
+  /// The id may be any name that ALSA opens.
+  void choose(const std::string& id) override;
+  void findOutputs() override;
   /// Waits up to half a second for the device to open.
   bool start() override;
   void pause() override;
@@ -47,14 +51,19 @@ class AlsaOutput final : public AudioDevice {
 
   void run(const std::function<void()>& onThreadStart);
   bool playOnce();
+  [[nodiscard]] std::unique_ptr<AlsaPcm> open();
+  [[nodiscard]] bool goesOn() const { return goal_ == Goal::play && !reopens_; }
   void play(AlsaPcm& pcm);
   void playOut(AlsaPcm& pcm);
   void fill(AlsaPcm& pcm, uint32_t frames);
   bool sleep(std::span<pollfd> waitingFor, std::chrono::nanoseconds longest);
   void fallAsleep();
-  void succeeded();
+  void succeeded(const std::string& output);
   void failed(const std::string& problem);
   void notifyChanged();
+  void listOutputs();
+  void outputsListed(std::vector<SoundOutput> present);
+  void tellOutputs();
 
   const std::string deviceName_;  // fixed after construction
   AudioCallbacks callbacks_;      // fixed before the first start
@@ -65,6 +74,11 @@ class AlsaOutput final : public AudioDevice {
   Phase phase_ = Phase::idle;             // guarded by mutex_
   bool startIsAnswered_ = false;          // guarded by mutex_
   std::string problem_;                   // guarded by mutex_
+  std::string chosen_;                    // guarded by mutex_; empty: the default device
+  bool isStandIn_ = false;                // guarded by mutex_; the default plays for the chosen one
+  SoundOutputs outputs_;                  // guarded by mutex_
+  bool isListed_ = false;                 // guarded by mutex_; `outputs_` names what there is
+  std::atomic<bool> reopens_ = false;     // another device is to be opened
 
   // The thread's own.
   std::vector<float> left_;

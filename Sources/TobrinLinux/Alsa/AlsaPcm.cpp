@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "Alsa/AlsaCards.h"
 #include "Alsa/AlsaConfiguration.h"
 #include "Alsa/QuietLibraries.h"
 
@@ -87,6 +88,11 @@ void AlsaPcm::chooseFormat(snd_pcm_hw_params_t* parameters) {
     if (snd_pcm_hw_params_set_channels(pcm_, parameters, channels) == 0) return;
   }
   fail("is neither stereo nor mono", -EINVAL);
+}
+
+std::string AlsaPcm::output() const {
+  const std::string output = alsaOutputOf(pcm_);
+  return output.empty() ? name_ : output;
 }
 
 std::vector<pollfd> AlsaPcm::pollDescriptors() const {

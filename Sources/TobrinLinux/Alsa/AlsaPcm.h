@@ -32,6 +32,9 @@ class AlsaPcm final {
   [[nodiscard]] uint32_t periodFrames() const { return periodFrames_; }
   [[nodiscard]] uint32_t bufferFrames() const { return bufferFrames_; }
 
+  /// Which output of a card it is, as `alsaCardOutputs` calls it; else the device's own name.
+  [[nodiscard]] std::string output() const;
+
   /// What to poll for room; never empty.
   [[nodiscard]] std::vector<pollfd> pollDescriptors() const;
 

@@ -34,6 +34,12 @@ inline void addListener(pw_metadata* metadata, spa_hook& hook, const pw_metadata
   pw_metadata_add_listener(metadata, &hook, &events, data);
 }
 
+/// Keeps a value under a key of the object with this id; null: takes it back.
+inline void setProperty(pw_metadata* metadata, uint32_t subject, const char* key, const char* type,
+                        const char* value) {
+  pw_metadata_set_property(metadata, subject, key, type, value);
+}
+
 /// Null where the object is gone or not to be had.
 inline pw_proxy* bind(pw_registry* registry, uint32_t id, const char* type, uint32_t version) {
   return static_cast<pw_proxy*>(pw_registry_bind(registry, id, type, version, 0));

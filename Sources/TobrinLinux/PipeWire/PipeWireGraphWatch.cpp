@@ -103,6 +103,8 @@ class PipeWireGraphWatch::BoundObject {
   BoundObject(const BoundObject&) = delete;
   BoundObject& operator=(const BoundObject&) = delete;
 
+  [[nodiscard]] pw_proxy* proxy() const { return proxy_; }
+
  protected:
   template <typename Proxy, typename Events>
   void listen(const Events& events, void* self) {
@@ -176,8 +178,9 @@ class PipeWireGraphWatch::BoundMetadata final : public BoundObject {
   BoundMetadata(PipeWireGraphWatch& watch, uint32_t id)
       : BoundObject(watch, id, PW_TYPE_INTERFACE_Metadata, PW_VERSION_METADATA) {
     events_.version = PW_VERSION_METADATA_EVENTS;
-    events_.property = [](void* self, uint32_t, const char* key, const char*, const char* value) {
-      static_cast<BoundMetadata*>(self)->told(key, value);
+    events_.property = [](void* self, uint32_t subject, const char* key, const char*,
+                          const char* value) {
+      if (subject == PW_ID_CORE) static_cast<BoundMetadata*>(self)->told(key, value);
       return 0;
     };
     listen<pw_metadata>(events_, this);
@@ -194,9 +197,10 @@ class PipeWireGraphWatch::BoundMetadata final : public BoundObject {
   pw_metadata_events events_{};
 };
 
-PipeWireGraphWatch::PipeWireGraphWatch(pw_core* core, std::function<void()> updated)
+PipeWireGraphWatch::PipeWireGraphWatch(pw_core* core, std::function<void()> updated, Depth depth)
     : core_(core),
       updated_(std::move(updated)),
+      depth_(depth),
       registry_(std::make_unique<Registry>(core, *this)),
       awaited_(sync(core)) {}
 
@@ -212,14 +216,25 @@ void PipeWireGraphWatch::added(uint32_t id, const char* type, const spa_dict* pr
   } else if (kind == PW_TYPE_INTERFACE_Metadata &&
              textOf(*properties, PW_KEY_METADATA_NAME) == "default") {
     bound_[id] = std::make_unique<BoundMetadata>(*this, id);
+    metadataId_ = id;
+    updated_();
   }
 }
 
 void PipeWireGraphWatch::removed(uint32_t id) {
+  if (metadataId_ == id) metadataId_.reset();
   const bool mattered = bound_.erase(id) + graph_.nodes.erase(id) + graph_.links.erase(id) +
                             graph_.processes.erase(id) >
                         0;
   if (mattered) updated_();
+}
+
+bool PipeWireGraphWatch::moveStream(uint32_t streamId, const std::string& nodeName) {
+  if (!metadataId_) return false;
+  auto* const metadata = reinterpret_cast<pw_metadata*>(bound_.at(*metadataId_)->proxy());
+  if (metadata == nullptr) return false;
+  setProperty(metadata, streamId, "target.object", "Spa:String", nodeName.c_str());
+  return true;
 }
 
 void PipeWireGraphWatch::answered(int sequence) {
@@ -255,7 +270,7 @@ void PipeWireGraphWatch::addLink(uint32_t id, const spa_dict& properties) {
 }
 
 void PipeWireGraphWatch::bindNodeIfNeeded(uint32_t id) {
-  if (bound_.contains(id) || !graph_.needsDetails(id)) return;
+  if (depth_ == Depth::devices || bound_.contains(id) || !graph_.needsDetails(id)) return;
   // Its client first, so that the process is known before the node is seen to run.
   const std::optional<uint32_t> client = graph_.nodes.at(id).clientId;
   if (client && !bound_.contains(*client)) {

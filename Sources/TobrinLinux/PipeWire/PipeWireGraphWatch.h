@@ -1,11 +1,13 @@
-/// Follows the sound server's nodes, links and default source over one connection, as far as the
-/// microphone watch needs them. The caller holds the loop's lock. Thread: any.
+/// Follows the sound server's nodes, links and default source over one connection. The caller holds
+/// the loop's lock. Thread: any.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "PipeWire/CaptureGraph.h"
 
@@ -16,8 +18,13 @@ namespace tobrin {
 
 class PipeWireGraphWatch final {
  public:
+  enum class Depth {
+    devices,  ///< what a listing shows
+    users,    ///< and which streams run, and whose they are: for the microphone watch
+  };
+
   /// `updated` is called after each change, on the loop thread; it must not destroy the watch.
-  PipeWireGraphWatch(pw_core* core, std::function<void()> updated);
+  PipeWireGraphWatch(pw_core* core, std::function<void()> updated, Depth depth = Depth::users);
   ~PipeWireGraphWatch();
   PipeWireGraphWatch(const PipeWireGraphWatch&) = delete;
   PipeWireGraphWatch& operator=(const PipeWireGraphWatch&) = delete;
@@ -26,6 +33,11 @@ class PipeWireGraphWatch final {
 
   /// Whether everything that was there at the start is known.
   [[nodiscard]] bool isSettled() const { return isSettled_; }
+
+  /// Asks the server's policy to play a stream on the node of this name whenever there is one, and
+  /// on the default device else; "-1": on the default device always. As a mixer program does: the
+  /// last who asks has it. False where the policy is not there yet.
+  bool moveStream(uint32_t streamId, const std::string& nodeName);
 
  private:
   class Registry;
@@ -43,8 +55,10 @@ class PipeWireGraphWatch final {
 
   pw_core* const core_;
   const std::function<void()> updated_;
+  const Depth depth_;
   CaptureGraph graph_;
   std::map<uint32_t, std::unique_ptr<BoundObject>> bound_;
+  std::optional<uint32_t> metadataId_;  // of what the policy reads; it is among the bound
   std::unique_ptr<Registry> registry_;
   int awaited_ = 0;             // number of the answer under way
   bool hasAskedSince_ = false;  // for more than that answer covers

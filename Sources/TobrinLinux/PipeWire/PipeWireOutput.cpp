@@ -8,8 +8,10 @@
 
 #include "PipeWire/PipeWireConnection.h"
 #include "PipeWire/PipeWireDeviceName.h"
+#include "PipeWire/PipeWireGraphWatch.h"
 #include "PipeWire/PipeWireLoop.h"
 #include "PipeWire/PipeWireTimer.h"
+#include "PipeWire/PlaybackOutputs.h"
 #include "PipeWire/PlaybackStream.h"
 #include "Threads/AsioQueue.h"
 
@@ -26,6 +28,7 @@ constexpr std::chrono::milliseconds longestLinkPatience{30000};
 // A session manager that starts with its server has made the devices by then.
 constexpr std::chrono::milliseconds devicePatience{3000};
 constexpr auto noDevice = "PipeWire has no output device";
+constexpr auto defaultDevice = "-1";  // in the policy's words
 
 }  // namespace
 
@@ -55,6 +58,20 @@ PipeWireOutput::~PipeWireOutput() {
 void PipeWireOutput::setCallbacks(AudioCallbacks callbacks) {
   assert(callbacks.render != nullptr);
   gate_->callbacks = std::move(callbacks);
+}
+
+void PipeWireOutput::choose(const std::string& id) {
+  const PipeWireLock locked(*loop_);
+  chosen_ = id;
+  isChoiceTold_ = false;
+  tellChoice();
+}
+
+void PipeWireOutput::findOutputs() {
+  const PipeWireLock locked(*loop_);
+  if (isWanted_ || isClosing_.load(std::memory_order_relaxed)) return;
+  connection_->open();
+  connection_->rest();
 }
 
 bool PipeWireOutput::start() {
@@ -109,7 +126,8 @@ std::string PipeWireOutput::problem() const {
 std::string PipeWireOutput::description() const {
   const PipeWireLock locked(*loop_);
   std::string device;
-  if (stream_ != nullptr) device = linkedDeviceName(*loop_, stream_->nodeId());
+  if (stream_ != nullptr && stream_->nodeId())
+    device = linkedDeviceName(*loop_, *stream_->nodeId());
   return device.empty() ? "PipeWire" : "PipeWire, " + device;
 }
 
@@ -117,12 +135,17 @@ void PipeWireOutput::connected(pw_core* core) {
   if (!std::exchange(hasMetServer_, true)) expectsDevice_.store(true, std::memory_order_relaxed);
   problem_.clear();
   if (!std::exchange(isRetry_, false)) watchDevice();
+  watch_ = std::make_unique<PipeWireGraphWatch>(
+      core, [this] { graphChanged(); }, PipeWireGraphWatch::Depth::devices);
   makeStream(core);
 }
 
 void PipeWireOutput::makeStream(pw_core* core) {
   try {
-    stream_ = std::make_unique<PlaybackStream>(core, *gate_, [this] { streamChanged(); });
+    isChoiceTold_ = false;
+    stream_ = std::make_unique<PlaybackStream>(core, *gate_, chosen_.value_or(""),
+                                               [this] { streamChanged(); });
+    if (!isWanted_) stream_->setActive(false);
     watchLink();
   } catch (const std::runtime_error& error) {
     problem_ = error.what();
@@ -132,6 +155,7 @@ void PipeWireOutput::makeStream(pw_core* core) {
 
 void PipeWireOutput::lost() {
   stream_.reset();
+  watch_.reset();
   isStreaming_.store(false, std::memory_order_relaxed);
   problem_ = connection_->problem();
   startIsAnswered_ = false;
@@ -143,6 +167,7 @@ void PipeWireOutput::streamChanged() {
   if (stream_ == nullptr) return;  // still in its constructor
   const bool streams = stream_->state() == PlaybackStream::State::streaming;
   const bool streamed = isStreaming_.exchange(streams, std::memory_order_relaxed);
+  tellChoice();
   watchLink();
   if (streams != streamed) watchDevice();
   if (streams) {
@@ -156,6 +181,27 @@ void PipeWireOutput::streamChanged() {
     connection_->breakOff(problem_);
   }
   loop_->wake();
+}
+
+void PipeWireOutput::graphChanged() {
+  if (watch_ == nullptr || stream_ == nullptr) return;  // one of them is still in its constructor
+  tellChoice();
+  if (!watch_->isSettled()) return;
+  SoundOutputs outputs = playbackOutputs(watch_->graph(), stream_->nodeId());
+  if (outputs == outputs_) return;
+  outputs_ = std::move(outputs);
+  if (gate_->callbacks.outputsChanged) gate_->callbacks.outputsChanged(outputs_);
+}
+
+// The stream's own wish for a target is not enough: the policy forgets it once the stream has
+// played on the default device, as it does while the chosen one is away.
+void PipeWireOutput::tellChoice() {
+  if (!chosen_ || isChoiceTold_ || watch_ == nullptr || stream_ == nullptr) return;
+  const std::optional<uint32_t> stream = stream_->nodeId();
+  if (!stream) return;
+  isChoiceTold_ = watch_->moveStream(*stream, chosen_->empty() ? defaultDevice : *chosen_);
+  // From then on the sound goes where the desktop's mixer has it, also on a later server.
+  if (isChoiceTold_ && chosen_->empty()) chosen_.reset();
 }
 
 void PipeWireOutput::watchLink() {

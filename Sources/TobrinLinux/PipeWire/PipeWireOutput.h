@@ -1,10 +1,11 @@
-/// Plays through a PipeWire server, on the user's default device, and goes on playing by itself
-/// when the server comes back. Thread: any.
+/// Plays through a PipeWire server, on the user's default device or a chosen one, and goes on
+/// playing by itself when the server comes back. Thread: any.
 #pragma once
 
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "Engine/AudioDevice.h"
@@ -15,6 +16,7 @@ namespace tobrin {
 
 class AsioQueue;
 class PipeWireConnection;
+class PipeWireGraphWatch;
 class PipeWireLoop;
 class PlaybackStream;
 class PipeWireTimer;
@@ -29,6 +31,8 @@ class PipeWireOutput final : public AudioDevice {
   PipeWireOutput& operator=(const PipeWireOutput&) = delete;
 
   void setCallbacks(AudioCallbacks callbacks) override;
+  void choose(const std::string& id) override;
+  void findOutputs() override;
   /// Waits up to half a second where the stream has to be made first; a paused one is resumed
   /// without waiting.
   bool start() override;
@@ -52,6 +56,8 @@ class PipeWireOutput final : public AudioDevice {
   void deviceIsMissing();
   void lost();
   void streamChanged();
+  void graphChanged();
+  void tellChoice();
   void notifyChanged();
 
   const std::shared_ptr<PipeWireLoop> loop_;        // fixed after construction
@@ -65,6 +71,10 @@ class PipeWireOutput final : public AudioDevice {
 
   // Guarded by the loop's lock.
   std::unique_ptr<PlaybackStream> stream_;
+  std::unique_ptr<PipeWireGraphWatch> watch_;  // null while there is no connection
+  std::optional<std::string> chosen_;          // a node's name, or empty; absent: nothing to tell
+  bool isChoiceTold_ = false;                  // the policy knows it of this stream
+  SoundOutputs outputs_;
   std::unique_ptr<PipeWireTimer> linkWatch_;    // runs while the stream should play and does not
   std::unique_ptr<PipeWireTimer> deviceWatch_;  // so does this, while a server answers
   std::chrono::milliseconds linkPatience_;

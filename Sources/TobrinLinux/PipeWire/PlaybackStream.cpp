@@ -15,12 +15,14 @@ constexpr uint32_t blockFrames = 256;  // about 5.3 ms; also in the stream's pro
 
 // No media role: streams of one role share their remembered volume (system sounds, a screen
 // reader), and policies duck or mute by role while a call is on.
-pw_properties* streamProperties() {
-  return pw_properties_new(PW_KEY_MEDIA_TYPE, "Audio", PW_KEY_MEDIA_CATEGORY, "Playback",
-                           PW_KEY_MEDIA_NAME, "Keyboard sounds", PW_KEY_NODE_NAME, "tobrin",
-                           PW_KEY_NODE_DESCRIPTION, "Tobrin", PW_KEY_NODE_LATENCY, "256/48000",
-                           PW_KEY_APP_NAME, "Tobrin", PW_KEY_APP_ID, "app.tobrin",
-                           PW_KEY_APP_ICON_NAME, "tobrin", nullptr);
+pw_properties* streamProperties(const std::string& target) {
+  pw_properties* const properties = pw_properties_new(
+      PW_KEY_MEDIA_TYPE, "Audio", PW_KEY_MEDIA_CATEGORY, "Playback", PW_KEY_MEDIA_NAME,
+      "Keyboard sounds", PW_KEY_NODE_NAME, "tobrin", PW_KEY_NODE_DESCRIPTION, "Tobrin",
+      PW_KEY_NODE_LATENCY, "256/48000", PW_KEY_APP_NAME, "Tobrin", PW_KEY_APP_ID, "app.tobrin",
+      PW_KEY_APP_ICON_NAME, "tobrin", nullptr);
+  if (!target.empty()) pw_properties_set(properties, PW_KEY_TARGET_OBJECT, target.c_str());
+  return properties;
 }
 
 int nameThread(spa_loop* /*loop*/, bool /*async*/, uint32_t /*sequence*/, const void* /*data*/,
@@ -38,11 +40,11 @@ void nameDataThread(pw_stream* stream) {
 
 }  // namespace
 
-PlaybackStream::PlaybackStream(pw_core* core, const RenderGate& gate,
+PlaybackStream::PlaybackStream(pw_core* core, const RenderGate& gate, const std::string& target,
                                std::function<void()> stateChanged)
     : gate_(gate),
       stateChanged_(std::move(stateChanged)),
-      stream_(core, {.properties = streamProperties(),
+      stream_(core, {.properties = streamProperties(target),
                      .process = process,
                      .context = this,
                      .stateChanged = [this] { changed(); }}) {
@@ -53,8 +55,9 @@ void PlaybackStream::setActive(bool active) {
   pw_stream_set_active(stream_.get(), active);
 }
 
-uint32_t PlaybackStream::nodeId() const {
-  return pw_stream_get_node_id(stream_.get());
+std::optional<uint32_t> PlaybackStream::nodeId() const {
+  const uint32_t id = pw_stream_get_node_id(stream_.get());
+  return id == PW_ID_ANY ? std::nullopt : std::optional(id);
 }
 
 void PlaybackStream::changed() {

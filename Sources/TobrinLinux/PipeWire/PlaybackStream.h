@@ -1,11 +1,13 @@
 /// The stream that plays: asks the server for blocks of 256 frames and has them rendered on the
-/// data thread. The server moves it along with the user's default device. The caller holds the
-/// loop's lock. Thread: any.
+/// data thread. The server moves it along with the user's default device, unless it has a target.
+/// The caller holds the loop's lock. Thread: any.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <optional>
+#include <string>
 
 #include "Engine/AudioDevice.h"
 #include "PipeWire/PipeWireStream.h"
@@ -22,9 +24,12 @@ class PlaybackStream final {
  public:
   using State = PipeWireStream::State;
 
-  /// Connects at once and active. `gate` outlives the stream. `stateChanged` is called on the loop
-  /// thread and must not destroy the stream. Throws std::runtime_error where the library refuses.
-  PlaybackStream(pw_core* core, const RenderGate& gate, std::function<void()> stateChanged);
+  /// Connects at once and active, to the node with the name `target`; empty, or where there is none
+  /// of that name: to the default device. `gate` outlives the stream. `stateChanged` is called on
+  /// the loop thread and must not destroy the stream. Throws std::runtime_error where the library
+  /// refuses.
+  PlaybackStream(pw_core* core, const RenderGate& gate, const std::string& target,
+                 std::function<void()> stateChanged);
 
   /// An inactive stream lets its device fall asleep, and gets no callbacks once the server has
   /// taken notice.
@@ -37,8 +42,8 @@ class PlaybackStream final {
 
   [[nodiscard]] const std::string& error() const { return stream_.error(); }
 
-  /// The stream's id among the server's objects.
-  [[nodiscard]] uint32_t nodeId() const;
+  /// The stream's id among the server's objects; nothing while it is not known yet.
+  [[nodiscard]] std::optional<uint32_t> nodeId() const;
 
  private:
   void changed();

@@ -97,6 +97,69 @@ TEST_F(PipeWireOutputTest, PausedIsIdleAlsoWhileTheServerComesAndGoes) {
   EXPECT_TRUE(eventually([&] { return player_.blocks > blocks; }));
 }
 
+TEST_F(PipeWireOutputTest, PlaysOnTheChosenDeviceWheneverItIsThere) {
+  const auto shell = [](const std::string& line) {
+    return ChildProcess({"sh", "-c", line}).wait();
+  };
+  const auto plug = [&](const std::string& name) {
+    ASSERT_EQ(shell("pactl load-module module-null-sink sink_name=" + name +
+                    " sink_properties=device.description=The_" + name),
+              0);
+  };
+  const auto unplug = [&](const std::string& name) {
+    ASSERT_EQ(shell("pactl unload-module $(pactl list short modules | grep sink_name=" + name +
+                    " | cut -f1)"),
+              0);
+  };
+  const auto setDefault = [&](const std::string& name) {
+    ASSERT_EQ(shell("pactl set-default-sink " + name), 0);
+  };
+  const auto playsOn = [&](const std::string& name) {
+    return eventually([&] { return player_.used() == name && output_.isRunning(); }, 1s);
+  };
+  output_.findOutputs();
+  EXPECT_TRUE(eventually([&] { return player_.used() == "test_sink"; })) << "without a start";
+  plug("wanted");
+  output_.choose("wanted");
+  ASSERT_TRUE(output_.start());
+  EXPECT_TRUE(playsOn("The_wanted"));
+  {
+    testing::SinkRecording there("wanted"), elsewhere("test_sink");
+    player_.pulseFrames = 1000;
+    EXPECT_TRUE(eventually([&] { return there.heard().size() == 1000; }));
+    EXPECT_TRUE(elsewhere.heard().empty());
+  }
+  // Where the default and the chosen one were the same for a while, they part again.
+  setDefault("wanted");
+  unplug("wanted");
+  EXPECT_TRUE(playsOn("test_sink")) << "the default stands in";
+  const int blocks = player_.blocks;
+  EXPECT_TRUE(eventually([&] { return player_.blocks > blocks; }, 1s));
+  plug("wanted");
+  EXPECT_TRUE(playsOn("The_wanted"));
+  setDefault("test_sink");
+  std::this_thread::sleep_for(300ms);
+  EXPECT_TRUE(playsOn("The_wanted"));
+
+  // What the desktop's mixer says later holds, also when other devices come.
+  plug("moved");
+  ASSERT_EQ(shell("pactl move-sink-input $(pactl list short sink-inputs | cut -f1) moved"), 0);
+  EXPECT_TRUE(playsOn("The_moved"));
+  plug("other");
+  std::this_thread::sleep_for(300ms);
+  EXPECT_TRUE(playsOn("The_moved"));
+  output_.choose("");
+  EXPECT_TRUE(playsOn("test_sink"));
+  setDefault("other");
+  EXPECT_TRUE(playsOn("The_other")) << "the default is followed";
+  setDefault("test_sink");
+  output_.pause();
+  output_.choose("moved");
+  EXPECT_TRUE(eventually([&] { return player_.used() == "The_moved"; })) << "while it rests";
+  for (const char* name : {"wanted", "moved", "other"})
+    unplug(name);
+}
+
 class MakeAudioDeviceTest : public ::testing::Test {
  protected:
   MakeAudioDeviceTest() {
