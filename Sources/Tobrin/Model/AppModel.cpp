@@ -10,6 +10,9 @@ AppModel::AppModel(AppServices services, std::optional<Preview> preview)
       sensorAvailable_(services_.motionSource != nullptr || (preview && preview->reading)),
       saver_(services_.main,
              [this] { return services_.settings.write(settingsKey, settings_.toJson()); }),
+      comfortsSaver_(services_.main,
+                     [this] { return services_.settings.write(comfortsKey, comforts_.toJson()); }),
+      outputs_(outputServices()),
       shelf_(services_.main, services_.adding, services_.addPack, services_.discardPack),
       self_(std::make_shared<AppModel*>(this)),
       guide_(guideServices()) {
@@ -20,7 +23,10 @@ AppModel::AppModel(AppServices services, std::optional<Preview> preview)
                                                       if (onStart) onStart(ForceSensor::threadName);
                                                     })
                     : nullptr;
-  auto output = std::make_unique<AudioOutput>(std::move(services_.audioDevice));
+  auto output = std::make_unique<AudioOutput>(
+      std::move(services_.audioDevice), [this](const SoundOutputs& outputs) {
+        onMain([this, outputs] { outputs_.outputsChanged(outputs); });
+      });
   output->setOnProblem([this](const std::string& problem) {
     onMain([this, problem] { outputProblemChanged(problem); });
   });
@@ -126,6 +132,7 @@ void AppModel::wireCallbacks() {
   services_.workspace.setOnTerminate([this] {
     conductor_->shutdown();
     saver_.save();
+    comfortsSaver_.save();
   });
 }
 
@@ -134,6 +141,7 @@ void AppModel::start() {
   registerShortcut();
   if (preview_) return;
   if (isFirstStart_) saver_.saveSoon();
+  outputs_.start();
   conductor_->apply(effectiveSettings(), true);
   keyAccess_->start();
   updateMicMonitor();
@@ -150,6 +158,7 @@ void AppModel::setSettings(const EngineSettings& settings) {
     registerShortcut();
   }
   if (old.quietDuringCalls != settings_.quietDuringCalls) updateMicMonitor();
+  if (old.volume != settings_.volume) outputs_.volumeChanged(settings_.volume);
   if (!preview_) conductor_->apply(effectiveSettings(), true);
   emit settingsChanged();
   emit statusChanged();
@@ -159,7 +168,7 @@ void AppModel::setComforts(const Comforts& comforts) {
   if (comforts == comforts_) return;
   comforts_ = comforts;
   monitor_->holdBack(comforts_.heldBackKeyboards);
-  if (!preview_) services_.settings.write(comfortsKey, comforts_.toJson());
+  if (!preview_) comfortsSaver_.saveSoon();
   updateMicMonitor();
   if (!preview_) conductor_->apply(effectiveSettings(), false);
   applyMask();
@@ -262,6 +271,26 @@ void AppModel::sensorChanged(const std::string& problem) {
 }
 
 // Output
+
+OutputChoice::Services AppModel::outputServices() {
+  return {.memory = comforts_.outputs,
+          .saveMemory =
+              [this] {
+                if (!preview_) comfortsSaver_.saveSoon();
+              },
+          .play = [this](const std::string& id) { conductor_->chooseOutput(id); },
+          .volume = [this] { return settings_.volume; },
+          .setVolume = [this](float volume) { adoptVolume(volume); }};
+}
+
+// Nobody has touched anything: an engine that rests goes on resting.
+void AppModel::adoptVolume(float volume) {
+  if (std::exchange(settings_.volume, volume) == volume) return;
+  saver_.saveSoon();
+  conductor_->apply(effectiveSettings(), false);
+  emit settingsChanged();
+  emit statusChanged();
+}
 
 void AppModel::outputProblemChanged(const std::string& problem) {
   soundProblem_ = problem.empty() ? "" : "No sound: " + problem + ".";
@@ -373,6 +402,7 @@ void AppModel::menuOpened() {
   lookForPacks();
   if (!preview_) keyAccess_->look();
   registerShortcut();
+  if (!preview_) conductor_->findOutputs();
 }
 
 void AppModel::audition() {

@@ -18,6 +18,7 @@
 #include "Model/AppServices.h"
 #include "Model/Comforts.h"
 #include "Model/KeyAccess.h"
+#include "Model/OutputChoice.h"
 #include "Model/PackSelection.h"
 #include "Model/PackShelf.h"
 #include "Model/PlayedPack.h"
@@ -101,6 +102,8 @@ class AppModel final : public QObject {
 
   /// What the user adds to their packs, and takes from them.
   [[nodiscard]] PackShelf& shelf() { return shelf_; }
+  /// Where it sounds.
+  [[nodiscard]] OutputChoice& outputs() { return outputs_; }
   /// Recording one's own keyboard.
   [[nodiscard]] RecordingGuide& recordingGuide() { return guide_; }
   /// Moves one of the user's own packs to the trash; the one after it takes its place.
@@ -160,6 +163,8 @@ class AppModel final : public QObject {
   void lockChanged(bool isLocked);
   [[nodiscard]] bool isSilentByLock() const { return isLocked_ && comforts_.quietWhileLocked; }
   void sensorChanged(const std::string& problem);
+  [[nodiscard]] OutputChoice::Services outputServices();
+  void adoptVolume(float volume);
   void outputProblemChanged(const std::string& problem);
   void startPacks(const std::string& selectedID);
   void packAdded(const std::string& id);
@@ -177,6 +182,8 @@ class AppModel final : public QObject {
   EngineSettings settings_;
   Comforts comforts_;
   SettingsSaver saver_;
+  SettingsSaver comfortsSaver_;
+  OutputChoice outputs_;
   PackShelf shelf_;
   bool isSilent_ = false;  // while a keyboard is recorded
   std::string selectedBeforeRemoval_;

@@ -1,5 +1,6 @@
 #include "Model/Comforts.h"
 
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
@@ -34,6 +35,39 @@ std::optional<std::string> textOf(const Json& element) {
   return element.get<std::string>();
 }
 
+void read(const Json& document, const char* key, std::string& value) {
+  const auto found = document.find(key);
+  if (found != document.end() && found->is_string()) value = found->get<std::string>();
+}
+
+/// Nothing where it is no volume.
+std::optional<float> asVolume(const Json& value) {
+  constexpr double most = 4;  // the mixer's limit
+  if (!value.is_number()) return std::nullopt;
+  const auto number = value.get<double>();
+  if (!(number >= 0 && number <= most)) return std::nullopt;
+  return static_cast<float>(number);
+}
+
+/// To four places: a slider's step is larger.
+Json volumesAsJson(const std::map<std::string, float>& volumes) {
+  Json object = Json::object();
+  for (const auto& [id, volume] : volumes)
+    object[id] = std::round(static_cast<double>(volume) * 10000) / 10000;
+  return object;
+}
+
+OutputMemory readOutputs(const Json& document) {
+  OutputMemory outputs;
+  read(document, "output", outputs.chosen);
+  read(document, "outputName", outputs.chosenName);
+  const auto volumes = document.find("outputVolumes");
+  if (volumes == document.end() || !volumes->is_object()) return outputs;
+  for (const auto& [id, value] : volumes->items())
+    if (const auto volume = asVolume(value)) outputs.volumes[id] = *volume;
+  return outputs;
+}
+
 }  // namespace
 
 Comforts Comforts::fromJson(std::string_view text) {
@@ -44,15 +78,20 @@ Comforts Comforts::fromJson(std::string_view text) {
   read(document, "quietWhileLocked", comforts.quietWhileLocked);
   read(document, "keepsWideKeyAccess", comforts.keepsWideKeyAccess);
   readList(document, "heldBackKeyboards", comforts.heldBackKeyboards, textOf);
+  comforts.outputs = readOutputs(document);
   return comforts;
 }
 
 std::string Comforts::toJson() const {
-  return Json{{"maskWhileRecorded", maskWhileRecorded},
-              {"quietWhileLocked", quietWhileLocked},
-              {"keepsWideKeyAccess", keepsWideKeyAccess},
-              {"heldBackKeyboards", heldBackKeyboards}}
-      .dump();
+  const Json document = {{"maskWhileRecorded", maskWhileRecorded},
+                         {"quietWhileLocked", quietWhileLocked},
+                         {"keepsWideKeyAccess", keepsWideKeyAccess},
+                         {"heldBackKeyboards", heldBackKeyboards},
+                         {"output", outputs.chosen},
+                         {"outputName", outputs.chosenName},
+                         {"outputVolumes", volumesAsJson(outputs.volumes)}};
+  // Devices bring names of their own.
+  return document.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 }  // namespace tobrin

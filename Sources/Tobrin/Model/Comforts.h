@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "Input/HeldBackKeyboards.h"
+#include "Model/OutputMemory.h"
 
 namespace tobrin {
 
@@ -16,6 +17,7 @@ struct Comforts {
   bool quietWhileLocked = true;
   /// An older access to keys, which other programs have, too, is to stay as it is.
   bool keepsWideKeyAccess = false;
+  OutputMemory outputs{};
 
   /// Silent are keys of keyboards with these names.
   HeldBackKeyboards::Names heldBackKeyboards = HeldBackKeyboards::usual();

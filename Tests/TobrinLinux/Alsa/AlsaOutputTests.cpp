@@ -109,6 +109,28 @@ TEST_F(AlsaOutputTest, TriesAgainUntilTheDeviceIsThere) {
   EXPECT_EQ(output.problem(), "");
 }
 
+TEST_F(AlsaOutputTest, TheDefaultStandsInForAChosenDeviceThatIsAway) {
+  const std::string later = folder_.path() / "later.conf";
+  configure("pcm.usual { type null }\n@hooks [ { func load files [ \"" + later +
+            "\" ] errors false } ]");
+  AlsaOutput output("usual");
+  output.setCallbacks(player_.callbacks());
+  const auto plays = [&](const std::string& device) {
+    const int blocks = player_.blocks;
+    return eventually([&] { return player_.used() == device && player_.blocks > blocks; });
+  };
+  output.choose("chosen");
+  ASSERT_TRUE(output.start()) << output.problem();
+  EXPECT_TRUE(plays("usual"));
+  output.pause();
+  folder_.write("later.conf", "pcm.chosen { type null }");
+  ASSERT_TRUE(output.start());
+  EXPECT_TRUE(plays("chosen"));
+  output.choose("");
+  EXPECT_TRUE(plays("usual")) << "while it plays";
+  EXPECT_FALSE(player_.overlapped);
+}
+
 TEST_F(AlsaOutputTest, JackDoesNotComplainAtEveryTry) {
   configure("pcm.patched { type plug slave.pcm { type jack } }");
   EXPECT_THROW(AlsaPcm("patched"), std::runtime_error);

@@ -1,0 +1,89 @@
+#include "Model/OutputChoice.h"
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+namespace tobrin {
+namespace {
+
+/// Devices of one name are told apart by a number that follows from their ids.
+void numberEqualNames(std::vector<OutputChoice::Entry>& sorted) {
+  for (auto first = sorted.begin(); first != sorted.end();) {
+    const auto next = std::find_if(first, sorted.end(),
+                                   [&](const auto& entry) { return entry.name != first->name; });
+    for (auto entry = first + 1; entry < next; ++entry)
+      entry->name += " (" + std::to_string(entry - first + 1) + ")";
+    first = next;
+  }
+}
+
+}  // namespace
+
+OutputChoice::OutputChoice(Services services) : services_(std::move(services)) {}
+
+void OutputChoice::start() {
+  if (!chosen().empty()) services_.play(chosen());
+}
+
+void OutputChoice::outputsChanged(const SoundOutputs& outputs) {
+  outputs_ = outputs;
+  noteName();
+  // Between two devices none is used for a moment; the volume waits for the next.
+  if (!outputs_.used.empty() && std::exchange(used_, outputs_.used) != outputs_.used) adoptVolume();
+  emit changed();
+}
+
+void OutputChoice::adoptVolume() {
+  const auto known = services_.memory.volumes.find(used_);
+  if (known != services_.memory.volumes.end())
+    services_.setVolume(known->second);
+  else
+    volumeChanged(services_.volume());
+}
+
+void OutputChoice::volumeChanged(float volume) {
+  if (used_.empty()) return;
+  const auto [entry, isNew] = services_.memory.volumes.try_emplace(used_, volume);
+  if (!isNew && std::exchange(entry->second, volume) == volume) return;
+  services_.saveMemory();
+}
+
+void OutputChoice::choose(const std::string& id) {
+  services_.memory.chosen = id;
+  services_.memory.chosenName.clear();
+  noteName();
+  services_.saveMemory();
+  services_.play(id);
+  emit changed();
+}
+
+void OutputChoice::noteName() {
+  for (const SoundOutput& output : outputs_.present) {
+    if (output.id != chosen() || output.name == services_.memory.chosenName) continue;
+    services_.memory.chosenName = output.name;
+    services_.saveMemory();
+  }
+}
+
+std::vector<OutputChoice::Entry> OutputChoice::entries() const {
+  std::vector<Entry> entries;
+  for (const SoundOutput& output : outputs_.present)
+    entries.push_back({.id = output.id, .name = output.name});
+  const auto isChosen = [this](const Entry& entry) { return entry.id == chosen(); };
+  if (!chosen().empty() && std::ranges::none_of(entries, isChosen)) {
+    const std::string& name = services_.memory.chosenName;
+    entries.push_back({.id = chosen(), .name = name.empty() ? chosen() : name, .isPresent = false});
+  }
+  std::ranges::sort(entries, {}, [](const Entry& entry) { return std::tie(entry.name, entry.id); });
+  numberEqualNames(entries);
+  return entries;
+}
+
+std::string OutputChoice::usedName() const {
+  for (const Entry& entry : entries())
+    if (entry.id == outputs_.used) return entry.name;
+  return {};
+}
+
+}  // namespace tobrin

@@ -1,0 +1,61 @@
+/// Where it sounds, and how loud there: the user's choice among the output devices, and for each
+/// device the volume that it was last given. Thread: main.
+#pragma once
+
+#include <QObject>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Engine/SoundOutputs.h"
+#include "Model/OutputMemory.h"
+
+namespace tobrin {
+
+class OutputChoice final : public QObject {
+  Q_OBJECT
+
+ public:
+  struct Services {
+    OutputMemory& memory;                             ///< outlives this object
+    std::function<void()> saveMemory;                 ///< it has changed
+    std::function<void(const std::string& id)> play;  ///< on this device; empty: the default one
+    std::function<float()> volume;                    ///< of the moment
+    std::function<void(float volume)> setVolume;      ///< for the device that plays now
+  };
+  struct Entry {
+    std::string id;
+    std::string name;  ///< no two have the same
+    bool isPresent = true;
+  };
+
+  explicit OutputChoice(Services services);
+
+  /// Has the choice of an earlier run played on.
+  void start();
+  /// The devices have changed, or another one plays.
+  void outputsChanged(const SoundOutputs& outputs);
+  /// The user has set another volume.
+  void volumeChanged(float volume);
+  /// Empty: the system's default.
+  void choose(const std::string& id);
+
+  /// Every device in the order of the names, also the chosen one while it is away.
+  [[nodiscard]] std::vector<Entry> entries() const;
+  [[nodiscard]] const std::string& chosen() const { return services_.memory.chosen; }
+  /// The name of the device that plays or is about to; empty while it is not known.
+  [[nodiscard]] std::string usedName() const;
+
+ signals:
+  void changed();
+
+ private:
+  void adoptVolume();
+  void noteName();
+
+  const Services services_;
+  SoundOutputs outputs_;
+  std::string used_;  // id of the device that the volume of now belongs to
+};
+
+}  // namespace tobrin
