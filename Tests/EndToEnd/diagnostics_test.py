@@ -14,41 +14,22 @@ from listening import (Background, DesktopTest, Tobrin, control, find_sounds, ma
 
 PACKS, PROGRAM = sys.argv.pop(), sys.argv.pop()
 os.environ["TOBRIN_PACKS"] = PACKS
-IN_USE, FREE = "mic in use: sounds pause", "mic free: sounds resume"
 RELEASE_SECONDS = 1.0
 PULSE_CLIENT = ("parec", "--raw", "-d", "test_mic", "/dev/null")
 MONITOR_CLIENT = ("parec", "--raw", "-d", "test_sink.monitor", "/dev/null")
 
 
 class MicTest(DesktopTest):
-    def changes(self, watch):
-        return [line.split("  ", 1)[1] for line in watch.lines if line.endswith((IN_USE, FREE))]
-
-    def test_the_watch_counts_calls_and_nothing_else(self):
+    def test_the_watch_names_who_calls(self):
         with Background([PROGRAM, "--micwatch", "60"]) as watch:
             watch.wait_for("mic in use: no")
-            native_client = ("pw-record", "--target", "test_mic", str(self.folder / "call.wav"))
-            for client in (native_client, PULSE_CLIENT):
-                with Background(client) as call:
-                    watch.wait_for(IN_USE, 5)
-                    self.assertIn(f"recording: {client[0]}", watch.wait_for("recording: ", 5))
-                    call.stop()
-                ended = time.monotonic()
-                watch.wait_for(FREE, 5)
-                self.assertGreater(time.monotonic() - ended, RELEASE_SECONDS - 0.1)
-                self.assertLess(time.monotonic() - ended, RELEASE_SECONDS + 0.5)
-                self.assertIn("recording: nobody", watch.wait_for("recording: ", 5))
             with Background(MONITOR_CLIENT):
                 self.assertTrue(watch.quiet_for(1.5), "a monitor is no microphone")
-            self.assertEqual(self.changes(watch), [IN_USE, FREE] * 2)
-
-            with Background(PULSE_CLIENT):
-                watch.wait_for(IN_USE, 5)
-            time.sleep(0.5)
-            with Background(PULSE_CLIENT):
-                watch.quiet_for(1.6, 3)
-            watch.wait_for(FREE, 5)
-            self.assertEqual(self.changes(watch), [IN_USE, FREE] * 3, "a gap of half a second is no end")
+            for client in (("pw-record", "--target", "test_mic", str(self.folder / "call.wav")), PULSE_CLIENT):
+                with Background(client):
+                    watch.wait_for("mic in use: sounds pause", 5)
+                    self.assertIn(f"recording: {client[0]}", watch.wait_for("recording: ", 5))
+                watch.wait_for("mic free: sounds resume", 5)
 
     def test_a_call_silences_typing_and_gives_it_back_whole(self):
         packs, wav = write_click_pack(self.folder), self.folder / "heard.wav"

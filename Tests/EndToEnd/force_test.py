@@ -1,34 +1,22 @@
 #!/usr/bin/env python3
-"""The harder the case is shaken, the louder the key: force_test.py PROGRAM FORCE-TOOL, in a desktop session."""
+"""The harder the case is shaken, the louder the key: force_test.py PROGRAM, in a desktop session."""
 
-import csv
-import io
 import math
 import os
 import pathlib
 import statistics
-import subprocess
 import sys
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
 from listening import DesktopTest, Tobrin, plateaus_db, press_keys, record, write_pack  # noqa: E402
 
-FORCE_TOOL, PROGRAM = sys.argv.pop(), sys.argv.pop()
+PROGRAM = sys.argv.pop()
 TIERS = {"soft": 0.03, "medium": 0.08, "hard": 0.2, "slam": 0.5}
 # Fewer than teach the program what a typical keystroke is.
 PRESSES = 6
 SENSITIVITY = 0.6
-
-
-def expected_db(relative, position):
-    """The steady level of one key: neighbouring tiers in an equal-power blend, and the edge gain."""
-    levels = list(TIERS.values())
-    tier, share = int(position), (position % 1) * math.pi / 2
-    blend = levels[tier] * math.cos(share) + (levels[tier + 1] * math.sin(share) if share else 0)
-    edge = max(math.sqrt(relative / 0.4), 0.45) if relative < 0.4 else 1.0
-    edge = min((relative / 4) ** 0.25, 1.25) if relative > 4 else edge
-    return 20 * math.log10(blend * edge)
+SOFTEST_TO_HARDEST_DB = 26.3  # 24.4 between these takes, and what lies beyond soft and slam adds
 
 
 class ForceTest(DesktopTest):
@@ -45,16 +33,6 @@ class ForceTest(DesktopTest):
         trace.write_text("time_ns,x,y,z\n" + "\n".join(rows) + "\n", encoding="utf-8")
         return trace
 
-    def replayed(self, trace):
-        """What the force tool makes of a key in that trace: relative strength and position."""
-        keys = self.folder / "keys.csv"
-        keys.write_text("time_ns,code\n500000000,0\n", encoding="utf-8")
-        output = subprocess.run([FORCE_TOOL, "replay", trace, keys, "--sensitivity", str(SENSITIVITY)], check=True,
-                                stdout=subprocess.PIPE, text=True)
-        last = list(csv.DictReader(io.StringIO(output.stdout)))[-1]
-        self.assertEqual((last["stage"], last["counted"]), ("16", "1"))
-        return float(last["relative"]), float(last["position"])
-
     def heard(self, trace):
         """Level of the same key typed with that trace as the sensor."""
         wav = self.folder / "heard.wav"
@@ -70,19 +48,10 @@ class ForceTest(DesktopTest):
         # Strokes vary by chance, but by the same chance in every run.
         return statistics.mean(levels)
 
-    def test_the_level_follows_the_impact_as_predicted(self):
-        heard, predicted, positions = [], [], []
-        for strength_g in (0.012, 0.03, 0.06, 0.16):
-            trace = self.write_shaking(strength_g)
-            relative, position = self.replayed(trace)
-            positions.append(round(position, 2))
-            predicted.append(expected_db(relative, position))
-            heard.append(self.heard(trace))
-        self.assertEqual((positions[0], positions[-1]), (0, 3), positions)
-        # What remains is the same for all: the volume, and the way from peak to RMS.
-        errors = [one - other - heard[0] + predicted[0] for one, other in zip(heard, predicted)]
-        self.assertLess(max(map(abs, errors)), 1.0, (positions, heard, predicted))
-        print(f"positions {positions}, heard {heard}, off by {errors} dB")
+    def test_the_level_follows_the_impact(self):
+        heard = [self.heard(self.write_shaking(strength_g)) for strength_g in (0.012, 0.03, 0.06, 0.16)]
+        self.assertEqual(heard, sorted(heard))
+        self.assertAlmostEqual(heard[-1] - heard[0], SOFTEST_TO_HARDEST_DB, delta=1)
 
     def test_a_sensor_that_cannot_be_read_stops_no_key(self):
         self.heard(self.folder)  # as a trace
