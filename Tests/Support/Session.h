@@ -77,6 +77,7 @@ class Session final {
   }
   static std::string entriesOf(const std::filesystem::path& folder) {
     std::set<std::string> names;
+    if (!std::filesystem::is_directory(folder)) return "no folder\n";
     for (const auto& entry : std::filesystem::directory_iterator(folder))
       names.insert(entry.path().filename().string() + "\n");
     std::string all;

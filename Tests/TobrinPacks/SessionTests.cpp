@@ -23,6 +23,7 @@ TEST(PackWorkshop, AnswersEverythingAsItDid) {
   testing::Session session(testing::run);
   setenv("TOBRIN_PACKS", "bundled", 1);
   setenv("XDG_DATA_HOME", session.folder.path().c_str(), 1);
+  setenv("XDG_CACHE_HOME", (session.folder.path() / "caches").c_str(), 1);
   testing::writeFiles(session.folder.path(),
                       {{"click.wav", testing::wav16({}, std::vector<int16_t>(480, 8000))},
                        {"mono.wav", tone(1)},

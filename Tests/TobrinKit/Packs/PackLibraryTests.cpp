@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "Base/UserFolders.h"
 #include "Packs/NameOrder.h"
 #include "Packs/PackLibrary.h"
 #include "Packs/PackManifest.h"
@@ -82,6 +83,12 @@ TEST_F(PackLibraryFolders, FindsTheUsersFolder) {
     variables_["XDG_DATA_HOME"] = ignored;
     EXPECT_EQ(folder(), "/home/me/.local/share/Tobrin/Packs");
   }
+  EXPECT_EQ(configFolder(environment()), "/home/me/.config");
+  EXPECT_EQ(cacheFolder(environment()), "/home/me/.cache");
+  variables_["XDG_CONFIG_HOME"] = "/config";
+  variables_["XDG_CACHE_HOME"] = "/cache";
+  EXPECT_EQ(configFolder(environment()) / cacheFolder(environment()).relative_path(),
+            "/config/cache");
   variables_.erase("HOME");
   EXPECT_TRUE(std::filesystem::path(folder()).is_absolute());
 }

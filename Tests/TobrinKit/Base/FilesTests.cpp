@@ -1,0 +1,99 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <system_error>
+
+#include "Base/AtomicFile.h"
+#include "Base/ParallelFor.h"
+#include "Base/RegularFile.h"
+#include "Support/Failure.h"
+#include "Support/TempFolder.h"
+
+namespace tobrin {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::contentOf;
+using testing::entriesIn;
+
+TEST(AtomicFile, ReplacesContentAndKeepsPermissionsAndLinks) {
+  const testing::TempFolder folder;
+  const fs::path file = folder.write("settings.json", "old and longer");
+  fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+  writeFileAtomically(file, "new");
+  EXPECT_EQ(contentOf(file), "new");
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_EQ(entriesIn(folder.path()), 1);
+  std::vector<std::string> flushed;
+  writeFileAtomically(file, "newer", [&](const fs::path& path) {
+    flushed.push_back((path == folder.path() ? "folder," : contentOf(path) + ",") +
+                      contentOf(file));
+  });
+  EXPECT_EQ(flushed, (std::vector<std::string>{"newer,new", "folder,newer"}));
+  writeFileAtomically(folder.path() / std::string(255, 'x'), "");
+  fs::remove(folder.path() / std::string(255, 'x'));
+  fs::create_symlink(file, folder.path() / "link");
+  writeFileAtomically(folder.path() / "link", "newest");
+  EXPECT_TRUE(fs::is_symlink(folder.path() / "link"));
+  EXPECT_EQ(contentOf(file), "newest");
+}
+
+TEST(AtomicFile, FailureNamesTheTargetAndLeavesNothingBehind) {
+  const testing::TempFolder folder;
+  const fs::path occupied = folder.path() / "folder";
+  fs::create_directory(occupied);
+  for (const fs::path& target : {occupied, folder.path() / "missing/file"}) {
+    const auto failure = testing::failureOf([&] { writeFileAtomically(target, "text"); });
+    EXPECT_NE(failure.find("[" + target.string() + "]"), std::string::npos) << failure;
+  }
+  EXPECT_EQ(entriesIn(folder.path()), 1);
+}
+
+TEST(RegularFile, ReadsWhatIsOneUpToItsLimit) {
+  const testing::TempFolder folder;
+  const fs::path file = folder.write("file", "12345"), pipe = folder.path() / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(RegularFile(file).readText(5), "12345");
+  const fs::path growing = "/proc/self/status";  // its size is 0
+  EXPECT_TRUE(RegularFile(growing).readText(100'000).ends_with('\n'));
+  const std::tuple<fs::path, uint64_t, std::errc> rows[] = {
+      {file, 4, std::errc::file_too_large},
+      {growing, 100, std::errc::file_too_large},
+      {folder.path(), 9, std::errc::is_a_directory},
+      {pipe, 9, std::errc::invalid_argument},
+      {folder.path() / "absent", 9, std::errc::no_such_file_or_directory},
+      {file.string() + std::string("\0", 1), 9, std::errc::no_such_file_or_directory}};
+  for (const auto& [path, most, reason] : rows) {
+    try {
+      (void)RegularFile(path).readText(most);
+      ADD_FAILURE() << path;
+    } catch (const std::system_error& error) {
+      EXPECT_EQ(error.code(), reason) << path;
+    }
+  }
+}
+
+TEST(ParallelFor, RunsEachPieceOnceAndGivesUpAfterAnError) {
+  for (const unsigned threads : {0u, 1u, 3u, 200u}) {
+    std::array<std::atomic<int>, 100> runs{};
+    const auto work = [&](bool fails) {
+      return testing::failureOf([&] {
+        parallelFor(runs.size(), threads, [&](std::size_t i) {
+          ++runs[i];
+          if (fails && i >= 7) throw std::runtime_error(std::to_string(i));
+        });
+      });
+    };
+    EXPECT_EQ(work(false), "(none)");
+    EXPECT_TRUE(std::ranges::all_of(runs, [](const auto& count) { return count == 1; }));
+    EXPECT_EQ(work(true), "7") << "the first of " << threads;
+    const auto again = std::ranges::count_if(runs, [](const auto& count) { return count == 2; });
+    EXPECT_TRUE(threads != 1 || again == 8) << again;
+  }
+}
+
+}  // namespace
+}  // namespace tobrin
