@@ -113,6 +113,14 @@ class DeskShortcuts final : public ShortcutService {
   ShortcutDesk& desk_;
 };
 
+/// Who follows the focus; empty while nobody does.
+struct ScriptedFrontWindow final : FrontWindow {
+  explicit ScriptedFrontWindow(Changed& follower) : follower_(follower) {}
+  void start(Changed changed) override { follower_ = std::move(changed); }
+  void stop() override { follower_ = nullptr; }
+  Changed& follower_;
+};
+
 class AppModelTest : public ::testing::Test {
  protected:
   AppModelTest() {
@@ -146,6 +154,7 @@ class AppModelTest : public ::testing::Test {
             .keySource = std::make_unique<ScriptedKeySource>(keys_),
             .shortcutService = std::make_unique<DeskShortcuts>(shortcuts_),
             .micSource = std::make_unique<ScriptedMicSource>(microphone_),
+            .frontWindow = std::make_unique<ScriptedFrontWindow>(front_),
             .makeSoundCapture = [this] { return std::make_unique<ScriptedCapture>(capture_); },
             .onThreadStart = nullptr,
             .keyOfScanCode =
@@ -215,6 +224,7 @@ class AppModelTest : public ::testing::Test {
   MotionScript motion_;
   bool hasSensor_ = false;
   ShortcutDesk shortcuts_;
+  FrontWindow::Changed front_;
   std::shared_ptr<MicState> microphone_ = std::make_shared<MicState>();
   std::shared_ptr<CaptureScript> capture_ = std::make_shared<CaptureScript>();
   std::shared_ptr<HandDrivenDevice::Controls> device_ =

@@ -409,6 +409,64 @@ TEST_F(AppModelTest, SaysWhyNoKeysComeAndIsSilentWhileTheScreenIsLocked) {
   EXPECT_FALSE(start().comforts().quietWhileLocked) << "remembered";
 }
 
+TEST_F(AppModelTest, IsQuietInChosenAppsAndInFullScreenAndLooksOnlyThen) {
+  AppModel& model = start();
+  advance(0);
+  const std::string playing = model.statusLine();
+  const auto show = [&](const Front& front) {
+    front_(front);
+    advance(0);
+  };
+  const auto wish = [&](const QuietApps::Wish& quiet) {
+    model.setComforts({.quiet = quiet});
+    advance(0);
+  };
+  EXPECT_FALSE(front_) << "nobody asks";
+  model.menuOpened();
+  show({.app = "Browser"});
+  show({.app = "tobrin"});
+  EXPECT_EQ(model.quietApps().candidate(), "Browser") << "the one before the panel";
+  model.menuClosed();
+  EXPECT_FALSE(front_);
+  EXPECT_EQ(model.quietApps().candidate(), "");
+
+  wish({.apps = {{"browser", "Secret"}}});
+  const struct {
+    Front front;
+    const char *inChosen, *inFullScreen;
+  } rows[] = {{{.app = "Browser"}, "Quiet in this app", nullptr},
+              {{.app = "Editor", .fillsScreen = true}, nullptr, "Quiet in full screen"},
+              {{.app = "", .fillsScreen = true}, nullptr, "Quiet in full screen"},
+              {{.app = "app.tobrin.Tobrin", .fillsScreen = true}, nullptr, nullptr},
+              {{.knowledge = Front::Knowledge::desktopDoesNotTell}, nullptr, nullptr},
+              {{}, nullptr, nullptr}};
+  for (const bool isChosen : {true, false}) {
+    if (!isChosen) wish({.inFullScreen = true});
+    for (const auto& row : rows) {
+      const char* const quiet = isChosen ? row.inChosen : row.inFullScreen;
+      show(row.front);
+      EXPECT_EQ(model.statusLine(), quiet != nullptr ? quiet : playing) << row.front.app;
+      keys_.press(0);
+      EXPECT_EQ(isHeard(), quiet == nullptr) << row.front.app;
+      keys_.release(0);
+      isHeard();  // until it has died away
+    }
+  }
+  wish({.apps = {{"browser", "Secret"}}});
+  show({.app = "Browser"});
+  EXPECT_EQ(model.status().quietApp, "Secret");
+  EXPECT_EQ(log_.find("Secret") + log_.find("Browser"), 2 * std::string::npos);
+  const auto late = front_;
+  wish({});
+  EXPECT_EQ(model.statusLine(), playing);
+  EXPECT_FALSE(front_);
+  late({.app = "Browser"});  // was on its way
+  wish({.apps = {{"browser", "Secret"}}});
+  EXPECT_EQ(model.statusLine(), playing) << "until it is known what is in front";
+  model_.reset();
+  EXPECT_FALSE(front_);
+}
+
 TEST_F(AppModelTest, WaitsForAccessToKeys) {
   keys_.allowed = false;
   AppModel& model = start();

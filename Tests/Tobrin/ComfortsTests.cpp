@@ -17,7 +17,10 @@ TEST(Comforts, WhatIsDamagedCostsItselfAlone) {
        {.maskWhileRecorded = false}},
       {R"({"heldBackKeyboards": ["Mine", 1, {}, "Youré"]})",
        {.heldBackKeyboards = {"Mine", "Youré"}}},
-      {R"({"heldBackKeyboards": []})", {.heldBackKeyboards = {}}},
+      {R"({"heldBackKeyboards": [], "quietApps": [[], {"id": 1}, {"id": "a", "name": 2}, {"id": ""}],
+           "quietInFullScreen": true})",
+       {.quiet = {.apps = {{"a", "a"}}, .inFullScreen = true}, .heldBackKeyboards = {}}},
+      {R"({"quietApps": {"id": "a"}})", {}},
   };
   for (const auto& row : rows) {
     const Comforts read = Comforts::fromJson(row.text);

@@ -13,6 +13,7 @@
 #include "Desktop/SessionSound.h"
 #include "Desktop/XdgTrash.h"
 #include "Evdev/KeyCodes.h"
+#include "Front/SessionFront.h"
 #include "Motion/FindMotionSource.h"
 #include "Packs/PackLibrary.h"
 #include "Packs/PackLoader.h"
@@ -70,6 +71,7 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
       .keySource = makeKeySource(),
       .shortcutService = std::make_unique<DesktopShortcuts>(portalMemory(settings_, main_)),
       .micSource = makeMicSource(soundServer),
+      .frontWindow = makeFrontWindow(),
       .makeSoundCapture = makeSoundCapture,
       .onThreadStart = prepareTimelyThread,
       .keyOfScanCode = [](uint32_t code) { return virtualCodeOf(code - xKeyCodeOffset); },

@@ -120,6 +120,10 @@ void AppModel::wireCallbacks() {
   micMonitor_->setOnOutputRecorded([this, self = self_](bool recorded) {
     if (*self != nullptr) outputRecordedChanged(recorded);
   });
+  quietApps_ = std::make_unique<QuietApps>(
+      std::move(services_.frontWindow), services_.main,
+      QuietApps::Notices{.onCause = [this] { quietChanged(); },
+                         .onCandidate = [this] { emit candidateChanged(); }});
   connect(&shelf_, &PackShelf::added, this, &AppModel::packAdded);
   connect(&shelf_, &PackShelf::changed, this, [this] {
     if (shelf_.problem()) guide_.keepFailed(shelf_.problem()->reason);
@@ -145,6 +149,7 @@ void AppModel::start() {
   conductor_->apply(effectiveSettings(), true);
   keyAccess_->start();
   updateMicMonitor();
+  quietApps_->setWish(comforts_.quiet);
   readLoginItem();
 }
 
@@ -169,6 +174,7 @@ void AppModel::setComforts(const Comforts& comforts) {
   comforts_ = comforts;
   monitor_->holdBack(comforts_.heldBackKeyboards);
   if (!preview_) comfortsSaver_.saveSoon();
+  if (!preview_) quietApps_->setWish(comforts_.quiet);
   updateMicMonitor();
   if (!preview_) conductor_->apply(effectiveSettings(), false);
   applyMask();
@@ -191,7 +197,8 @@ EngineSettings AppModel::effectiveSettings() const {
   EngineSettings effective = settings_;
   // While a keyboard is recorded its force is measured, and nothing is heard.
   const bool onlyMeasures = isSilent_ && settings_.forceSensing && sensorAvailable_;
-  const bool plays = played_->isTrying() || onlyMeasures || (gate().isPlaying() && !isSilent_);
+  const bool plays = played_->isTrying() || onlyMeasures ||
+                     (gate().isPlaying() && !isSilent_ && !quietApps_->cause().isQuiet);
   effective.enabled = plays && !isSilentByLock();
   if (onlyMeasures) effective.volume = 0;
   effective.forceSensing = settings_.forceSensing && sensorAvailable_;
@@ -207,6 +214,7 @@ SoundState AppModel::soundState() const {
        .isRecording = isSilent_,
        .pause = isSilentByLock() ? KeyPause::locked : keyAccess_->state().pause,
        .isInCall = gate().state() == PlaybackGate::State::pausedForCall,
+       .isQuietForApp = quietApps_->cause().isQuiet,
        .volume = settings_.volume});
 }
 
@@ -214,13 +222,16 @@ ProgramStatus AppModel::status() const {
   const PackInfo* pack = selectedPack();
   return {.sound = soundState(),
           .isMasked = isMasked(),
+          .quietApp = quietApps_->cause().app,
           .packName = pack != nullptr ? std::optional(pack->name) : std::nullopt,
           .forceSensing = settings_.forceSensing && sensorAvailable_,
           .sensorWorks = sensorProblem_.empty()};
 }
 
 std::string AppModel::statusLine() const {
-  return StatusTexts(services_.words).statusLine(status());
+  ProgramStatus unnamed = status();
+  if (unnamed.quietApp) unnamed.quietApp = "";
+  return StatusTexts(services_.words).statusLine(unnamed);
 }
 
 // Microphone
@@ -259,6 +270,13 @@ void AppModel::applyMask() {
 void AppModel::lockChanged(bool isLocked) {
   isLocked_ = isLocked;
   if (!preview_) conductor_->apply(effectiveSettings(), false);
+  emit statusChanged();
+}
+
+// The application in front
+
+void AppModel::quietChanged() {
+  conductor_->apply(effectiveSettings(), false);
   emit statusChanged();
 }
 
@@ -403,6 +421,11 @@ void AppModel::menuOpened() {
   if (!preview_) keyAccess_->look();
   registerShortcut();
   if (!preview_) conductor_->findOutputs();
+  if (!preview_) quietApps_->setAsked(true);
+}
+
+void AppModel::menuClosed() {
+  quietApps_->setAsked(false);
 }
 
 void AppModel::audition() {

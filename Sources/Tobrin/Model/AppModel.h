@@ -22,6 +22,7 @@
 #include "Model/PackSelection.h"
 #include "Model/PackShelf.h"
 #include "Model/PlayedPack.h"
+#include "Model/QuietApps.h"
 #include "Model/RecordingGuide.h"
 #include "Model/SettingsSaver.h"
 #include "Model/ShortcutChoice.h"
@@ -104,6 +105,8 @@ class AppModel final : public QObject {
   [[nodiscard]] PackShelf& shelf() { return shelf_; }
   /// Where it sounds.
   [[nodiscard]] OutputChoice& outputs() { return outputs_; }
+  /// What is in front, as the panel shows it.
+  [[nodiscard]] const QuietApps& quietApps() const { return *quietApps_; }
   /// Recording one's own keyboard.
   [[nodiscard]] RecordingGuide& recordingGuide() { return guide_; }
   /// Moves one of the user's own packs to the trash; the one after it takes its place.
@@ -115,6 +118,7 @@ class AppModel final : public QObject {
   /// Finds the packs again, and loads the chosen one where it has become another.
   void lookForPacks();
   void menuOpened();
+  void menuClosed();
   void setLaunchAtLogin(bool on);
   void relaunch();
   void audition();
@@ -145,9 +149,10 @@ class AppModel final : public QObject {
   void launchAtLoginChanged();  ///< launchAtLogin, loginItemProblem
   void packsFolderProblemChanged();
   void micInUseChanged();
-  void shortcutChanged();  ///< what shortcut() says
-  void outputChanged();    ///< what the sound goes through, or soundProblem
-  void statusChanged();    ///< statusLine, soundState or sensorProblem may differ
+  void shortcutChanged();   ///< what shortcut() says
+  void candidateChanged();  ///< what `quietApps` knows of the application in front
+  void outputChanged();     ///< what the sound goes through, or soundProblem
+  void statusChanged();     ///< statusLine, soundState or sensorProblem may differ
 
  private:
   /// Returns the id of the pack that was selected.
@@ -161,6 +166,7 @@ class AppModel final : public QObject {
   void applyMask();
   [[nodiscard]] bool isMasked() const { return outputRecorded_ && comforts_.maskWhileRecorded; }
   void lockChanged(bool isLocked);
+  void quietChanged();
   [[nodiscard]] bool isSilentByLock() const { return isLocked_ && comforts_.quietWhileLocked; }
   void sensorChanged(const std::string& problem);
   [[nodiscard]] OutputChoice::Services outputServices();
@@ -206,6 +212,7 @@ class AppModel final : public QObject {
   std::unique_ptr<KeyAccess> keyAccess_;
   std::unique_ptr<ShortcutChoice> shortcut_;
   std::unique_ptr<MicMonitor> micMonitor_;
+  std::unique_ptr<QuietApps> quietApps_;
   RecordingGuide guide_;  // last: it gets keys from the monitor until that has stopped
 };
 

@@ -11,6 +11,7 @@
 #include "Base/SerialQueue.h"
 #include "Engine/AudioDevice.h"
 #include "Engine/DesktopServices.h"
+#include "Engine/FrontWindow.h"
 #include "Engine/SettingsStore.h"
 #include "Force/MotionSource.h"
 #include "Input/KeySource.h"
@@ -41,6 +42,7 @@ struct AppServices {
   std::unique_ptr<KeySource> keySource;
   std::unique_ptr<ShortcutService> shortcutService;
   std::unique_ptr<MicSource> micSource;
+  std::unique_ptr<FrontWindow> frontWindow;
   std::function<std::unique_ptr<SoundCapture>()> makeSoundCapture;  ///< throws
   /// Names the calling thread and asks for its scheduling; may be null.
   std::function<void(std::string_view threadName)> onThreadStart;

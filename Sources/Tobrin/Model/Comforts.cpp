@@ -68,6 +68,24 @@ OutputMemory readOutputs(const Json& document) {
   return outputs;
 }
 
+std::optional<QuietApp> appOf(const Json& element) {
+  if (!element.is_object()) return std::nullopt;
+  const auto text = [&](const char* key) {
+    const auto found = element.find(key);
+    return found == element.end() ? std::nullopt : textOf(*found);
+  };
+  const std::string id = text("id").value_or("");
+  if (id.empty()) return std::nullopt;
+  return QuietApp{.id = id, .name = text("name").value_or(id)};
+}
+
+Json jsonOf(const std::vector<QuietApp>& apps) {
+  Json list = Json::array();
+  for (const QuietApp& app : apps)
+    list.push_back({{"id", app.id}, {"name", app.name}});
+  return list;
+}
+
 }  // namespace
 
 Comforts Comforts::fromJson(std::string_view text) {
@@ -77,6 +95,8 @@ Comforts Comforts::fromJson(std::string_view text) {
   read(document, "maskWhileRecorded", comforts.maskWhileRecorded);
   read(document, "quietWhileLocked", comforts.quietWhileLocked);
   read(document, "keepsWideKeyAccess", comforts.keepsWideKeyAccess);
+  read(document, "quietInFullScreen", comforts.quiet.inFullScreen);
+  readList(document, "quietApps", comforts.quiet.apps, appOf);
   readList(document, "heldBackKeyboards", comforts.heldBackKeyboards, textOf);
   comforts.outputs = readOutputs(document);
   return comforts;
@@ -86,11 +106,13 @@ std::string Comforts::toJson() const {
   const Json document = {{"maskWhileRecorded", maskWhileRecorded},
                          {"quietWhileLocked", quietWhileLocked},
                          {"keepsWideKeyAccess", keepsWideKeyAccess},
+                         {"quietInFullScreen", quiet.inFullScreen},
+                         {"quietApps", jsonOf(quiet.apps)},
                          {"heldBackKeyboards", heldBackKeyboards},
                          {"output", outputs.chosen},
                          {"outputName", outputs.chosenName},
                          {"outputVolumes", volumesAsJson(outputs.volumes)}};
-  // Devices bring names of their own.
+  // Devices and applications bring names of their own.
   return document.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 

@@ -7,6 +7,7 @@
 
 #include "Input/HeldBackKeyboards.h"
 #include "Model/OutputMemory.h"
+#include "Model/QuietApps.h"
 
 namespace tobrin {
 
@@ -17,10 +18,11 @@ struct Comforts {
   bool quietWhileLocked = true;
   /// An older access to keys, which other programs have, too, is to stay as it is.
   bool keepsWideKeyAccess = false;
-  OutputMemory outputs{};
-
+  /// Silence while one of these applications is in front, or any that fills the screen.
+  QuietApps::Wish quiet{};
   /// Silent are keys of keyboards with these names.
   HeldBackKeyboards::Names heldBackKeyboards = HeldBackKeyboards::usual();
+  OutputMemory outputs{};
 
   bool operator==(const Comforts&) const = default;
 

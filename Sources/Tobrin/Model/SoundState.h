@@ -16,6 +16,7 @@ enum class SoundState {
   pausedWhileLocked,
   recording,      ///< the user's own keyboard is being recorded
   pausedForCall,  ///< an application uses a microphone
+  quietForApp,    ///< the application in front is one to be quiet in
   muted,          ///< the volume is 0
   playing,
 };
@@ -28,7 +29,8 @@ struct SoundConditions {
   bool isRecording = false;
   KeyPause pause = KeyPause::none;
   bool isInCall = false;  ///< and sounds pause for it
-  float volume = 1;       ///< linear
+  bool isQuietForApp = false;
+  float volume = 1;  ///< linear
 };
 
 [[nodiscard]] constexpr SoundState soundState(const SoundConditions& conditions) {
@@ -40,6 +42,7 @@ struct SoundConditions {
   if (conditions.pause == KeyPause::locked) return SoundState::pausedWhileLocked;
   if (conditions.isRecording) return SoundState::recording;
   if (conditions.isInCall) return SoundState::pausedForCall;
+  if (conditions.isQuietForApp) return SoundState::quietForApp;
   return conditions.volume > 0 ? SoundState::playing : SoundState::muted;
 }
 

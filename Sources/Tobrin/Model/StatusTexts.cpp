@@ -22,6 +22,10 @@ std::string StatusTexts::statusLine(const ProgramStatus& status) const {
       return translate_("Recording your keyboard");
     case SoundState::pausedForCall:
       return translate_("Paused while the mic is in use");
+    case SoundState::quietForApp:
+      if (!status.quietApp) return translate_("Quiet in full screen");
+      if (status.quietApp->empty()) return translate_("Quiet in this app");
+      return filled(translate_("Quiet in %1"), *status.quietApp);
     case SoundState::muted:
       return translate_("Muted");
     case SoundState::playing:

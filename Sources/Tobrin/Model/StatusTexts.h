@@ -15,7 +15,10 @@ namespace tobrin {
 /// What the sentences are about.
 struct ProgramStatus {
   SoundState sound = SoundState::playing;
-  bool isMasked = false;                ///< strokes get the sounds of other keys
+  bool isMasked = false;  ///< strokes get the sounds of other keys
+  /// Where it is quiet for the application in front: its name, empty for one that is not to be
+  /// named; absent where it is quiet for any that fills the screen.
+  std::optional<std::string> quietApp = std::nullopt;
   std::optional<std::string> packName;  ///< absent: no pack
   bool forceSensing = false;            ///< wanted, and a sensor is there
   bool sensorWorks = true;

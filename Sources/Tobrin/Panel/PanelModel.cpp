@@ -93,6 +93,7 @@ QString PanelModel::previewProblem() const {
     case SoundState::pausedInBackground:
     case SoundState::pausedWhileLocked:
     case SoundState::recording:
+    case SoundState::quietForApp:  // until the panel, where this is asked, is in front
     case SoundState::playing:
       return {};
     case SoundState::noSound:
@@ -339,6 +340,10 @@ QString PanelModel::shortcutHint() const {
 }
 
 // Actions
+
+void PanelModel::menuClosed() {
+  model_.menuClosed();
+}
 
 void PanelModel::menuOpened() {
   model_.menuOpened();

@@ -140,6 +140,7 @@ class PanelModel final : public QObject {
   void setShortcutIndex(int index);
 
   Q_INVOKABLE void menuOpened();
+  void menuClosed();
   Q_INVOKABLE void select(const QString& packID);
   Q_INVOKABLE void preview();
   Q_INVOKABLE void captureShortcut(bool captures);

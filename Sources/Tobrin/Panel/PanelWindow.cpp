@@ -269,6 +269,7 @@ bool PanelWindow::eventFilter(QObject* watched, QEvent* event) {
       if (isReopening_) break;
       model_->recording()->leave();
       model_->shelf()->panelClosed();
+      model_->menuClosed();
       onClosed_();
       break;
     default:

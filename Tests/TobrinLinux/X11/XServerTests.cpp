@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <mutex>
 #include <optional>
 #include <thread>
 
+#include "Front/SessionFront.h"
 #include "Input/KeyMonitor.h"
 #include "Support/Eventually.h"
 #include "Support/HeardKeys.h"
@@ -68,6 +70,72 @@ TEST_F(XKeySourceTest, DropsTheBacklogOfAStalledListener) {
   });
   EXPECT_GT(ageMs[0], 250);
   EXPECT_LT(ageMs[1], 100);
+}
+
+/// What a window manager and applications write.
+class XFrontTest : public ::testing::Test {
+ protected:
+  xcb_atom_t atom(const std::string& name) {
+    const XReply<xcb_intern_atom_reply_t> answer(xcb_intern_atom_reply(
+        other, xcb_intern_atom(other, 0, static_cast<uint16_t>(name.size()), name.data()),
+        nullptr));
+    return answer->atom;
+  }
+  void set(xcb_window_t window, const char* name, const std::vector<uint32_t>& values) {
+    xcb_change_property(other, XCB_PROP_MODE_REPLACE, window, atom(name), XCB_ATOM_ATOM, 32,
+                        static_cast<uint32_t>(values.size()), values.data());
+    xcb_flush(other);
+  }
+  xcb_window_t makeWindow(const std::string& classes) {
+    const xcb_window_t window = xcb_generate_id(other);
+    xcb_create_window(other, 0, window, root, 0, 0, 9, 9, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, 0, 0,
+                      nullptr);
+    xcb_change_property(other, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
+                        static_cast<uint32_t>(classes.size()), classes.data());
+    return window;
+  }
+  bool becomes(const Front& expected) {
+    return testing::eventually([&] {
+      const std::scoped_lock lock(mutex);
+      return last == expected;
+    });
+  }
+
+  PrivateXServer server;
+  xcb_connection_t* const other = server.connection();
+  const xcb_window_t root = firstScreen(other).root;
+  std::mutex mutex;
+  Front last;
+  const std::unique_ptr<FrontWindow> front = makeFrontWindow([this](const char* name) {
+    return std::string_view(name) == "DISPLAY" ? std::optional(server.display()) : std::nullopt;
+  });
+};
+
+TEST_F(XFrontTest, FollowsWhatTheWindowManagerTells) {
+  front->start([this](const Front& now) {
+    const std::scoped_lock lock(mutex);
+    last = now;
+  });
+  const Front unknown{.knowledge = Front::Knowledge::windowManagerDoesNotTell};
+  EXPECT_TRUE(becomes(unknown)) << "no window manager";
+  const auto manager = makeWindow(""), editor = makeWindow(std::string("inst\0Editor\0", 12)),
+             player = makeWindow(std::string("player\0", 7));
+  set(root, "_NET_ACTIVE_WINDOW", {editor});
+  set(manager, "_NET_SUPPORTING_WM_CHECK", {manager});
+  set(root, "_NET_SUPPORTED", {atom("_NET_ACTIVE_WINDOW")});
+  set(root, "_NET_SUPPORTING_WM_CHECK", {manager});
+  EXPECT_TRUE(becomes({.app = "Editor"}));
+  set(editor, "_NET_WM_STATE", {atom("_NET_WM_STATE_MODAL"), atom("_NET_WM_STATE_FULLSCREEN")});
+  EXPECT_TRUE(becomes({.app = "Editor", .fillsScreen = true}));
+  set(root, "_NET_ACTIVE_WINDOW", {player});
+  EXPECT_TRUE(becomes({.app = "player"}));
+  xcb_destroy_window(other, player);  // before the window manager says so
+  set(root, "_NET_ACTIVE_WINDOW", {XCB_NONE});
+  EXPECT_TRUE(becomes({}));
+  xcb_destroy_window(other, manager);
+  set(root, "_NET_ACTIVE_WINDOW", {editor});
+  EXPECT_TRUE(becomes(unknown)) << "it has ended and left its words behind";
+  front->stop();
 }
 
 TEST(XClock, KeepsTimeAcrossTheWrapOfTheServersCounter) {
