@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 #include "Base/PackError.h"
 #include "KeyedScore.h"
 #include "Packs/PackLoader.h"
 #include "Recording/KeyedPackBuilder.h"
 #include "Support/Failure.h"
+#include "Support/KeptText.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
@@ -48,6 +50,54 @@ TEST(KeyedTakes, EverySoundGoesToItsKey) {
     EXPECT_GE(score.good, takes.sounds.size() / 2 - 50);
     EXPECT_LE(score.spoiled, score.good / 20);
   }
+}
+
+template <typename... Values>
+std::string line(const char* format, Values... values) {
+  char text[200];
+  (void)std::snprintf(text, sizeof text, format, values...);
+  return text;
+}
+
+std::string describe(const std::vector<RecordedTake>& takes) {
+  std::string text;
+  for (const RecordedTake& take : takes)
+    text += line(" %zu %.3g", take.left.size(), static_cast<double>(take.level));
+  return text + "\n";
+}
+
+std::string describe(const KeyedTakes& takes) {
+  std::string text =
+      takes.report + "\n" +
+      line("delay %.5f, drift %.2e, lag %.5f, spread %.5f, lowered %.1f dB\n", takes.fit.delay,
+           takes.fit.drift, takes.fit.releaseLag, takes.fit.spread, takes.noiseLoweredDb);
+  for (const auto& [fate, hit] : takes.sounds)
+    text += line("%s %zu %.4g %.4g %.3f %.1f %.3g %zu\n", std::string(nameOf(fate)).c_str(),
+                 hit.onset, static_cast<double>(hit.peak), static_cast<double>(hit.energy),
+                 static_cast<double>(hit.brightness), hit.decayMs,
+                 static_cast<double>(hit.preActivity), hit.gapAfter);
+  for (const auto& [group, tiers] : takes.down)
+    for (const auto& [tier, some] : tiers)
+      text += std::string(rawValue(group)) + " " + std::string(name(tier)) + ":" + describe(some);
+  for (const auto& [group, some] : takes.up)
+    text += std::string(rawValue(group)) + " up:" + describe(some);
+  return text;
+}
+
+TEST(KeyedTakes, EverySoundAndTakeIsAsItWas) {
+  const SynthProfile& late = SynthProfile::typewriter();
+  std::string text;
+  for (const KeyedCondition& condition :
+       {KeyedCondition{.delay = -0.05, .drift = 200e-6, .interval = 0.11, .seconds = 13},
+        {.signalDb = 24, .releaseDb = -6, .knocks = 0.7, .seconds = 11},
+        {.profile = &late,
+        .delay = 0.1,
+        .drift = -3e-4,
+        .interval = 0.25,
+        .speech = 0.2,
+        .seconds = 14}})
+    text += describe(findKeyedTakes(composeKeys(condition).recording));
+  testing::expectKeptText(text, "TobrinKit/Recording/keyed-takes.txt");
 }
 
 TEST(KeyedTakes, WhatIsNoKeyIsLeftOut) {

@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <numeric>
+#include <utility>
 
 #include "ComposedKeys.h"
 #include "Recording/KeyedTakes.h"
+#include "Support/KeptText.h"
 
 namespace tobrin {
 namespace {
@@ -35,14 +38,33 @@ std::size_t presses(const LiveState& state, KeyGroup group) {
   return std::accumulate(tiers.begin(), tiers.end(), std::size_t{0});
 }
 
+std::string describe(const LiveState& state) {
+  char text[100];
+  (void)std::snprintf(text, sizeof text, "verdict %d, peak %.3g, rms %.3g, noise %.3g, takes",
+                      static_cast<int>(state.verdict), static_cast<double>(state.peak),
+                      static_cast<double>(state.rms), static_cast<double>(state.noiseFloor));
+  std::string all = text;
+  for (const KeyGroup group : allKeyGroups) {
+    for (const std::size_t count : state.takes[index(group)])
+      all += " " + std::to_string(count);
+    all += " (" + std::to_string(state.releases[index(group)]) + ")";
+  }
+  return all + "\n";
+}
+
 TEST(LiveTakes, CountsWhatIsGoodWhileItComes) {
   const ComposedKeys composed = composeKeys({.delay = 0.1, .drift = 400e-6, .seconds = 40});
   LiveTakes live(composed.recording.rate);
-  play(composed.recording, 0, 12, live);
+  std::string text;
+  for (double before = 0; const double second : {0.5, 2.0, 4.0, 6.0, 9.0, 12.0}) {
+    play(composed.recording, std::exchange(before, second), second, live);
+    text += describe(live.state());
+  }
   const LiveState early = live.state();
   EXPECT_GT(presses(early, KeyGroup::space), 2u);
   play(composed.recording, 12, 40, live);
   const LiveState late = live.state();
+  testing::expectKeptText(text + describe(late), "TobrinKit/Recording/live-takes.txt");
   EXPECT_GT(presses(late, KeyGroup::space), 2 * presses(early, KeyGroup::space));
   EXPECT_EQ(late.verdict, LiveVerdict::good);
   EXPECT_EQ(live.recording().keys.size(), composed.recording.keys.size());
