@@ -245,20 +245,22 @@ TEST_F(AppModelTest, APackThatIsAddedMeanwhileDoesNotEndARecording) {
 TEST_F(AppModelTest, MasksKeysWhileTheSoundIsRecorded) {
   microphone_->activity.outputRecorded = true;
   AppModel& model = start();
-  /// Whether presses of one key sound from different places.
+  /// Whether presses of one key sound from different places, and its releases.
   const auto isMasked = [&] {
-    std::set<long> places;
+    std::set<long> presses, releases;
     for (int i = 0; i < 12; ++i) {
-      keys_.press(0);
-      advance(20);
-      const auto [left, right] = device_->render(256);
-      places.insert(std::lround(1000 * left.back() / right.back()));
-      keys_.release(0);
-      isHeard();  // until it has died away
+      for (auto* places : {&presses, &releases}) {
+        places == &presses ? keys_.press(0) : keys_.release(0);
+        advance(20);
+        const auto [left, right] = device_->render(256);
+        places->insert(std::lround(1000 * left.back() / right.back()));
+        isHeard();  // until it has died away
+      }
     }
-    return places.size() > 1;
+    EXPECT_EQ(presses.size() > 1, releases.size() > 1);
+    return presses.size() > 1;
   };
-  change([](EngineSettings& settings) { settings.forceSensing = settings.releaseSounds = false; });
+  change([](EngineSettings& settings) { settings.forceSensing = false; });
   EXPECT_EQ(model.statusLine(), "Masked while the sound is recorded");
   EXPECT_TRUE(isMasked());
   change([](EngineSettings& settings) { settings.quietDuringCalls = false; });

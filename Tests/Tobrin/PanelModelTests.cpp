@@ -1,6 +1,8 @@
 #include <QLocale>
 #include <QUrl>
 
+#include <sstream>
+
 #include "AppModelFixture.h"
 #include "Support/KeptText.h"
 
@@ -17,6 +19,11 @@ class PanelModelTest : public AppModelTest {
     seen_ += what + "\n" + changes();
     for (const std::string& action : std::exchange(desktop_.actions, {}))
       seen_ += "  desktop: " + action + "\n";
+    std::istringstream log(std::exchange(log_, {}));
+    for (std::string line; std::getline(log, line);)
+      seen_ += "  log: " + line + "\n";
+    if (const int writes = std::exchange(settings_.writes, 0))
+      seen_ += "  saved: " + std::to_string(writes) + "\n";
   }
   std::string changes() {
     std::string all;
