@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -71,6 +72,28 @@ TEST_F(MicMonitorTest, StopsWithoutAReport) {
   monitor_.refresh();  // nothing to a stopped monitor
   pass(0);
   EXPECT_EQ(reports_, (std::vector<bool>{false, true}));
+}
+
+TEST_F(MicMonitorTest, TellsOnceWhatIsNewAfterTheDelayThatIsSet) {
+  std::vector<bool> recorded;
+  monitor_.setOnOutputRecorded([&](bool isRecorded) { recorded.push_back(isRecorded); });
+  monitor_.setReleaseDelay(std::chrono::milliseconds(250));
+  mic_->activity.outputRecorded = true;
+  monitor_.start();
+  monitor_.start();
+  pass(0);
+  EXPECT_EQ(recorded, (std::vector<bool>{true, true})) << "found, and the state at the start";
+  mic_->activity.outputRecorded = false;
+  mic_->activity.recordingProcesses = {99};
+  monitor_.refresh();
+  pass(0);
+  EXPECT_EQ(monitor_.current(), mic_->activity);
+  recordAt(0, {});
+  pass(249);
+  EXPECT_EQ(reports_, (std::vector<bool>{false, true}));
+  pass(1);
+  EXPECT_EQ(reports_, (std::vector<bool>{false, true, false}));
+  EXPECT_EQ(recorded, (std::vector<bool>{true, true, false}));
 }
 
 TEST(MicActivity, TrustsARunningDeviceOnlyWhereItDoesNotPlay) {

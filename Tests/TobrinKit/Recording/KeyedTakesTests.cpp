@@ -89,14 +89,19 @@ TEST(KeyedTakes, EverySoundAndTakeIsAsItWas) {
   std::string text;
   for (const KeyedCondition& condition :
        {KeyedCondition{.delay = -0.05, .drift = 200e-6, .interval = 0.11, .seconds = 13},
-        {.signalDb = 24, .releaseDb = -6, .knocks = 0.7, .seconds = 11},
+        {.signalDb = 25, .interval = 0.3, .releaseDb = -6, .knocks = 0.3, .seconds = 16},
+        {.interval = 0.25, .knocks = 2, .seconds = 12},
         {.profile = &late,
         .delay = 0.1,
         .drift = -3e-4,
         .interval = 0.25,
-        .speech = 0.2,
-        .seconds = 14}})
-    text += describe(findKeyedTakes(composeKeys(condition).recording));
+        .speech = 0.4,
+        .seconds = 16}}) {
+    KeyedRecording recording = composeKeys(condition).recording;
+    for (float& x : recording.samples)
+      x = std::clamp(3 * x, -1.0f, 1.0f);
+    text += describe(findKeyedTakes(recording));
+  }
   testing::expectKeptText(text, "TobrinKit/Recording/keyed-takes.txt");
 }
 
