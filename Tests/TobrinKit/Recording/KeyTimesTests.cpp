@@ -4,7 +4,6 @@
 
 #include "Base/Key.h"
 #include "Recording/KeyNumbers.h"
-#include "Support/Failure.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
@@ -38,23 +37,6 @@ TEST(KeyTimes, TypedKeysAreKeptByNumberAndReadBack) {
   for (RecordedKey& key : keys)
     key.force.reset();
   EXPECT_EQ(loadKeyTimes(file), keys);
-}
-
-TEST(KeyTimes, MalformedFilesAreNamedWithFileAndLine) {
-  testing::expectRefusals(
-      [](const std::string& lines) {
-        return parseKeyTimes("time_ns,action,group,key\n" + lines, "K");
-      },
-      {{"1,down,alpha\n", "K:2: expected 4 fields"},
-       {"1.5,down,alpha,0\n", "K:2: time_ns is no whole number"},
-       {"1,press,alpha,0\n", "K:2: action is neither"},
-       {"1,down,Alpha,0\n", "K:2: there is no such group"},
-       {"1,down,alpha,-1\n", "K:2: key is no whole number"},
-       {"1,down,alpha,1\n", "K:2: keys are numbered from 0"},
-       {"1,up,alpha,0\n", "K:2: the key is up already"},
-       {"1,down,alpha,0\n2,down,alpha,0\n", "K:3: the key is down already"},
-       {"2,down,alpha,0\n1,up,alpha,0\n", "K:3: the time goes back"},
-       {"1,down,alpha,0\n2,up,space,0\n", "K:3: the key was in another group"}});
 }
 
 }  // namespace
