@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <iomanip>
 #include <nlohmann/json.hpp>
+#include <span>
 
 #include "Commands.h"
 #include "InputFile.h"
@@ -44,11 +45,17 @@ class OwnTakes {
   const std::map<std::string, PackManifest::Group>& groups_;
 };
 
+/// Those of a keyboard, and of a mouse where the pack has one.
+std::span<const KeyGroup> groupsOf(const LoadedPack& pack) {
+  return std::span(allPackGroups)
+      .first(pack.hasSounds(KeyGroup::mouse) ? allPackGroups.size() : allKeyGroups.size());
+}
+
 /// "space.soft", "space.up" and so on.
 nlohmann::ordered_json substitutes(const LoadedPack& pack) {
   const OwnTakes own(pack.manifest());
   auto list = nlohmann::ordered_json::array();
-  for (const KeyGroup group : allKeyGroups) {
+  for (const KeyGroup group : groupsOf(pack)) {
     const std::string prefix = std::string(rawValue(group)) + ".";
     for (const Tier tier : allTiers)
       if (!own.has(group, tier)) list.push_back(prefix + std::string(name(tier)));
@@ -59,7 +66,7 @@ nlohmann::ordered_json substitutes(const LoadedPack& pack) {
 
 nlohmann::ordered_json asJson(const LoadedPack& pack) {
   nlohmann::ordered_json groups;
-  for (const KeyGroup group : allKeyGroups) {
+  for (const KeyGroup group : groupsOf(pack)) {
     nlohmann::ordered_json down;
     for (const Tier tier : allTiers)
       down[std::string(name(tier))] = pack.takeCount(group, tier);
@@ -86,7 +93,7 @@ void printTable(const LoadedPack& pack, std::ostream& out) {
     const std::string number = std::to_string(count);
     out << std::setw(8) << (isOwn || count == 0 ? number : "(" + number + ")");
   };
-  for (const KeyGroup group : allKeyGroups) {
+  for (const KeyGroup group : groupsOf(pack)) {
     out << std::left << std::setw(12) << rawValue(group) << std::right;
     for (const Tier tier : allTiers)
       cell(pack.takeCount(group, tier), own.has(group, tier));

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <linux/input.h>
 #include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -109,6 +110,43 @@ TEST_F(EvdevKeySourceTest, AGrabbedKeyboardCountsThroughItsTwinOnly) {
   monitor.holdBack({});
   twin.press({KEY_E});
   EXPECT_EQ(heard.await(1), "+14 ");
+}
+
+TEST_F(EvdevKeySourceTest, AMouseIsHeardOnceItIsWishedForAndItsWayNever) {
+  VirtualKeyboard keyboard("Keyboard"), mouse("Mouse", VirtualKeyboard::none);
+  ASSERT_TRUE(monitor.start());
+  ASSERT_TRUE(becomesHeard(keyboard));
+  const auto use = [&](VirtualKeyboard& device) {
+    device.press({BTN_LEFT});
+    device.move(REL_WHEEL);
+    device.release({BTN_LEFT});
+  };
+  const auto hear = [&](MouseHearing wish, const std::string& expected) {
+    monitor.hearMouse(wish);
+    std::this_thread::sleep_for(milliseconds(200));
+    for (VirtualKeyboard* device : {&mouse, &keyboard})
+      use(*device);
+    std::this_thread::sleep_for(milliseconds(200));
+    EXPECT_EQ(heard.await(0), expected);
+  };
+  EXPECT_TRUE(monitor.canHearMouse());
+  hear(MouseHearing::nothing, "");
+  hear(MouseHearing::buttons, "+4096 -4096 +4096 -4096 ");
+  hear(MouseHearing::buttonsAndWheel, "+4096 +4102 -4096 +4096 +4102 -4096 ");
+  const auto wakeUps = [] {
+    rusage used{};
+    getrusage(RUSAGE_SELF, &used);
+    return used.ru_nvcsw;
+  };
+  const auto before = wakeUps();
+  for (int i = 0; i < 200; ++i)
+    mouse.move(REL_X);
+  std::this_thread::sleep_for(milliseconds(200));
+  EXPECT_LT(wakeUps() - before, 20) << "a mouse that moves wakes nobody";
+  mouse.press({BTN_LEFT});
+  EXPECT_EQ(heard.await(1), "+4096 ");
+  monitor.hearMouse(MouseHearing::nothing);
+  EXPECT_EQ(heard.await(1), "-4096 ") << "let go";
 }
 
 TEST_F(EvdevKeySourceTest, AnOverrunBufferLeavesNoKeyStuck) {

@@ -20,7 +20,7 @@ from desktopclients.legibility import BARS, legible_share  # noqa: E402
 from desktopclients.screensaver import ScreenSaver  # noqa: E402
 from desktopclients.traywatcher import TrayWatcher  # noqa: E402
 from desktopclients.xclient import KeyGrab, OtherWindow  # noqa: E402
-from listening import control, panels, record, types_audibly, write_click_pack, xdotool  # noqa: E402
+from listening import control, is_heard, panels, record, types_audibly, write_click_pack, xdotool  # noqa: E402
 from listening.ownkeyboard import OwnKeyboard  # noqa: E402
 from listening.panel import PATIENCE, PanelDriver, eventually, focused, named  # noqa: E402
 
@@ -82,6 +82,14 @@ class PanelTest(PanelDriver):
                 saver.set_active(locked)
                 self.shows("Paused while the screen is locked" if locked else "Panda · Fixed strength")
                 self.assertEqual(types_audibly(recorder), not locked)
+            self.click("More…")
+            for switches, button, audible in (([], 1, False), (["Mouse buttons sound"], 1, True), ([], 4, False),
+                                              (["The wheel sounds, too"], 4, True), (["Mouse buttons sound"], 1, False)):
+                for switch in switches:
+                    self.click(switch)
+                recorder.quiet_for(0.5)
+                self.assertEqual(is_heard(recorder, ["xdotool", "mousemove", "5", "5", "click", str(button)]), audible, (switches, button))
+            self.click("Back")
         self.assertEqual(self.saved()["selectedPack"], "panda")
         self.click("Strength: Slam")
         self.saves("fixedTier", 3)

@@ -22,12 +22,14 @@ class VirtualKeyboard final {
   };
   static constexpr Keys all{KEY_ESC, KEY_MICMUTE}, keypad{KEY_KP7, KEY_KPDOT}, none{1, 0};
 
-  /// Has a power button and a mouse button besides.
+  /// Has a power button, a mouse button and a wheel besides.
   explicit VirtualKeyboard(const std::string& name, Keys keys = all) {
     libevdev* plan = libevdev_new();
     libevdev_set_name(plan, name.c_str());
     libevdev_enable_event_code(plan, EV_KEY, KEY_POWER, nullptr);
     libevdev_enable_event_code(plan, EV_KEY, BTN_LEFT, nullptr);
+    libevdev_enable_event_code(plan, EV_REL, REL_X, nullptr);
+    libevdev_enable_event_code(plan, EV_REL, REL_WHEEL, nullptr);
     for (unsigned key = keys.first; key <= keys.last; ++key)
       libevdev_enable_event_code(plan, EV_KEY, key, nullptr);
     const int failure =
@@ -45,6 +47,11 @@ class VirtualKeyboard final {
   void release(std::initializer_list<unsigned> keys) { write(keys, 0); }
   /// What the kernel says of keys that are held for long.
   void repeat(std::initializer_list<unsigned> keys) { write(keys, 2); }
+  /// Moves a mouse or turns its wheel, by the kernel's code of it.
+  void move(unsigned direction) {
+    libevdev_uinput_write_event(device_, EV_REL, direction, 1);
+    libevdev_uinput_write_event(device_, EV_SYN, SYN_REPORT, 0);
+  }
 
  private:
   void write(std::initializer_list<unsigned> keys, int value) {

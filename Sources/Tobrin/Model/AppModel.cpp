@@ -97,7 +97,7 @@ void AppModel::wireCallbacks() {
                               guide_.addKey(event);
                             },
                         .onChange = [this] { onMain([this] { keyAccess_->monitorChanged(); }); }});
-  monitor_->holdBack(comforts_.heldBackKeyboards);
+  applyToMonitor();
   keyAccess_ = std::make_unique<KeyAccess>(
       KeyAccess::Services{.monitor = *monitor_,
                           .main = services_.main,
@@ -172,13 +172,20 @@ void AppModel::setSettings(const EngineSettings& settings) {
 void AppModel::setComforts(const Comforts& comforts) {
   if (comforts == comforts_) return;
   comforts_ = comforts;
-  monitor_->holdBack(comforts_.heldBackKeyboards);
+  applyToMonitor();
   if (!preview_) comfortsSaver_.saveSoon();
   if (!preview_) quietApps_->setWish(comforts_.quiet);
   updateMicMonitor();
   if (!preview_) conductor_->apply(effectiveSettings(), false);
   applyMask();
   emit settingsChanged();
+}
+
+void AppModel::applyToMonitor() {
+  monitor_->holdBack(comforts_.heldBackKeyboards);
+  monitor_->hearMouse(!comforts_.mouseSounds  ? MouseHearing::nothing
+                      : comforts_.wheelSounds ? MouseHearing::buttonsAndWheel
+                                              : MouseHearing::buttons);
 }
 
 void AppModel::toggleEnabled() {

@@ -158,6 +158,7 @@ class AppModel final : public QObject {
   /// Returns the id of the pack that was selected.
   std::string readSavedState(const std::optional<Preview>& preview);
   void wireCallbacks();
+  void applyToMonitor();
   void start();
   void registerShortcut();
   void updateMicMonitor();

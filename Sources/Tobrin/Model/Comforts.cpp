@@ -97,6 +97,8 @@ Comforts Comforts::fromJson(std::string_view text) {
   read(document, "keepsWideKeyAccess", comforts.keepsWideKeyAccess);
   read(document, "quietInFullScreen", comforts.quiet.inFullScreen);
   readList(document, "quietApps", comforts.quiet.apps, appOf);
+  read(document, "mouseSounds", comforts.mouseSounds);
+  read(document, "wheelSounds", comforts.wheelSounds);
   readList(document, "heldBackKeyboards", comforts.heldBackKeyboards, textOf);
   comforts.outputs = readOutputs(document);
   return comforts;
@@ -108,6 +110,8 @@ std::string Comforts::toJson() const {
                          {"keepsWideKeyAccess", keepsWideKeyAccess},
                          {"quietInFullScreen", quiet.inFullScreen},
                          {"quietApps", jsonOf(quiet.apps)},
+                         {"mouseSounds", mouseSounds},
+                         {"wheelSounds", wheelSounds},
                          {"heldBackKeyboards", heldBackKeyboards},
                          {"output", outputs.chosen},
                          {"outputName", outputs.chosenName},

@@ -16,6 +16,9 @@ struct Comforts {
   bool maskWhileRecorded = true;
   /// Silence while the screen is locked.
   bool quietWhileLocked = true;
+  /// Mouse buttons sound, and the wheel.
+  bool mouseSounds = false;
+  bool wheelSounds = false;
   /// An older access to keys, which other programs have, too, is to stay as it is.
   bool keepsWideKeyAccess = false;
   /// Silence while one of these applications is in front, or any that fills the screen.

@@ -7,6 +7,7 @@ namespace tobrin {
 MoreModel::MoreModel(AppModel& model, QObject* parent) : QObject(parent), model_(model) {
   connect(&model, &AppModel::settingsChanged, this, &MoreModel::comfortsChanged);
   connect(&model, &AppModel::permissionChanged, this, &MoreModel::permissionChanged);
+  connect(&model, &AppModel::selectedPackChanged, this, &MoreModel::packChanged);
 }
 
 template <typename Field>
@@ -26,11 +27,32 @@ bool MoreModel::maskWhileRecorded() const {
   return model_.comforts().maskWhileRecorded;
 }
 
+bool MoreModel::mouseSounds() const {
+  return model_.comforts().mouseSounds;
+}
+bool MoreModel::wheelSounds() const {
+  return model_.comforts().wheelSounds;
+}
+bool MoreModel::canHearMouse() const {
+  return model_.monitor().canHearMouse();
+}
+bool MoreModel::packHasMouse() const {
+  const auto& pack = model_.loadedManifest();
+  return !pack || pack->groups.contains(std::string(rawValue(KeyGroup::mouse)));
+}
+
 void MoreModel::setQuietWhileLocked(bool on) {
   change(&Comforts::quietWhileLocked, on);
 }
 void MoreModel::setMaskWhileRecorded(bool on) {
   change(&Comforts::maskWhileRecorded, on);
+}
+
+void MoreModel::setMouseSounds(bool on) {
+  change(&Comforts::mouseSounds, on);
+}
+void MoreModel::setWheelSounds(bool on) {
+  change(&Comforts::wheelSounds, on);
 }
 
 }  // namespace tobrin

@@ -20,6 +20,10 @@ class MoreModel final : public QObject {
   Q_PROPERTY(bool hearsWhileLocked READ hearsWhileLocked NOTIFY permissionChanged)
   Q_PROPERTY(bool maskWhileRecorded READ maskWhileRecorded WRITE setMaskWhileRecorded NOTIFY
                  comfortsChanged)
+  Q_PROPERTY(bool mouseSounds READ mouseSounds WRITE setMouseSounds NOTIFY comfortsChanged)
+  Q_PROPERTY(bool wheelSounds READ wheelSounds WRITE setWheelSounds NOTIFY comfortsChanged)
+  Q_PROPERTY(bool canHearMouse READ canHearMouse NOTIFY permissionChanged)
+  Q_PROPERTY(bool packHasMouse READ packHasMouse NOTIFY packChanged)
 
  public:
   explicit MoreModel(AppModel& model, QObject* parent = nullptr);
@@ -29,12 +33,21 @@ class MoreModel final : public QObject {
   [[nodiscard]] bool hearsWhileLocked() const;
   [[nodiscard]] bool maskWhileRecorded() const;
 
+  [[nodiscard]] bool mouseSounds() const;
+  [[nodiscard]] bool wheelSounds() const;
+  [[nodiscard]] bool canHearMouse() const;
+  /// Whether the chosen pack has sounds for a mouse; true, too, while none is loaded.
+  [[nodiscard]] bool packHasMouse() const;
+
   void setQuietWhileLocked(bool on);
   void setMaskWhileRecorded(bool on);
+  void setMouseSounds(bool on);
+  void setWheelSounds(bool on);
 
  signals:
   void comfortsChanged();
   void permissionChanged();
+  void packChanged();
 
  private:
   /// Changes one comfort and leaves the others.

@@ -48,6 +48,7 @@ Rectangle {
             spacing: Theme.inset
 
             MoreQuiet { more: page.more }
+            MoreMouse { more: page.more }
         }
     }
 }

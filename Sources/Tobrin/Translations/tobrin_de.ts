@@ -32,6 +32,14 @@
     <message><source>Type anything: it sounds in every app.</source><translation>Tippe irgendetwas: Es klingt in jedem Programm.</translation></message>
 </context>
 <context>
+    <name>MoreMouse</name>
+    <message><source>Mouse</source><translation>Maus</translation></message>
+    <message><source>Mouse buttons sound</source><translation>Maustasten klingen</translation></message>
+    <message><source>The wheel sounds, too</source><translation>Auch das Mausrad klingt</translation></message>
+    <message><source>Here Tobrin hears keyboards alone, and no mouse.</source><translation>Hier hört Tobrin nur Tastaturen, keine Maus.</translation></message>
+    <message><source>The chosen pack has no sounds for a mouse.</source><translation>Das gewählte Paket hat keine Töne für eine Maus.</translation></message>
+</context>
+<context>
     <name>MorePage</name>
     <message><source>More</source><translation>Mehr</translation></message>
     <message><source>Back</source><translation>Zurück</translation></message>

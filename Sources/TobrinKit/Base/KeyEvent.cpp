@@ -6,8 +6,8 @@
 namespace tobrin {
 namespace {
 
-constexpr std::array<std::string_view, allKeyGroups.size()> groupNames = {"alpha", "space", "enter",
-                                                                          "backspace", "modifier"};
+constexpr std::array<std::string_view, allPackGroups.size()> groupNames = {
+    "alpha", "space", "enter", "backspace", "modifier", "mouse"};
 constexpr std::array<std::string_view, tierCount> tierNames = {"soft", "medium", "hard", "slam"};
 
 /// ASCII only: names in files must not depend on the user's locale.
@@ -24,7 +24,7 @@ std::string_view rawValue(KeyGroup group) {
 std::optional<KeyGroup> keyGroup(std::string_view rawValue) {
   const auto found = std::find(groupNames.begin(), groupNames.end(), rawValue);
   if (found == groupNames.end()) return std::nullopt;
-  return allKeyGroups[static_cast<std::size_t>(found - groupNames.begin())];
+  return allPackGroups[static_cast<std::size_t>(found - groupNames.begin())];
 }
 
 std::string_view name(Tier tier) {

@@ -23,10 +23,16 @@ struct KeyEvent {
 };
 
 /// The groups by which a sound pack is organised; the value is the index.
-enum class KeyGroup : uint8_t { alpha, space, enter, backspace, modifier };
+enum class KeyGroup : uint8_t { alpha, space, enter, backspace, modifier, mouse };
 
+/// Those of a keyboard.
 inline constexpr std::array<KeyGroup, 5> allKeyGroups = {
     KeyGroup::alpha, KeyGroup::space, KeyGroup::enter, KeyGroup::backspace, KeyGroup::modifier};
+
+/// Those, and what a pack may have besides.
+inline constexpr std::array<KeyGroup, 6> allPackGroups = {KeyGroup::alpha,    KeyGroup::space,
+                                                          KeyGroup::enter,    KeyGroup::backspace,
+                                                          KeyGroup::modifier, KeyGroup::mouse};
 
 /// The group's name in files, in lower case.
 std::string_view rawValue(KeyGroup group);

@@ -106,7 +106,7 @@ std::string exampleManifest() {
   for (const Tier tier : allTiers)
     group.down[std::string(name(tier))] = {};
   group.up.emplace();
-  for (const KeyGroup each : allKeyGroups)
+  for (const KeyGroup each : allPackGroups)
     manifest.groups.emplace(rawValue(each), group);
   manifest.keyTakes[0] = {std::vector<uint32_t>(), std::vector<uint32_t>()};
   return manifest.toJson();

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Base/Key.h"
+#include "Base/MouseButton.h"
 #include "Engine/Conductor.h"
 
 namespace tobrin {
@@ -50,7 +51,9 @@ void ConductorCore::keyDown(const KeyEvent& event) {
   if (!settings_.enabled || !player_.hasPack()) return;
   devices_->noteActivity(event.time);
   wake();
-  if (settings_.forceSensing && devices_->sensing().canSense())
+  if (isMouse(event.code))
+    click(event);
+  else if (settings_.forceSensing && devices_->sensing().canSense())
     strikeSensed(event);
   else
     strikeFixed(event);
@@ -73,13 +76,23 @@ void ConductorCore::strikeSensed(const KeyEvent& event) {
   }
 }
 
+StrokeStrength ConductorCore::near(Tier tier) {
+  const double center = static_cast<double>(index(tier));
+  return {static_cast<float>(std::clamp(center + 0.3 * rng_.signedUnit(), 0.0, 3.0)), 1};
+}
+
 void ConductorCore::strikeFixed(const KeyEvent& event) {
-  const double center = static_cast<double>(index(settings_.fixedTier));
-  const auto position = static_cast<float>(std::clamp(center + 0.3 * rng_.signedUnit(), 0.0, 3.0));
-  const VoicePlayer::Voice voice = player_.press(event.code, {position, 1}, {});
+  const StrokeStrength strength = near(settings_.fixedTier);
+  const VoicePlayer::Voice voice = player_.press(event.code, strength, {});
   if (voice.tag == 0) return;
   held_.press(event.code, voice.tag);
-  report({.code = event.code, .position = position});
+  report({.code = event.code, .position = strength.position});
+}
+
+/// A mouse lies beside the machine, where no sensor feels it.
+void ConductorCore::click(const KeyEvent& event) {
+  const bool isWheel = event.code == codeOf(MouseButton::wheel);
+  player_.press(event.code, near(isWheel ? Tier::soft : settings_.fixedTier), {});
 }
 
 void ConductorCore::refine(const Stroke& stroke, double delayMs) {

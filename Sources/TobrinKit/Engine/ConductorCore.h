@@ -57,6 +57,9 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   void keyUp(const KeyEvent& event);
   void strikeSensed(const KeyEvent& event);
   void strikeFixed(const KeyEvent& event);
+  void click(const KeyEvent& event);
+  /// About the strength of a tier, as no two strokes are alike.
+  [[nodiscard]] StrokeStrength near(Tier tier);
   void refine(const Stroke& stroke, double delayMs);
   void settle(const Stroke& stroke, const StrokeMeter::Reading& reading);
   void playRelease(uint16_t code, float relative);

@@ -28,7 +28,7 @@ class KeyMask final {
  private:
   bool isOn_ = false;
   SplitMix64 rng_;
-  std::array<std::vector<uint16_t>, allKeyGroups.size()> sounding_;  // codes of each group
+  std::array<std::vector<uint16_t>, allPackGroups.size()> sounding_;  // codes of each group
 };
 
 }  // namespace tobrin

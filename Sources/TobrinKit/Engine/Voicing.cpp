@@ -74,10 +74,9 @@ std::optional<TBCommand> Voicing::release(uint32_t tag, uint16_t code, float rel
 std::optional<Voicing::Take> Voicing::take(uint32_t tag, uint16_t code,
                                            const LoadedPack::Variants* own) const {
   const KeyGroup group = keyGroupOf(code);
-  if (own == nullptr) {
-    const std::size_t takes = std::max<std::size_t>(pack_.variantCount(group), 1);
-    return Take{group, static_cast<std::size_t>(keyIdentity(code) % takes)};
-  }
+  const std::size_t takes = pack_.variantCount(group);
+  if (takes == 0) return std::nullopt;
+  if (own == nullptr) return Take{group, static_cast<std::size_t>(keyIdentity(code) % takes)};
   if (own->empty()) return std::nullopt;
   return Take{group, (*own)[static_cast<std::size_t>(SplitMix64(tag).next() % own->size())]};
 }

@@ -5,6 +5,7 @@
 #include <initializer_list>
 
 #include "Base/Key.h"
+#include "Base/MouseButton.h"
 #include "Base/SplitMix64.h"
 
 namespace tobrin {
@@ -115,6 +116,7 @@ constexpr Columns columns = placeKeys();
 }  // namespace
 
 KeyGroup keyGroupOf(uint16_t code) {
+  if (isMouse(code)) return KeyGroup::mouse;
   switch (Key{code}) {
     case Key::space:
       return KeyGroup::space;

@@ -8,7 +8,8 @@
 
 namespace tobrin {
 
-/// The group whose takes the key plays; Tab counts as a modifier, unknown codes as `alpha`.
+/// The group whose takes the key or mouse button plays; Tab counts as a modifier, unknown codes as
+/// `alpha`.
 [[nodiscard]] KeyGroup keyGroupOf(uint16_t code);
 
 /// The key's place in key widths from the left edge of a laptop's keyboard, 0 to 15; nothing for

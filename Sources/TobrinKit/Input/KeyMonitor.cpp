@@ -4,6 +4,8 @@
 #include <cassert>
 #include <utility>
 
+#include "Base/MouseButton.h"
+
 namespace tobrin {
 
 KeyMonitor::KeyMonitor(std::unique_ptr<KeySource> source, Handler handler,
@@ -107,7 +109,7 @@ void KeyMonitor::handle(const KeySource::Event& event) {
   if (!action) return;
   const KeyEvent heard{.code = event.code, .action = *action, .time = time};
   if (!stale) handler_(heard);
-  if (options_.observer) options_.observer(heard);
+  if (options_.observer && !isMouse(heard.code)) options_.observer(heard);
 }
 
 }  // namespace tobrin

@@ -28,8 +28,8 @@ namespace tobrin {
 struct KeyMonitorOptions {
   /// Called first on the monitor's thread, to name it and to ask for real-time scheduling.
   std::function<void(std::string_view threadName)> onThreadStart = nullptr;
-  /// Receives every event, also those too old to be handed on, after the handler: which keys are
-  /// held follows from all of them. Called as the handler is.
+  /// Receives every event of a keyboard, also those too old to be handed on, after the handler:
+  /// which keys are held follows from all of them. Called as the handler is.
   std::function<void(const KeyEvent&)> observer = nullptr;
   /// Called when a source in use was lost and when it is open again, and when it pauses or goes on:
   /// whenever `isRunning`, `pause` or `goesOnWhileLocked` changes by itself. Thread: key.
@@ -71,6 +71,8 @@ class KeyMonitor final {
   /// Whether keys are heard now; false while a lost source is being waited for. Thread: any.
   [[nodiscard]] bool isRunning() const { return running_.load(std::memory_order_acquire); }
 
+  void hearMouse(MouseHearing wish) { source_->hearMouse(wish); }
+  [[nodiscard]] bool canHearMouse() const { return source_->canHearMouse(); }
   [[nodiscard]] KeyPause pause() const { return source_->pause(); }
   [[nodiscard]] bool goesOnWhileLocked() const { return source_->goesOnWhileLocked(); }
   [[nodiscard]] bool hasPermission() const { return source_->hasPermission(); }

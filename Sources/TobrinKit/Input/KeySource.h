@@ -13,6 +13,9 @@
 
 namespace tobrin {
 
+/// What is to be heard of the mouse.
+enum class MouseHearing : uint8_t { nothing, buttons, buttonsAndWheel };
+
 class KeySource {
  public:
   enum class EventType : uint8_t { keyDown, keyUp, flagsChanged, pauseChanged };
@@ -56,6 +59,13 @@ class KeySource {
 
   /// Whether keys come while the session is locked, too. Thread: any.
   [[nodiscard]] virtual bool goesOnWhileLocked() const { return true; }
+
+  /// From now on presses and releases of mouse buttons come as those of keys do, with the codes of
+  /// `MouseButton`, and each notch of a wheel as a press; or no longer. Without a mouse's use no
+  /// wake-ups either. Thread: any.
+  virtual void hearMouse(MouseHearing) {}
+  /// Whether a mouse can be heard here. Thread: any.
+  [[nodiscard]] virtual bool canHearMouse() const { return false; }
 
   /// Whether the user lets this program hear the keyboards. Thread: any.
   [[nodiscard]] virtual bool hasPermission() const = 0;

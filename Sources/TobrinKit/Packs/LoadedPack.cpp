@@ -64,12 +64,15 @@ LoadedPack::LoadedPack(PackInfo info, PackManifest manifest, Contents contents)
       manifest_(std::move(manifest)),
       buffers_(std::move(contents.buffers)) {
   dropEmptyLists(contents);
-  if (contents.down.empty()) throw PackError::empty(manifest_.id);
+  const auto first = contents.down.begin();  // a mouse's group comes last
+  if (first == contents.down.end() || first->first == KeyGroup::mouse)
+    throw PackError::empty(manifest_.id);
   const TierLists* substitute = find(contents.down, KeyGroup::alpha);
-  if (substitute == nullptr) substitute = &contents.down.begin()->second;
+  if (substitute == nullptr) substitute = &first->second;
   const auto* substituteUp = find(contents.up, KeyGroup::alpha);
 
-  for (const KeyGroup group : allKeyGroups) {
+  for (const KeyGroup group : allPackGroups) {
+    if (group == KeyGroup::mouse && find(contents.down, group) == nullptr) continue;
     const TierLists* own = find(contents.down, group);
     const TierLists& tiers = own != nullptr ? *own : *substitute;
     for (const Tier wanted : allTiers) {

@@ -1,6 +1,7 @@
 /// A pack decoded and ready to play: for every key group four tiers of press takes and the release
-/// takes, all gaps filled at load time. Never changes; the conductor and those that list packs
-/// share it. Its samples must outlive every voice that plays them. Thread: any.
+/// takes, all gaps filled at load time; for a mouse, where the pack has a group for it. Never
+/// changes; the conductor and those that list packs share it. Its samples must outlive every voice
+/// that plays them. Thread: any.
 #pragma once
 
 #include <array>
@@ -41,12 +42,16 @@ class LoadedPack final {
     std::map<KeyGroup, std::vector<std::size_t>> up;
   };
 
-  /// Fills the gaps of decoded takes. Throws `PackError::empty` where there is no press take.
+  /// Fills the gaps of decoded takes. Throws `PackError::empty` where no key has a press take.
   LoadedPack(PackInfo info, PackManifest manifest, Contents contents);
   LoadedPack(const LoadedPack&) = delete;
   LoadedPack& operator=(const LoadedPack&) = delete;
 
-  /// The takes of one press: in every tier entry `variant` modulo the tier's count.
+  /// Whether presses of the group have a sound: only those of `mouse` may have none.
+  [[nodiscard]] bool hasSounds(KeyGroup group) const { return variantCount(group) > 0; }
+
+  /// The takes of one press of a group that has sounds: in every tier entry `variant` modulo the
+  /// tier's count.
   [[nodiscard]] Layers layers(KeyGroup group, std::size_t variant) const;
 
   /// The release take of a variant, where the group has any.
@@ -78,8 +83,8 @@ class LoadedPack final {
   PackInfo info_;
   PackManifest manifest_;
   std::vector<std::unique_ptr<SampleBuffer>> buffers_;
-  std::array<TierTakes, allKeyGroups.size()> down_;
-  std::array<std::vector<Take>, allKeyGroups.size()> up_;
+  std::array<TierTakes, allPackGroups.size()> down_;
+  std::array<std::vector<Take>, allPackGroups.size()> up_;
   uint64_t memoryBytes_ = 0;
 };
 

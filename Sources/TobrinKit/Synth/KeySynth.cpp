@@ -242,12 +242,13 @@ std::vector<float> asFloats(const std::vector<double>& samples) {
 }  // namespace
 
 GroupShape groupShape(KeyGroup group) {
-  static constexpr std::array<GroupShape, allKeyGroups.size()> shapes = {{
+  static constexpr std::array<GroupShape, allPackGroups.size()> shapes = {{
       {.frequency = 1.0, .decay = 1.0, .level = 1.0, .rattle = 0.0},     // alpha
       {.frequency = 0.72, .decay = 1.7, .level = 1.15, .rattle = 1.0},   // space
       {.frequency = 0.86, .decay = 1.35, .level = 1.08, .rattle = 0.5},  // enter
       {.frequency = 0.9, .decay = 1.25, .level = 1.05, .rattle = 0.4},   // backspace
       {.frequency = 0.94, .decay = 1.1, .level = 0.95, .rattle = 0.2},   // modifier
+      {.frequency = 1.7, .decay = 0.45, .level = 0.5, .rattle = 0.0},    // mouse
   }};
   return shapes[index(group)];
 }

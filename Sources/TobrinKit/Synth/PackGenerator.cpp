@@ -42,7 +42,7 @@ struct Take {
 /// All takes of a pack in the order of their lists, without sound yet.
 std::vector<Take> plannedTakes() {
   std::vector<Take> takes;
-  for (const KeyGroup group : allKeyGroups) {
+  for (const KeyGroup group : allPackGroups) {
     const unsigned count = group == KeyGroup::alpha ? alphaVariants : otherVariants;
     const auto add = [&](std::optional<Tier> tier) {
       for (unsigned variant = 0; variant < count; ++variant)

@@ -1,4 +1,4 @@
-/// Turns a synth profile into a sound pack on disk: 60 takes as WAV files and their "pack.json".
+/// Turns a synth profile into a sound pack on disk: 70 takes as WAV files and their "pack.json".
 /// The same profile always gives the same bytes. Thread: any.
 #pragma once
 

@@ -19,6 +19,11 @@ class DeviceKeySource final : public KeySource {
   [[nodiscard]] bool goesOnWhileLocked() const override {
     return used_.load()->goesOnWhileLocked();
   }
+  /// The key broker reads keyboards alone.
+  void hearMouse(MouseHearing wish) override { direct_.hearMouse(wish); }
+  [[nodiscard]] bool canHearMouse() const override {
+    return used_ == &direct_ && direct_.canHearMouse();
+  }
   [[nodiscard]] bool hasPermission() const override;
   bool requestPermission() override { return hasPermission(); }
   [[nodiscard]] bool canGiveBackPermission() const override;

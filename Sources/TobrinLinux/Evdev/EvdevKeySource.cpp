@@ -16,7 +16,14 @@ namespace tobrin {
 namespace {
 
 /// What `run` waits for in addition to keyboards, in this order.
-enum Waits : std::size_t { wakeWait, hotplugWait, permissionWait, seatWait, firstKeyboardWait };
+enum Waits : std::size_t {
+  wakeWait,
+  mouseWait,
+  hotplugWait,
+  permissionWait,
+  seatWait,
+  firstKeyboardWait
+};
 
 bool isReadable(const std::string& node) {
   return faccessat(AT_FDCWD, node.c_str(), R_OK, AT_EACCESS) == 0;
@@ -57,10 +64,29 @@ bool EvdevKeySource::open() {
   return !refused_;
 }
 
-/// Opens every keyboard that is not open yet, unless another user is in front of them.
 void EvdevKeySource::takeUpKeyboards() {
+  const std::vector<std::string> nodes = watches_->list.nodes(watches_->seat.seat());
+  const std::string refusal = takeUp(nodes);
+  const bool hasAny = std::any_of(keyboards_.begin(), keyboards_.end(), [&](const auto& open) {
+    return std::find(nodes.begin(), nodes.end(), open->node()) != nodes.end();
+  });
+  refused_ = !hasAny && !refusal.empty();
+  setProblem(refused_ ? refusal : "");
+  if (!refused_) takeUpMice();
+}
+
+void EvdevKeySource::takeUpMice() {
+  const MouseHearing hearing = mouse_.hearing();
+  if (hearing != MouseHearing::nothing) takeUp(watches_->list.mice(watches_->seat.seat()));
+  for (const auto& keyboard : keyboards_)
+    keyboard->hearMouse(hearing);
+}
+
+/// Opens every device that is not open yet, unless another user is in front of them. Returns why
+/// one of them may not be read, in words.
+std::string EvdevKeySource::takeUp(const std::vector<std::string>& nodes) {
   std::string refusal;
-  for (const std::string& node : watches_->list.nodes(watches_->seat.seat())) {
+  for (const std::string& node : nodes) {
     const auto hasNode = [&](const auto& keyboard) { return keyboard->node() == node; };
     if (!isOurs_ || std::any_of(keyboards_.begin(), keyboards_.end(), hasNode)) continue;
     int error = 0;
@@ -70,8 +96,19 @@ void EvdevKeySource::takeUpKeyboards() {
       refusal = "no permission to read " + node + readersOf(node);
     }
   }
-  refused_ = keyboards_.empty() && !refusal.empty();
-  setProblem(refused_ ? refusal : "");
+  return refusal;
+}
+
+/// Lets go of mice that nobody wants to hear any more.
+void EvdevKeySource::followMouseWish(const Sink& sink) {
+  mouse_.clear();
+  if (mouse_.hearing() != MouseHearing::nothing) return;
+  const std::vector<std::string> wanted = watches_->list.nodes(watches_->seat.seat());
+  std::erase_if(keyboards_, [&](const auto& open) {
+    if (std::find(wanted.begin(), wanted.end(), open->node()) != wanted.end()) return false;
+    open->releaseAll(sink);
+    return true;
+  });
 }
 
 void EvdevKeySource::run(const Sink& sink) {
@@ -83,6 +120,10 @@ void EvdevKeySource::run(const Sink& sink) {
     }
     if (waits[wakeWait].revents != 0) return;
     bool changed = takeKeys(waits, sink);
+    if (waits[mouseWait].revents != 0) {
+      followMouseWish(sink);
+      changed = true;
+    }
     if (waits[seatWait].revents != 0) changed |= takeSeatChange(sink);
     if (waits[hotplugWait].revents != 0 || waits[permissionWait].revents != 0) {
       watches_->changes.clear();
@@ -99,6 +140,7 @@ void EvdevKeySource::run(const Sink& sink) {
 std::vector<pollfd> EvdevKeySource::everythingToWaitFor() const {
   std::vector<pollfd> waits(firstKeyboardWait);
   waits[wakeWait].fd = wake_.fd();
+  waits[mouseWait].fd = mouse_.fd();
   waits[hotplugWait].fd = watches_->changes.hotplugFd();
   waits[permissionWait].fd = watches_->changes.permissionFd();
   waits[seatWait].fd = watches_->seat.fd();
@@ -157,6 +199,11 @@ void EvdevKeySource::interrupt() {
 bool EvdevKeySource::hasPermission() const {
   if (!KeyboardList::isPossible()) return false;  // as in a sandbox that keeps the devices out
   const std::vector<std::string> nodes = KeyboardList().nodes(SeatWatch().seat());
+  return nodes.empty() || std::any_of(nodes.begin(), nodes.end(), isReadable);
+}
+
+bool EvdevKeySource::canHearMouse() const {
+  const std::vector<std::string> nodes = KeyboardList().mice(SeatWatch().seat());
   return nodes.empty() || std::any_of(nodes.begin(), nodes.end(), isReadable);
 }
 

@@ -13,6 +13,7 @@
 #include "Base/Mutex.h"
 #include "Evdev/Keyboard.h"
 #include "Evdev/KeyboardList.h"
+#include "Evdev/MouseWish.h"
 #include "Evdev/SeatWatch.h"
 #include "Input/KeySource.h"
 #include "System/WakeEvent.h"
@@ -35,6 +36,9 @@ class EvdevKeySource final : public KeySource {
   [[nodiscard]] KeyPause pause() const override {
     return isOurs_ ? KeyPause::none : KeyPause::inBackground;
   }
+  void hearMouse(MouseHearing wish) override { mouse_.set(wish); }
+  /// Where there are mice and none may be read, it cannot.
+  [[nodiscard]] bool canHearMouse() const override;
   [[nodiscard]] bool hasPermission() const override;
   /// Nobody can be asked: an administrator grants it.
   bool requestPermission() override { return hasPermission(); }
@@ -46,16 +50,20 @@ class EvdevKeySource final : public KeySource {
 
   void setProblem(const std::string& problem);
   void takeUpKeyboards();
+  void takeUpMice();
+  std::string takeUp(const std::vector<std::string>& nodes);
+  void followMouseWish(const Sink& sink);
   bool takeKeys(const std::vector<pollfd>& waits, const Sink& sink);
   void dropWhatMayNotBeRead(const Sink& sink);
   bool takeSeatChange(const Sink& sink);
   [[nodiscard]] std::vector<pollfd> everythingToWaitFor() const;
 
-  WakeEvent wake_;  // any thread
+  WakeEvent wake_;   // any thread
+  MouseWish mouse_;  // any thread
 
   // key thread
-  std::unique_ptr<Watches> watches_;  // while open
-  std::vector<std::unique_ptr<Keyboard>> keyboards_;
+  std::unique_ptr<Watches> watches_;                  // while open
+  std::vector<std::unique_ptr<Keyboard>> keyboards_;  // and mice, while they are wished for
   bool refused_ = false;            // of the keyboards there are, not one may be read
   std::atomic<bool> isOurs_{true};  // whether our user sits at the keyboards; any thread reads it
 

@@ -8,7 +8,8 @@ namespace tobrin {
 
 std::optional<KeySource::Event> HeldKeys::take(uint32_t kernelCode, Change change,
                                                std::optional<uint64_t> time) {
-  const auto code = virtualCodeOf(kernelCode);
+  auto code = virtualCodeOf(kernelCode);
+  if (!code) code = mouseCodeOf(kernelCode);
   if (!code || kernelCode >= held_.size()) return std::nullopt;
   held_[kernelCode] = change != Change::release;
   const uint32_t mask = ModifierTracker::mask(*code);

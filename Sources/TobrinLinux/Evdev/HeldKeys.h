@@ -1,7 +1,7 @@
-/// The keys held on one keyboard, by kernel code: turns its raw presses and releases into key
-/// source events. Each keyboard has one, so that a keyboard that loses a release (a remapper took
-/// it over, its session went into the background) cannot leave a modifier stuck on the others.
-/// Thread: key.
+/// The keys held on one keyboard, or the buttons on one mouse, by kernel code: turns its raw
+/// presses and releases into key source events. Each keyboard has one, so that a keyboard that
+/// loses a release (a remapper took it over, its session went into the background) cannot leave a
+/// modifier stuck on the others. Thread: key.
 #pragma once
 
 #include <bitset>
@@ -21,6 +21,9 @@ class HeldKeys {
 
   /// `keyboard` is what the keyboard calls itself, which each event says.
   explicit HeldKeys(std::string keyboard = {}) : keyboard_(std::move(keyboard)) {}
+
+  /// As it was made.
+  [[nodiscard]] const std::string& name() const { return keyboard_; }
 
   /// What a change of one key means; nothing for keys without a virtual code, and for what changes
   /// of modifier keys are not handed on (a repeat, a Caps Lock release). `time` is handed on.

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "Base/Key.h"
+#include "Base/MouseButton.h"
 
 namespace tobrin {
 namespace {
@@ -172,6 +173,27 @@ constexpr Table virtualCodes = [] {
 std::optional<uint16_t> virtualCodeOf(uint32_t kernelCode) {
   if (kernelCode >= virtualCodes.size() || virtualCodes[kernelCode] == none) return std::nullopt;
   return virtualCodes[kernelCode];
+}
+
+std::optional<uint16_t> mouseCodeOf(uint32_t kernelCode) {
+  switch (kernelCode) {
+    case BTN_LEFT:
+      return codeOf(MouseButton::left);
+    case BTN_RIGHT:
+      return codeOf(MouseButton::right);
+    case BTN_MIDDLE:
+      return codeOf(MouseButton::middle);
+    case BTN_SIDE:
+    case BTN_BACK:
+      return codeOf(MouseButton::back);
+    case BTN_EXTRA:
+    case BTN_FORWARD:
+      return codeOf(MouseButton::forward);
+    case BTN_TASK:
+      return codeOf(MouseButton::other);
+    default:
+      return std::nullopt;
+  }
 }
 
 std::vector<uint16_t> kernelCodesOf(uint32_t virtualCode) {

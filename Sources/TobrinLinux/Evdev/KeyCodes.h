@@ -11,6 +11,10 @@ namespace tobrin {
 /// An X server's key codes are the kernel's plus this.
 inline constexpr uint16_t xKeyCodeOffset = 8;
 
+/// The code of a mouse button among those of `MouseButton`; nothing for every other kernel key
+/// code.
+std::optional<uint16_t> mouseCodeOf(uint32_t kernelCode);
+
 /// The virtual key code of a kernel key code; nothing for keys that are not part of typing (media,
 /// volume, power, mouse buttons), which stay silent.
 std::optional<uint16_t> virtualCodeOf(uint32_t kernelCode);

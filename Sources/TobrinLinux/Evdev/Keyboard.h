@@ -1,8 +1,10 @@
-/// One keyboard device of the kernel, opened for reading and never grabbed. Thread: key.
+/// One keyboard or mouse of the kernel, opened for reading and never grabbed. How a mouse moves
+/// never reaches this program. Thread: key.
 #pragma once
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "Base/FileDescriptor.h"
@@ -25,6 +27,9 @@ class Keyboard final {
   [[nodiscard]] int fd() const { return file_.get(); }
   [[nodiscard]] const std::string& node() const { return node_; }
 
+  /// Mouse buttons are left out until they are wished for, on a keyboard that has some as well.
+  void hearMouse(MouseHearing hearing);
+
   /// Hands on all that has come in; false once the keyboard is gone (which a read shows before the
   /// hotplug service does).
   bool takeAll(const KeySource::Sink& sink);
@@ -34,12 +39,14 @@ class Keyboard final {
 
  private:
   Keyboard(std::string node, FileDescriptor file, libevdev* device);
+  void turnWheel(std::optional<uint64_t> time, const KeySource::Sink& sink) const;
 
   const std::string node_;
   const FileDescriptor file_;
   libevdev* const device_;  // owned
   bool monotonic_ = false;  // whether the kernel stamps on our clock
   HeldKeys held_;
+  MouseHearing mouse_ = MouseHearing::nothing;
 };
 
 }  // namespace tobrin

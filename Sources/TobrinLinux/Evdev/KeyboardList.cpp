@@ -38,19 +38,6 @@ bool isOnSeat(udev_device* device, std::string_view seat) {
   return seat == (own.empty() ? defaultSeat : own);
 }
 
-bool isKeyboardDevice(udev_device* device) {
-  if (property(device, "ID_INPUT_KEYBOARD") == "1") return true;
-  const char* keys = udev_device_get_sysattr_value(device, "device/capabilities/key");
-  return keys != nullptr && isKeyboard(keys);
-}
-
-/// The device's node if it is a keyboard of the seat; else empty.
-std::string keyboardNode(udev_device* device, std::string_view seat) {
-  const char* node = udev_device_get_devnode(device);
-  if (node == nullptr || std::strncmp(udev_device_get_sysname(device), "event", 5) != 0) return {};
-  return isReady(device) && isOnSeat(device, seat) && isKeyboardDevice(device) ? node : "";
-}
-
 bool hasAll(std::string_view keys, std::initializer_list<unsigned> wanted) {
   constexpr unsigned wordBits = sizeof(unsigned long) * CHAR_BIT;
   std::vector<unsigned long> words;  // the highest first
@@ -65,6 +52,24 @@ bool hasAll(std::string_view keys, std::initializer_list<unsigned> wanted) {
     const std::size_t index = key / wordBits;
     return index < words.size() && (words[words.size() - 1 - index] >> (key % wordBits) & 1) != 0;
   });
+}
+
+bool isKeyboardDevice(udev_device* device) {
+  if (property(device, "ID_INPUT_KEYBOARD") == "1") return true;
+  const char* keys = udev_device_get_sysattr_value(device, "device/capabilities/key");
+  return keys != nullptr && isKeyboard(keys);
+}
+
+bool isMouseDevice(udev_device* device) {
+  const char* keys = udev_device_get_sysattr_value(device, "device/capabilities/key");
+  return keys != nullptr && hasAll(keys, {BTN_LEFT});
+}
+
+/// The device's node if it belongs to the seat; else empty.
+std::string nodeOf(udev_device* device, std::string_view seat) {
+  const char* node = udev_device_get_devnode(device);
+  if (node == nullptr || std::strncmp(udev_device_get_sysname(device), "event", 5) != 0) return {};
+  return isReady(device) && isOnSeat(device, seat) ? node : "";
 }
 
 }  // namespace
@@ -92,6 +97,15 @@ bool KeyboardList::isPossible() {
 }
 
 std::vector<std::string> KeyboardList::nodes(std::string_view seat) const {
+  return nodes(seat, isKeyboardDevice);
+}
+
+std::vector<std::string> KeyboardList::mice(std::string_view seat) const {
+  return nodes(seat, isMouseDevice);
+}
+
+template <typename IsWanted>
+std::vector<std::string> KeyboardList::nodes(std::string_view seat, IsWanted isWanted) const {
   std::vector<std::string> result;
   const std::unique_ptr<udev_enumerate, UdevUnref> all(udev_enumerate_new(udev_.get()));
   udev_enumerate_add_match_subsystem(all.get(), "input");
@@ -100,10 +114,9 @@ std::vector<std::string> KeyboardList::nodes(std::string_view seat) const {
        entry = udev_list_entry_get_next(entry)) {
     const std::unique_ptr<udev_device, UdevUnref> device(
         udev_device_new_from_syspath(udev_.get(), udev_list_entry_get_name(entry)));
-    if (!device) continue;
-    if (std::string node = keyboardNode(device.get(), seat); !node.empty()) {
+    if (!device || !isWanted(device.get())) continue;
+    if (std::string node = nodeOf(device.get(), seat); !node.empty())
       result.push_back(std::move(node));
-    }
   }
   std::sort(result.begin(), result.end());
   return result;

@@ -1,5 +1,5 @@
-/// Which keyboards there are, and a notice when that, or the right to read them, may have changed.
-/// Not to be used from two threads at once. Thread: any.
+/// Which keyboards and mice there are, and a notice when that, or the right to read them, may have
+/// changed. Not to be used from two threads at once. Thread: any.
 #pragma once
 
 #include <memory>
@@ -31,7 +31,13 @@ class KeyboardList final {
   /// switches. A remapper's virtual keyboard counts too.
   [[nodiscard]] std::vector<std::string> nodes(std::string_view seat) const;
 
+  /// The same of what has mouse buttons: mice, touchpads, pointing sticks.
+  [[nodiscard]] std::vector<std::string> mice(std::string_view seat) const;
+
  private:
+  template <typename IsWanted>
+  std::vector<std::string> nodes(std::string_view seat, IsWanted isWanted) const;
+
   std::unique_ptr<udev, UdevDeleter> udev_;
 };
 

@@ -1,5 +1,6 @@
 #include "X11/XKeySource.h"
 
+#include <linux/input-event-codes.h>
 #include <poll.h>
 #include <xcb/xinput.h>
 
@@ -8,11 +9,19 @@
 #include <utility>
 
 #include "Base/MachTime.h"
+#include "Base/MouseButton.h"
 #include "Evdev/KeyCodes.h"
 #include "X11/XDeviceNames.h"
 
 namespace tobrin {
 namespace {
+
+/// The kernel's code of a mouse button, by the server's number of it; 0 for none.
+uint32_t kernelButtonOf(uint32_t number) {
+  constexpr std::array<uint32_t, 11> codes = {0, BTN_LEFT, BTN_MIDDLE, BTN_RIGHT, 0,       0,
+                                              0, 0,        BTN_SIDE,   BTN_EXTRA, BTN_TASK};
+  return number < codes.size() ? codes[number] : 0;
+}
 
 struct EventMask {
   xcb_input_event_mask_t head;
@@ -54,9 +63,11 @@ bool XKeySource::hasRawEvents() const {
 
 bool XKeySource::selectEvents() const {
   // Of the master devices: each key would come twice from all devices.
+  uint32_t wanted = XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
+  if (mouse_.hearing() != MouseHearing::nothing)
+    wanted |= XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE;
   const std::array<EventMask, 2> masks = {
-      {{{XCB_INPUT_DEVICE_ALL_MASTER, 1},
-        XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE},
+      {{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, wanted},
        {{XCB_INPUT_DEVICE_ALL, 1}, XCB_INPUT_XI_EVENT_MASK_HIERARCHY}}};
   const auto cookie = xcb_input_xi_select_events_checked(
       connection_.get(), firstScreen(connection_.get()).root, masks.size(), &masks[0].head);
@@ -71,13 +82,17 @@ void XKeySource::learnKeyboards() {
 
 void XKeySource::run(const Sink& sink) {
   inputExtension_ = xcb_get_extension_data(connection_.get(), &xcb_input_id)->major_opcode;
-  std::array<pollfd, 2> waits = {
-      {{wake_.fd(), POLLIN, 0}, {xcb_get_file_descriptor(connection_.get()), POLLIN, 0}}};
+  std::array<pollfd, 3> waits = {{{wake_.fd(), POLLIN, 0},
+                                  {mouse_.fd(), POLLIN, 0},
+                                  {xcb_get_file_descriptor(connection_.get()), POLLIN, 0}}};
   for (;;) {
     takeAll(sink);  // also what came in with the replies to our own requests
     if (xcb_connection_has_error(connection_.get()) != 0) break;
     if (retried([&] { return poll(waits.data(), waits.size(), -1); }) < 0) break;
     if (waits[0].revents != 0) return;
+    if (waits[1].revents == 0) continue;
+    mouse_.clear();
+    if (!selectEvents()) break;
   }
   for (auto& [id, keyboard] : keyboards_)
     keyboard.releaseAll(std::nullopt, sink);
@@ -101,6 +116,12 @@ void XKeySource::take(const xcb_generic_event_t& event, const Sink& sink) {
     case XCB_INPUT_RAW_KEY_RELEASE:
       takeKey(event, HeldKeys::Change::release, sink);
       break;
+    case XCB_INPUT_RAW_BUTTON_PRESS:
+      takeButton(event, HeldKeys::Change::press, sink);
+      break;
+    case XCB_INPUT_RAW_BUTTON_RELEASE:
+      takeButton(event, HeldKeys::Change::release, sink);
+      break;
     case XCB_INPUT_HIERARCHY:
       takeKeyboardsChanged(event, sink);
       break;
@@ -122,6 +143,21 @@ void XKeySource::takeKey(const xcb_generic_event_t& event, HeldKeys::Change chan
   if (const auto told = keyboard.take(kernelCode, change, clock_.ticks(raw.time, machNow()))) {
     sink(*told);
   }
+}
+
+/// A wheel comes as four more buttons, pressed and released at each notch.
+void XKeySource::takeButton(const xcb_generic_event_t& event, HeldKeys::Change change,
+                            const Sink& sink) {
+  constexpr uint32_t firstWheel = 4, lastWheel = 7;
+  const auto& raw = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
+  const auto time = clock_.ticks(raw.time, machNow());
+  HeldKeys& mouse = keyboards_[raw.sourceid];
+  if (raw.detail < firstWheel || raw.detail > lastWheel) {
+    if (const auto told = mouse.take(kernelButtonOf(raw.detail), change, time)) sink(*told);
+    return;
+  }
+  if (change == HeldKeys::Change::press && mouse_.hearing() == MouseHearing::buttonsAndWheel)
+    sink({.code = codeOf(MouseButton::wheel), .time = time, .keyboard = mouse.name()});
 }
 
 /// A keyboard that vanishes or is switched off releases nothing by itself.

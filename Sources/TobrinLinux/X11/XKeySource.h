@@ -10,6 +10,7 @@
 
 #include "Base/Mutex.h"
 #include "Evdev/HeldKeys.h"
+#include "Evdev/MouseWish.h"
 #include "Input/KeySource.h"
 #include "System/WakeEvent.h"
 #include "X11/XClock.h"
@@ -26,6 +27,8 @@ class XKeySource final : public KeySource {
   void run(const Sink& sink) override;
   void close() override;
   void interrupt() override;
+  void hearMouse(MouseHearing wish) override { mouse_.set(wish); }
+  [[nodiscard]] bool canHearMouse() const override { return true; }
   [[nodiscard]] bool hasPermission() const override { return true; }
   bool requestPermission() override { return true; }
   [[nodiscard]] std::string problem() const override;
@@ -39,18 +42,20 @@ class XKeySource final : public KeySource {
   void takeAll(const Sink& sink);
   void take(const xcb_generic_event_t& event, const Sink& sink);
   void takeKey(const xcb_generic_event_t& event, HeldKeys::Change change, const Sink& sink);
+  void takeButton(const xcb_generic_event_t& event, HeldKeys::Change change, const Sink& sink);
   void takeKeyboardsChanged(const xcb_generic_event_t& event, const Sink& sink);
 
   // fixed after construction
   const std::string display_;
 
-  WakeEvent wake_;  // any thread
+  WakeEvent wake_;   // any thread
+  MouseWish mouse_;  // any thread
 
   // key thread
   XConnection connection_;
   uint8_t inputExtension_ = 0;
   XClock clock_{false};
-  std::map<uint16_t, HeldKeys> keyboards_;  // by the server's id of the physical device
+  std::map<uint16_t, HeldKeys> keyboards_;  // and mice, by the server's id of the physical device
 
   mutable Mutex mutex_;
   std::string problem_ TOBRIN_GUARDED_BY(mutex_);

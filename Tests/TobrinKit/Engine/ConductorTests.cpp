@@ -6,6 +6,7 @@
 
 #include "Base/Log.h"
 #include "Base/MachTime.h"
+#include "Base/MouseButton.h"
 #include "Base/VirtualQueue.h"
 #include "Force/MotionReport.h"
 #include "PlainVoicing.h"
@@ -155,6 +156,30 @@ TEST_F(ConductorTest, FollowsTheImpactAt4And10And16Milliseconds) {
   EXPECT_TRUE(readings_[0].sensed);
   EXPECT_NEAR(readings_[0].peak, 0.095f, 0.0025);
   EXPECT_EQ(readings_[0].position, 3);
+}
+
+TEST_F(ConductorTest, AMouseClicksUnfeltAndOnlyWhereThePackHasASoundForIt) {
+  settings_.fixedTier = Tier::hard;
+  apply();
+  const auto click = [this](MouseButton button, KeyAction action = KeyAction::down) {
+    settle();
+    finishSounds();
+    conductor_->handle({codeOf(button), action, queue_.now()});
+    feel(0.9f);
+    advance(20);
+    return level();
+  };
+  EXPECT_EQ(click(MouseButton::left), 0) << "no key lends it one";
+  conductor_->setPack(testing::TestPack()
+                          .down(KeyGroup::alpha, Tier::medium, 0.1f)
+                          .down(KeyGroup::mouse, Tier::soft, 0.2f)
+                          .down(KeyGroup::mouse, Tier::hard, 0.3f)
+                          .up(KeyGroup::mouse, 0.05f)
+                          .make());
+  EXPECT_NEAR(click(MouseButton::right), 0.3f, 1e-4f);
+  EXPECT_NEAR(click(MouseButton::right, KeyAction::up), 0.04f, 0.003f);
+  EXPECT_NEAR(click(MouseButton::wheel), 0.2f, 1e-4f) << "softly";
+  EXPECT_TRUE(readings_.empty()) << "it says nothing of how hard keys are struck";
 }
 
 TEST_F(ConductorTest, WhatIsNoImpactChangesNothing) {

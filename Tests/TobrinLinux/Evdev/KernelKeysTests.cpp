@@ -25,6 +25,10 @@ TEST(KeyCodes, EveryKeyOfTheKernelIsTheOneOfItsName) {
     if (const auto code = virtualCodeOf(key))
       text += std::string(libevdev_event_code_get_name(EV_KEY, key)) + " " + std::to_string(*code) +
               "\n";
+  for (uint32_t key = 0; key <= KEY_MAX; ++key)
+    if (const auto code = mouseCodeOf(key))
+      text += std::string(libevdev_event_code_get_name(EV_KEY, key)) + " " + std::to_string(*code) +
+              "\n";
   testing::expectKeptText(text, "TobrinLinux/Evdev/key-codes.txt");
 }
 

@@ -2,7 +2,7 @@
 
 from .levels import plateaus_db, steepest_fall
 from .matching import Figures, Match, figures, match
-from .program import Tobrin, control, types_audibly, write_click_pack, write_pack
+from .program import Tobrin, control, is_heard, types_audibly, write_click_pack, write_pack
 from .testcase import DesktopTest
 from .tools import (Background, Press, Sound, find_sounds, panels, press_keys, press_toggle, record, tool,
                     xdotool)

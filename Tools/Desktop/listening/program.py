@@ -42,8 +42,13 @@ class Tobrin(Background):
 
 def types_audibly(recorder, seconds=0.4):
     """Whether one key makes a sound."""
+    return is_heard(recorder, [tool("press-keys"), "--delay", "0", "--text", "a"], seconds)
+
+
+def is_heard(recorder, command, seconds=0.4):
+    """Whether what a command does makes a sound."""
     recorder.forget()
-    subprocess.run([tool("press-keys"), "--delay", "0", "--text", "a"], check=True, stdout=subprocess.DEVNULL)
+    subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
     try:
         recorder.wait_for("sound", seconds)
     except TimeoutError:
