@@ -2,23 +2,44 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "Base/Key.h"
 #include "Base/MachTime.h"
 #include "Base/VirtualQueue.h"
 #include "ComposedKeys.h"
 #include "Packs/PackManifest.h"
+#include "Support/KeptText.h"
 #include "Support/ScriptedCapture.h"
 
 namespace tobrin {
 namespace {
 
-using Stage = RecordingGuide::Stage;
 using Step = RecordingGuide::Step;
 
 class RecordingGuideTest : public ::testing::Test {
  protected:
   RecordingGuideTest() {
     capture_->inputs = {{"webcam", "Webcam", false, false}, {"desk", "Desk", true, false}};
+    QObject::connect(&guide_, &RecordingGuide::changed, [this] { lookAt(guide_); });
+  }
+
+  /// Notes what somebody sees, where that has changed.
+  void lookAt(const RecordingGuide& guide) {
+    std::string now = "  stage " + std::to_string(static_cast<int>(guide.stage())) + ", step " +
+                      std::to_string(static_cast<int>(guide.step())) + ":";
+    for (const Step step : RecordingGuide::allSteps)
+      now += " " + std::to_string(guide.have(step)) + "/" +
+             std::to_string(RecordingGuide::wanted(step));
+    now += ", verdict " + std::to_string(static_cast<int>(guide.live().verdict)) + ", " +
+           guide.input() + " (" + capture_->input + ")" + (guide.isPaused() ? ", paused" : "") +
+           (guide.problem().empty() ? "" : ", " + guide.problem()) + "\n";
+    if (std::exchange(shown_, now) != now) seen_ += now;
+  }
+  /// A line of the story, and what was asked of the program meanwhile.
+  void after(const std::string& what) { seen_ += what + "\n"; }
+  static std::string nameOf(const std::filesystem::path& pack) {
+    return pack.empty() ? "the selected pack" : PackInfo::read(pack, false).name;
   }
 
   void advance(double milliseconds) {
@@ -58,82 +79,84 @@ class RecordingGuideTest : public ::testing::Test {
   VirtualQueue main_{"main"};
   VirtualQueue worker_{"worker"};
   std::shared_ptr<testing::CaptureScript> capture_ = std::make_shared<testing::CaptureScript>();
-  bool silent_ = false;
-  std::filesystem::path played_;
+  std::string seen_, shown_;
   std::filesystem::path kept_;
   RecordingGuide guide_{
       {.main = main_,
        .worker = worker_,
        .makeCapture = [this] { return std::make_unique<testing::ScriptedCapture>(capture_); },
-       .setSilent = [this](bool silent) { silent_ = silent; },
-       .play = [this](const std::filesystem::path& pack) { played_ = pack; },
-       .keep = [this](const std::filesystem::path& pack) { kept_ = pack; }}};
+       .setSilent = [this](bool silent) { seen_ += silent ? "  silent\n" : "  not silent\n"; },
+       .play =
+           [this](const std::filesystem::path& pack) { seen_ += "  plays " + nameOf(pack) + "\n"; },
+       .keep =
+           [this](const std::filesystem::path& pack) {
+             kept_ = pack;
+             seen_ += "  keeps " + nameOf(pack) + "\n";
+           }}};
 };
 
 TEST_F(RecordingGuideTest, LeadsFromAMicrophoneToAPackAndLeavesNothingBehind) {
-  guide_.begin();
-  EXPECT_EQ(guide_.stage(), Stage::microphone);
-  EXPECT_EQ(guide_.input(), "desk");
-  EXPECT_EQ(capture_->input, "desk");
-  EXPECT_TRUE(silent_);
-  guide_.chooseInput("webcam");
-  EXPECT_EQ(capture_->input, "webcam");
-  guide_.startTyping();
-  EXPECT_EQ(guide_.step(), Step::soft);
-  type(0, 20);
-  EXPECT_GT(guide_.have(Step::soft), 10U);
-  guide_.pause();
-  EXPECT_EQ(capture_->input, "");
-  guide_.resume();
-  EXPECT_EQ(capture_->input, "webcam");
-  type(25, 60);
-  EXPECT_GE(guide_.have(Step::soft), RecordingGuide::wanted(Step::soft));
-  EXPECT_NE(guide_.step(), Step::soft) << "on to the next by itself";
-
-  guide_.finish();
-  EXPECT_EQ(guide_.stage(), Stage::building);
-  EXPECT_EQ(capture_->input, "") << "the microphone is off";
-  advance(100);
-  ASSERT_EQ(guide_.stage(), Stage::listening) << guide_.problem();
-  EXPECT_FALSE(silent_);
-  EXPECT_EQ(PackInfo::read(played_, false).name, "My Keyboard");
-  guide_.keep("Board");
-  advance(100);
-  EXPECT_EQ(PackInfo::read(kept_, false).name, "Board");
-  guide_.keepFailed("no room");
-  EXPECT_EQ(guide_.stage(), Stage::listening);
-  EXPECT_EQ(guide_.problem(), "no room");
-  const auto folder = kept_;
-  guide_.leave();
-  EXPECT_EQ(guide_.stage(), Stage::away);
-  EXPECT_FALSE(std::filesystem::exists(folder));
-  EXPECT_EQ(played_, "") << "the selected pack plays again";
-  advance(1000);
-  EXPECT_EQ(main_.nextDue(), std::nullopt) << "nobody looks any more";
-}
-
-TEST_F(RecordingGuideTest, SaysWhatIsInTheWayAndGoesOn) {
   capture_->problem = "there is no microphone";
   guide_.begin();
-  EXPECT_EQ(guide_.problem(), "there is no microphone");
+  guide_.begin();
+  after("there is none");
   capture_->problem.clear();
   guide_.chooseInput("webcam");
-  EXPECT_EQ(guide_.problem(), "");
+  after("another one");
+  advance(200);
+  guide_.pause();
+  guide_.skip();
+  guide_.finish();
+  guide_.keep("x");
+  after("nothing to pause, skip, finish or keep yet");
   guide_.startTyping();
   guide_.finish();
   advance(100);
-  EXPECT_EQ(guide_.stage(), Stage::typing) << "there is nothing to make a pack of";
-  EXPECT_NE(guide_.problem(), "");
-  EXPECT_TRUE(guide_.isPaused());
+  after("nothing to make a pack of");
   guide_.resume();
-  EXPECT_EQ(capture_->input, "webcam");
+  type(0, 20);
+  after("20 s");
+  guide_.pause();
+  guide_.pause();
+  advance(200);
+  after("a pause");
+  guide_.resume();
+  type(25, 60);
+  after("on to the next step by itself");
+  guide_.finish();
+  advance(100);
+  after("a pack, of " + std::to_string(guide_.goodCount()) + " good sounds of " +
+        std::to_string(guide_.keyCount()));
+  guide_.listen();
+  guide_.typeMore();
+  after("more");
   for (std::size_t step = 0; step < RecordingGuide::allSteps.size(); ++step)
     guide_.skip();
-  EXPECT_EQ(guide_.stage(), Stage::building) << "nothing is left to skip";
+  after("no step is left");
+  advance(100);
+  guide_.packsAdded();
+  guide_.keepFailed("nobody asked");
+  guide_.keep("Board");
+  advance(100);
+  after("kept");
+  guide_.keepFailed("no room");
+  after("there is no room");
+  guide_.keep("");
+  advance(100);
+  const auto folder = kept_;
+  EXPECT_TRUE(std::filesystem::exists(folder));
+  guide_.packsAdded();
+  after("put among the others");
+  EXPECT_FALSE(std::filesystem::exists(folder));
+  guide_.begin();
+  guide_.startTyping();
+  guide_.finish();
   guide_.leave();
-  EXPECT_FALSE(silent_);
+  guide_.leave();
   advance(1000);
-  EXPECT_EQ(guide_.stage(), Stage::away) << "what was made meanwhile is dropped";
+  after("left while a pack was made");
+  EXPECT_EQ(main_.nextDue(), std::nullopt) << "nobody looks any more";
+  testing::expectKeptText(seen_, "Tobrin/recording-guide.txt");
 }
 
 }  // namespace
