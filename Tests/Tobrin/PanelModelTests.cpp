@@ -133,6 +133,7 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
 TEST_F(PanelModelTest, ShowsPacksComeAndGo) {
   device_->refusal = "no server";
   keys_.allowed = false;
+  found_[0].isBundled = true;
   start();
   (void)changes();  // all that is there at first
   after("without a sound server");
@@ -141,26 +142,58 @@ TEST_F(PanelModelTest, ShowsPacksComeAndGo) {
   after("with keys");
   device_->recover();
   after("with a sound server");
-  whileAdding_ = [&] {
+  PackShelfModel& shelf = *panel_->shelf();
+  const auto add = [&](std::initializer_list<const char*> names) {
+    QList<QUrl> places;
+    for (const char* name : names)
+      places.append(QUrl(name));
+    shelf.add(places);
+  };
+  whileAdding_ = [&, isFirst = true]() mutable {
     main_.runUntil(main_.now() + machTicks(1100));
     for (Bindings& each : bindings_)
       each.look();
+    if (std::exchange(isFirst, false)) add({"file:///x/later.zip"});
   };
-  panel_->shelf()->setAsking(PackShelfModel::Asking::byDropping);
+  shelf.setAsking(PackShelfModel::Asking::byDropping);
   after("asked to drop packs");
-  panel_->shelf()->add(
-      {QUrl("file:///x/one.zip"), QUrl("http://x/two.zip"), QUrl("file:///x/mouse.zip")});
-  after("two are added", 3000);
-  panel_->shelf()->panelClosed();
-  panel_->shelf()->remove("one");
-  after("one is removed");
-  panel_->shelf()->bringBack();
+  add({"file:///x/one/pack.json", "http://x/two.zip", "file:///x/mouse.zip", "file:///x/full.zip"});
+  after("three are added, and a later one", 6000);
+  shelf.panelClosed();
+  whileAdding_ = [&] { shelf.cancel(); };
+  add({"file:///x/three.zip", "file:///x/four.zip"});
+  after("called off");
+  whileAdding_ = [] {};
+  add({"file:///x/odd.zip"});
+  after("odd");
+  shelf.remove("alpha");
+  after("bundled ones stay");
+  desktop_.refusal = "it is held";
+  shelf.remove("one");
+  after("can't be removed");
+  desktop_.refusal.clear();
+  shelf.remove("one");
+  after("another than the chosen one is removed", 11'900);
+  after("12 s later", 100);
+  shelf.bringBack();
+  after("too late");
+  shelf.remove("later");
+  after("the chosen one is removed");
+  shelf.bringBack();
   after("and brought back");
-  panel_->shelf()->remove("one");
+  shelf.remove("later");
   desktop_.refusal = "it is full";
-  panel_->shelf()->bringBack();
+  shelf.bringBack();
   after("removed, and can't be brought back");
+  desktop_.refusal.clear();
+  panel_->select("leopold");
+  shelf.remove("leopold");
+  after("one in the middle is removed");
   expectKeptText(seen_, "Tobrin/panel-packs.txt");
+  add({"file:///x/never.zip"});
+  model_.reset();
+  advance(0);
+  EXPECT_EQ(found_.size(), 2U) << "the program has ended";
 }
 
 TEST_F(PanelModelTest, ShowsTheLastKeyDuringACall) {

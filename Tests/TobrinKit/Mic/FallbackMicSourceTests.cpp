@@ -18,6 +18,7 @@ TEST(FallbackMicSource, AsksTheOtherServerWhereTheFirstKnowsNoMicrophone) {
   EXPECT_TRUE(source.read().micInUse());
   EXPECT_FALSE(second->changed) << "not started yet";
   source.start([] {});
+  EXPECT_TRUE(first->changed);
   first->activity.recordingProcesses = Processes();  // a server for the screen alone
   EXPECT_TRUE(source.read().micInUse());
   EXPECT_TRUE(second->changed);
