@@ -44,6 +44,10 @@ void Conductor::setMasked(bool masked) {
   queue_.async([core = core_, masked] { core->setMasked(masked); });
 }
 
+void Conductor::setBoost(float boost) {
+  queue_.async([core = core_, boost] { core->setBoost(boost); });
+}
+
 void Conductor::chooseOutput(const std::string& id) {
   queue_.async([core = core_, id] { core->chooseOutput(id); });
 }

@@ -55,6 +55,9 @@ class Conductor final {
   /// Whether each stroke gets the sound of another key of its group, so that who records the sounds
   /// does not learn from them which keys were pressed.
   void setMasked(bool masked);
+  /// Makes strokes from now on up to so much louder than the pack has them, 1 to 2: each as far as
+  /// it is not distorted.
+  void setBoost(float boost);
   /// Plays on the device of this id; empty: on the default one.
   void chooseOutput(const std::string& id);
   /// Has the output say which devices there are, also where nothing was played yet.

@@ -29,6 +29,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   void handle(const KeyEvent& event);
   void apply(const EngineSettings& settings, bool wakeNow);
   void setMasked(bool masked) { player_.setMasked(masked); }
+  void setBoost(float boost) { player_.setBoost(boost); }
   void chooseOutput(const std::string& id) { devices_->audio().choose(id); }
   void findOutputs() { devices_->audio().findOutputs(); }
   void setPack(std::shared_ptr<const LoadedPack> pack);

@@ -21,6 +21,7 @@ VoicePlayer::VoicePlayer(AudioOutput& audio, const EngineSettings& settings)
 std::shared_ptr<const LoadedPack> VoicePlayer::exchangePack(
     std::shared_ptr<const LoadedPack> pack) {
   if (pack) mask_.setPack(*pack);
+  boost_.forgetSamples();
   return std::exchange(pack_, std::move(pack));
 }
 
@@ -33,12 +34,17 @@ VoicePlayer::Voice VoicePlayer::press(uint16_t code, const StrokeStrength& stren
                                       const StrokeVariation& variation) {
   if (!pack_) return {};
   const uint16_t sound = mask_.soundOf(code);
-  const auto command = voicing().press(nextTag(), sound, strength, variation);
-  return command && send(*command) ? Voice{command->tag, sound} : Voice{};
+  auto command = voicing().press(nextTag(), sound, strength, variation);
+  if (!command) return {};
+  const Voice voice{command->tag, sound, raise(*command)};
+  return send(*command) ? voice : Voice{};
 }
 
 void VoicePlayer::reweigh(const Voice& voice, const StrokeStrength& strength, float gain) {
-  if (pack_) send(voicing().reweigh(voice.tag, voice.code, strength, gain));
+  if (!pack_) return;
+  TBCommand command = voicing().reweigh(voice.tag, voice.code, strength, gain);
+  boost_.raise(command, voice.peaks, settings_.volume);
+  send(command);
 }
 
 void VoicePlayer::release(uint16_t code, float relative, SplitMix64& rng) {
@@ -47,7 +53,14 @@ void VoicePlayer::release(uint16_t code, float relative, SplitMix64& rng) {
       voicing().release(nextTag(), mask_.soundOf(code), relative, {});
   if (!command) return;
   command->weights[0] *= static_cast<float>(1 + 0.05 * rng.signedUnit());
+  raise(*command);
   send(*command);
+}
+
+VoiceBoost::Peaks VoicePlayer::raise(TBCommand& start) {
+  const auto peaks = boost_.peaks(start);
+  boost_.raise(start, peaks, settings_.volume);
+  return peaks;
 }
 
 bool VoicePlayer::send(const TBCommand& command) {

@@ -12,6 +12,7 @@
 #include "Engine/EngineSettings.h"
 #include "Engine/KeyMask.h"
 #include "Engine/StrokeMeter.h"
+#include "Engine/VoiceBoost.h"
 #include "Engine/Voicing.h"
 #include "Packs/LoadedPack.h"
 
@@ -25,6 +26,9 @@ class VoicePlayer final {
   /// Whether each stroke gets the sound of another key.
   void setMasked(bool masked) { mask_.setOn(masked); }
 
+  /// How much louder than the pack has them, 1 to 2; for strokes from now on.
+  void setBoost(float boost) { boost_.set(boost); }
+
   /// Gives the old pack back, whose voices may still sound.
   [[nodiscard]] std::shared_ptr<const LoadedPack> exchangePack(
       std::shared_ptr<const LoadedPack> pack);
@@ -34,6 +38,7 @@ class VoicePlayer final {
   struct Voice {
     uint32_t tag = 0;   ///< 0: there is none
     uint16_t code = 0;  ///< of the key whose takes it plays
+    VoiceBoost::Peaks peaks{};
   };
 
   /// Starts a key's press; gives no voice without a pack and with a full ring.
@@ -49,12 +54,14 @@ class VoicePlayer final {
  private:
   [[nodiscard]] Voicing voicing() const { return {*pack_, settings_}; }
   uint32_t nextTag();
+  VoiceBoost::Peaks raise(TBCommand& start);
   bool send(const TBCommand& command);
 
   AudioOutput& audio_;
   const EngineSettings& settings_;
   std::shared_ptr<const LoadedPack> pack_;  // shared with those who list it; null: silence
   KeyMask mask_;
+  VoiceBoost boost_;
   uint32_t lastTag_ = 0;
 };
 
