@@ -9,6 +9,8 @@ import json
 import os
 import pathlib
 import shutil
+import signal
+import subprocess
 import sys
 import time
 import unittest
@@ -95,6 +97,35 @@ class PanelTest(PanelDriver):
         self.saves("fixedTier", 3)
         self.click("Quit")
         self.assertEqual(program.process.wait(PATIENCE), 0)
+
+    def test_another_output_is_chosen_and_remembered(self):
+        def pactl(*words):
+            return subprocess.run(["pactl", *words], check=True, stdout=subprocess.PIPE, text=True).stdout.strip()
+
+        def plug():
+            return pactl("load-module", "module-null-sink", "sink_name=desk", "sink_properties=device.description=Desk")
+
+        module = plug()
+        self.addCleanup(lambda: pactl("unload-module", "module-null-sink"))
+        program = self.start_with_panel(quietDuringCalls=False)
+        self.click("More…")
+        self.click("Plays on: Desk")
+        self.click("Louder", 1.0)
+        self.assertTrue(eventually(lambda: self.saved()["comforts"]["outputLoudness"].get("desk", {}).get("boost") == 2), self.saved())
+        with record(self.folder / "usual.wav", "test_sink") as usual, record(self.folder / "desk.wav", "desk") as desk:
+            self.assertTrue(types_audibly(desk))
+            usual.forget()
+            self.assertFalse(types_audibly(usual))
+        pactl("unload-module", module)
+        self.shows("Plays on: Desk (away)", "It sounds on test_sink now.")
+        with record(self.folder / "usual.wav", "test_sink") as usual:
+            self.assertTrue(types_audibly(usual))
+        program.stop(signal.SIGTERM)
+        plug()
+        program = self.start_with_panel(first=True)
+        with record(self.folder / "desk.wav", "desk") as desk:
+            self.assertTrue(program.wait_until_heard(desk))
+        self.assertEqual(self.saved()["comforts"]["output"], "desk")
 
     def test_the_shortcut_works_from_elsewhere_and_says_when_it_cannot(self):
         self.start_with_panel()

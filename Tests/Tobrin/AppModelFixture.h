@@ -171,7 +171,7 @@ class AppModelTest : public ::testing::Test {
     bindings_.clear();
     for (QObject* part :
          {static_cast<QObject*>(panel_.get()), static_cast<QObject*>(panel_->shelf()),
-          static_cast<QObject*>(panel_->more())})
+          static_cast<QObject*>(panel_->more()), static_cast<QObject*>(panel_->more()->sound())})
       bindings_.emplace_back(*part);
     return *model_;
   }

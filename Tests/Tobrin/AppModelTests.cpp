@@ -282,68 +282,34 @@ TEST_F(AppModelTest, MasksKeysWhileTheSoundIsRecorded) {
   EXPECT_FALSE(isMasked());
 }
 
-TEST_F(AppModelTest, EachDeviceHasItsVolumeAndTheChosenOneIsPlayedOn) {
-  const SoundOutput speakers{"card.1", "Speakers"}, headset{"usb.b", "Headset"},
-      twin{"usb.a", "Headset"};
-  const auto tell = [&](const SoundOutputs& outputs) {
-    device_->callbacks.outputsChanged(outputs);
+TEST_F(AppModelTest, EachDeviceHasItsLoudness) {
+  const auto use = [&](const std::string& device) {
+    device_->callbacks.outputsChanged({.present = {}, .used = device});
     advance(0);
   };
-  const auto use = [&](const SoundOutput& used) {
-    tell({.present = {headset, speakers, twin}, .used = used.id});
-  };
-  const auto setVolume = [this](float volume) {
-    change([volume](EngineSettings& settings) { settings.volume = volume; });
-  };
-  const auto names = [this] {
-    std::string all;
-    for (const auto& entry : model_->outputs().entries())
-      all += entry.name + (entry.isPresent ? ". " : " (away). ");
-    return all;
-  };
   start();
-  setVolume(0.5F);
-  use(speakers);
-  use(headset);
+  change([](EngineSettings& settings) { settings.volume = 0.5F; });
+  use("speakers");
+  use("headset");
   EXPECT_EQ(model_->settings().volume, 0.5F) << "a new one takes the volume of the moment";
-  setVolume(0.25F);
-  tell({.present = {speakers, twin}, .used = ""});
-  EXPECT_EQ(model_->settings().volume, 0.25F) << "nothing is used for a moment";
+  change([](EngineSettings& settings) { settings.volume = 0.25F; });
+  model_->outputs().setBoost(1.5F);
+  use("");
+  EXPECT_EQ(model_->settings().volume, 0.25F) << "none is used for a moment";
   device_->running = false;
   const int starts = device_->starts;
-  use(speakers);
+  use("speakers");
   EXPECT_EQ(model_->settings().volume, 0.5F);
   EXPECT_EQ(model_->conductor().audio().volume(), 0.5F);
+  EXPECT_EQ(model_->outputs().boost(), 1);
   EXPECT_EQ(device_->starts, starts) << "nobody typed";
-  EXPECT_EQ(names(), "Headset. Headset (2). Speakers. ");
-  EXPECT_EQ(device_->chosen, "");
-  model_->outputs().choose(headset.id);
-  advance(0);
-  EXPECT_EQ(device_->chosen, headset.id);
-  use(headset);
-  EXPECT_EQ(model_->settings().volume, 0.25F);
-
+  model_->outputs().choose("headset");
   start();
   advance(0);
-  EXPECT_EQ(device_->chosen, headset.id) << "remembered";
-  tell({.present = {speakers}, .used = speakers.id});
-  EXPECT_EQ(model_->settings().volume, 0.5F) << "and so is the volume";
-  EXPECT_EQ(names(), "Headset (away). Speakers. ");
-  EXPECT_EQ(model_->outputs().usedName(), "Speakers");
-  model_->outputs().choose("");
-  advance(0);
-  EXPECT_EQ(device_->chosen, "");
-  EXPECT_EQ(names(), "Speakers. ");
-  EXPECT_EQ(device_->searches, 0);
-  panel_->menuOpened();
-  advance(400);
-  EXPECT_EQ(device_->searches, 1) << "the panel shows them also where nothing plays";
-
-  settings_.values[AppModel::comfortsKey] =
-      R"({"output": 7, "outputName": [], "outputVolumes": {"a": 0.25, "b": "loud", "c": -1, "d": 1e9}})";
-  const std::map<std::string, float> readable = {{"a", 0.25F}};
-  EXPECT_EQ(start().comforts().outputs,
-            (OutputMemory{.chosen = {}, .chosenName = {}, .volumes = readable}));
+  EXPECT_EQ(device_->chosen, "headset") << "remembered";
+  use("headset");
+  EXPECT_EQ(model_->settings().volume, 0.25F);
+  EXPECT_EQ(model_->outputs().boost(), 1.5F);
 }
 
 TEST_F(AppModelTest, PausesDuringCalls) {

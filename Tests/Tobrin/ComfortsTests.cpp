@@ -21,6 +21,9 @@ TEST(Comforts, WhatIsDamagedCostsItselfAlone) {
            "quietInFullScreen": true})",
        {.quiet = {.apps = {{"a", "a"}}, .inFullScreen = true}, .heldBackKeyboards = {}}},
       {R"({"quietApps": {"id": "a"}})", {}},
+      {R"({"output": 7, "outputName": "Mine", "outputLoudness": {"a": {"volume": 0.25, "boost": 9},
+           "b": {"boost": 2}, "c": {"volume": -1}, "d": 1, "e": {"volume": 0.5, "boost": 2}}})",
+       {.outputs = {.chosenName = "Mine", .loudness = {{"a", {0.25F, 1}}, {"e", {0.5F, 2}}}}}},
   };
   for (const auto& row : rows) {
     const Comforts read = Comforts::fromJson(row.text);

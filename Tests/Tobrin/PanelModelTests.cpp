@@ -119,6 +119,20 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   advance(500);
   device_->render(48000);
   EXPECT_EQ(model_->conductor().audio().startedVoices(), sounds + 2) << "a press and its release";
+  SoundOutputs outputs{
+      .present = {{"usb.b", "Head\nset"}, {"card", "Speakers"}, {"usb.a", "Head\nset"}},
+      .used = "card"};
+  device_->callbacks.outputsChanged(outputs);
+  after("two of three output devices have the same name");
+  panel_->more()->sound()->setOutputIndex(2);
+  after("the second of them is chosen");
+  EXPECT_EQ(device_->chosen, "usb.b");
+  outputs.present.erase(outputs.present.begin());
+  device_->callbacks.outputsChanged(outputs);
+  after("and unplugged");
+  panel_->more()->sound()->setOutputIndex(0);
+  after("the default is chosen");
+  EXPECT_EQ(device_->chosen, "");
   for (const char* refusal : {"no file manager", ""}) {
     desktop_.refusal = refusal;
     panel_->openPacksFolder();

@@ -163,7 +163,7 @@ void AppModel::setSettings(const EngineSettings& settings) {
     registerShortcut();
   }
   if (old.quietDuringCalls != settings_.quietDuringCalls) updateMicMonitor();
-  if (old.volume != settings_.volume) outputs_.volumeChanged(settings_.volume);
+  if (old.volume != settings_.volume) outputs_.volumeChanged();
   if (!preview_) conductor_->apply(effectiveSettings(), true);
   emit settingsChanged();
   emit statusChanged();
@@ -305,7 +305,8 @@ OutputChoice::Services AppModel::outputServices() {
               },
           .play = [this](const std::string& id) { conductor_->chooseOutput(id); },
           .volume = [this] { return settings_.volume; },
-          .setVolume = [this](float volume) { adoptVolume(volume); }};
+          .setVolume = [this](float volume) { adoptVolume(volume); },
+          .setBoost = [this](float boost) { conductor_->setBoost(boost); }};
 }
 
 // Nobody has touched anything: an engine that rests goes on resting.

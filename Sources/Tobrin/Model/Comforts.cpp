@@ -5,6 +5,8 @@
 #include <optional>
 #include <utility>
 
+#include "Engine/VoiceBoost.h"
+
 namespace tobrin {
 
 namespace {
@@ -40,31 +42,44 @@ void read(const Json& document, const char* key, std::string& value) {
   if (found != document.end() && found->is_string()) value = found->get<std::string>();
 }
 
-/// Nothing where it is no volume.
-std::optional<float> asVolume(const Json& value) {
-  constexpr double most = 4;  // the mixer's limit
-  if (!value.is_number()) return std::nullopt;
-  const auto number = value.get<double>();
-  if (!(number >= 0 && number <= most)) return std::nullopt;
+/// Nothing where it is no number from `least` to `most`.
+std::optional<float> numberOf(const Json& document, const char* key, double least, double most) {
+  const auto found = document.find(key);
+  if (found == document.end() || !found->is_number()) return std::nullopt;
+  const auto number = found->get<double>();
+  if (!(number >= least && number <= most)) return std::nullopt;
   return static_cast<float>(number);
 }
 
+std::optional<Loudness> loudnessOf(const Json& device) {
+  constexpr double loudestMaster = 4;  // of the mixer
+  if (!device.is_object()) return std::nullopt;
+  const auto volume = numberOf(device, "volume", 0, loudestMaster);
+  if (!volume) return std::nullopt;
+  return Loudness{.volume = *volume,
+                  .boost = numberOf(device, "boost", 1, VoiceBoost::most).value_or(1)};
+}
+
 /// To four places: a slider's step is larger.
-Json volumesAsJson(const std::map<std::string, float>& volumes) {
-  Json object = Json::object();
-  for (const auto& [id, volume] : volumes)
-    object[id] = std::round(static_cast<double>(volume) * 10000) / 10000;
-  return object;
+double rounded(float value) {
+  return std::round(static_cast<double>(value) * 10000) / 10000;
+}
+
+Json asJson(const std::map<std::string, Loudness>& loudness) {
+  Json devices = Json::object();
+  for (const auto& [id, device] : loudness)
+    devices[id] = {{"volume", rounded(device.volume)}, {"boost", rounded(device.boost)}};
+  return devices;
 }
 
 OutputMemory readOutputs(const Json& document) {
   OutputMemory outputs;
   read(document, "output", outputs.chosen);
   read(document, "outputName", outputs.chosenName);
-  const auto volumes = document.find("outputVolumes");
-  if (volumes == document.end() || !volumes->is_object()) return outputs;
-  for (const auto& [id, value] : volumes->items())
-    if (const auto volume = asVolume(value)) outputs.volumes[id] = *volume;
+  const auto devices = document.find("outputLoudness");
+  if (devices == document.end() || !devices->is_object()) return outputs;
+  for (const auto& [id, device] : devices->items())
+    if (const auto loudness = loudnessOf(device)) outputs.loudness[id] = *loudness;
   return outputs;
 }
 
@@ -115,7 +130,7 @@ std::string Comforts::toJson() const {
                          {"heldBackKeyboards", heldBackKeyboards},
                          {"output", outputs.chosen},
                          {"outputName", outputs.chosenName},
-                         {"outputVolumes", volumesAsJson(outputs.volumes)}};
+                         {"outputLoudness", asJson(outputs.loudness)}};
   // Devices and applications bring names of their own.
   return document.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

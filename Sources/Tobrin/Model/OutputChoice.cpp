@@ -4,6 +4,8 @@
 #include <tuple>
 #include <utility>
 
+#include "Engine/VoiceBoost.h"
+
 namespace tobrin {
 namespace {
 
@@ -30,23 +32,31 @@ void OutputChoice::outputsChanged(const SoundOutputs& outputs) {
   outputs_ = outputs;
   noteName();
   // Between two devices none is used for a moment; the volume waits for the next.
-  if (!outputs_.used.empty() && std::exchange(used_, outputs_.used) != outputs_.used) adoptVolume();
+  if (!outputs_.used.empty() && std::exchange(used_, outputs_.used) != outputs_.used)
+    adoptLoudness();
   emit changed();
 }
 
-void OutputChoice::adoptVolume() {
-  const auto known = services_.memory.volumes.find(used_);
-  if (known != services_.memory.volumes.end())
-    services_.setVolume(known->second);
-  else
-    volumeChanged(services_.volume());
+void OutputChoice::adoptLoudness() {
+  const auto known = services_.memory.loudness.find(used_);
+  if (known == services_.memory.loudness.end()) return keepLoudness();
+  boost_ = known->second.boost;
+  services_.setBoost(boost_);
+  services_.setVolume(known->second.volume);
 }
 
-void OutputChoice::volumeChanged(float volume) {
+void OutputChoice::keepLoudness() {
   if (used_.empty()) return;
-  const auto [entry, isNew] = services_.memory.volumes.try_emplace(used_, volume);
-  if (!isNew && std::exchange(entry->second, volume) == volume) return;
-  services_.saveMemory();
+  Loudness& kept = services_.memory.loudness[used_];
+  const Loudness now{.volume = services_.volume(), .boost = boost_};
+  if (std::exchange(kept, now) != now) services_.saveMemory();
+}
+
+void OutputChoice::setBoost(float boost) {
+  boost_ = std::clamp(boost, 1.0F, VoiceBoost::most);
+  services_.setBoost(boost_);
+  keepLoudness();
+  emit changed();
 }
 
 void OutputChoice::choose(const std::string& id) {
@@ -80,9 +90,9 @@ std::vector<OutputChoice::Entry> OutputChoice::entries() const {
   return entries;
 }
 
-std::string OutputChoice::usedName() const {
+OutputChoice::Entry OutputChoice::used() const {
   for (const Entry& entry : entries())
-    if (entry.id == outputs_.used) return entry.name;
+    if (entry.id == outputs_.used) return entry;
   return {};
 }
 

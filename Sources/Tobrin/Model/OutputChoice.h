@@ -1,5 +1,5 @@
 /// Where it sounds, and how loud there: the user's choice among the output devices, and for each
-/// device the volume that it was last given. Thread: main.
+/// device the volume and boost that it was last given. Thread: main.
 #pragma once
 
 #include <QObject>
@@ -22,10 +22,11 @@ class OutputChoice final : public QObject {
     std::function<void(const std::string& id)> play;  ///< on this device; empty: the default one
     std::function<float()> volume;                    ///< of the moment
     std::function<void(float volume)> setVolume;      ///< for the device that plays now
+    std::function<void(float boost)> setBoost;        ///< likewise
   };
   struct Entry {
-    std::string id;
-    std::string name;  ///< no two have the same
+    std::string id{};
+    std::string name{};  ///< no two have the same
     bool isPresent = true;
   };
 
@@ -36,26 +37,31 @@ class OutputChoice final : public QObject {
   /// The devices have changed, or another one plays.
   void outputsChanged(const SoundOutputs& outputs);
   /// The user has set another volume.
-  void volumeChanged(float volume);
+  void volumeChanged() { keepLoudness(); }
+  /// How much louder keys may be than their pack has them on the device that plays, 1 to 2.
+  [[nodiscard]] float boost() const { return boost_; }
+  void setBoost(float boost);
   /// Empty: the system's default.
   void choose(const std::string& id);
 
   /// Every device in the order of the names, also the chosen one while it is away.
   [[nodiscard]] std::vector<Entry> entries() const;
   [[nodiscard]] const std::string& chosen() const { return services_.memory.chosen; }
-  /// The name of the device that plays or is about to; empty while it is not known.
-  [[nodiscard]] std::string usedName() const;
+  /// The device that plays or is about to; empty while it is not known.
+  [[nodiscard]] Entry used() const;
 
  signals:
   void changed();
 
  private:
-  void adoptVolume();
+  void adoptLoudness();
+  void keepLoudness();
   void noteName();
 
   const Services services_;
   SoundOutputs outputs_;
-  std::string used_;  // id of the device that the volume of now belongs to
+  std::string used_;  // id of the device that the loudness of now belongs to
+  float boost_ = 1;
 };
 
 }  // namespace tobrin

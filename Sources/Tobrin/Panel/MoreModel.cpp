@@ -4,7 +4,8 @@
 
 namespace tobrin {
 
-MoreModel::MoreModel(AppModel& model, QObject* parent) : QObject(parent), model_(model) {
+MoreModel::MoreModel(AppModel& model, QObject* parent)
+    : QObject(parent), model_(model), sound_(model) {
   connect(&model, &AppModel::settingsChanged, this, &MoreModel::comfortsChanged);
   connect(&model, &AppModel::permissionChanged, this, &MoreModel::permissionChanged);
   connect(&model, &AppModel::selectedPackChanged, this, &MoreModel::packChanged);

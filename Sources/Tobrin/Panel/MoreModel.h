@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QtQmlIntegration>
 
+#include "Panel/SoundModel.h"
+
 namespace tobrin {
 
 class AppModel;
@@ -17,6 +19,7 @@ class MoreModel final : public QObject {
 
   Q_PROPERTY(
       bool quietWhileLocked READ quietWhileLocked WRITE setQuietWhileLocked NOTIFY comfortsChanged)
+  Q_PROPERTY(tobrin::SoundModel* sound READ sound CONSTANT)
   Q_PROPERTY(bool hearsWhileLocked READ hearsWhileLocked NOTIFY permissionChanged)
   Q_PROPERTY(bool maskWhileRecorded READ maskWhileRecorded WRITE setMaskWhileRecorded NOTIFY
                  comfortsChanged)
@@ -28,6 +31,7 @@ class MoreModel final : public QObject {
  public:
   explicit MoreModel(AppModel& model, QObject* parent = nullptr);
 
+  [[nodiscard]] SoundModel* sound() { return &sound_; }
   [[nodiscard]] bool quietWhileLocked() const;
   /// Whether keys are heard while the screen is locked, so that the user's wish decides.
   [[nodiscard]] bool hearsWhileLocked() const;
@@ -55,6 +59,7 @@ class MoreModel final : public QObject {
   void change(Field Comforts::*field, Field value);
 
   AppModel& model_;
+  SoundModel sound_;
 };
 
 }  // namespace tobrin

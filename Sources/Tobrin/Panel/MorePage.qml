@@ -47,6 +47,7 @@ Rectangle {
             width: page.width - 2 * Theme.margin
             spacing: Theme.inset
 
+            MoreSound { sound: page.more.sound }
             MoreQuiet { more: page.more }
             MoreMouse { more: page.more }
         }

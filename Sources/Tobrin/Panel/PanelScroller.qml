@@ -31,7 +31,7 @@ Flickable {
         when: scroller.pinned !== null
         value: {
             const place = scroller.pinned?.parent.y ?? 0;
-            const lowest = scroller.contentY + scroller.height - scroller.pinned.height;
+            const lowest = scroller.contentY + scroller.height - (scroller.pinned?.height ?? 0);
             return scroller.interactive ? Math.max(scroller.contentY, Math.min(lowest, place)) - place : 0;
         }
     }

@@ -53,6 +53,14 @@
     <message><source>Each key then gets the sound of another, so that a recording does not tell what you type.</source><translation>Jede Taste klingt dann wie eine andere, damit eine Aufnahme nicht verrät, was du tippst.</translation></message>
 </context>
 <context>
+    <name>MoreSound</name>
+    <message><source>Sound</source><translation>Klang</translation></message>
+    <message><source>Plays on</source><translation>Spielt auf</translation></message>
+    <message><source>Louder</source><translation>Lauter</translation></message>
+    <message><source>%1 %</source><translation>%1 %</translation></message>
+    <message><source>Makes keys louder than their pack has them, up to twice as loud. Hard strokes grow less, so that nothing is distorted. Volume and this are kept for each device.</source><translation>Macht Tasten lauter, als ihr Paket sie hat, bis zum Doppelten. Harte Anschläge wachsen weniger, damit nichts verzerrt. Lautstärke und dies gelten für jedes Gerät einzeln.</translation></message>
+</context>
+<context>
     <name>OptionsSection</name>
     <message><source>More…</source><translation>Mehr …</translation></message>
     <message><source>Quiet apps, masking and more</source><translation>Stille Programme, Verdecken und mehr</translation></message>
@@ -237,6 +245,12 @@
     <message><source>Listen</source><translation>Anhören</translation></message>
     <message><source>Type More</source><translation>Mehr tippen</translation></message>
     <message><source>Keep</source><translation>Behalten</translation></message>
+</context>
+<context>
+    <name>tobrin::SoundModel</name>
+    <message><source>System default</source><translation>Vorgabe des Systems</translation></message>
+    <message><source>%1 (away)</source><translation>%1 (nicht da)</translation></message>
+    <message><source>It sounds on %1 now.</source><translation>Es klingt jetzt auf %1.</translation></message>
 </context>
 <context>
     <name>tobrin::RecordingModel</name>
