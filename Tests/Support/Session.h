@@ -1,7 +1,8 @@
 /// What somebody types to a command-line program and what it answers, in a kept text beside the
-/// tests. There "$ WORDS" runs a command, "> FILE TEXT" writes a file ("↵" ends its lines), "+ FROM
-/// TO" copies one, "= FILE OTHER" compares two and "? FOLDER" lists one. What is indented below is
-/// the answer: "!" is said on standard error, "=" is the exit status. A new case is a line there.
+/// tests. There "$ WORDS" runs a command ("%" shows its status alone, where a library has the
+/// words), "> FILE TEXT" writes a file ("↵" ends its lines), "+ FROM TO" copies one, "= FILE OTHER"
+/// compares two and "? FOLDER" lists one. What is indented below is the answer: "!" is said on
+/// standard error, "=" is the exit status. A new case is a line there.
 #pragma once
 
 #include <functional>
@@ -60,6 +61,7 @@ class Session final {
     for (std::string word; words >> std::quoted(word);)
       arguments.push_back(word);
     if (line[0] == '$') return commandsAnswer(arguments);
+    if (line[0] == '%') return "  = " + std::to_string(program_(arguments).status) + "\n";
     if (line[0] == '?') return indented(entriesOf(arguments[0]), "  ");
     if (line[0] == '=')
       return contentOf(arguments[0]) == contentOf(arguments[1]) ? "  same\n" : "  different\n";
