@@ -72,6 +72,11 @@ TEST_F(MicMonitorTest, StopsWithoutAReport) {
   monitor_.refresh();  // nothing to a stopped monitor
   pass(0);
   EXPECT_EQ(reports_, (std::vector<bool>{false, true}));
+  monitor_.start();
+  pass(0);
+  recordAt(0, {});
+  pass(1000);
+  EXPECT_FALSE(reports_.back()) << "the release that was stopped is not waited for";
 }
 
 TEST_F(MicMonitorTest, TellsOnceWhatIsNewAfterTheDelayThatIsSet) {
