@@ -10,8 +10,9 @@ main() {
   # The packs that come with it, not those of the user who runs this.
   export XDG_DATA_HOME=$runtime
   build/release/tobrin --snapshot Docs/Pictures/panel-light.png pack=cream &&
-    build/release/tobrin --snapshot Docs/Pictures/panel-dark.png dark pack=cream || status=$?
+    build/release/tobrin --snapshot Docs/Pictures/panel-dark.png dark pack=cream &&
+    build/release/tobrin --snapshot Docs/Pictures/more-light.png more pack=cream || status=$?
   rm -rf "$runtime"
-  [ $status = 0 ] && say "drawn: Docs/Pictures/panel-light.png, Docs/Pictures/panel-dark.png"
+  [ $status = 0 ] && say "drawn: Docs/Pictures/panel-light.png, panel-dark.png, more-light.png"
   return $status
 }

@@ -307,18 +307,22 @@ class PanelTest(PanelDriver):
             scale = dpi / 96 * factor  # pixels of the screen in one of the panel's
             program = self.start_with_panel(*([hostile] if dpi == 144 else []))
             for width in (None, 1200, 300 * scale):
-                with self.subTest(dpi=dpi, factor=factor, width=width):
-                    if width is not None:
-                        xdotool("windowsize", "--sync", panels()[0], int(width), 2700)
-                        self.assertTrue(eventually(lambda: abs(self.frame()[2] * scale - width) <= scale), self.frame())
-                    self.assertTrue(eventually(self.fits), screenreader.showing())
+                for page, last in ((None, "Quit"), ("More…", "Back")):
+                    with self.subTest(dpi=dpi, factor=factor, width=width, page=page):
+                        if page:
+                            named(page).press()
+                        elif width is not None:
+                            xdotool("windowsize", "--sync", panels()[0], int(width), 2700)
+                            self.assertTrue(eventually(lambda: abs(self.frame()[2] * scale - width) <= scale), self.frame())
+                        self.assertTrue(eventually(lambda: self.fits(last)), screenreader.showing())
+                named("Back").press()
             program.__exit__()
 
     @staticmethod
     def frame():
         return next(each for each in screenreader.showing() if each.role == "frame").place
 
-    def fits(self):
+    def fits(self, last="Quit"):
         left, _, span, _ = self.frame()
         # The packs scroll by themselves, in a panel that is looked at in their place.
         places = [each.place for each in screenreader.showing()
@@ -329,7 +333,7 @@ class PanelTest(PanelDriver):
             if not (left <= x < x + width <= left + span and height > 0 and y >= lowest.get(x, y)):
                 return False
             lowest[x] = y + height
-        return bool(named("Quit"))
+        return bool(named(last))
 
     def legible_pictures(self, tray):
         pictures = tray.look("IconPixmap")

@@ -35,10 +35,10 @@ class SnapshotTest(unittest.TestCase):
 
     def test_every_word_changes_the_picture(self):
         pictures = []
-        for words in ((), ("dark",), ("call",), ("pack=panda",)):
+        for words in ((), ("dark",), ("contrast",), ("more",), ("call",), ("pack=panda",)):
             self.assertEqual(self.snapshot(*words), (0, ""))
             pictures.append(self.picture()[0])
-        self.assertEqual(len(set(pictures)), 4)
+        self.assertEqual(len(set(pictures)), 6)
         self.assertEqual(self.snapshot("call", "other", "dark", QT_SCALE_FACTOR="2"), (0, ""))
         (_, small), (_, large) = self.picture(), self.picture("other")
         self.assertEqual(large[0], 2 * small[0])

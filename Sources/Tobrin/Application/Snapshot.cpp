@@ -14,6 +14,7 @@ namespace {
 struct Wish {
   std::string path = "menu.png";
   Look look;
+  PanelPicture::Page page = PanelPicture::Page::front;
   AppModel::Preview preview;
 };
 
@@ -35,6 +36,8 @@ std::optional<Wish> parse(const std::vector<std::string>& words) {
       wish.look.dark = true;
     } else if (word == "contrast") {
       wish.look.highContrast = true;
+    } else if (word == "more") {
+      wish.page = PanelPicture::Page::more;
     } else if (word == "call") {
       wish.preview.micInUse = true;
     } else if (word.starts_with(packPrefix)) {
@@ -70,7 +73,8 @@ std::string idsOf(const std::vector<PackInfo>& packs) {
 
 int drawSnapshot(const std::vector<std::string>& words) {
   const auto wish = parse(words);
-  if (!wish) return fail("Usage: tobrin --snapshot [path] [dark] [contrast] [call] [pack=ID]");
+  if (!wish)
+    return fail("Usage: tobrin --snapshot [path] [dark] [contrast] [more] [call] [pack=ID]");
   const Launcher launcher(DesktopWorkspace::errands());
   const PanelModule* const panel = loadPanelModule();
   if (panel == nullptr) return fail("The panel's library is missing.");
@@ -84,7 +88,7 @@ int drawSnapshot(const std::vector<std::string>& words) {
                 "\". There are: " + idsOf(model.packs()) + ".");
   }
   waitForPack(model);
-  const std::string problem = picture->save(model, wish->path, wish->look);
+  const std::string problem = picture->save(model, wish->path, wish->look, wish->page);
   return problem.empty() ? 0 : fail(problem);
 }
 

@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QObject>
 #include <QPoint>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -54,12 +55,15 @@ class Panel {
 /// Draws the panel into an image file, without a display; made by the panel's library.
 class PanelPicture {
  public:
+  enum class Page : uint8_t { front, more };
+
   virtual ~PanelPicture() = default;
   /// The application object that drawing needs; made before anything else of Qt.
   virtual std::unique_ptr<QCoreApplication> makeApplication() = 0;
   /// Returns why the picture could not be written; empty on success. The file's ending decides its
   /// format.
-  virtual std::string save(AppModel& model, const std::string& path, const Look& look) = 0;
+  virtual std::string save(AppModel& model, const std::string& path, const Look& look,
+                           Page page) = 0;
 };
 
 /// What the tray's library offers.

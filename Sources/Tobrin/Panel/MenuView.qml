@@ -15,12 +15,14 @@ Rectangle {
     property bool titled: false
     // A page in the panel's place, and what Escape leaves first.
     readonly property bool showsPage: recordPage.wanted || morePage.active
+    property alias showsMore: morePage.active
+    readonly property real ownHeight: titleBar.height + topMargin + header.implicitHeight + content.implicitHeight
+                                      + footer.implicitHeight + 2 * Theme.inset + Theme.margin
     readonly property real topMargin: titled ? 0 : Theme.margin
 
     implicitWidth: Theme.panelWidth
     implicitHeight: recordPage.item !== null ? titleBar.height + recordPage.item.implicitHeight
-                    : titleBar.height + topMargin + header.implicitHeight + content.implicitHeight + footer.implicitHeight
-                    + 2 * Theme.inset + Theme.margin
+                    : Math.max(ownHeight, titleBar.height + (morePage.item?.implicitHeight ?? 0))
     color: Theme.background
     LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
     LayoutMirroring.childrenInherit: true

@@ -1,5 +1,5 @@
-// What only some want, in the panel's place and of its size: where Tobrin sounds, and when it does
-// not.
+// What only some want, in the panel's place: where Tobrin sounds, when it does not, and what else
+// does.
 import QtQuick
 import QtQuick.Layouts
 import Tobrin
@@ -12,6 +12,7 @@ Rectangle {
 
     signal closed()
 
+    implicitHeight: 2 * Theme.margin + top.implicitHeight + sections.implicitHeight + Theme.inset
     color: Theme.background
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("More")
@@ -38,7 +39,7 @@ Rectangle {
         }
     }
     PanelScroller {
-        anchors { left: parent.left; right: parent.right; top: top.bottom; bottom: parent.bottom; topMargin: Theme.inset; bottomMargin: Theme.inset }
+        anchors { left: parent.left; right: parent.right; top: top.bottom; bottom: parent.bottom; topMargin: Theme.inset; bottomMargin: Theme.margin }
         contentHeight: sections.implicitHeight
 
         ColumnLayout {

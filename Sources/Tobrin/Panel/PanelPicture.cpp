@@ -19,7 +19,7 @@ class OffscreenPicture final : public PanelPicture {
     QGuiApplication::setLayoutDirection(QLocale().textDirection());
     return application;
   }
-  std::string save(AppModel& model, const std::string& path, const Look& look) override;
+  std::string save(AppModel& model, const std::string& path, const Look& look, Page page) override;
 
  private:
   // Borrowed by the application for its life.
@@ -36,12 +36,14 @@ void settle() {
   loop.exec();
 }
 
-std::string OffscreenPicture::save(AppModel& model, const std::string& path, const Look& look) {
+std::string OffscreenPicture::save(AppModel& model, const std::string& path, const Look& look,
+                                   Page page) {
   PanelWindow panel(model, [] {});
   QQuickView& view = panel.view();
   if (view.rootObject() == nullptr) return "The panel can't be drawn.";
   panel.setLook(look);
   view.show();
+  view.rootObject()->setProperty("showsMore", page == Page::more);
   settle();
   // All of it: there is no screen that it has to fit.
   view.resize(qCeil(view.rootObject()->implicitWidth()),

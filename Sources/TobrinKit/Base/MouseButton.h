@@ -1,5 +1,5 @@
-/// The buttons and the wheel of a mouse as codes beside those of keys, above all that keyboards have.
-/// Thread: any.
+/// The buttons and the wheel of a mouse as codes beside those of keys, above all that keyboards
+/// have. Thread: any.
 #pragma once
 
 #include <cstdint>

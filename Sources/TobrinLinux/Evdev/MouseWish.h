@@ -1,5 +1,5 @@
-/// What is to be heard of the mouse: said on any thread, followed by the key thread, which waits for
-/// changes. Thread: any.
+/// What is to be heard of the mouse: said on any thread, followed by the key thread, which waits
+/// for changes. Thread: any.
 #pragma once
 
 #include <atomic>
