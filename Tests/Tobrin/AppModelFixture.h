@@ -155,6 +155,10 @@ class AppModelTest : public ::testing::Test {
             .shortcutService = std::make_unique<DeskShortcuts>(shortcuts_),
             .micSource = std::make_unique<ScriptedMicSource>(microphone_),
             .frontWindow = std::make_unique<ScriptedFrontWindow>(front_),
+            .describeApp =
+                [](const std::string& id) {
+                  return AppDescription{"The " + id, ""};
+                },
             .makeSoundCapture = [this] { return std::make_unique<ScriptedCapture>(capture_); },
             .onThreadStart = nullptr,
             .keyOfScanCode =
@@ -171,7 +175,9 @@ class AppModelTest : public ::testing::Test {
     bindings_.clear();
     for (QObject* part :
          {static_cast<QObject*>(panel_.get()), static_cast<QObject*>(panel_->shelf()),
-          static_cast<QObject*>(panel_->more()), static_cast<QObject*>(panel_->more()->sound())})
+          static_cast<QObject*>(panel_->more()), static_cast<QObject*>(panel_->more()->sound()),
+          static_cast<QObject*>(panel_->more()->quietApps()),
+          static_cast<QObject*>(panel_->more()->heldBack())})
       bindings_.emplace_back(*part);
     return *model_;
   }

@@ -133,6 +133,25 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   panel_->more()->sound()->setOutputIndex(0);
   after("the default is chosen");
   EXPECT_EQ(device_->chosen, "");
+  front_({.app = "Browser"});
+  after("a browser is in front of the panel");
+  QuietAppsModel& quiet = *panel_->more()->quietApps();
+  quiet.addCandidate();
+  quiet.addCandidate();
+  after("and to be quiet in");
+  front_({.knowledge = Front::Knowledge::windowManagerDoesNotTell});
+  after("nobody tells what is in front");
+  for (const int index : {1, -1, 0})
+    quiet.remove(index);
+  HeldBackModel& heldBack = *panel_->more()->heldBack();
+  for (const char* name : {" My\nbot", "my BOT", " "})
+    heldBack.add(name);
+  for (const int index : {0, -1, 99})
+    heldBack.remove(index);
+  after("other keyboards are held back");
+  heldBack.takeUsual();
+  panel_->menuClosed();
+  after("the usual ones");
   for (const char* refusal : {"no file manager", ""}) {
     desktop_.refusal = refusal;
     panel_->openPacksFolder();

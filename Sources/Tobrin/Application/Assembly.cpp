@@ -8,6 +8,7 @@
 #include "Application/PackInstaller.h"
 #include "Base/SystemFolders.h"
 #include "Base/UserFolders.h"
+#include "Desktop/DesktopEntries.h"
 #include "Desktop/LinuxWords.h"
 #include "Desktop/SessionKeys.h"
 #include "Desktop/SessionSound.h"
@@ -72,6 +73,7 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
       .shortcutService = std::make_unique<DesktopShortcuts>(portalMemory(settings_, main_)),
       .micSource = makeMicSource(soundServer),
       .frontWindow = makeFrontWindow(),
+      .describeApp = [](const std::string& id) { return describeApp(id); },
       .makeSoundCapture = makeSoundCapture,
       .onThreadStart = prepareTimelyThread,
       .keyOfScanCode = [](uint32_t code) { return virtualCodeOf(code - xKeyCodeOffset); },

@@ -121,7 +121,7 @@ void AppModel::wireCallbacks() {
     if (*self != nullptr) outputRecordedChanged(recorded);
   });
   quietApps_ = std::make_unique<QuietApps>(
-      std::move(services_.frontWindow), services_.main,
+      std::move(services_.frontWindow), services_.describeApp, services_.main,
       QuietApps::Notices{.onCause = [this] { quietChanged(); },
                          .onCandidate = [this] { emit candidateChanged(); }});
   connect(&shelf_, &PackShelf::added, this, &AppModel::packAdded);

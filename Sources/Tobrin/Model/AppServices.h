@@ -43,7 +43,8 @@ struct AppServices {
   std::unique_ptr<ShortcutService> shortcutService;
   std::unique_ptr<MicSource> micSource;
   std::unique_ptr<FrontWindow> frontWindow;
-  std::function<std::unique_ptr<SoundCapture>()> makeSoundCapture;  ///< throws
+  std::function<AppDescription(const std::string& id)> describeApp;  ///< what people call it
+  std::function<std::unique_ptr<SoundCapture>()> makeSoundCapture;   ///< throws
   /// Names the calling thread and asks for its scheduling; may be null.
   std::function<void(std::string_view threadName)> onThreadStart;
 

@@ -20,8 +20,17 @@ bool isThisProgram(const std::string& id) {
 
 }  // namespace
 
-QuietApps::QuietApps(std::unique_ptr<FrontWindow> window, SerialQueue& main, Notices notices)
-    : window_(std::move(window)), main_(main), notices_(std::move(notices)) {}
+bool QuietApps::Wish::has(const std::string& id) const {
+  return std::any_of(apps.begin(), apps.end(),
+                     [&](const QuietApp& app) { return isSame(app.id, id); });
+}
+
+QuietApps::QuietApps(std::unique_ptr<FrontWindow> window, Describe describe, SerialQueue& main,
+                     Notices notices)
+    : window_(std::move(window)),
+      describe_(std::move(describe)),
+      main_(main),
+      notices_(std::move(notices)) {}
 
 QuietApps::~QuietApps() {
   if (following_) window_->stop();

@@ -28,6 +28,8 @@ class QuietApps final {
     std::vector<QuietApp> apps{};
     bool inFullScreen = false;
 
+    [[nodiscard]] bool has(const std::string& id) const;
+
     bool operator==(const Wish&) const = default;
   };
 
@@ -44,8 +46,12 @@ class QuietApps final {
     std::function<void()> onCandidate;  ///< `candidate` or `knowledge` has
   };
 
+  /// What people call an application with this id.
+  using Describe = std::function<AppDescription(const std::string& id)>;
+
   /// `main` is borrowed.
-  QuietApps(std::unique_ptr<FrontWindow> window, SerialQueue& main, Notices notices);
+  QuietApps(std::unique_ptr<FrontWindow> window, Describe describe, SerialQueue& main,
+            Notices notices);
   ~QuietApps();
   QuietApps(const QuietApps&) = delete;
   QuietApps& operator=(const QuietApps&) = delete;
@@ -59,6 +65,7 @@ class QuietApps final {
   /// The application in front, or the one before this program; empty where there was none. Known
   /// while the panel asks.
   [[nodiscard]] const std::string& candidate() const { return candidate_; }
+  [[nodiscard]] AppDescription describe(const std::string& id) const { return describe_(id); }
 
  private:
   void follow();
@@ -68,6 +75,7 @@ class QuietApps final {
   [[nodiscard]] Cause causeOf(const Front& front) const;
 
   const std::unique_ptr<FrontWindow> window_;
+  const Describe describe_;
   SerialQueue& main_;
   const Notices notices_;
 

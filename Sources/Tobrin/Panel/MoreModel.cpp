@@ -5,7 +5,7 @@
 namespace tobrin {
 
 MoreModel::MoreModel(AppModel& model, QObject* parent)
-    : QObject(parent), model_(model), sound_(model) {
+    : QObject(parent), model_(model), sound_(model), quietApps_(model), heldBack_(model) {
   connect(&model, &AppModel::settingsChanged, this, &MoreModel::comfortsChanged);
   connect(&model, &AppModel::permissionChanged, this, &MoreModel::permissionChanged);
   connect(&model, &AppModel::selectedPackChanged, this, &MoreModel::packChanged);

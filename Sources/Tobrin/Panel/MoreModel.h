@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QtQmlIntegration>
 
+#include "Panel/HeldBackModel.h"
+#include "Panel/QuietAppsModel.h"
 #include "Panel/SoundModel.h"
 
 namespace tobrin {
@@ -28,6 +30,9 @@ class MoreModel final : public QObject {
   Q_PROPERTY(bool canHearMouse READ canHearMouse NOTIFY permissionChanged)
   Q_PROPERTY(bool packHasMouse READ packHasMouse NOTIFY packChanged)
 
+  Q_PROPERTY(tobrin::QuietAppsModel* quietApps READ quietApps CONSTANT)
+  Q_PROPERTY(tobrin::HeldBackModel* heldBack READ heldBack CONSTANT)
+
  public:
   explicit MoreModel(AppModel& model, QObject* parent = nullptr);
 
@@ -42,6 +47,8 @@ class MoreModel final : public QObject {
   [[nodiscard]] bool canHearMouse() const;
   /// Whether the chosen pack has sounds for a mouse; true, too, while none is loaded.
   [[nodiscard]] bool packHasMouse() const;
+  [[nodiscard]] QuietAppsModel* quietApps() { return &quietApps_; }
+  [[nodiscard]] HeldBackModel* heldBack() { return &heldBack_; }
 
   void setQuietWhileLocked(bool on);
   void setMaskWhileRecorded(bool on);
@@ -60,6 +67,8 @@ class MoreModel final : public QObject {
 
   AppModel& model_;
   SoundModel sound_;
+  QuietAppsModel quietApps_;
+  HeldBackModel heldBack_;
 };
 
 }  // namespace tobrin

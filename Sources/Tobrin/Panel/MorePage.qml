@@ -50,7 +50,9 @@ Rectangle {
 
             MoreSound { sound: page.more.sound }
             MoreQuiet { more: page.more }
+            MoreQuietApps { model: page.more.quietApps }
             MoreMouse { more: page.more }
+            MoreHeldBack { model: page.more.heldBack }
         }
     }
 }

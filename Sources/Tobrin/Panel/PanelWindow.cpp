@@ -10,6 +10,7 @@
 #include <mutex>
 
 #include "Base/Log.h"
+#include "Panel/AppIconProvider.h"
 #include "Panel/DesktopFrames.h"
 #include "Panel/InputFocus.h"
 #include "Panel/SymbolPixmap.h"
@@ -74,6 +75,7 @@ PanelWindow::PanelWindow(AppModel& model, std::function<void()> onClosed)
   drawInSoftware();
   view_ = std::make_unique<QQuickView>();
   view_->engine()->addImageProvider("symbol", new SymbolProvider);  // the engine owns it
+  view_->engine()->addImageProvider("app", new AppIconProvider);
   view_->setTitle("Tobrin");
   if (!isOnWayland()) view_->setIcon(windowIcon());
   view_->setResizeMode(QQuickView::SizeRootObjectToView);

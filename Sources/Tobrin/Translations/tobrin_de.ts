@@ -32,6 +32,15 @@
     <message><source>Type anything: it sounds in every app.</source><translation>Tippe irgendetwas: Es klingt in jedem Programm.</translation></message>
 </context>
 <context>
+    <name>MoreHeldBack</name>
+    <message><source>Programs That Type</source><translation>Programme, die tippen</translation></message>
+    <message><source>What a program types for you stays silent: keyboards whose names hold one of these words. On X11, XTEST is that of xdotool, text expanders and remote desktops.</source><translation>Was ein Programm für dich tippt, bleibt still: Tastaturen, in deren Namen eines dieser Wörter steht. Unter X11 ist XTEST die von xdotool, von Textbausteinen und von Fernzugriff.</translation></message>
+    <message><source>Take out %1</source><translation>%1 herausnehmen</translation></message>
+    <message><source>Part of a keyboard's name</source><translation>Teil des Namens einer Tastatur</translation></message>
+    <message><source>Add</source><translation>Hinzufügen</translation></message>
+    <message><source>Usual Names</source><translation>Übliche Namen</translation></message>
+</context>
+<context>
     <name>MoreMouse</name>
     <message><source>Mouse</source><translation>Maus</translation></message>
     <message><source>Mouse buttons sound</source><translation>Maustasten klingen</translation></message>
@@ -51,6 +60,13 @@
     <message><source>Here Tobrin isn't told what is typed while the screen is locked. Only an administrator can change that.</source><translation>Hier erfährt Tobrin nicht, was bei gesperrtem Bildschirm getippt wird. Das kann nur ein Verwalter ändern.</translation></message>
     <message><source>Mask keys while the sound is recorded</source><translation>Tasten verdecken, solange der Ton aufgenommen wird</translation></message>
     <message><source>Each key then gets the sound of another, so that a recording does not tell what you type.</source><translation>Jede Taste klingt dann wie eine andere, damit eine Aufnahme nicht verrät, was du tippst.</translation></message>
+</context>
+<context>
+    <name>MoreQuietApps</name>
+    <message><source>Quiet in %1</source><translation>Still in %1</translation></message>
+    <message><source>Sound in %1 again</source><translation>In %1 wieder tönen</translation></message>
+    <message><source>To have Tobrin quiet in an app, go to that app and open this page again.</source><translation>Damit Tobrin in einem Programm still ist, geh zu diesem Programm und öffne diese Seite noch einmal.</translation></message>
+    <message><source>Quiet in full-screen apps</source><translation>Still in Programmen, die den Bildschirm füllen</translation></message>
 </context>
 <context>
     <name>MoreSound</name>
@@ -158,6 +174,11 @@
     <message><source>Last key: %1× a typical keystroke (%2 g)</source><translation>Letzte Taste: das %1-Fache eines gewöhnlichen Anschlags (%2 g)</translation></message>
 </context>
 <context>
+    <name>tobrin::QuietAppsModel</name>
+    <message><source>This desktop does not tell which app is in front.</source><translation>Dieser Desktop sagt nicht, welches Programm vorn ist.</translation></message>
+    <message><source>No window manager tells which app is in front.</source><translation>Keine Fensterverwaltung sagt, welches Programm vorn ist.</translation></message>
+</context>
+<context>
     <name>tobrin::TrayInterface</name>
     <message><source>Sounds</source><translation>Töne</translation></message>
     <message><source>Sound</source><translation>Klang</translation></message>
@@ -172,6 +193,9 @@
     <message><source>Paused while another session is in front</source><translation>Pause, solange eine andere Sitzung vorn ist</translation></message>
     <message><source>Paused while the screen is locked</source><translation>Pause, solange der Bildschirm gesperrt ist</translation></message>
     <message><source>Paused while the mic is in use</source><translation>Pause, solange das Mikrofon benutzt wird</translation></message>
+    <message><source>Quiet in full screen</source><translation>Still bei vollem Bildschirm</translation></message>
+    <message><source>Quiet in this app</source><translation>Still in diesem Programm</translation></message>
+    <message><source>Quiet in %1</source><translation>Still in %1</translation></message>
     <message><source>Muted</source><translation>Stumm</translation></message>
     <message><source>Fixed strength</source><translation>Feste Stärke</translation></message>
     <message><source>Force sensing on</source><translation>Anschlag wird gemessen</translation></message>

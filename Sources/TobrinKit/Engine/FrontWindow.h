@@ -24,6 +24,12 @@ struct Front {
   bool operator==(const Front&) const = default;
 };
 
+/// An application for people.
+struct AppDescription {
+  std::string name;
+  std::string icon;  ///< of the desktop's theme, or a file's path; may be empty
+};
+
 class FrontWindow {
  public:
   using Changed = std::function<void(const Front&)>;

@@ -1,0 +1,67 @@
+#include "Panel/QuietAppsModel.h"
+
+#include "Model/AppModel.h"
+#include "Panel/StrangersText.h"
+
+namespace tobrin {
+
+QuietAppsModel::QuietAppsModel(AppModel& model, QObject* parent) : QObject(parent), model_(model) {
+  connect(&model, &AppModel::settingsChanged, this, &QuietAppsModel::wishChanged);
+  connect(&model, &AppModel::settingsChanged, this, &QuietAppsModel::candidateChanged);
+  connect(&model, &AppModel::candidateChanged, this, &QuietAppsModel::candidateChanged);
+}
+
+QVariantList QuietAppsModel::apps() const {
+  QVariantList list;
+  for (const QuietApp& app : model_.comforts().quiet.apps)
+    list.append(
+        QVariantMap{{"name", strangersText(app.name)},
+                    {"icon", QString::fromStdString(model_.quietApps().describe(app.id).icon)}});
+  return list;
+}
+
+QString QuietAppsModel::candidate() const {
+  const std::string& id = model_.quietApps().candidate();
+  if (id.empty() || model_.comforts().quiet.has(id)) return {};
+  return strangersText(model_.quietApps().describe(id).name);
+}
+
+bool QuietAppsModel::inFullScreen() const {
+  return model_.comforts().quiet.inFullScreen;
+}
+
+void QuietAppsModel::setInFullScreen(bool on) {
+  Comforts changed = model_.comforts();
+  changed.quiet.inFullScreen = on;
+  model_.setComforts(changed);
+}
+
+QString QuietAppsModel::problem() const {
+  switch (model_.quietApps().knowledge()) {
+    case Front::Knowledge::known:
+      return {};
+    case Front::Knowledge::desktopDoesNotTell:
+      return tr("This desktop does not tell which app is in front.");
+    case Front::Knowledge::windowManagerDoesNotTell:
+      return tr("No window manager tells which app is in front.");
+  }
+  return {};
+}
+
+void QuietAppsModel::addCandidate() {
+  if (candidate().isEmpty()) return;
+  const std::string id = model_.quietApps().candidate();
+  Comforts changed = model_.comforts();
+  changed.quiet.apps.push_back({.id = id, .name = model_.quietApps().describe(id).name});
+  model_.setComforts(changed);
+}
+
+void QuietAppsModel::remove(int index) {
+  Comforts changed = model_.comforts();
+  auto& apps = changed.quiet.apps;
+  if (index < 0 || static_cast<std::size_t>(index) >= apps.size()) return;
+  apps.erase(apps.begin() + index);
+  model_.setComforts(changed);
+}
+
+}  // namespace tobrin
