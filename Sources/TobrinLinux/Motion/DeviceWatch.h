@@ -1,5 +1,6 @@
 /// Says when a device of one subsystem of the kernel comes or changes. Uses udev's events where
-/// udev runs, so that the device's permissions are set when the news arrives. Thread: sensor.
+/// udev runs, so that the device's permissions are set when the news arrives. Thread: the one that
+/// waits.
 #pragma once
 
 #include <memory>

@@ -3,16 +3,23 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 
 #include "Base/Log.h"
 #include "Base/MachTime.h"
 #include "Base/MouseButton.h"
 #include "Base/VirtualQueue.h"
+#include "Engine/TypingScript.h"
 #include "Force/MotionReport.h"
+#include "Packs/PackLibrary.h"
+#include "Packs/PackLoader.h"
 #include "PlainVoicing.h"
 #include "Support/HandDrivenDevice.h"
 #include "Support/ScriptedMotionSource.h"
+#include "Support/TempFolder.h"
 #include "Support/TestPack.h"
+#include "Synth/PackGenerator.h"
 
 namespace tobrin {
 namespace {
@@ -130,6 +137,53 @@ TEST_F(ConductorTest, PlaysEveryKeyAsItMustSound) {
         plain.release(code, 1, 1 + 0.05 * rng.signedUnit());
       }
     }
+  }
+}
+
+/// What the mixer's limiter was given, by what it made of it.
+double unlimited(double heard) {
+  const double above = (std::abs(heard) - 0.8) / 0.2;
+  return above <= 0 ? heard : std::copysign(0.8 + 0.2 * above / (1 - above), heard);
+}
+
+// What the limiter adds is not heard 30 dB below a click. The hardest strokes may have more of it
+// without a boost, and get hardly more by one; without bounds it would be 14 dB below them.
+TEST_F(ConductorTest, ABoostMakesQuietKeysTwiceAsLoudAndDistortsNone) {
+  const testing::TempFolder folder;
+  generatePack(SynthProfile::dome(), folder.path());  // the one that is limited most
+  conductor_->setPack(loadPack(discoverPacks(folder.path(), false).at(0), 48000));
+  settings_ = {.volume = 1, .forceSensing = false};
+  constexpr double wordsAMinute = 160;
+  const auto script = typingScript("The quick brown fox jumps over the lazy dog", wordsAMinute, 3,
+                                   [](std::size_t, std::size_t) { return 0.0F; });
+  struct Energies {
+    double sound = 0, added = 0;
+  };
+  const auto typed = [&](Tier strength, float boost) {
+    settings_.fixedTier = strength;
+    conductor_->setBoost(boost);
+    apply();
+    Energies found;
+    double frames = 0;
+    for (const ScriptedKey& key : script) {
+      for (; frames < key.time * 48000; frames += 64) {
+        for (const float heard : device_->render(64).first) {
+          const double given = unlimited(static_cast<double>(heard));
+          found.sound += given * given;
+          found.added += std::pow(given - static_cast<double>(heard), 2);
+        }
+      }
+      conductor_->handle({key.code, key.action, queue_.now()});
+      advance(0);
+    }
+    return found;
+  };
+  for (const auto& [strength, least] : {std::pair(Tier::soft, 5.5), std::pair(Tier::medium, 5.5),
+                                        std::pair(Tier::hard, 4.0), std::pair(Tier::slam, 0.0)}) {
+    const Energies plain = typed(strength, 1), boosted = typed(strength, 2);
+    EXPECT_GT(10 * std::log10(boosted.sound / plain.sound), least) << index(strength);
+    const double allowed = std::max(0.001, 1.6 * plain.added / plain.sound);  // -30 dB, 2 dB more
+    EXPECT_LT(boosted.added / boosted.sound, allowed) << index(strength);
   }
 }
 
