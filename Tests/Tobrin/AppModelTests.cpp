@@ -344,7 +344,7 @@ TEST_F(AppModelTest, PausesDuringCalls) {
   desktop_.onTerminate();
   EXPECT_FALSE(device_->running);
   model_.reset();
-  EXPECT_FALSE(desktop_.onWake);
+  EXPECT_FALSE(desktop_.onWake || desktop_.onTerminate || desktop_.onLock);
 }
 
 TEST_F(AppModelTest, SaysWhyNoKeysComeAndIsSilentWhileTheScreenIsLocked) {

@@ -51,6 +51,9 @@ TEST(FallbackAudioDevice, PlaysOnTheOtherDeviceUntilTheFirstRuns) {
   owner.second->callbacks.outputsChanged({.present = {}, .used = "card"});
   EXPECT_EQ(owner.used, "card");
   EXPECT_EQ(owner.device.problem(), "");
+  owner.device.pause();
+  EXPECT_FALSE(owner.second->running);
+  EXPECT_TRUE(owner.device.start());
   owner.second->lose("no card");
   EXPECT_EQ(owner.notices, 1);
   EXPECT_EQ(owner.device.problem(), "no server, and no card");

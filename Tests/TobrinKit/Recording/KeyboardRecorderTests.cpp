@@ -51,21 +51,25 @@ TEST_F(KeyboardRecorderTest, KeepsTheBetterChannelAndOfKeysNoCode) {
   for (int index = 0; index < 8; ++index)
     press(typed[index % 4], start_ + index * 10 * blockNs);
   recorder_.addForce(codeOf(Key::leftShift), 2.5F);
+  press(Key::d, start_ + 99 * blockNs);
   recorder_.collect();
-  sound(start_ + 100 * blockNs, 0.3F, 0.25F);
+  recorder_.addForce(codeOf(Key::d), 1.5F);
+  for (int index = 100; index < 140; ++index)
+    sound(start_ + index * blockNs, 0.3F, 0.25F);
   recorder_.collect();
 
   const KeyedRecording& recording = recorder_.takes().recording();
-  ASSERT_EQ(recording.samples.size(), 101 * blockFrames);
+  ASSERT_EQ(recording.samples.size(), 140 * blockFrames);
   EXPECT_FLOAT_EQ(recording.samples[0], 0.5F);
   EXPECT_FLOAT_EQ(recording.samples.back(), -0.25F);
-  ASSERT_EQ(recording.keys.size(), 16U);
+  ASSERT_EQ(recording.keys.size(), 18U);
   EXPECT_EQ(recording.keys[2],
             (RecordedKey{10 * blockNs, KeyAction::down, KeyGroup::space, 1, {}}));
   EXPECT_EQ(recording.keys[5].number, 0U) << "the same key again";
   EXPECT_EQ(recording.keys[6].group, KeyGroup::modifier);
   EXPECT_EQ(recording.keys[6].force, std::nullopt);
   EXPECT_EQ(recording.keys[14].force, 2.5F) << "the last press of that key";
+  EXPECT_EQ(recording.keys[16].force, 1.5F) << "measured only after it was collected";
 }
 
 TEST_F(KeyboardRecorderTest, LeavesOutWhatHappensInAPause) {
