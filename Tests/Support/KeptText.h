@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -13,6 +14,14 @@
 #include "TestPaths.h"
 
 namespace tobrin::testing {
+
+/// As `printf`, for a line of such a text.
+template <typename... Values>
+std::string line(const char* format, Values... values) {
+  char text[256];
+  (void)std::snprintf(text, sizeof text, format, values...);
+  return text;
+}
 
 /// Compares line by line with a file below Tests/ and shows the first line that differs. With
 /// TOBRIN_RENEW in the environment it writes the file instead (Docs/TESTING.md).

@@ -18,6 +18,8 @@
 namespace tobrin {
 namespace {
 
+using testing::line;
+
 constexpr double rate = 48000;
 
 /// A recording composed of decaying sounds at known places, over a little noise.
@@ -105,12 +107,6 @@ struct NoConverter final : ProcessRunner {
     return std::filesystem::copy_file(*(from + 1), arguments.back()) ? 0 : 1;
   }
 };
-
-std::string line(const char* format, auto... values) {
-  char text[256];
-  (void)std::snprintf(text, sizeof text, format, values...);
-  return text;
-}
 
 std::string describe(const SlicedRecording& result) {
   constexpr const char* fates[] = {"press",       "bigPress", "release", "clipped",

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-
 #include "Input/Hotkey.h"
 #include "Input/ModifierTracker.h"
 #include "Support/KeptText.h"
@@ -16,13 +14,10 @@ TEST(KeyLayout, EveryKeyHasItsLabelGroupPlaceAndFlag) {
   for (uint16_t code = 0; code < 300; ++code) {
     const auto column = keyColumn(code);
     EXPECT_NEAR(keyPan(code), column ? *column / 7.5 - 1 : 0, 1e-6) << code;
-    char line[80];
-    (void)std::snprintf(line, sizeof line, "%d %s %s %g %#x%s\n", code,
-                        Hotkey{code, {}}.displayString(nullptr).c_str(),
-                        std::string(rawValue(keyGroupOf(code))).c_str(), column.value_or(-1),
-                        ModifierTracker::mask(code),
-                        ModifierTracker::isModifier(code) ? " modifier" : "");
-    text += line;
+    text += testing::line(
+        "%d %s %s %g %#x%s\n", code, Hotkey{code, {}}.displayString(nullptr).c_str(),
+        std::string(rawValue(keyGroupOf(code))).c_str(), column.value_or(-1),
+        ModifierTracker::mask(code), ModifierTracker::isModifier(code) ? " modifier" : "");
   }
   for (const Hotkey& preset : Hotkey::presets())
     text += preset.displayString(nullptr) + "\n";

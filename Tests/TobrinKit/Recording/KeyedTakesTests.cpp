@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 #include "Base/PackError.h"
 #include "KeyedScore.h"
@@ -16,6 +15,8 @@
 
 namespace tobrin {
 namespace {
+
+using testing::line;
 
 TEST(KeyedTakes, EverySoundGoesToItsKey) {
   const KeyedCondition conditions[] = {
@@ -50,13 +51,6 @@ TEST(KeyedTakes, EverySoundGoesToItsKey) {
     EXPECT_GE(score.good, takes.sounds.size() / 2 - 50);
     EXPECT_LE(score.spoiled, score.good / 20);
   }
-}
-
-template <typename... Values>
-std::string line(const char* format, Values... values) {
-  char text[200];
-  (void)std::snprintf(text, sizeof text, format, values...);
-  return text;
 }
 
 std::string describe(const std::vector<RecordedTake>& takes) {

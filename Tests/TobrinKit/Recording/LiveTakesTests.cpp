@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <numeric>
 #include <utility>
 
@@ -39,11 +38,10 @@ std::size_t presses(const LiveState& state, KeyGroup group) {
 }
 
 std::string describe(const LiveState& state) {
-  char text[100];
-  (void)std::snprintf(text, sizeof text, "verdict %d, peak %.3g, rms %.3g, noise %.3g, takes",
-                      static_cast<int>(state.verdict), static_cast<double>(state.peak),
-                      static_cast<double>(state.rms), static_cast<double>(state.noiseFloor));
-  std::string all = text;
+  std::string all =
+      testing::line("verdict %d, peak %.3g, rms %.3g, noise %.3g, takes",
+                    static_cast<int>(state.verdict), static_cast<double>(state.peak),
+                    static_cast<double>(state.rms), static_cast<double>(state.noiseFloor));
   for (const KeyGroup group : allKeyGroups) {
     for (const std::size_t count : state.takes[index(group)])
       all += " " + std::to_string(count);
