@@ -65,6 +65,8 @@ TEST(HitDetector, HoldsItsLimits) {
       {"31 %", {still, {10, 0.01}, {4, 0.031}, peak, rest}, 40, {210}},
       {"22 %", {still, {10, 0.01}, {4, 0.0215}, peak, rest}, 40, {210}},
       {"16 %", {still, {10, 0.01}, {4, 0.016}, peak, rest}, 40, {214}},
+      {"much louder 2.9 ms later", {still, {2.9, 0.02}, {20, 0.1}}, 40, {202.9}},
+      {"4.2 ms", {still, {4.2, 0.02}, {20, 0.1}}, 40, {200}},
       {"39 % until 3.5 ms before",
        {still, {8, 0.01}, {2, 0.039}, {3.5, 1e-4}, peak, rest},
        40,
