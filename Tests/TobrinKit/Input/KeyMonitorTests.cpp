@@ -87,6 +87,8 @@ TEST_F(KeyMonitorTest, KeyboardsOfProgramsThatTypeAreHeldBackAndDisturbNoOther) 
   send(program, Type::flagsChanged, 57);  // Caps Lock, which shows its presses alone
   send(real, Type::keyUp, 0);
   send(real, Type::flagsChanged, 56, 0);
+  send(program, Type::flagsChanged, 56, 0x2);
+  send(program, Type::flagsChanged, 56, 0);
   send(program, Type::keyDown, 2);
   monitor.holdBack({"a keyboard"});
   send(program, Type::keyUp, 2);  // goes the way of its press
