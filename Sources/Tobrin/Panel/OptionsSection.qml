@@ -85,7 +85,7 @@ Card {
 
         PanelText {
             Layout.fillWidth: true
-            text: qsTr("Quiet apps, masking and more")
+            text: qsTr("Output, quiet apps, mouse")
             Accessible.ignored: true
         }
         PanelButton {

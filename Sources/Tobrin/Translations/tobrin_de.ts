@@ -79,7 +79,7 @@
 <context>
     <name>OptionsSection</name>
     <message><source>More…</source><translation>Mehr …</translation></message>
-    <message><source>Quiet apps, masking and more</source><translation>Stille Programme, Verdecken und mehr</translation></message>
+    <message><source>Output, quiet apps, mouse</source><translation>Ausgabe, stille Programme, Maus</translation></message>
     <message><source>Key release sounds</source><translation>Töne beim Loslassen</translation></message>
     <message><source>Stereo by key position</source><translation>Stereo nach Lage der Taste</translation></message>
     <message><source>Quiet during calls</source><translation>Still bei Anrufen</translation></message>
