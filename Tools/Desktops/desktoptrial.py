@@ -11,6 +11,7 @@ from installed import (SENTENCE, check_hint, check_other_shortcut, check_second_
                        sounds_are_on, started, type_in_editor)
 from listening import record, xdotool
 from listening.panel import eventually, named
+from quiet import check_quiet
 from screen import WIDTH, Screen
 from table import Table
 
@@ -28,6 +29,7 @@ class Desktop:
     clicks = 1  # on the tray's icon, to open the panel
     route = "shared"  # of the shortcut
     draws_frames = True
+    tells_front = True  # which app is in front
 
     def trial(self, pictures):
         return DesktopTrial(self, pictures)
@@ -85,6 +87,7 @@ class DesktopTrial:
                 self.try_keys(program)
                 check_second_start(self.table)
                 check_other_shortcut(self.table, program)
+                check_quiet(self.table, program, self.desktop.tells_front)
 
     def check_icon(self, bar, state, place):
         xdotool("mousemove", *self.desktop.elsewhere, "sleep", 1)

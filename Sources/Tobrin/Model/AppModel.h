@@ -106,7 +106,7 @@ class AppModel final : public QObject {
   /// Where it sounds.
   [[nodiscard]] OutputChoice& outputs() { return outputs_; }
   /// What is in front, as the panel shows it.
-  [[nodiscard]] const QuietApps& quietApps() const { return *quietApps_; }
+  [[nodiscard]] QuietApps& quietApps() { return *quietApps_; }
   /// Recording one's own keyboard.
   [[nodiscard]] RecordingGuide& recordingGuide() { return guide_; }
   /// Moves one of the user's own packs to the trash; the one after it takes its place.

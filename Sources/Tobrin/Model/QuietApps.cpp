@@ -77,10 +77,17 @@ void QuietApps::take(const Front& front) {
 void QuietApps::findCandidate() {
   if (!isAsked_) {
     candidate_.clear();
+    described_.clear();
   } else if (!front_.app.empty() && !isThisProgram(front_.app)) {
     candidate_ = front_.app;
   }
   notices_.onCandidate();
+}
+
+const AppDescription& QuietApps::describe(const std::string& id) {
+  const auto known = described_.find(id);
+  return known != described_.end() ? known->second
+                                   : described_.emplace(id, describe_(id)).first->second;
 }
 
 void QuietApps::findCause() {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -65,7 +66,7 @@ class QuietApps final {
   /// The application in front, or the one before this program; empty where there was none. Known
   /// while the panel asks.
   [[nodiscard]] const std::string& candidate() const { return candidate_; }
-  [[nodiscard]] AppDescription describe(const std::string& id) const { return describe_(id); }
+  [[nodiscard]] const AppDescription& describe(const std::string& id);
 
  private:
   void follow();
@@ -83,6 +84,7 @@ class QuietApps final {
   bool isAsked_ = false;
   Front front_;
   std::string candidate_;
+  std::map<std::string, AppDescription> described_;  // while the panel asks: it reads many files
   Cause cause_;
   std::shared_ptr<const bool> following_;  // while it does; posted reports watch it
 };

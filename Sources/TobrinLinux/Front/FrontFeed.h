@@ -2,6 +2,8 @@
 /// construction on. Thread: the watcher's, all of it.
 #pragma once
 
+#include <functional>
+
 #include "Engine/FrontWindow.h"
 
 namespace tobrin {
@@ -13,11 +15,11 @@ class FrontFeed {
   /// To be polled for reading; -1 where nothing can be learned this way.
   [[nodiscard]] virtual int descriptor() const = 0;
 
-  /// Takes what has come in and sends what is to go out; false once the connection is lost.
-  virtual bool process() = 0;
+  using Report = std::function<void(const Front&)>;
 
-  /// What is known after `process`.
-  [[nodiscard]] virtual Front front() const = 0;
+  /// Takes what has come in, sends what is to go out, and reports what is in front, also where that
+  /// is as before; false once the connection is lost.
+  virtual bool process(const Report& report) = 0;
 };
 
 }  // namespace tobrin

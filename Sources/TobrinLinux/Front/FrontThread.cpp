@@ -40,8 +40,10 @@ std::unique_ptr<FrontFeed> FrontThread::chosenFeed() const {
 
 bool FrontThread::follow(FrontFeed& feed, const Changed& changed) {
   std::optional<Front> told;
-  while (feed.process()) {
-    if (const Front front = feed.front(); front != told) changed(*(told = front));
+  const auto report = [&](const Front& front) {
+    if (front != told) changed(*(told = front));
+  };
+  while (feed.process(report)) {
     std::array<pollfd, 2> waits{{{stop_.fd(), POLLIN, 0}, {feed.descriptor(), POLLIN, 0}}};
     if (retried([&] { return poll(waits.data(), waits.size(), -1); }) < 0) return false;
     if (waits[0].revents != 0) return true;

@@ -1,7 +1,13 @@
 #include "Front/SessionFront.h"
 
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "Base/SystemFolders.h"
 #include "Desktop/SessionKind.h"
 #include "Front/FrontThread.h"
+#include "Front/KWinFrontFeed.h"
 #include "Front/ToplevelFrontFeed.h"
 #include "Front/XFrontFeed.h"
 
@@ -16,6 +22,17 @@ FrontThread::MakeFeed only(SessionKind kind, const Environment& environment, Mak
   };
 }
 
+/// Empty where it is missing.
+std::string kwinScript() {
+  std::error_code missing;
+  const std::filesystem::path program = thisProgram().parent_path();
+  for (const char* const place : {TOBRIN_BUILT_KWIN_SCRIPT, TOBRIN_INSTALLED_KWIN_SCRIPT}) {
+    const auto script = (program / place).lexically_normal();
+    if (std::filesystem::exists(script, missing)) return script;
+  }
+  return {};
+}
+
 }  // namespace
 
 std::unique_ptr<FrontWindow> makeFrontWindow(const Environment& environment) {
@@ -23,6 +40,8 @@ std::unique_ptr<FrontWindow> makeFrontWindow(const Environment& environment) {
       only(SessionKind::x11, environment,
            [=] { return std::make_unique<XFrontFeed>(environment("DISPLAY").value_or("")); }),
       only(SessionKind::wayland, environment, [] { return std::make_unique<ToplevelFrontFeed>(); }),
+      only(SessionKind::wayland, environment,
+           [] { return std::make_unique<KWinFrontFeed>(kwinScript()); }),
   });
 }
 

@@ -105,7 +105,7 @@ int ToplevelFrontFeed::descriptor() const {
   return manager_ != nullptr ? wl_display_get_fd(display_) : -1;
 }
 
-bool ToplevelFrontFeed::process() {
+bool ToplevelFrontFeed::process(const Report& report) {
   while (wl_display_prepare_read(display_) != 0)
     wl_display_dispatch_pending(display_);
   wl_display_flush(display_);
@@ -117,6 +117,7 @@ bool ToplevelFrontFeed::process() {
   }
   wl_display_dispatch_pending(display_);
   wl_display_flush(display_);
+  report(front());
   return wl_display_get_error(display_) == 0;
 }
 

@@ -24,8 +24,7 @@ class ToplevelFrontFeed final : public FrontFeed {
   ToplevelFrontFeed& operator=(const ToplevelFrontFeed&) = delete;
 
   [[nodiscard]] int descriptor() const override;
-  bool process() override;
-  [[nodiscard]] Front front() const override;
+  bool process(const Report& report) override;
 
  private:
   /// One window.
@@ -37,6 +36,8 @@ class ToplevelFrontFeed final : public FrontFeed {
 
     void takeStates(const wl_array& states);
   };
+  [[nodiscard]] Front front() const;
+
   struct Events;  // what the library calls
 
   wl_display* display_ = nullptr;  // owned, as the proxies are

@@ -37,7 +37,7 @@ int XFrontFeed::descriptor() const {
   return connection_ ? xcb_get_file_descriptor(connection_.get()) : -1;
 }
 
-bool XFrontFeed::process() {
+bool XFrontFeed::process(const Report& report) {
   while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_.get())})
     isStale_ |= isAboutFront(*event);
   // Events that came in with the answers to our own questions are not announced again.
@@ -46,6 +46,7 @@ bool XFrontFeed::process() {
     while (const XReply<xcb_generic_event_t> event{xcb_poll_for_queued_event(connection_.get())})
       isStale_ |= isAboutFront(*event);
   }
+  report(front_);
   return xcb_connection_has_error(connection_.get()) == 0;
 }
 

@@ -17,8 +17,7 @@ class XFrontFeed final : public FrontFeed {
   explicit XFrontFeed(const std::string& display);
 
   [[nodiscard]] int descriptor() const override;
-  bool process() override;
-  [[nodiscard]] Front front() const override { return front_; }
+  bool process(const Report& report) override;
 
  private:
   enum Atom : std::size_t { activeWindow, supported, managerCheck, state, fullScreen, atomCount };
