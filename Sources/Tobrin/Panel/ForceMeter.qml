@@ -41,9 +41,9 @@ ColumnLayout {
                 required property int index
 
                 // The document's own ids are in reach of a delegate, though the linter doubts it.
-                x: Math.round((index + 1) / meter.fullScale * track.width) // qmllint disable unqualified
+                x: Math.round((index + 1) / meter.fullScale * track.width)
                 width: 1
-                height: track.height // qmllint disable unqualified
+                height: track.height
                 color: Theme.surface
             }
         }

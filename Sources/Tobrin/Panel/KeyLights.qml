@@ -103,7 +103,7 @@ Item {
         function onKeyStruck(column, isBottom, tier, strength) {
             const light = isBottom ? bottom.itemAt(column < lights.spaceFrom ? 0 : column < lights.spaceFrom + lights.spaceKeys ? 1 : 2)
                                    : keys.itemAt(Math.max(0, Math.min(lights.columns - 1, Math.floor(column))));
-            light.strike(tier, strength);
+            light.strike(tier, strength); // qmllint disable
         }
     }
 }

@@ -21,10 +21,10 @@ Rectangle {
     readonly property real topMargin: titled ? 0 : Theme.margin
 
     implicitWidth: Theme.panelWidth
-    implicitHeight: recordPage.item !== null ? titleBar.height + recordPage.item.implicitHeight
-                    : Math.max(ownHeight, titleBar.height + (morePage.item?.implicitHeight ?? 0))
+    implicitHeight: recordPage.item !== null ? titleBar.height + (recordPage.item as Item).implicitHeight
+                    : Math.max(ownHeight, titleBar.height + ((morePage.item as Item)?.implicitHeight ?? 0))
     color: Theme.background
-    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft // qmllint disable
     LayoutMirroring.childrenInherit: true
     Accessible.role: Accessible.Pane
     Accessible.name: "Tobrin"

@@ -23,7 +23,7 @@ RowLayout {
         visible: row.icon !== ""
         Layout.preferredWidth: side
         Layout.preferredHeight: side
-        sourceSize: Qt.size(side * Screen.devicePixelRatio, side * Screen.devicePixelRatio)
+        sourceSize { width: side * Screen.devicePixelRatio; height: side * Screen.devicePixelRatio }
         source: row.icon === "" ? "" : "image://app/" + encodeURIComponent(row.icon)
         Accessible.ignored: true
     }

@@ -64,8 +64,8 @@ ColumnLayout {
         model: section.shown
         onSelectedIDChanged: showSelected()
         onModelChanged: showSelected()
-        onHeightChanged: Qt.callLater(showSelected)
-        onCellHeightChanged: Qt.callLater(showSelected)
+        onHeightChanged: Qt.callLater(showSelected) // qmllint disable
+        onCellHeightChanged: Qt.callLater(showSelected) // qmllint disable
         Component.onCompleted: showSelected()
         Accessible.role: Accessible.Grouping
         Accessible.name: qsTr("Packs")

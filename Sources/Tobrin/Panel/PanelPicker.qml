@@ -57,20 +57,20 @@ FocusScope {
                 focus: checked
                 focusPolicy: Qt.ClickFocus
                 // The document's own ids are in reach of a delegate, though the linter doubts it.
-                checked: index === picker.current // qmllint disable unqualified
+                checked: index === picker.current
                 text: modelData
-                Accessible.name: picker.label + ": " + text // qmllint disable unqualified
-                Accessible.onPressAction: picker.chosen(index) // qmllint disable unqualified
-                Accessible.onToggleAction: picker.chosen(index) // qmllint disable unqualified
-                onClicked: picker.chosen(index) // qmllint disable unqualified
-                Keys.onLeftPressed: picker.move(mirrored ? 1 : -1) // qmllint disable unqualified
-                Keys.onRightPressed: picker.move(mirrored ? -1 : 1) // qmllint disable unqualified
-                Keys.onUpPressed: picker.move(-grid.columns) // qmllint disable unqualified
-                Keys.onDownPressed: picker.move(grid.columns) // qmllint disable unqualified
+                Accessible.name: picker.label + ": " + text
+                Accessible.onPressAction: picker.chosen(index)
+                Accessible.onToggleAction: picker.chosen(index)
+                onClicked: picker.chosen(index)
+                Keys.onLeftPressed: picker.move(mirrored ? 1 : -1)
+                Keys.onRightPressed: picker.move(mirrored ? -1 : 1)
+                Keys.onUpPressed: picker.move(-grid.columns)
+                Keys.onDownPressed: picker.move(grid.columns)
                 Keys.onPressed: event => {
                     if (event.key === Qt.Key_Home || event.key === Qt.Key_End) {
                         event.accepted = true;
-                        picker.moveTo(event.key === Qt.Key_Home ? 0 : picker.choices.length - 1); // qmllint disable unqualified
+                        picker.moveTo(event.key === Qt.Key_Home ? 0 : picker.choices.length - 1);
                     }
                 }
 

@@ -59,9 +59,9 @@ ColumnLayout {
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
                 title: modelData.title
-                have: body.recording.counts[index] // qmllint disable unqualified
+                have: body.recording.counts[index]
                 wanted: modelData.wanted
-                current: index === body.recording.step // qmllint disable unqualified
+                current: index === body.recording.step
             }
         }
     }

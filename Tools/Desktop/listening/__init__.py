@@ -8,5 +8,5 @@ from .tools import (Background, Press, Sound, find_sounds, panels, press_keys, p
                     xdotool)
 
 __all__ = ["Background", "DesktopTest", "Figures", "Match", "Press", "Sound", "Tobrin", "control", "figures",
-           "find_sounds", "match", "panels", "plateaus_db", "press_keys", "press_toggle", "record",
+           "find_sounds", "is_heard", "match", "panels", "plateaus_db", "press_keys", "press_toggle", "record",
            "steepest_fall", "tool", "types_audibly", "write_click_pack", "write_pack", "xdotool"]
