@@ -26,7 +26,7 @@ main() {
 # The lint preset runs clang-tidy with every compilation, so that the build knows what is done, and how
 # many at once. Other checks, or another clang-tidy, make other commands: then it does all again.
 check_sources() {
-  local version objects
+  local filter=$1 version objects
   say "clang-tidy"
   version=$({
     clang-tidy --version
