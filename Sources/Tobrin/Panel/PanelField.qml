@@ -23,6 +23,7 @@ T.TextField {
     PanelText {
         anchors.fill: parent
         leftPadding: field.leftPadding
+        rightPadding: field.rightPadding
         verticalAlignment: Text.AlignVCenter
         visible: field.text === ""
         text: field.placeholderText
