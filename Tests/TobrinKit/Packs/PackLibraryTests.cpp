@@ -130,8 +130,11 @@ TEST(PackManifest, DecodesWhatItEncodesAndLeavesOutWhatItDoesNotKnow) {
       R"("formatVersion":-2,"license":null,"comment":1,"comment":2})");
   EXPECT_EQ(other.formatVersion, -2);
   EXPECT_FALSE(other.license || other.groups.at("other").up);
+  constexpr std::size_t longest = std::size_t{16} << 20;
   testing::expectRefusals(PackManifest::fromJson,
                           {{"{\"id\":\"\xFF\"}", "not valid JSON"},
+                           {std::string(longest, ' '), "not valid JSON"},
+                           {std::string(longest + 1, ' '), "longer than 16 MiB"},
                            {R"({"x":)" + std::string(1'000'000, '['), "nested too deeply"}});
 }
 
