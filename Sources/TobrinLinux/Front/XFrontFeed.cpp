@@ -68,7 +68,7 @@ void XFrontFeed::look() {
   }
   const xcb_window_t window = number(root_, atoms_[activeWindow]);
   if (window != window_) {
-    if (window_ != XCB_NONE) watch(window_, XCB_EVENT_MASK_NO_EVENT);
+    if (window_ != XCB_NONE && window_ != root_) watch(window_, XCB_EVENT_MASK_NO_EVENT);
     window_ = window;
     if (window_ != XCB_NONE) watch(window_, XCB_EVENT_MASK_PROPERTY_CHANGE);
   }

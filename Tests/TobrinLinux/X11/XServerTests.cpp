@@ -129,6 +129,10 @@ TEST_F(XFrontTest, FollowsWhatTheWindowManagerTells) {
   EXPECT_TRUE(becomes({.app = "Editor", .fillsScreen = true}));
   set(root, "_NET_ACTIVE_WINDOW", {player});
   EXPECT_TRUE(becomes({.app = "player"}));
+  set(root, "_NET_ACTIVE_WINDOW", {root});  // as some say of an empty screen
+  EXPECT_TRUE(becomes({}));
+  set(root, "_NET_ACTIVE_WINDOW", {player});
+  EXPECT_TRUE(becomes({.app = "player"}));
   xcb_destroy_window(other, player);  // before the window manager says so
   set(root, "_NET_ACTIVE_WINDOW", {XCB_NONE});
   EXPECT_TRUE(becomes({}));
