@@ -33,7 +33,7 @@ void GapFiller::add(int64_t time, std::span<const float> interleaved) {
     return;
   }
   held_.push_back({lateness, {interleaved.begin(), interleaved.end()}});
-  expected_ += static_cast<double>(interleaved.size() / channels_) / rate_;
+  expected_ += secondsOf(interleaved);
   if (held_.size() == certainty) fillGap();
 }
 
@@ -46,8 +46,13 @@ int64_t GapFiller::dueTime() const {
   return firstTime_.value_or(0) + static_cast<int64_t>(expected_ * nanoseconds);
 }
 
+double GapFiller::secondsOf(std::span<const float> interleaved) const {
+  const std::size_t frames = interleaved.size() / channels_;
+  return static_cast<double>(frames) / rate_;
+}
+
 void GapFiller::handOn(std::span<const float> interleaved) {
-  expected_ += static_cast<double>(interleaved.size() / channels_) / rate_;
+  expected_ += secondsOf(interleaved);
   sink_(interleaved);
 }
 

@@ -35,6 +35,7 @@ class GapFiller final {
     double lateness;  // s
     std::vector<float> samples;
   };
+  [[nodiscard]] double secondsOf(std::span<const float> interleaved) const;
   void handOn(std::span<const float> interleaved);
   void fillGap();
   [[nodiscard]] double latenessOf(int64_t time) const;
