@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -45,28 +44,6 @@ TEST_F(AlsaDeviceTest, IsHeardAfterEachPause) {
     }));
   }
   EXPECT_LE(player_.largestBlock, 256U);
-}
-
-TEST_F(AlsaDeviceTest, IsChosenByItsCardAndTakenUpAgainWithIt) {
-  AlsaOutput output("null");
-  output.setCallbacks(player_.callbacks());
-  output.findOutputs();
-  ASSERT_TRUE(eventually([&] {
-    const std::lock_guard lock(player_.mutex);
-    return std::ranges::any_of(player_.outputs.present, [](const SoundOutput& each) {
-      return each == SoundOutput{"sysdefault:CARD=Loopback", "Loopback, Loopback PCM"};
-    });
-  }));
-  output.choose("sysdefault:CARD=Loopback");
-  const auto playsOn = [&](const char* name) {
-    return eventually([&] { return player_.used() == name && output.isRunning(); });
-  };
-  EXPECT_TRUE(output.start() || eventually([&] { return output.isRunning(); })) << output.problem();
-  EXPECT_TRUE(playsOn("Loopback, Loopback PCM"));
-  testing::tellLoopbackDriver("unbind");
-  EXPECT_TRUE(playsOn("null"));
-  testing::tellLoopbackDriver("bind");
-  EXPECT_TRUE(playsOn("Loopback, Loopback PCM")) << "without a start";
 }
 
 TEST_F(AlsaDeviceTest, ComesBackWithItsCard) {
