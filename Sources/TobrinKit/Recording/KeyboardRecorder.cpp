@@ -105,7 +105,8 @@ void KeyboardRecorder::addSound(std::span<const float> interleaved) {
   if (isChosen_) return;
   choice_.add(interleaved);
   undecided_.insert(undecided_.end(), interleaved.begin(), interleaved.end());
-  const double seconds = static_cast<double>(undecided_.size() / channels) / rate;
+  const std::size_t frames = undecided_.size() / channels;
+  const double seconds = static_cast<double>(frames) / rate;
   if (keyCount_ >= keysToChoose || seconds >= secondsToChoose) chooseChannel();
 }
 
