@@ -133,15 +133,17 @@ TEST_F(EvdevKeySourceTest, AMouseIsHeardOnceItIsWishedForAndItsWayNever) {
   hear(MouseHearing::nothing, "");
   hear(MouseHearing::buttons, "+4096 -4096 +4096 -4096 ");
   hear(MouseHearing::buttonsAndWheel, "+4096 +4102 -4096 +4096 +4102 -4096 ");
-  const auto wakeUps = [] {
-    rusage used{};
-    getrusage(RUSAGE_SELF, &used);
-    return used.ru_nvcsw;
+  const auto wakeUps = [] {  // of the other threads
+    rusage all{}, own{};
+    getrusage(RUSAGE_SELF, &all);
+    getrusage(RUSAGE_THREAD, &own);
+    return all.ru_nvcsw - own.ru_nvcsw;
   };
   const auto before = wakeUps();
-  for (int i = 0; i < 200; ++i)
+  for (int i = 0; i < 100; ++i) {
     mouse.move(REL_X);
-  std::this_thread::sleep_for(milliseconds(200));
+    std::this_thread::sleep_for(milliseconds(2));
+  }
   EXPECT_LT(wakeUps() - before, 20) << "a mouse that moves wakes nobody";
   mouse.press({BTN_LEFT});
   EXPECT_EQ(heard.await(1), "+4096 ");
