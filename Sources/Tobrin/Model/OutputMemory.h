@@ -15,7 +15,7 @@ struct Loudness {
 };
 
 struct OutputMemory {
-  std::string chosen{};      ///< a device's id; empty: the system's default, whichever that is
+  std::string chosen{};      ///< a device's id; empty: the system's default
   std::string chosenName{};  ///< for people, for while that device is away
   /// By the device's id: of every device that sounds were played on.
   std::map<std::string, Loudness> loudness{};

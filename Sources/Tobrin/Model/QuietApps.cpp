@@ -1,17 +1,16 @@
 #include "Model/QuietApps.h"
 
 #include <algorithm>
-#include <cctype>
 #include <utility>
+
+#include "Base/LowerCase.h"
 
 namespace tobrin {
 namespace {
 
 /// Desktops differ in the case of ids, also one that tells of X11 and of Wayland programs.
 bool isSame(const std::string& a, const std::string& b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {
-    return std::tolower(x) == std::tolower(y);
-  });
+  return lowerCase(a) == lowerCase(b);
 }
 
 bool isThisProgram(const std::string& id) {

@@ -3,17 +3,14 @@
 #include <algorithm>
 #include <string>
 
+#include "Base/LowerCase.h"
+
 namespace tobrin {
 namespace {
 
 constexpr std::array<std::string_view, allPackGroups.size()> groupNames = {
     "alpha", "space", "enter", "backspace", "modifier", "mouse"};
 constexpr std::array<std::string_view, tierCount> tierNames = {"soft", "medium", "hard", "slam"};
-
-/// ASCII only: names in files must not depend on the user's locale.
-char lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 }  // namespace
 
@@ -37,8 +34,7 @@ std::optional<Tier> tier(int64_t rawValue) {
 }
 
 std::optional<Tier> tierNamed(std::string_view name) {
-  std::string wanted(name);
-  std::transform(wanted.begin(), wanted.end(), wanted.begin(), lower);
+  const std::string wanted = lowerCase(name);
   const auto found = std::find(tierNames.begin(), tierNames.end(), wanted);
   if (found == tierNames.end()) return std::nullopt;
   return allTiers[static_cast<std::size_t>(found - tierNames.begin())];

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "Base/LowerCase.h"
 #include "Base/ReadJson.h"
 #include "Importing/FormatReaders.h"
 #include "Importing/ImportError.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "Importing/SourceFiles.h"
+#include "Base/LowerCase.h"
 
 namespace tobrin {
 namespace {

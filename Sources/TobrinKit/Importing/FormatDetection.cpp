@@ -2,6 +2,7 @@
 // some archives hold two.
 #include <algorithm>
 
+#include "Base/LowerCase.h"
 #include "Base/ReadJson.h"
 #include "Importing/FormatReaders.h"
 #include "Importing/ImportError.h"

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "Importing/SourceFiles.h"
+#include "Base/LowerCase.h"
 #include "Synth/SynthProfile.h"
 
 namespace tobrin {

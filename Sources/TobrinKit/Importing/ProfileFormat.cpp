@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "Base/LowerCase.h"
 #include "Importing/FormatReaders.h"
 #include "Importing/ImportError.h"
 #include "Importing/PackAssembly.h"

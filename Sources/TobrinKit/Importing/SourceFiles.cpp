@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <system_error>
 
+#include "Base/LowerCase.h"
 #include "Base/RegularFile.h"
 #include "Importing/ImportError.h"
 
@@ -138,13 +139,6 @@ std::string_view folderOf(std::string_view name) {
 
 std::string_view fileOf(std::string_view name) {
   return name.substr(name.rfind('/') + 1);  // npos + 1 is 0
-}
-
-std::string lowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return lower;
 }
 
 }  // namespace tobrin

@@ -65,7 +65,5 @@ class SourceFiles final {
 std::string_view folderOf(std::string_view name);
 /// The part after it.
 std::string_view fileOf(std::string_view name);
-/// ASCII letters in lower case.
-std::string lowerCase(std::string_view text);
 
 }  // namespace tobrin

@@ -1,5 +1,6 @@
 #include "Importing/SourceLicense.h"
 
+#include "Base/LowerCase.h"
 #include "Importing/ImportError.h"
 
 namespace tobrin {

@@ -1,8 +1,9 @@
 #include "Input/Accelerator.h"
 
-#include <algorithm>
 #include <cassert>
 #include <utility>
+
+#include "Base/LowerCase.h"
 
 namespace tobrin {
 namespace {
@@ -26,15 +27,6 @@ constexpr std::pair<std::string_view, std::string_view> otherNames[] = {
     {"esc", "escape"},   {"pgup", "prior"},     {"page_up", "prior"},  {"pgdown", "next"},
     {"pgdn", "next"},    {"page_down", "next"}, {"del", "delete"},     {"ins", "insert"},
     {"enter", "return"}, {"sysreq", "print"},   {"above_tab", "grave"}};
-
-/// ASCII only, in every locale.
-std::string lowerCase(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  return result;
-}
 
 std::string canonicalKey(std::string_view text) {
   std::string key = lowerCase(text);

@@ -3,17 +3,11 @@
 #include <algorithm>
 
 #include "Base/Key.h"
+#include "Base/LowerCase.h"
 #include "Input/ModifierTracker.h"
 
 namespace tobrin {
 namespace {
-
-std::string inSmallLetters(std::string_view text) {
-  std::string result(text);
-  for (char& c : result)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return result;
-}
 
 bool isPress(const KeySource::Event& event) {
   const bool isCapsLock = Key{event.code} == Key::capsLock;  // only its presses are told
@@ -31,7 +25,7 @@ const HeldBackKeyboards::Names& HeldBackKeyboards::usual() {
 
 void HeldBackKeyboards::set(Names names) {
   for (std::string& name : names)
-    name = inSmallLetters(name);
+    name = lowerCase(name);
   std::erase(names, "");
   const MutexLock lock(mutex_);
   names_ = std::move(names);
@@ -47,7 +41,7 @@ bool HeldBackKeyboards::holdsBack(const KeySource::Event& event) {
 }
 
 bool HeldBackKeyboards::isListed(std::string_view keyboard) const {
-  const std::string name = inSmallLetters(keyboard);
+  const std::string name = lowerCase(keyboard);
   const MutexLock lock(mutex_);
   return std::any_of(names_.begin(), names_.end(), [&](const std::string& listed) {
     return name.find(listed) != std::string::npos;

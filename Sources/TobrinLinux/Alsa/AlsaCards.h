@@ -1,5 +1,5 @@
 /// The machine's sound cards, and how their outputs are called here: by the card's id, which stays
-/// when cards are numbered anew. Thread: any.
+/// the same when cards get other numbers. Thread: any.
 #pragma once
 
 #include <string>

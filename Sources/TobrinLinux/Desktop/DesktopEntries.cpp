@@ -1,25 +1,19 @@
 #include "Desktop/DesktopEntries.h"
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <optional>
 #include <string_view>
 #include <vector>
 
+#include "Base/LowerCase.h"
 #include "Base/UserFolders.h"
 
 namespace tobrin {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string inSmallLetters(std::string text) {
-  for (char& c : text)
-    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
 
 /// The user's own first.
 std::vector<fs::path> entryFolders(const Environment& environment) {
@@ -79,7 +73,7 @@ std::optional<Entry> readEntry(const fs::path& path, const Environment& environm
 /// "gedit" of "org.gnome.gedit.desktop".
 std::string lastPart(const fs::path& file) {
   const std::string stem = file.stem();
-  return inSmallLetters(stem.substr(stem.rfind('.') + 1));
+  return lowerCase(stem.substr(stem.rfind('.') + 1));
 }
 
 std::optional<Entry> claimingEntry(const fs::path& folder, const std::string& id,
@@ -88,8 +82,7 @@ std::optional<Entry> claimingEntry(const fs::path& folder, const std::string& id
   for (const fs::directory_entry& file : fs::directory_iterator(folder, error)) {
     if (file.path().extension() != ".desktop") continue;
     auto entry = readEntry(file.path(), environment);
-    if (entry && (inSmallLetters(entry->windowClass) == id || lastPart(file.path()) == id))
-      return entry;
+    if (entry && (lowerCase(entry->windowClass) == id || lastPart(file.path()) == id)) return entry;
   }
   return std::nullopt;
 }
@@ -99,7 +92,7 @@ std::optional<Entry> claimingEntry(const fs::path& folder, const std::string& id
 AppDescription describeApp(const std::string& id, const Environment& environment) {
   const AppDescription unknown{.name = id, .icon = ""};
   if (id.empty() || id.find('/') != std::string::npos) return unknown;
-  const std::string small = inSmallLetters(id);
+  const std::string small = lowerCase(id);
   const std::vector<fs::path> folders = entryFolders(environment);
   for (const fs::path& folder : folders)
     for (const std::string& name : {id, small})
