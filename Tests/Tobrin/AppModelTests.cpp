@@ -26,7 +26,7 @@ TEST_F(AppModelTest, ChoosesAPackAtTheStart) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.label);
     settings_ = {};
-    if (*row.saved != '\0') settings_.values[AppModel::selectedPackKey] = row.saved;
+    if (*row.saved != '\0') settings_.values[SavedChoices::selectedPackKey] = row.saved;
     found_.clear();
     for (const std::string& id : row.found)
       found_.push_back(pack(id));
@@ -35,7 +35,7 @@ TEST_F(AppModelTest, ChoosesAPackAtTheStart) {
     EXPECT_EQ(loadedPack(), row.loaded);
     EXPECT_EQ(settings_.writes, row.writes);
     if (row.writes > 0) {
-      EXPECT_EQ(settings_.readText(AppModel::selectedPackKey), std::string(row.loaded));
+      EXPECT_EQ(settings_.readText(SavedChoices::selectedPackKey), std::string(row.loaded));
     }
     EXPECT_EQ(isHeard(), row.writes > 0) << "only another choice than the user's is auditioned";
   }
@@ -80,7 +80,7 @@ TEST_F(AppModelTest, ADamagedPackIsNamedAndSilent) {
 
 TEST_F(AppModelTest, OpeningThePanelLoadsWhatIsNot) {
   const auto late = std::exchange(found_, {});
-  settings_.values[AppModel::selectedPackKey] = "\"omega\"";
+  settings_.values[SavedChoices::selectedPackKey] = "\"omega\"";
   AppModel& model = start();
   advance(0);
   EXPECT_EQ(model.packError(), "No sound packs found.");
@@ -115,9 +115,9 @@ TEST_F(AppModelTest, LoadsTheChosenPackAgainOnceItWasReplaced) {
 }
 
 TEST_F(AppModelTest, BrokenSettingsAreKeptAsideAndUnchangedOnesNotWritten) {
-  settings_.values[AppModel::settingsKey] = R"({"volume": "loud"})";
+  settings_.values[SavedChoices::settingsKey] = R"({"volume": "loud"})";
   EXPECT_EQ(start().settings(), EngineSettings());
-  EXPECT_EQ(settings_.aside[AppModel::settingsKey], R"({"volume": "loud"})");
+  EXPECT_EQ(settings_.aside[SavedChoices::settingsKey], R"({"volume": "loud"})");
   change([](EngineSettings&) {});
   EXPECT_EQ(settings_.writes, 0) << "nothing changed";
 }
@@ -133,7 +133,7 @@ TEST_F(AppModelTest, SavesOnceChangesEndAndAtTheEnd) {
     }
   };
   const auto savedVolume = [this] {
-    return EngineSettings::fromJson(settings_.values.at(AppModel::settingsKey)).volume;
+    return EngineSettings::fromJson(settings_.values.at(SavedChoices::settingsKey)).volume;
   };
   drag(0);
   EXPECT_EQ(settings_.writes, 0);
@@ -272,7 +272,7 @@ TEST_F(AppModelTest, MasksKeysWhileTheSoundIsRecorded) {
   EXPECT_FALSE(microphone_->changed) << "nobody watches any more";
   EXPECT_FALSE(start().comforts().maskWhileRecorded) << "saved";
 
-  settings_.values[AppModel::comfortsKey] = "{";
+  settings_.values[SavedChoices::comfortsKey] = "{";
   EXPECT_TRUE(start().comforts().maskWhileRecorded) << "what is damaged has its default";
   advance(0);
   microphone_->activity.outputRecorded = false;

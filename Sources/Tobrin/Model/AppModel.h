@@ -1,6 +1,6 @@
-/// The running program: owns engine, key monitor, shortcut and microphone watch, keeps the user's
-/// settings and chosen pack, saves both, and publishes the state that the panel shows. Callbacks
-/// from other threads are moved to the main thread first. Thread: main.
+/// The running program: puts together the engine, the keys and what else this folder has, each a
+/// class for one subject, and publishes the state that the panel shows. Callbacks from other
+/// threads are moved to the main thread first. Thread: main.
 #pragma once
 
 #include <QObject>
@@ -14,19 +14,17 @@
 #include "Engine/EngineSettings.h"
 #include "Engine/PlaybackGate.h"
 #include "Input/KeyMonitor.h"
-#include "Mic/MicMonitor.h"
 #include "Model/AppServices.h"
 #include "Model/Comforts.h"
+#include "Model/DesktopActions.h"
 #include "Model/KeyAccess.h"
 #include "Model/OutputChoice.h"
-#include "Model/PackSelection.h"
-#include "Model/PackShelf.h"
-#include "Model/PlayedPack.h"
-#include "Model/QuietApps.h"
+#include "Model/PackCollection.h"
 #include "Model/RecordingGuide.h"
-#include "Model/SettingsSaver.h"
+#include "Model/SavedChoices.h"
 #include "Model/ShortcutChoice.h"
 #include "Model/StatusTexts.h"
+#include "Model/Surroundings.h"
 
 namespace tobrin {
 
@@ -34,9 +32,6 @@ class AppModel final : public QObject {
   Q_OBJECT
 
  public:
-  static constexpr const char* settingsKey = "engineSettings";
-  static constexpr const char* comfortsKey = "comforts";
-  static constexpr const char* selectedPackKey = "selectedPack";
   static constexpr const char* defaultPackID = "leopold";
 
   /// A preview never reads or writes the settings store and starts neither keys nor sound.
@@ -51,38 +46,51 @@ class AppModel final : public QObject {
   ~AppModel() override;
 
   /// Whether this user has never run the program before.
-  [[nodiscard]] bool isFirstStart() const { return isFirstStart_; }
-  [[nodiscard]] const EngineSettings& settings() const { return settings_; }
-  void setSettings(const EngineSettings& settings);
-  [[nodiscard]] const Comforts& comforts() const { return comforts_; }
-  void setComforts(const Comforts& comforts);
-  [[nodiscard]] const std::string& selectedPackID() const { return packs_->selectedID(); }
+  [[nodiscard]] bool isFirstStart() const { return choices_.isFirstStart(); }
+  [[nodiscard]] const EngineSettings& settings() const { return choices_.settings(); }
+  void setSettings(const EngineSettings& changed);
+  [[nodiscard]] const Comforts& comforts() const { return choices_.comforts(); }
+  void setComforts(const Comforts& changed);
+  /// Changes one of the settings, or of the comforts.
+  template <typename Field, typename Value>
+  void change(Field EngineSettings::*field, Value value) {
+    EngineSettings changed = settings();
+    changed.*field = static_cast<Field>(value);
+    setSettings(changed);
+  }
+  template <typename Field>
+  void change(Field Comforts::*field, Field value) {
+    Comforts changed = comforts();
+    changed.*field = std::move(value);
+    setComforts(changed);
+  }
+
+  [[nodiscard]] const std::string& selectedPackID() const {
+    return packs_->selection().selectedID();
+  }
   /// Chooses a pack, loads and auditions it. The one that is chosen already is loaded again only
   /// where that has failed or has become another.
-  void setSelectedPackID(const std::string& id) { packs_->select(id); }
+  void setSelectedPackID(const std::string& id) { packs_->selection().select(id); }
   void select(const PackInfo& pack) { setSelectedPackID(pack.id); }
 
-  [[nodiscard]] const std::vector<PackInfo>& packs() const { return packs_->packs(); }
+  [[nodiscard]] const std::vector<PackInfo>& packs() const { return packs_->selection().packs(); }
   /// Folders among the user's packs that hold none, for the user to see why.
   [[nodiscard]] const std::vector<UnusableFolder>& unusableFolders() const {
-    return packs_->unusable();
+    return packs_->selection().unusable();
   }
-  [[nodiscard]] const PackInfo* selectedPack() const { return packs_->selected(); }
+  [[nodiscard]] const PackInfo* selectedPack() const { return packs_->selection().selected(); }
   /// The decoded pack's own description; absent while none is loaded.
   [[nodiscard]] const std::optional<PackManifest>& loadedManifest() const {
-    return packs_->manifest();
+    return packs_->selection().manifest();
   }
-  [[nodiscard]] const std::optional<std::string>& packError() const { return packs_->error(); }
+  [[nodiscard]] const std::optional<std::string>& packError() const {
+    return packs_->selection().error();
+  }
   [[nodiscard]] bool hasPermission() const { return preview_ || keyAccess_->state().hasPermission; }
   [[nodiscard]] bool listening() const { return keyAccess_->state().listening; }
   [[nodiscard]] KeyAccess& keyAccess() { return *keyAccess_; }
-  /// Why the packs folder could not be shown, and why "Open at login" could not be changed, in a
-  /// sentence each; empty while nothing went wrong.
-  [[nodiscard]] const std::string& packsFolderProblem() const { return packsFolderProblem_; }
-  [[nodiscard]] const std::string& loginItemProblem() const { return loginItemProblem_; }
   [[nodiscard]] const std::optional<ForceReading>& lastForce() const { return lastForce_; }
-  [[nodiscard]] bool launchAtLogin() const { return launchAtLogin_; }
-  [[nodiscard]] bool micInUse() const { return micInUse_; }
+  [[nodiscard]] bool micInUse() const { return surroundings_.micInUse(); }
   [[nodiscard]] bool sensorAvailable() const { return sensorAvailable_; }
   /// Why the sensor that is there does not work, in words; empty while it does.
   [[nodiscard]] const std::string& sensorProblem() const { return sensorProblem_; }
@@ -102,31 +110,30 @@ class AppModel final : public QObject {
   [[nodiscard]] EngineSettings effectiveSettings() const;
 
   /// What the user adds to their packs, and takes from them.
-  [[nodiscard]] PackShelf& shelf() { return shelf_; }
+  [[nodiscard]] PackShelf& shelf() { return packs_->shelf(); }
   /// Where it sounds.
   [[nodiscard]] OutputChoice& outputs() { return outputs_; }
   /// What is in front, as the panel shows it.
-  [[nodiscard]] QuietApps& quietApps() { return *quietApps_; }
+  [[nodiscard]] QuietApps& quietApps() { return surroundings_.quietApps(); }
+  /// What the user asks of the desktop.
+  [[nodiscard]] DesktopActions& desktop() { return desktop_; }
   /// Recording one's own keyboard.
   [[nodiscard]] RecordingGuide& recordingGuide() { return guide_; }
   /// Moves one of the user's own packs to the trash; the one after it takes its place.
-  void removePack(const std::string& id);
+  void removePack(const std::string& id) { packs_->remove(id); }
   /// Brings the pack back that was removed last, and the choice of before.
-  void undoRemoval();
+  void undoRemoval() { packs_->undoRemoval(); }
   /// Finds the packs again. Where the chosen one is gone, the one in its place is chosen.
-  void refreshPacks() { packs_->refresh(); }
+  void refreshPacks() { packs_->selection().refresh(); }
   /// Finds the packs again, and loads the chosen one where it has become another.
-  void lookForPacks();
+  void lookForPacks() { packs_->look(); }
   void menuOpened();
   void menuClosed();
-  void setLaunchAtLogin(bool on);
-  void relaunch();
   void audition();
   /// Lets one key be heard, to judge how loud keys are.
   void playOneKey();
   /// Volume to nothing, and back to what it was.
   void mute();
-  void openPacksFolder();
   /// An older access to keys, which other programs have, too, is to stay as it is.
   void keepWideKeyAccess();
   void toggleEnabled();
@@ -134,7 +141,6 @@ class AppModel final : public QObject {
   void captureShortcut(bool captures);
   /// Takes a key with modifiers as the shortcut. False where they cannot be one.
   bool chooseShortcut(uint32_t scanCode, Modifiers modifiers);
-  void quit();
 
   [[nodiscard]] const Conductor& conductor() const { return *conductor_; }
   [[nodiscard]] const KeyMonitor& monitor() const { return *monitor_; }
@@ -146,37 +152,32 @@ class AppModel final : public QObject {
   void packErrorChanged();
   void permissionChanged();  ///< what keyAccess() says
   void lastForceChanged();
-  void launchAtLoginChanged();  ///< launchAtLogin, loginItemProblem
-  void packsFolderProblemChanged();
-  void micInUseChanged();
   void shortcutChanged();   ///< what shortcut() says
   void candidateChanged();  ///< what `quietApps` knows of the application in front
   void outputChanged();     ///< what the sound goes through, or soundProblem
   void statusChanged();     ///< statusLine, soundState or sensorProblem may differ
 
  private:
-  /// Returns the id of the pack that was selected.
-  std::string readSavedState(const std::optional<Preview>& preview);
-  void wireCallbacks();
-  void applyToMonitor();
-  void start();
-  void registerShortcut();
-  void updateMicMonitor();
-  void micChanged(bool inUse);
-  void outputRecordedChanged(bool recorded);
-  void applyMask();
-  [[nodiscard]] bool isMasked() const { return outputRecorded_ && comforts_.maskWhileRecorded; }
-  void lockChanged(bool isLocked);
-  void quietChanged();
-  [[nodiscard]] bool isSilentByLock() const { return isLocked_ && comforts_.quietWhileLocked; }
-  void sensorChanged(const std::string& problem);
+  [[nodiscard]] std::unique_ptr<AudioOutput> makeOutput();
+  [[nodiscard]] std::unique_ptr<ForceSensor> makeSensor();
+  void makeConductor();
+  void makeMonitor();
+  void makePacks(const std::string& selectedID);
   [[nodiscard]] OutputChoice::Services outputServices();
-  void adoptVolume(float volume);
-  void outputProblemChanged(const std::string& problem);
-  void startPacks(const std::string& selectedID);
-  void packAdded(const std::string& id);
+  [[nodiscard]] Surroundings::Services surroundingsServices();
   [[nodiscard]] RecordingGuide::Services guideServices();
-  void readLoginItem();
+  void wirePacks();
+  void wireCallbacks();
+  void start();
+
+  [[nodiscard]] Surroundings::Wish surroundingsWish() const;
+  void applyToMonitor();
+  void applyQuietly();
+  void applyMask();
+  void adoptVolume(float volume);
+  void registerShortcut();
+  void sensorChanged(const std::string& problem);
+  void outputProblemChanged(const std::string& problem);
 
   /// Runs `task` on the main thread if the model is still there.
   void onMain(std::function<void()> task);
@@ -185,35 +186,22 @@ class AppModel final : public QObject {
   bool preview_;          // fixed after construction
   bool sensorAvailable_;  // fixed after construction
 
-  bool isFirstStart_ = false;
-  EngineSettings settings_;
-  Comforts comforts_;
-  SettingsSaver saver_;
-  SettingsSaver comfortsSaver_;
+  SavedChoices choices_;
   OutputChoice outputs_;
-  PackShelf shelf_;
+  DesktopActions desktop_;
+  Surroundings surroundings_;
   bool isSilent_ = false;  // while a keyboard is recorded
-  std::string selectedBeforeRemoval_;
-  std::string packsFolderProblem_;
-  std::string loginItemProblem_;
   std::string sensorProblem_;
   float volumeBeforeMute_ = EngineSettings().volume;
   std::string soundProblem_;
   std::optional<ForceReading> lastForce_;
-  bool launchAtLogin_ = false;
-  bool micInUse_ = false;
-  bool isLocked_ = false;
-  bool outputRecorded_ = false;
 
   std::shared_ptr<AppModel*> self_;  // null inside once the model is gone; shared with posted tasks
   std::unique_ptr<Conductor> conductor_;
-  std::unique_ptr<PlayedPack> played_;
-  std::unique_ptr<PackSelection> packs_;
+  std::unique_ptr<PackCollection> packs_;
   std::unique_ptr<KeyMonitor> monitor_;
   std::unique_ptr<KeyAccess> keyAccess_;
   std::unique_ptr<ShortcutChoice> shortcut_;
-  std::unique_ptr<MicMonitor> micMonitor_;
-  std::unique_ptr<QuietApps> quietApps_;
   RecordingGuide guide_;  // last: it gets keys from the monitor until that has stopped
 };
 

@@ -49,8 +49,9 @@ PanelModel::PanelModel(AppModel& model, QObject* parent)
   connect(&model, &AppModel::settingsChanged, this, &PanelModel::settingsChanged);
   connect(&model, &AppModel::settingsChanged, this, &PanelModel::shortcutChanged);
   connect(&model, &AppModel::shortcutChanged, this, &PanelModel::shortcutChanged);
-  connect(&model, &AppModel::launchAtLoginChanged, this, &PanelModel::launchAtLoginChanged);
-  connect(&model, &AppModel::packsFolderProblemChanged, this,
+  connect(&model.desktop(), &DesktopActions::launchAtLoginChanged, this,
+          &PanelModel::launchAtLoginChanged);
+  connect(&model.desktop(), &DesktopActions::packsFolderProblemChanged, this,
           &PanelModel::packsFolderProblemChanged);
   connect(&model, &AppModel::lastForceChanged, this, &PanelModel::lastForceChanged);
   connect(&model, &AppModel::lastForceChanged, this, &PanelModel::lightKey);
@@ -144,11 +145,11 @@ bool PanelModel::welcome() const {
 }
 
 QString PanelModel::packsFolderProblem() const {
-  return text(model_.packsFolderProblem());
+  return text(model_.desktop().packsFolderProblem());
 }
 
 QString PanelModel::loginItemProblem() const {
-  return text(model_.loginItemProblem());
+  return text(model_.desktop().loginItemProblem());
 }
 
 // Packs
@@ -228,7 +229,7 @@ bool PanelModel::quietDuringCalls() const {
   return model_.settings().quietDuringCalls;
 }
 bool PanelModel::launchAtLogin() const {
-  return model_.launchAtLogin();
+  return model_.desktop().launchAtLogin();
 }
 bool PanelModel::shortcutEnabled() const {
   return model_.settings().shortcutEnabled;
@@ -259,7 +260,7 @@ void PanelModel::setQuietDuringCalls(bool on) {
   change(&EngineSettings::quietDuringCalls, on);
 }
 void PanelModel::setLaunchAtLogin(bool on) {
-  model_.setLaunchAtLogin(on);
+  model_.desktop().setLaunchAtLogin(on);
 }
 void PanelModel::setShortcutEnabled(bool on) {
   change(&EngineSettings::shortcutEnabled, on);
@@ -374,13 +375,13 @@ void PanelModel::openSettings() {
   model_.keyAccess().allow();
 }
 void PanelModel::relaunch() {
-  model_.relaunch();
+  model_.desktop().relaunch();
 }
 void PanelModel::openPacksFolder() {
-  model_.openPacksFolder();
+  model_.desktop().openPacksFolder();
 }
 void PanelModel::quit() {
-  model_.quit();
+  model_.desktop().quit();
 }
 
 }  // namespace tobrin

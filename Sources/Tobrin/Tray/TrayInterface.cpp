@@ -148,7 +148,8 @@ void TrayInterface::fillMenu() {
   menu_->addSeparator();
   connect(menu_->addAction(tr("Open Tobrin")), &QAction::triggered, this,
           &TrayInterface::showPanel);
-  connect(menu_->addAction(tr("Quit")), &QAction::triggered, model_, &AppModel::quit);
+  connect(menu_->addAction(tr("Quit")), &QAction::triggered, &model_->desktop(),
+          &DesktopActions::quit);
 }
 
 void TrayInterface::togglePanel() {
