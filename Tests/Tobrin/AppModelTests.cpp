@@ -493,7 +493,7 @@ TEST_F(AppModelTest, APreviewLeavesNoTrace) {
   const AppModel& model = start(AppModel::Preview{.pack = "omega"});
   advance(0);
   EXPECT_EQ(loadedPack(), "omega");
-  EXPECT_FALSE(model.listening() || shortcuts_.pressed || microphone_->changed);
+  EXPECT_FALSE(model.listening() || shortcuts_.pressed || microphone_->changed || desktop_.onLock);
 }
 
 }  // namespace

@@ -33,17 +33,14 @@ void HeldBackModel::remove(int index) {
 }
 
 void HeldBackModel::takeUsual() {
-  Comforts changed = model_.comforts();
-  changed.heldBackKeyboards = HeldBackKeyboards::usual();
-  model_.setComforts(changed);
+  model_.change(&Comforts::heldBackKeyboards, HeldBackKeyboards::usual());
 }
 
 void HeldBackModel::set(const QStringList& names) {
-  Comforts changed = model_.comforts();
-  changed.heldBackKeyboards.clear();
+  HeldBackKeyboards::Names changed;
   for (const QString& name : names)
-    changed.heldBackKeyboards.push_back(name.toStdString());
-  model_.setComforts(changed);
+    changed.push_back(name.toStdString());
+  model_.change(&Comforts::heldBackKeyboards, changed);
 }
 
 }  // namespace tobrin

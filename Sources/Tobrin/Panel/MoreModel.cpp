@@ -11,13 +11,6 @@ MoreModel::MoreModel(AppModel& model, QObject* parent)
   connect(&model, &AppModel::selectedPackChanged, this, &MoreModel::packChanged);
 }
 
-template <typename Field>
-void MoreModel::change(Field Comforts::*field, Field value) {
-  Comforts comforts = model_.comforts();
-  comforts.*field = std::move(value);
-  model_.setComforts(comforts);
-}
-
 bool MoreModel::quietWhileLocked() const {
   return model_.comforts().quietWhileLocked;
 }
@@ -43,17 +36,17 @@ bool MoreModel::packHasMouse() const {
 }
 
 void MoreModel::setQuietWhileLocked(bool on) {
-  change(&Comforts::quietWhileLocked, on);
+  model_.change(&Comforts::quietWhileLocked, on);
 }
 void MoreModel::setMaskWhileRecorded(bool on) {
-  change(&Comforts::maskWhileRecorded, on);
+  model_.change(&Comforts::maskWhileRecorded, on);
 }
 
 void MoreModel::setMouseSounds(bool on) {
-  change(&Comforts::mouseSounds, on);
+  model_.change(&Comforts::mouseSounds, on);
 }
 void MoreModel::setWheelSounds(bool on) {
-  change(&Comforts::wheelSounds, on);
+  model_.change(&Comforts::wheelSounds, on);
 }
 
 }  // namespace tobrin

@@ -61,10 +61,6 @@ class MoreModel final : public QObject {
   void packChanged();
 
  private:
-  /// Changes one comfort and leaves the others.
-  template <typename Field>
-  void change(Field Comforts::*field, Field value);
-
   AppModel& model_;
   SoundModel sound_;
   QuietAppsModel quietApps_;

@@ -67,13 +67,6 @@ void PanelModel::lightKey() {
                  std::clamp(strength, 0.0, 1.0));
 }
 
-template <typename Field, typename Value>
-void PanelModel::change(Field EngineSettings::*field, Value value) {
-  EngineSettings settings = model_.settings();
-  settings.*field = static_cast<Field>(value);
-  model_.setSettings(settings);
-}
-
 // State
 
 QString PanelModel::statusLine() const {
@@ -236,34 +229,34 @@ bool PanelModel::shortcutEnabled() const {
 }
 
 void PanelModel::setSoundsOn(bool on) {
-  change(&EngineSettings::enabled, on);
+  model_.change(&EngineSettings::enabled, on);
 }
 void PanelModel::setVolume(double volume) {
-  change(&EngineSettings::volume, volume);
+  model_.change(&EngineSettings::volume, volume);
 }
 void PanelModel::setForceSensing(bool on) {
-  change(&EngineSettings::forceSensing, on);
+  model_.change(&EngineSettings::forceSensing, on);
 }
 void PanelModel::setSensitivity(double sensitivity) {
-  change(&EngineSettings::sensitivity, sensitivity);
+  model_.change(&EngineSettings::sensitivity, sensitivity);
 }
 void PanelModel::setFixedTier(int raw) {
-  if (const auto chosen = tier(raw)) change(&EngineSettings::fixedTier, *chosen);
+  if (const auto chosen = tier(raw)) model_.change(&EngineSettings::fixedTier, *chosen);
 }
 void PanelModel::setReleaseSounds(bool on) {
-  change(&EngineSettings::releaseSounds, on);
+  model_.change(&EngineSettings::releaseSounds, on);
 }
 void PanelModel::setStereo(bool on) {
-  change(&EngineSettings::spatial, on ? stereoWidth : 0.0f);
+  model_.change(&EngineSettings::spatial, on ? stereoWidth : 0.0f);
 }
 void PanelModel::setQuietDuringCalls(bool on) {
-  change(&EngineSettings::quietDuringCalls, on);
+  model_.change(&EngineSettings::quietDuringCalls, on);
 }
 void PanelModel::setLaunchAtLogin(bool on) {
   model_.desktop().setLaunchAtLogin(on);
 }
 void PanelModel::setShortcutEnabled(bool on) {
-  change(&EngineSettings::shortcutEnabled, on);
+  model_.change(&EngineSettings::shortcutEnabled, on);
 }
 
 // Force meter
@@ -306,7 +299,7 @@ int PanelModel::shortcutIndex() const {
 void PanelModel::setShortcutIndex(int index) {
   const auto offered = model_.shortcut().offered();
   if (index < 0 || index >= static_cast<int>(offered.size())) return;
-  change(&EngineSettings::shortcut, offered[static_cast<std::size_t>(index)]);
+  model_.change(&EngineSettings::shortcut, offered[static_cast<std::size_t>(index)]);
 }
 
 QString PanelModel::shortcutName() const {

@@ -174,10 +174,6 @@ class PanelModel final : public QObject {
 
  private:
   void lightKey();
-  /// Changes one setting: reads all, sets the field, writes all.
-  template <typename Field, typename Value>
-  void change(Field EngineSettings::*field, Value value);
-
   AppModel& model_;
   PackShelfModel shelf_;
   MoreModel more_;

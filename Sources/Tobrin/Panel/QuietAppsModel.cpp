@@ -31,9 +31,9 @@ bool QuietAppsModel::inFullScreen() const {
 }
 
 void QuietAppsModel::setInFullScreen(bool on) {
-  Comforts changed = model_.comforts();
-  changed.quiet.inFullScreen = on;
-  model_.setComforts(changed);
+  QuietApps::Wish changed = model_.comforts().quiet;
+  changed.inFullScreen = on;
+  model_.change(&Comforts::quiet, changed);
 }
 
 QString QuietAppsModel::problem() const {
@@ -51,17 +51,17 @@ QString QuietAppsModel::problem() const {
 void QuietAppsModel::addCandidate() {
   if (candidate().isEmpty()) return;
   const std::string id = model_.quietApps().candidate();
-  Comforts changed = model_.comforts();
-  changed.quiet.apps.push_back({.id = id, .name = model_.quietApps().describe(id).name});
-  model_.setComforts(changed);
+  QuietApps::Wish changed = model_.comforts().quiet;
+  changed.apps.push_back({.id = id, .name = model_.quietApps().describe(id).name});
+  model_.change(&Comforts::quiet, changed);
 }
 
 void QuietAppsModel::remove(int index) {
-  Comforts changed = model_.comforts();
-  auto& apps = changed.quiet.apps;
+  QuietApps::Wish changed = model_.comforts().quiet;
+  auto& apps = changed.apps;
   if (index < 0 || static_cast<std::size_t>(index) >= apps.size()) return;
   apps.erase(apps.begin() + index);
-  model_.setComforts(changed);
+  model_.change(&Comforts::quiet, changed);
 }
 
 }  // namespace tobrin
