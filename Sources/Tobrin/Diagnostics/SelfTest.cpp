@@ -73,28 +73,34 @@ void SelfTest::checkEngine(std::shared_ptr<const LoadedPack> pack) {
   check(isListening, isListening ? tap : tap + ": " + monitor->problem(),
         parts_.words.keyAccessForProbe);
   parts_.sleep(settleTime);
-  const AudioOutput& audio = conductor.audio();
-  check(audio.isRunning(),
-        audio.isRunning() ? "audio engine running: " + audio.description()
-                          : "audio engine running: " + audio.problem(),
-        "start a sound server, or end the program that holds the sound card");
-
+  checkDevice(conductor.audio());
   checkKeys(isListening, [&] { return heard.load(std::memory_order_relaxed); });
+  checkSound(conductor.audio());
+  checkSensor(watched);
+  monitor->stop();
+  conductor.shutdown();
+}
+
+void SelfTest::checkDevice(const AudioOutput& audio) {
+  const bool isRunning = audio.isRunning();
+  check(isRunning, "audio engine running: " + (isRunning ? audio.description() : audio.problem()),
+        "start a sound server, or end the program that holds the sound card");
+}
+
+void SelfTest::checkSound(const AudioOutput& audio) {
   const uint64_t frames = audio.renderedFrames();
   check(frames > 0, "render callback ran (" + std::to_string(frames) + " frames)",
         "play a sound with another program; start the sound server again if it is silent too");
   check(audio.droppedCommands() == 0, "no dropped commands", "again when the machine is less busy");
-  if (watched == nullptr) {
-    skip(std::string(parts_.words.noSensorCheck));
-  } else {
-    const uint64_t reports = watched->reportsReceived();
-    check(reports > 0,
-          "motion sensor streaming (" + std::to_string(reports) + " reports)" +
-              (reports > 0 ? "" : ": " + watched->problem()),
-          "another program may hold the sensor; a fixed strength works without it");
-  }
-  monitor->stop();
-  conductor.shutdown();
+}
+
+void SelfTest::checkSensor(const ForceSensor* sensor) {
+  if (sensor == nullptr) return skip(std::string(parts_.words.noSensorCheck));
+  const uint64_t reports = sensor->reportsReceived();
+  check(reports > 0,
+        "motion sensor streaming (" + std::to_string(reports) + " reports)" +
+            (reports > 0 ? "" : ": " + sensor->problem()),
+        "another program may hold the sensor; a fixed strength works without it");
 }
 
 void SelfTest::checkKeys(bool isListening, const std::function<int()>& heard) {

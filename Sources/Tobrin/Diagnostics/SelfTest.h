@@ -11,6 +11,7 @@
 
 #include "Base/SerialQueue.h"
 #include "Engine/AudioDevice.h"
+#include "Engine/AudioOutput.h"
 #include "Force/ForceSensor.h"
 #include "Input/KeyMonitor.h"
 #include "Input/KeyTyper.h"
@@ -42,6 +43,9 @@ class SelfTest final {
  private:
   std::shared_ptr<const LoadedPack> checkPacks();
   void checkEngine(std::shared_ptr<const LoadedPack> pack);
+  void checkDevice(const AudioOutput& audio);
+  void checkSound(const AudioOutput& audio);
+  void checkSensor(const ForceSensor* sensor);
   void checkKeys(bool isListening, const std::function<int()>& heard);
   /// `advice` follows a check that failed: what to try.
   void check(bool passed, const std::string& text, std::string_view advice);

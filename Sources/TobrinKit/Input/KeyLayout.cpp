@@ -31,47 +31,37 @@ constexpr void placeRow(Columns& columns, double first, double step,
 
 /// What other keyboards have in addition, in and around the main block.
 constexpr void placeOtherLayouts(Columns& columns) {
-  at(columns, Key::isoSection) = 1.75;       // ISO: between left Shift and Z
-  at(columns, Key::jisYen) = 13.25;          // JIS: Yen, before Delete
-  at(columns, Key::jisUnderscore) = 12.75;   // JIS: underscore, before right Shift
-  at(columns, Key::jisLeftOfSpace) = 5.0;    // JIS: left of Space
-  at(columns, Key::jisRightOfSpace) = 10.0;  // JIS: right of Space
-  at(columns, Key::menu) = 13.4;             // context menu
-  at(columns, Key::rightControl) = 14.4;     // right Control
+  at(columns, Key::isoSection) = 1.75;      // between left Shift and Z
+  at(columns, Key::jisYen) = 13.25;         // before Backspace
+  at(columns, Key::jisUnderscore) = 12.75;  // before right Shift
+  at(columns, Key::jisLeftOfSpace) = 5.0;
+  at(columns, Key::jisRightOfSpace) = 10.0;
+  at(columns, Key::menu) = 13.4;
+  at(columns, Key::rightControl) = 14.4;
 }
 
 /// What stands right of the main block, squeezed into what is left of its width: the sound of a key
 /// beyond it would leave the stage.
 constexpr void placeRightOfMainBlock(Columns& columns) {
-  placeRow(columns, 14.6, 0.1, {Key::f13, Key::f14, Key::f15});         // F13 to F15
-  placeRow(columns, 14.6, 0.1, {Key::insert, Key::home, Key::pageUp});  // Insert, Home, Page Up
-  placeRow(columns, 14.7, 0.1, {Key::end, Key::pageDown});  // End, Page Down, beside forward Delete
+  placeRow(columns, 14.6, 0.1, {Key::f13, Key::f14, Key::f15});
+  placeRow(columns, 14.6, 0.1, {Key::insert, Key::home, Key::pageUp});
+  at(columns, Key::forwardDelete) = 14.6;
+  placeRow(columns, 14.7, 0.1, {Key::end, Key::pageDown});  // beside forward Delete
 
   constexpr double keypad = 14.85;
   constexpr double step = 0.05;
-  placeRow(columns, keypad, step, {Key::f16, Key::f17, Key::f18, Key::f19});  // F16 to F19
-  placeRow(
-      columns, keypad, step,
-      {Key::numLock, Key::keypadDivide, Key::keypadMultiply, Key::keypadMinus});  // Num Lock / * -
+  placeRow(columns, keypad, step, {Key::f16, Key::f17, Key::f18, Key::f19});
   placeRow(columns, keypad, step,
-           {Key::keypad7, Key::keypad8, Key::keypad9, Key::keypadPlus});  // 7 8 9 +
-  placeRow(columns, keypad, step,
-           {Key::keypad4, Key::keypad5, Key::keypad6, Key::keypadComma});  // 4 5 6 and a comma
-  placeRow(columns, keypad, step,
-           {Key::keypad1, Key::keypad2, Key::keypad3, Key::keypadEnter});  // 1 2 3 Enter
-  placeRow(columns, keypad, 2 * step,
-           {Key::keypad0, Key::keypadPoint});  // 0, two keys wide, and the point
-  at(columns, Key::keypadEqual) = at(columns, Key::keypadDivide);  // = where keypads have one
-  at(columns, Key::f20) = at(columns, Key::f19);                   // F20
+           {Key::numLock, Key::keypadDivide, Key::keypadMultiply, Key::keypadMinus});
+  placeRow(columns, keypad, step, {Key::keypad7, Key::keypad8, Key::keypad9, Key::keypadPlus});
+  placeRow(columns, keypad, step, {Key::keypad4, Key::keypad5, Key::keypad6, Key::keypadComma});
+  placeRow(columns, keypad, step, {Key::keypad1, Key::keypad2, Key::keypad3, Key::keypadEnter});
+  placeRow(columns, keypad, 2 * step, {Key::keypad0, Key::keypadPoint});  // 0 is two keys wide
+  at(columns, Key::keypadEqual) = at(columns, Key::keypadDivide);
+  at(columns, Key::f20) = at(columns, Key::f19);
 }
 
-constexpr Columns placeKeys() {
-  Columns columns{};
-  columns.fill(noColumn);
-  placeOtherLayouts(columns);
-  placeRightOfMainBlock(columns);
-
-  // A laptop keyboard in the ANSI layout.
+constexpr void placeMainBlock(Columns& columns) {
   at(columns, Key::escape) = 0.5;
   placeRow(columns, 1.6, 1.08,
            {Key::f1, Key::f2, Key::f3, Key::f4, Key::f5, Key::f6, Key::f7, Key::f8, Key::f9,
@@ -96,6 +86,10 @@ constexpr Columns placeKeys() {
            {Key::z, Key::x, Key::c, Key::v, Key::b, Key::n, Key::m, Key::comma, Key::period,
             Key::slash});
   at(columns, Key::rightShift) = 13.9;
+}
+
+/// Modifiers, Space and arrows.
+constexpr void placeBottomRow(Columns& columns) {
   at(columns, Key::function) = 0.5;
   at(columns, Key::leftControl) = 1.5;
   at(columns, Key::leftOption) = 2.5;
@@ -107,7 +101,16 @@ constexpr Columns placeKeys() {
   at(columns, Key::upArrow) = 14.0;
   at(columns, Key::downArrow) = 14.0;
   at(columns, Key::rightArrow) = 14.9;
-  at(columns, Key::forwardDelete) = 14.6;
+}
+
+/// A laptop keyboard in the ANSI layout, and around it what others have.
+constexpr Columns placeKeys() {
+  Columns columns{};
+  columns.fill(noColumn);
+  placeMainBlock(columns);
+  placeBottomRow(columns);
+  placeOtherLayouts(columns);
+  placeRightOfMainBlock(columns);
   return columns;
 }
 
