@@ -53,8 +53,9 @@ class Typist {
     }
     at = 0.3;
     while (at < end && condition_.ticks > 0) {
-      add(at, -46 - 24 * random_.unit(), {KeyGroup::alpha, std::nullopt, random_.next() % 12},
-          Sound::knock, false);
+      const uint64_t variant = random_.next() % 12;
+      const double faint = -46 - 24 * random_.unit();
+      add(at, faint, {KeyGroup::alpha, std::nullopt, variant}, Sound::knock, false);
       at += 2 * random_.unit() / condition_.ticks;
     }
     std::sort(result_.strokes.begin(), result_.strokes.end(),
@@ -81,14 +82,9 @@ class Typist {
     const Tier tier = allTiers[std::min<std::size_t>(static_cast<std::size_t>(part * 4), 3)];
     const double wideDb = isWide ? 1.5 : 0;
     add(at, strength + wideDb, {group, tier, random_.next() % 12}, Sound::press, isWide);
-    if (random_.unit() < condition_.bounces) {
-      add(at + 0.028 + 0.022 * random_.unit(), strength - 7 + 2 * normal(),
-          {group, std::nullopt, random_.next() % 12}, Sound::knock, isWide);
-    }
-    if (condition_.contacts > 0 && random_.unit() < condition_.contacts) {
-      add(at - 0.028 - 0.032 * random_.unit(), strength - 9 + 3 * normal(),
-          {group, std::nullopt, random_.next() % 12}, Sound::knock, isWide);
-    }
+    if (random_.unit() < condition_.bounces) knock(at, 0.022, {strength - 7, 2}, group);
+    if (condition_.contacts > 0 && random_.unit() < condition_.contacts)
+      knock(at, -0.032, {strength - 9, 3}, group);
     const double hold = std::clamp(condition_.hold * std::exp(0.22 * normal()), 0.03, 1.0);
     if (random_.unit() >= condition_.heard) return;
     // What a key gives on its way up depends on the finger less than the way down does.
@@ -96,10 +92,22 @@ class Typist {
     const double release =
         -22 - condition_.strengthSpread + shared + condition_.releaseDb + 2.2 * normal();
     add(at + hold, release, {group, std::nullopt, random_.next() % 12}, Sound::release, isWide);
-    if (condition_.topBounces > 0 && random_.unit() < condition_.topBounces) {
-      add(at + hold + 0.028 + 0.022 * random_.unit(), release - 4 + 2 * normal(),
-          {group, std::nullopt, random_.next() % 12}, Sound::knock, isWide);
-    }
+    if (condition_.topBounces > 0 && random_.unit() < condition_.topBounces)
+      knock(at + hold, 0.022, {release - 4, 2}, group);
+  }
+
+  struct Spread {
+    double mean;
+    double deviation;
+  };
+
+  /// 28 ms and up to `reach` after a sound, or before it where that is below zero. One draw a line:
+  /// compilers differ in the order of a call's arguments.
+  void knock(double at, double reach, const Spread& db, KeyGroup group) {
+    const uint64_t variant = random_.next() % 12;
+    const double level = db.mean + db.deviation * normal();
+    const double apart = std::copysign(0.028, reach) + reach * random_.unit();
+    add(at + apart, level, {group, std::nullopt, variant}, Sound::knock, group == KeyGroup::space);
   }
 
   struct Key {
