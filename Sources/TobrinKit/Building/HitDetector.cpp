@@ -80,9 +80,8 @@ bool risesAt(std::span<const float> levels, std::size_t k, float floorDb) {
   const float base = *std::min_element(last.begin(), last.end());
   if (!(levels[k] - base > riseDb) || !(levels[k] > floorDb + aboveFloorDb)) return false;
   const std::size_t from = k > recentFrames ? k - recentFrames : 0;
-  const std::size_t to = k > recentGuardFrames ? k - recentGuardFrames : 0;
-  if (from >= to) return true;
-  const auto before = levels.subspan(from, to - from);
+  static_assert(recentGuardFrames < baseFrames);  // there is something before
+  const auto before = levels.subspan(from, k - recentGuardFrames - from);
   return levels[k] > *std::max_element(before.begin(), before.end()) + aboveRecentDb;
 }
 

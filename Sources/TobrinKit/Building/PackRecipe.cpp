@@ -140,7 +140,7 @@ std::string PackRecipe::toJson() const {
                    {"sources", jsonOf(sources)}};
   if (enterSources) document["enterSources"] = jsonOf(*enterSources);
   if (options) document["options"] = Json::parse(tobrin::toJson(*options));
-  return document.dump(2) + "\n";
+  return document.dump();
 }
 
 }  // namespace tobrin

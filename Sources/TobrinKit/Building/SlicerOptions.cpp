@@ -72,7 +72,7 @@ std::string toJson(const Options& options) {
     document[number.key] = options.*number.field;
   for (const auto& count : counts)
     document[count.key] = options.*count.field;
-  return document.dump(2);
+  return document.dump();
 }
 
 }  // namespace tobrin
