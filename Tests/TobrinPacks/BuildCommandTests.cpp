@@ -96,8 +96,10 @@ TEST_F(BuildCommand, DoesWhatSliceShowedBefore) {
   Json part = source(1, "mine.mka");
   part["start"] = 5.5;
   part["end"] = 40;
-  const Json recipe = {{"id", "mine"},  {"name", "Mine"},    {"kind", "own"},
-                       {"summary", ""}, {"sources", {part}}, {"options", {{"noReleases", true}}}};
+  const Json recipe = {
+      {"id", "mine"},      {"name", "Mine"},
+      {"kind", "own"},     {"summary", ""},
+      {"sources", {part}}, {"options", {{"noReleases", true}, {"bigKeyShare", 0}}}};
   const std::string file = folder.write("recipe.json", recipe.dump());
   const auto sliced = run({"slice", other, "--options", file});
   EXPECT_NE(sliced.err.find("is a whole recipe"), std::string::npos) << sliced.err;
@@ -107,6 +109,9 @@ TEST_F(BuildCommand, DoesWhatSliceShowedBefore) {
       << sliced.out << built.out;
   EXPECT_NE(built.out.find(" takes to mine/  ("), std::string::npos) << built.out;
   EXPECT_EQ(run({"check", pack}).status, 0);
+  const Json groups = Json::parse(contentOf(pack / "pack.json"))["groups"];
+  EXPECT_EQ(groups["space"], groups["alpha"]) << "without sounds of wide keys";
+  EXPECT_FALSE(groups["alpha"].contains("up"));
   const Json again =
       Json::parse(run({"build", file, "--into", pack, "--cache", cache, "--json"}).out);
   EXPECT_NEAR(again["lufs"].get<double>(), -28, 0.3);
@@ -128,13 +133,23 @@ TEST_F(BuildCommand, FetchesOverHttpAndSaysWhatWentWrongThere) {
   const RawServer empty(RawServer::answer("200 OK", "", 0));
   const RawServer thief("HTTP/1.1 302 Found\r\nLocation: " + fileURL() +
                         "\r\nContent-Length: 0\r\n\r\n");
-  const std::string cases[] = {missing.url("/a.ogg"), cut.url("/b.ogg"),   mute.url("/c.ogg"),
-                               empty.url("/d.ogg"),   thief.url("/e.ogg"), "file:///no/such.ogg",
-                               "gopher://127.0.0.1/"};
-  for (const std::string& url : cases) {
+  const RawServer huge(RawServer::answer("200 OK", "RIFF", (512u << 20) + 1));
+  const RawServer turning("HTTP/1.1 302 Found\r\nLocation: /again\r\nContent-Length: 0\r\n\r\n");
+  const std::pair<std::string, const char*> cases[] = {
+      {missing.url("/a.ogg"), "the server answered 404"},
+      {cut.url("/b.ogg"), ""},
+      {mute.url("/c.ogg"), ""},
+      {empty.url("/d.ogg"), "it is empty"},
+      {thief.url("/e.ogg"), ""},
+      {huge.url("/f.ogg"), "larger than 512 MiB"},
+      {turning.url("/g.ogg"), "10"},
+      {"file:///no/such.ogg", "No such file or directory"},
+      {"gopher://127.0.0.1/", ""}};
+  for (const auto& [url, why] : cases) {
     const auto failed = build(Json::array({source(1, url)}), pack);
     EXPECT_EQ(failed.status, 1) << url;
     EXPECT_NE(failed.err.find(url), std::string::npos) << failed.err;
+    EXPECT_NE(failed.err.find(why), std::string::npos) << failed.err;
     const auto line = failed.err.substr(failed.err.find('\n') + 1);  // after "building Mine"
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1) << failed.err;
     EXPECT_TRUE(filesIn(cache).empty()) << url;

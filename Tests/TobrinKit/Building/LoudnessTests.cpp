@@ -54,6 +54,22 @@ TEST(Loudness, MeasuresReferenceProgrammes) {
   }
 }
 
+/// To more places than any listener needs: what every pack and render is brought to rests on it.
+TEST(Loudness, OfEveryPitchIsAsItWas) {
+  for (const auto& [hz, lufs] : {std::pair{25.0, -33.39775330559},
+                                 {60, -26.47433042766},
+                                 {400, -23.64709101860},
+                                 {1500, -21.62253513391},
+                                 {8000, -19.63451324066}}) {
+    std::vector<float> channel(48'000);
+    for (std::size_t n = 0; n < channel.size(); ++n)
+      channel[n] = static_cast<float>(
+          0.1 * std::sin(2 * std::numbers::pi * hz * static_cast<double>(n) / rate));
+    const std::vector<float> other = noise(48'000, 0.01);
+    EXPECT_NEAR(integratedLoudness(channel, other, rate), lufs, 1e-6) << hz;
+  }
+}
+
 TEST(Loudness, NeedsOneLoudBlockAndDropsThePartialOneAtTheEnd) {
   auto sound = noise(43'200, 0.1);
   EXPECT_EQ(integratedLoudness(std::span(sound).first(19'199), {}, rate), silent);

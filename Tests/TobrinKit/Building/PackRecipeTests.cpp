@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "Building/RecordingAddress.h"
+
 namespace tobrin {
 namespace {
 
@@ -10,23 +12,43 @@ constexpr const char* recipe =
       {"freesoundID": 7, "user": "ann", "title": "Keys", "license": "CC0",
        "previewURL": "https://example.org/keys"},
       {"freesoundID": 9, "user": "bob", "title": "More", "license": "CC BY",
-       "previewURL": "more takes.flac"}], "enterSources": [
+       "previewURL": "more takes.flac", "start": 1.5, "end": 20}], "enterSources": [
       {"freesoundID": 7, "user": "ann", "title": "Keys", "license": "CC0",
        "previewURL": "https://example.org/keys"}], "options": {"alphaVariants": 8}})";
 
 TEST(PackRecipe, CreditsEveryRecordingOnceAndSurvivesWriting) {
   const PackRecipe read = PackRecipe::fromJson(recipe);
   EXPECT_EQ(read.credits().size(), 2u);
-  const std::string text = read.licenseText();
-  EXPECT_TRUE(text.starts_with("Recordings: \"Keys\" by ann, "));
-  EXPECT_TRUE(
-      text.ends_with("/s/7/ (CC0); \"More\" by bob (CC BY). Sliced and leveled for Tobrin."))
-      << "a file of one's own has nobody's page: " << text;
+  EXPECT_EQ(
+      read.licenseText(),
+      "Recordings: \"Keys\" by ann, https://freesound.org/s/7/ (CC0); \"More\" by bob (CC BY). "
+      "Sliced and leveled for Tobrin.")
+      << "a file of one's own has nobody's page";
   SlicerOptions expected;
   expected.alphaVariants = 8;
   EXPECT_EQ(read.options, expected);
   EXPECT_EQ(PackRecipe::fromJson(read.toJson()), read);
   EXPECT_EQ(slicerOptionsFromJson("{}"), SlicerOptions());
+}
+
+TEST(RecordingAddress, LeadsToTheFileThatIsMeant) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"file:///a%20b%2Fc.ogg", "/a b/c.ogg"},
+      {"file://localhost/a.ogg", "/a.ogg"},
+      {"file:/a.ogg", "/a.ogg"},
+      {"file:a.ogg", "a.ogg"},
+      {"100%20.ogg", "100%20.ogg"},
+      {"file:/50%", "/50%"},
+      {"file:/%4", "/%4"},
+      {"file:/%4g%41", "/%4gA"},
+      {"https://localhost/a.ogg", nullptr},
+      {"", nullptr},
+  };
+  for (const auto& [address, file] : rows) {
+    const auto expected =
+        file != nullptr ? std::optional<std::filesystem::path>(file) : std::nullopt;
+    EXPECT_EQ(localFile(address), expected) << address;
+  }
 }
 
 }  // namespace
