@@ -236,10 +236,10 @@ TEST(RecordedPack, EveryHitTakeAndWordOfAComposedRecordingIsAsItWas) {
 
 /// Keys of every size, so that measures lie on both sides of each limit, and near it.
 TEST(RecordedPack, HitsNearTheLimitsAreJudgedAsTheyWere) {
-  Composition piece(90);
+  Composition piece(48);
   SplitMix64& rng = piece.rng();
   double at = 0.4;
-  for (int i = 0; at < 88.5; ++i) {
+  for (int i = 0; at < 46.5; ++i) {
     const double press = 0.1 * std::pow(10, 6 * rng.signedUnit() / 20);
     const double hold = 0.1 + 0.15 * rng.unit();
     // One draw a line: compilers differ in the order of a call's arguments.
