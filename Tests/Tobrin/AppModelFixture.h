@@ -210,14 +210,16 @@ class AppModelTest : public ::testing::Test {
     return model_->loadedManifest() ? model_->loadedManifest()->id : "none";
   }
   /// Whether something sounds within half a second of the virtual time.
-  bool isHeard() {
+  bool isHeard() { return loudest() > 0; }
+  /// How loud it gets within half a second, full scale at 1.
+  float loudest() {
     float loudest = 0;
     for (int i = 0; i < 10; ++i) {
       advance(50);
       for (const float value : device_->render(2400).first)
         loudest = std::max(loudest, std::abs(value));
     }
-    return loudest > 0;
+    return loudest;
   }
 
   // The key monitor's clock is the machine's, and the virtual one starts with it.
@@ -238,6 +240,7 @@ class AppModelTest : public ::testing::Test {
   std::vector<PackInfo> found_ = {pack("alpha"), pack("leopold"), pack("omega")};
   std::set<std::string> damaged_;  ///< ids of packs that do not load
   std::function<void()> whileAdding_ = [] {};
+  std::errc diskRefusal_{};  ///< why packs can't be removed; zero: they can
   std::string log_;
   std::unique_ptr<AppModel> model_;
   std::unique_ptr<PanelModel> panel_;
@@ -257,8 +260,13 @@ class AppModelTest : public ::testing::Test {
     tell(0.5);
     whileAdding_();
     tell(0.75);
-    const std::string id = source.stem();
-    if (id == "mouse") throw ImportError(ImportError::Kind::mouse, "clicks");
+    using Kind = ImportError::Kind;
+    const std::string id = (source.has_filename() ? source : source.parent_path()).stem();
+    const std::map<std::string, Kind> refused = {{"mouse", Kind::mouse},
+                                                 {"empty", Kind::noPack},
+                                                 {"huge", Kind::tooLarge},
+                                                 {"silent", Kind::noSounds}};
+    if (refused.contains(id)) throw ImportError(refused.at(id), "it is " + id);
     if (id == "full")
       throw std::filesystem::filesystem_error("",
                                               std::make_error_code(std::errc::no_space_on_device));
@@ -269,6 +277,8 @@ class AppModelTest : public ::testing::Test {
 
   std::function<void()> discard(const PackInfo& info) {
     const auto demandAgreement = [this] {
+      if (diskRefusal_ != std::errc())
+        throw std::filesystem::filesystem_error("", std::make_error_code(diskRefusal_));
       if (!desktop_.refusal.empty()) throw std::runtime_error(desktop_.refusal);
     };
     demandAgreement();

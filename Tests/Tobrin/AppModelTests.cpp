@@ -38,6 +38,8 @@ TEST_F(AppModelTest, ChoosesAPackAtTheStart) {
       EXPECT_EQ(settings_.readText(SavedChoices::selectedPackKey), std::string(row.loaded));
     }
     EXPECT_EQ(isHeard(), row.writes > 0) << "only another choice than the user's is auditioned";
+    EXPECT_EQ(model_->isFirstStart(), *row.saved == '\0' || row.saved[0] != '"');
+    EXPECT_FALSE(start().isFirstStart()) << "though nobody chose a pack";
   }
 }
 
@@ -141,13 +143,15 @@ TEST_F(AppModelTest, SavesOnceChangesEndAndAtTheEnd) {
   EXPECT_EQ(settings_.writes, 1);
   EXPECT_FLOAT_EQ(savedVolume(), 0.2F);
   drag(0.3F);
+  model_->setComforts({.mouseSounds = true});
   desktop_.onTerminate();
   EXPECT_FLOAT_EQ(savedVolume(), 0.5F);
+  EXPECT_TRUE(Comforts::fromJson(settings_.values[SavedChoices::comfortsKey]).mouseSounds);
   drag(0.6F);
   model_.reset();
   EXPECT_FLOAT_EQ(savedVolume(), 0.8F);
   advance(1000);
-  EXPECT_EQ(settings_.writes, 3) << "nothing is left to do";
+  EXPECT_EQ(settings_.writes, 4) << "nothing is left to do";
 }
 
 TEST_F(AppModelTest, LetsGoOfAShortcutThatIsNotWanted) {
@@ -287,13 +291,23 @@ TEST_F(AppModelTest, EachDeviceHasItsLoudness) {
     device_->callbacks.outputsChanged({.present = {}, .used = device});
     advance(0);
   };
+  const auto stroke = [&] {
+    keys_.press(0);
+    isHeard();  // meanwhile the volume glides
+    keys_.release(0);
+    isHeard();
+    keys_.press(0);
+    return loudest();
+  };
   start();
   change([](EngineSettings& settings) { settings.volume = 0.5F; });
   use("speakers");
   use("headset");
   EXPECT_EQ(model_->settings().volume, 0.5F) << "a new one takes the volume of the moment";
   change([](EngineSettings& settings) { settings.volume = 0.25F; });
+  const float plain = stroke();
   model_->outputs().setBoost(1.5F);
+  EXPECT_NEAR(stroke() / plain, 1.5, 0.2);
   use("");
   EXPECT_EQ(model_->settings().volume, 0.25F) << "none is used for a moment";
   device_->running = false;
@@ -304,12 +318,16 @@ TEST_F(AppModelTest, EachDeviceHasItsLoudness) {
   EXPECT_EQ(model_->outputs().boost(), 1);
   EXPECT_EQ(device_->starts, starts) << "nobody typed";
   model_->outputs().choose("headset");
+  device_->chosen.clear();
   start();
   advance(0);
   EXPECT_EQ(device_->chosen, "headset") << "remembered";
   use("headset");
   EXPECT_EQ(model_->settings().volume, 0.25F);
   EXPECT_EQ(model_->outputs().boost(), 1.5F);
+  EXPECT_NEAR(stroke() / plain, 1.5, 0.2);
+  use("speakers");
+  EXPECT_NEAR(stroke() / plain, 2, 0.2) << "twice the volume, and no boost";
 }
 
 TEST_F(AppModelTest, PausesDuringCalls) {
@@ -433,6 +451,8 @@ TEST_F(AppModelTest, IsQuietInChosenAppsAndInFullScreenAndLooksOnlyThen) {
   EXPECT_EQ(model.statusLine(), playing) << "until it is known what is in front";
   model_.reset();
   EXPECT_FALSE(front_);
+  start();
+  EXPECT_TRUE(front_) << "remembered";
 }
 
 TEST_F(AppModelTest, WaitsForAccessToKeys) {
@@ -490,10 +510,23 @@ TEST_F(AppModelTest, OffersToReplaceAnOlderAccessUntilTheUserSaysNo) {
 }
 
 TEST_F(AppModelTest, APreviewLeavesNoTrace) {
-  const AppModel& model = start(AppModel::Preview{.pack = "omega"});
+  AppModel& model = start(AppModel::Preview{.pack = "omega"});
   advance(0);
   EXPECT_EQ(loadedPack(), "omega");
-  EXPECT_FALSE(model.listening() || shortcuts_.pressed || microphone_->changed || desktop_.onLock);
+  model.menuOpened();
+  change([](EngineSettings& settings) {
+    settings.volume = 0.5F;
+    settings.shortcut = Hotkey::presets()[1];
+  });
+  model.setComforts({.quiet = {.inFullScreen = true}});
+  model.setSelectedPackID("alpha");
+  model.playOneKey();
+  advance(1000);
+  EXPECT_FALSE(model.listening() || shortcuts_.pressed || microphone_->changed || desktop_.onLock ||
+               front_);
+  EXPECT_EQ(device_->starts + device_->searches, 0);
+  model_.reset();
+  EXPECT_EQ(settings_.writes, 0);
 }
 
 }  // namespace

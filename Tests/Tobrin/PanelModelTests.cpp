@@ -5,6 +5,7 @@
 
 #include "AppModelFixture.h"
 #include "Support/KeptText.h"
+#include "Support/TempFolder.h"
 
 namespace tobrin::testing {
 namespace {
@@ -59,6 +60,7 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   keys_.work(false);
   keys_.allowed = keys_.canGiveBack = true;
   after("access, but no keys", 4600);
+  seen_ += "  keyboards looked for: " + std::to_string(keys_.opens) + "\n";
   panel_->menuOpened();
   after("for more than 3 s");
   keys_.work(true);
@@ -130,6 +132,10 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   outputs.present.erase(outputs.present.begin());
   device_->callbacks.outputsChanged(outputs);
   after("and unplugged");
+  panel_->more()->sound()->setOutputIndex(2);
+  panel_->more()->sound()->setOutputIndex(-1);
+  panel_->more()->sound()->setOutputIndex(4);
+  after("and chosen once more");
   panel_->more()->sound()->setOutputIndex(0);
   after("the default is chosen");
   EXPECT_EQ(device_->chosen, "");
@@ -196,15 +202,33 @@ TEST_F(PanelModelTest, ShowsPacksComeAndGo) {
   whileAdding_ = [&] { shelf.cancel(); };
   add({"file:///x/three.zip", "file:///x/four.zip"});
   after("called off");
+  whileAdding_ = [&, round = 0]() mutable {  // the first is slow
+    if (round++ == 0) main_.runUntil(main_.now() + machTicks(1100));
+    for (Bindings& each : bindings_)
+      each.look();
+  };
+  const TempFolder folder;
+  std::filesystem::create_directory(folder.path() / "silent.json");
+  const std::string realFolder = "file://" + (folder.path() / "silent.json").string();
+  for (const char* source : {"file:///x/odd.zip", "file:///x/empty/", "file:///x/huge/config.yaml",
+                             realFolder.c_str()}) {
+    shelf.panelClosed();
+    add({source});
+    after("one that is refused");
+  }
   whileAdding_ = [] {};
-  add({"file:///x/odd.zip"});
-  after("odd");
   shelf.remove("alpha");
   after("bundled ones stay");
   desktop_.refusal = "it is held";
   shelf.remove("one");
   after("can't be removed");
   desktop_.refusal.clear();
+  for (const std::errc reason : {std::errc::cross_device_link, std::errc::file_exists}) {
+    diskRefusal_ = reason;
+    shelf.remove("one");
+    after("can't be removed either");
+  }
+  diskRefusal_ = {};
   shelf.remove("one");
   after("another than the chosen one is removed", 11'900);
   after("12 s later", 100);

@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "Base/Log.h"
 #include "Base/MachTime.h"
 #include "Base/VirtualQueue.h"
 #include "Support/HandDrivenDevice.h"
@@ -48,6 +49,12 @@ TEST(PlayedPack, ATrialIsHeardUntilItEndsUnlessAnotherOvertakesIt) {
   played.endTrial();
   EXPECT_FALSE(played.isTrying());
   EXPECT_EQ(level(), 0) << "called off";
+  std::string log;
+  setLogSink([&](const std::string& line) { log += line; });
+  played.tryOut(folder.path() / "third");
+  EXPECT_EQ(level(), 0);
+  setLogSink(nullptr);
+  EXPECT_NE(log.find("the pack to try can't be loaded: "), std::string::npos) << log;
 }
 
 }  // namespace

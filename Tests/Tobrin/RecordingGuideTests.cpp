@@ -22,6 +22,7 @@ class RecordingGuideTest : public ::testing::Test {
   RecordingGuideTest() {
     capture_->inputs = {{"webcam", "Webcam", false, false}, {"desk", "Desk", true, false}};
     QObject::connect(&guide_, &RecordingGuide::changed, [this] { lookAt(guide_); });
+    QObject::connect(&guide_, &RecordingGuide::levelChanged, [this] { ++levels_; });
   }
 
   /// Notes what somebody sees, where that has changed.
@@ -37,7 +38,16 @@ class RecordingGuideTest : public ::testing::Test {
     if (std::exchange(shown_, now) != now) seen_ += now;
   }
   /// A line of the story, and what was asked of the program meanwhile.
-  void after(const std::string& what) { seen_ += what + "\n"; }
+  void after(const std::string& what) {
+    seen_ += what + "; " + std::to_string(std::exchange(levels_, 0)) + " levels\n";
+  }
+  /// Of letters.
+  std::string tiers() const {
+    std::string text;
+    for (const std::size_t takes : guide_.live().takes[index(KeyGroup::alpha)])
+      text += " " + std::to_string(takes);
+    return text;
+  }
   static std::string nameOf(const std::filesystem::path& pack) {
     return pack.empty() ? "the selected pack" : PackInfo::read(pack, false).name;
   }
@@ -57,7 +67,8 @@ class RecordingGuideTest : public ::testing::Test {
     return static_cast<uint16_t>(key.number % 10);  // letters
   }
 
-  /// Somebody types the composed keys from one second of them to another, 20 times as fast.
+  /// Somebody types the composed keys, all of them hard, from one second of them to another, 20
+  /// times as fast.
   void type(double fromSecond, double toSecond) {
     const auto at = [&](double second) { return begin_ + static_cast<int64_t>(second * 1e9); };
     auto key = composed_.recording.keys.begin();
@@ -66,8 +77,11 @@ class RecordingGuideTest : public ::testing::Test {
       capture_->hear(at(second), {first, first + 4800});
       const auto time = [&] { return static_cast<double>(key->time) * 1e-9; };
       for (; key != composed_.recording.keys.end() && time() < second + 0.1; ++key) {
-        if (time() >= second)
-          guide_.addKey({codeFor(*key), key->action, static_cast<uint64_t>(begin_ + key->time)});
+        if (time() < second) continue;
+        const uint16_t code = codeFor(*key);
+        guide_.addKey({code, key->action, static_cast<uint64_t>(begin_ + key->time)});
+        for (const bool sensed : {true, false})
+          guide_.addForce({.code = code, .position = sensed ? 3.0F : 0.0F, .sensed = sensed});
       }
       if (std::lround(second * 10) % 20 == 0) advance(100);
     }
@@ -80,6 +94,7 @@ class RecordingGuideTest : public ::testing::Test {
   VirtualQueue worker_{"worker"};
   std::shared_ptr<testing::CaptureScript> capture_ = std::make_shared<testing::CaptureScript>();
   std::string seen_, shown_;
+  int levels_ = 0;  ///< how often the level was told
   std::filesystem::path kept_;
   RecordingGuide guide_{
       {.main = main_,
@@ -101,8 +116,10 @@ TEST_F(RecordingGuideTest, LeadsFromAMicrophoneToAPackAndLeavesNothingBehind) {
   guide_.begin();
   after("there is none");
   capture_->problem.clear();
+  guide_.chooseInput("desk");
+  type(0, 10);
   guide_.chooseInput("webcam");
-  after("another one");
+  after("another one, after some typing");
   advance(200);
   guide_.pause();
   guide_.skip();
@@ -115,7 +132,7 @@ TEST_F(RecordingGuideTest, LeadsFromAMicrophoneToAPackAndLeavesNothingBehind) {
   after("nothing to make a pack of");
   guide_.resume();
   type(0, 20);
-  after("20 s");
+  after("20 s, takes from soft to hard:" + tiers());
   guide_.pause();
   guide_.pause();
   advance(200);
@@ -153,8 +170,12 @@ TEST_F(RecordingGuideTest, LeadsFromAMicrophoneToAPackAndLeavesNothingBehind) {
   guide_.finish();
   guide_.leave();
   guide_.leave();
+  guide_.keepFailed("too late");
+  guide_.begin();
   advance(1000);
-  after("left while a pack was made");
+  after("left while a pack was made, and begun again");
+  guide_.leave();
+  advance(1000);
   EXPECT_EQ(main_.nextDue(), std::nullopt) << "nobody looks any more";
   testing::expectKeptText(seen_, "Tobrin/recording-guide.txt");
 }

@@ -61,7 +61,6 @@ void OutputChoice::setBoost(float boost) {
 
 void OutputChoice::choose(const std::string& id) {
   services_.memory.chosen = id;
-  services_.memory.chosenName.clear();
   noteName();
   services_.saveMemory();
   services_.play(id);

@@ -60,7 +60,6 @@ RecordingGuide::~RecordingGuide() {
 
 void RecordingGuide::begin() {
   if (stage_ != Stage::away) return;
-  problem_.clear();
   try {
     setRecorder(std::make_shared<KeyboardRecorder>(services_.makeCapture()));
   } catch (const std::exception& error) {
