@@ -330,6 +330,20 @@ TEST_F(AppModelTest, EachDeviceHasItsLoudness) {
   EXPECT_NEAR(stroke() / plain, 2, 0.2) << "twice the volume, and no boost";
 }
 
+TEST_F(AppModelTest, HoldsBackTheKeyboardsOfTheSavedList) {
+  for (const char* const listed : {"ydotool", "Macro pad"}) {
+    start().setComforts({.heldBackKeyboards = {listed}});
+    start();
+    isHeard();
+    for (const char* const keyboard : {"ydotool", "Macro pad"}) {
+      for (const auto type : {KeySource::EventType::keyDown, KeySource::EventType::keyUp}) {
+        keys_.send({.type = type, .code = 0, .keyboard = keyboard});
+        EXPECT_EQ(isHeard(), keyboard != std::string(listed)) << keyboard;
+      }
+    }
+  }
+}
+
 TEST_F(AppModelTest, PausesDuringCalls) {
   AppModel& model = start();
   model.setComforts({.maskWhileRecorded = false});

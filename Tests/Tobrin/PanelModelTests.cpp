@@ -107,6 +107,7 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   after("and off");
   damaged_ = {"omega"};
   panel_->select("omega");
+  look();  // it is shown as chosen before it is loaded
   after("and with a damaged pack");
   device_->lose("no sink");
   after("and without a sound server");
@@ -122,7 +123,7 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   device_->render(48000);
   EXPECT_EQ(model_->conductor().audio().startedVoices(), sounds + 2) << "a press and its release";
   SoundOutputs outputs{
-      .present = {{"usb.b", "Head\nset"}, {"card", "Speakers"}, {"usb.a", "Head\nset"}},
+      .present = {{"usb.b", "Head\nset"}, {"usb.a", "Head\nset"}, {"card", "Speakers"}},
       .used = "card"};
   device_->callbacks.outputsChanged(outputs);
   after("two of three output devices have the same name");
@@ -190,8 +191,7 @@ TEST_F(PanelModelTest, ShowsPacksComeAndGo) {
   };
   whileAdding_ = [&, isFirst = true]() mutable {
     main_.runUntil(main_.now() + machTicks(1100));
-    for (Bindings& each : bindings_)
-      each.look();
+    look();
     if (std::exchange(isFirst, false)) add({"file:///x/later.zip"});
   };
   shelf.setAsking(PackShelfModel::Asking::byDropping);
@@ -204,8 +204,7 @@ TEST_F(PanelModelTest, ShowsPacksComeAndGo) {
   after("called off");
   whileAdding_ = [&, round = 0]() mutable {  // the first is slow
     if (round++ == 0) main_.runUntil(main_.now() + machTicks(1100));
-    for (Bindings& each : bindings_)
-      each.look();
+    look();
   };
   const TempFolder folder;
   std::filesystem::create_directory(folder.path() / "silent.json");
@@ -235,17 +234,21 @@ TEST_F(PanelModelTest, ShowsPacksComeAndGo) {
   shelf.bringBack();
   after("too late");
   shelf.remove("later");
-  after("the chosen one is removed");
+  after("the chosen one is removed", 6000);
   shelf.bringBack();
   after("and brought back");
   shelf.remove("later");
+  after("removed again", 7000);
   desktop_.refusal = "it is full";
   shelf.bringBack();
-  after("removed, and can't be brought back");
+  after("and can't be brought back");
   desktop_.refusal.clear();
   panel_->select("leopold");
   shelf.remove("leopold");
   after("one in the middle is removed");
+  found_.back().name = "Omega";
+  panel_->menuOpened();
+  after("one has another name");
   expectKeptText(seen_, "Tobrin/panel-packs.txt");
   add({"file:///x/never.zip"});
   model_.reset();

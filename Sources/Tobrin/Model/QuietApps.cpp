@@ -55,7 +55,6 @@ void QuietApps::follow() {
     window_->stop();
     following_.reset();
     front_ = {};
-    findCause();
     return;
   }
   following_ = std::make_shared<bool>(true);
