@@ -318,6 +318,7 @@ TEST_F(AppModelTest, EachDeviceHasItsLoudness) {
   EXPECT_EQ(model_->outputs().boost(), 1);
   EXPECT_EQ(device_->starts, starts) << "nobody typed";
   model_->outputs().choose("headset");
+  advance(0);
   device_->chosen.clear();
   start();
   advance(0);

@@ -56,5 +56,16 @@ TEST(TraceSource, RecordedTimesAreKeptAndPassedSamplesLeftOut) {
   EXPECT_EQ(sensor.window(10 * millisecond, UINT64_MAX)->peakTime, 20 * millisecond);
 }
 
+TEST(RealTraceClock, WaitsUntilATimeOrAnInterruption) {
+  RealTraceClock clock;
+  const uint64_t soon = clock.now() + 2 * millisecond;
+  EXPECT_TRUE(clock.sleepUntil(soon));
+  EXPECT_GE(clock.now(), soon);
+  clock.interrupt();
+  EXPECT_FALSE(clock.sleepUntil(UINT64_MAX) || clock.sleepUntil(soon));
+  clock.rearm();
+  EXPECT_TRUE(clock.sleepUntil(soon));
+}
+
 }  // namespace
 }  // namespace tobrin

@@ -109,5 +109,23 @@ TEST(Accelerator, FindsTheDesktopsOwnShortcutsByTheLayoutsNames) {
   }
 }
 
+TEST(Accelerator, KnowsEveryNameOfModifiersAndKeys) {
+  const auto read = [](const std::vector<Accelerator>& list) {
+    std::string text;
+    for (const Accelerator& each : list)
+      text += std::to_string(each.modifiers.rawValue) + each.key + " ";
+    return text;
+  };
+  EXPECT_EQ(read(acceleratorsInGsettings("'<Control>A' '<Ctrl>Z' '<ctl>c' '<Primary>d' '<Alt>e' "
+                                         "'<Mod1>f' '<Shift>g' '<Shft>h' '<Super>i' '<Mod4>j' "
+                                         "'<Meta>k' 'disabled' \"Above_Tab\" '' '<Shift><Ctl>'")),
+            "1a 1z 1c 1d 2e 2f 4g 4h 8i 8j 2k 0grave ");
+  EXPECT_EQ(read(acceleratorsInKGlobalShortcuts(
+                "a=Ctrl+Esc\\tAlt+PgUp\\tShift+Page_Up\\tMeta+PgDown\\tPgDn\\tPage_Down,x\n"
+                "no equals sign\nnothing=,x\nnor=None,x\nb=Del\\tIns\\tEnter\\tSysReq\\tF1,x\n",
+                "ours")),
+            "1escape 2prior 4prior 8next 0next 0next 0delete 0insert 0return 0print 0f1 ");
+}
+
 }  // namespace
 }  // namespace tobrin

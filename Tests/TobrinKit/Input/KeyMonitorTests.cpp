@@ -5,6 +5,7 @@
 #include <array>
 #include <vector>
 
+#include "Base/MachTime.h"
 #include "Input/ChordRecognizer.h"
 #include "Support/ScriptedKeySource.h"
 
@@ -90,13 +91,17 @@ TEST_F(KeyMonitorTest, KeyboardsOfProgramsThatTypeAreHeldBackAndDisturbNoOther) 
   send(program, Type::flagsChanged, 56, 0x2);
   send(program, Type::flagsChanged, 56, 0);
   send(program, Type::keyDown, 2);
+  send(real, Type::flagsChanged, 56, 0x2);
   monitor.holdBack({"a keyboard"});
-  send(program, Type::keyUp, 2);  // goes the way of its press
+  send(program, Type::keyUp, 2);          // goes the way of its press
+  send(real, Type::flagsChanged, 56, 0);  // likewise
   send(program, Type::keyDown, 3);
   monitor.stop();
   expectHeard({{0, KeyAction::down, clock},
                {56, KeyAction::down, clock},
                {0, KeyAction::up, clock},
+               {56, KeyAction::up, clock},
+               {56, KeyAction::down, clock},
                {56, KeyAction::up, clock},
                {3, KeyAction::down, clock}});
 }
@@ -117,8 +122,10 @@ TEST_F(KeyMonitorTest, StartsOnceStopsAndStartsAgain) {
 TEST_F(KeyMonitorTest, ALostSourceIsTakenUpAgain) {
   ASSERT_TRUE(monitor.start());
   script.allowed = false;
+  const uint64_t lost = machNow();
   script.lose();
-  script.awaitOpens(4);  // refused at least twice since
+  script.awaitOpens(10);  // refused again and again since
+  EXPECT_GE(machDelta(machNow(), lost), 1 + 8 * 2) << "it waits between";
   EXPECT_FALSE(monitor.isRunning());
   EXPECT_FALSE(monitor.start());  // asks at once
   EXPECT_EQ(monitor.problem(), "not allowed");
@@ -129,6 +136,7 @@ TEST_F(KeyMonitorTest, ALostSourceIsTakenUpAgain) {
   monitor.stop();
   expectHeard({{49, KeyAction::down, startOfTime}});
   EXPECT_EQ(threads, 3);
+  EXPECT_EQ(script.closes, 5) << "after each loss and each end";
 }
 
 }  // namespace
