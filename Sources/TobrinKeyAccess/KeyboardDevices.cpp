@@ -50,7 +50,7 @@ void takeBackAccess() {
     if (node == nullptr || std::strncmp(udev_device_get_sysname(device.get()), "event", 5) != 0) {
       continue;
     }
-    lremovexattr(node, "system.posix_acl_access");  // fails where there is none, which is well
+    lremovexattr(node, "system.posix_acl_access");  // fails where there is none, which is fine
   }
 }
 

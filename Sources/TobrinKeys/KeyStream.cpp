@@ -31,7 +31,7 @@ KeyStream::KeyStream(sd_event* loop, const Seats& seats, uid_t user, FileDescrip
       socket_(std::move(socket)),
       notices_(std::move(notices)) {
   sd_event_source* source = nullptr;
-  sd_event_add_io(loop_, &source, socket_.get(), 0, &onHangUp, this);  // reports that in any case
+  sd_event_add_io(loop_, &source, socket_.get(), 0, &onHangUp, this);  // 0: hang-up alone
   hangUp_.reset(source);
 }
 

@@ -64,10 +64,10 @@ class KeyStream final {
   const Notices notices_;
   EventSource hangUp_;
   Place place_;
-  std::optional<KeyRecord::Kind> told_;  // of what is delivered, the last that was said
+  std::optional<KeyRecord::Kind> told_;  // whether keys are delivered, as last said
   std::vector<Listening> keyboards_;
   uint32_t nextNumber_ = 0;
-  std::vector<KeyRecord> records_;  // kept, so that its memory is
+  std::vector<KeyRecord> records_;  // kept for its memory alone
 };
 
 }  // namespace tobrin

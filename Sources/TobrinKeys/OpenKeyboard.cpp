@@ -61,7 +61,7 @@ OpenKeyboard::OpenKeyboard(const std::string& node, uint32_t number, FileDescrip
     : node_(node), number_(number), file_(std::move(file)), filter_(number, heldOn(file_.get())) {}
 
 OpenKeyboard::~OpenKeyboard() {
-  ioctl(file_.get(), EVIOCREVOKE, nullptr);  // fails where the keyboard is gone, which is well
+  ioctl(file_.get(), EVIOCREVOKE, nullptr);  // fails where the keyboard is gone, which is fine
 }
 
 bool OpenKeyboard::read(std::vector<KeyRecord>& told) {

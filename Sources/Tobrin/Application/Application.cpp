@@ -63,7 +63,7 @@ int runApplication(int argc, char** argv) {
   takeNoPrivileges();
   SignalWatcher::holdSignals();
   // NOLINTBEGIN(concurrency-mt-unsafe): there is one thread yet
-  mallopt(M_ARENA_MAX, 1);  // few allocations at a time: a heap a thread would be mostly empty
+  mallopt(M_ARENA_MAX, 1);  // threads seldom allocate at once: a heap for each is mostly empty
   // Fixed: otherwise, once one large block was freed, later large ones would stay in the heap.
   mallopt(M_MMAP_THRESHOLD, 128 * 1024);
   // NOLINTEND(concurrency-mt-unsafe)

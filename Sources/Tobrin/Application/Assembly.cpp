@@ -25,7 +25,7 @@
 namespace tobrin {
 namespace {
 
-// By then the replaced pack is gone, and what decoding and starting needed as well.
+// After this time the replaced pack is freed, and what decoding and starting needed.
 constexpr std::chrono::seconds settleTime{3};
 
 /// A user without a home has no settings to keep: the root folder refuses them.
@@ -34,7 +34,7 @@ std::filesystem::path settingsFolder() {
   return folder.empty() ? "/.config" : folder;
 }
 
-/// For each desktop: each has its own answer.
+/// What the portal of this desktop answered; others may answer otherwise.
 DesktopShortcuts::Memory portalMemory(SettingsStore& settings, SerialQueue& main) {
   const std::string key = "portalShortcut." + processVariable("XDG_CURRENT_DESKTOP");
   return {.read = [&settings, key] { return settings.readText(key).value_or(""); },

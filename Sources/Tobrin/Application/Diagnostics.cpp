@@ -37,7 +37,7 @@ std::unique_ptr<ForceSensor> findSensor() {
 }  // namespace
 
 int runProbe(double seconds) {
-  std::error_code gone;  // the folder may be, and then only writing into it fails
+  std::error_code gone;  // where the folder is gone, only writing into it fails
   return probe::Probe({findSensor(), listen, linuxWords}, std::cout,
                       std::filesystem::current_path(gone))
       .run(seconds);

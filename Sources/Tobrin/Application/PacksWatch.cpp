@@ -6,7 +6,7 @@
 namespace tobrin {
 namespace {
 
-// Longer than a pack takes from the folder next to its place into it.
+// A pack is prepared in a folder beside its place and then moved there, which takes less time.
 constexpr std::chrono::milliseconds pause{300};
 
 }  // namespace

@@ -22,7 +22,7 @@ class TerminalReport final : public QObject {
   void print(const std::string& subject, const std::string& text);
 
   const AppModel& model_;
-  std::map<std::string, std::string> printed_;  // subject to the text last printed
+  std::map<std::string, std::string> printed_;  // the last text by its subject
 };
 
 }  // namespace tobrin

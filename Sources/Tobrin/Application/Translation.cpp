@@ -8,7 +8,7 @@
 namespace tobrin {
 namespace {
 
-constexpr const char* sentences = "sentences";  // the context of texts that know nothing of Qt
+constexpr const char* sentences = "sentences";  // the context of texts that no class of Qt has
 
 }  // namespace
 

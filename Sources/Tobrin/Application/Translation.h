@@ -1,5 +1,5 @@
 /// The user's language, where there is a translation of the program's texts into it. The panel and
-/// the tray speak it; terminal and log speak English, for scripts and for who helps. Thread: main.
+/// the tray speak it; terminal and log speak English, for scripts and helpers. Thread: main.
 #pragma once
 
 #include <string>

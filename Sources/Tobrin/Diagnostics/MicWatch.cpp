@@ -37,7 +37,7 @@ int MicWatch::run(double seconds) {
   monitor_.start();
   surroundings_.sleep(std::chrono::duration<double>(seconds));
   monitor_.stop();
-  // Once the monitor has answered it has stopped, and what it posted before lies in the queue.
+  // The answer comes after the monitor has stopped: all that it posted is in the queue now.
   static_cast<void>(monitor_.current());
   main_.sync([] {});
   return 0;

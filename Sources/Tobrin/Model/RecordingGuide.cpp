@@ -253,7 +253,7 @@ void RecordingGuide::stopRecording() {
 
 void RecordingGuide::build(const std::string& name, std::function<void(const Built&)> done) {
   folder_ = std::make_unique<TemporaryFolder>();
-  // The recorder stays as it is meanwhile; the copy is gone with the work.
+  // Works on a copy of the recording, so that the recorder may go on or go away meanwhile.
   services_.worker.async([this, &main = services_.main, name, into = folder_->path() / "pack",
                           round = round_, recording = recorder_->takes().recording(),
                           done = std::move(done), alive = std::weak_ptr(alive_)] {

@@ -87,7 +87,7 @@ QString PanelModel::previewProblem() const {
     case SoundState::pausedInBackground:
     case SoundState::pausedWhileLocked:
     case SoundState::recording:
-    case SoundState::quietForApp:  // until the panel, where this is asked, is in front
+    case SoundState::quietForApp:  // ends when the panel comes to the front
     case SoundState::playing:
       return {};
     case SoundState::noSound:

@@ -45,7 +45,7 @@ std::string OffscreenPicture::save(AppModel& model, const std::string& path, con
   view.show();
   view.rootObject()->setProperty("showsMore", page == Page::more);
   settle();
-  // All of it: there is no screen that it has to fit.
+  // As large as all of it: no screen sets a limit.
   view.resize(qCeil(view.rootObject()->implicitWidth()),
               qCeil(view.rootObject()->implicitHeight()));
   settle();

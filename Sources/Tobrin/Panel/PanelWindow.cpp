@@ -214,7 +214,7 @@ void PanelWindow::loseFocus() {
 }
 
 void PanelWindow::leaveWithFocus() {
-  if (model_->shelf()->isAsking()) return;  // the desktop's chooser has it, or who drags a file
+  if (model_->shelf()->isAsking()) return;  // a file chooser has the focus, or where a drag starts
   if (!view_->isVisible() || view_->isActive() || focusLoss_.wentWithPointer()) return;
   if (!keepsInputFocus(*view_)) return view_->hide();
   // During a grab we cannot see where the focus goes, so we ask until the grab ends.

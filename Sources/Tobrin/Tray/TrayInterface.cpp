@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A tray that is no sooner there is not waited for.
+// How long a tray may take to appear.
 constexpr std::chrono::milliseconds trayPatience = 700ms;
 constexpr std::chrono::milliseconds trayPatienceAtLogin = 10s;
 constexpr auto sameClick = 200ms;
@@ -30,7 +30,7 @@ void doWithoutGraphicsDrivers() {
   constexpr const char* variable = "QT_WAYLAND_CLIENT_BUFFER_INTEGRATION";
   if (qEnvironmentVariableIsSet(variable)) return;
   qputenv(variable, "none");
-  // No driver has that name.
+  // The library would warn that it has no driver of that name.
   QLoggingCategory::setFilterRules("qt.qpa.wayland.warning=false");
 }
 

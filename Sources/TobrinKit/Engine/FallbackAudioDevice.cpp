@@ -17,7 +17,7 @@ FallbackAudioDevice::~FallbackAudioDevice() {
     const std::lock_guard lock(mutex_);
     isClosing_ = true;
   }
-  // A notice on its way may still call in here; it gets nowhere.
+  // A notice on its way may still call in here, but is not passed on.
   preferred_.device.reset();
   fallback_.device.reset();
 }
@@ -84,7 +84,7 @@ bool FallbackAudioDevice::startFallback() {
     fallback_.device->setCallbacks(fallback_.callbacks());
     fallback_.device->choose(chosen_);
   }
-  // The preferred device goes on trying and is silent should it come to run.
+  // The preferred device goes on trying; should it run, it is silent until it is in charge.
   preferred_.isInCharge = false;
   if (!fallback_.isInCharge.exchange(true)) tellOutputs(fallback_);
   return fallback_.device->start();

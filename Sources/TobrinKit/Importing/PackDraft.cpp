@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 using Take = RecordedTake;
 
 constexpr double toleratedLu = 0.05;
-constexpr int mostRounds = 6;  // takes that would clip stay behind, so one may not do
+constexpr int mostRounds = 6;  // one may not be enough: takes that would clip stay behind
 
 /// How a large pack is made to fit, the least loss first.
 struct Fit {

@@ -46,7 +46,7 @@ class Pace {
 
  private:
   const std::chrono::nanoseconds mayBeAhead_;
-  std::chrono::steady_clock::time_point written_;  // when a clock would have played it all
+  std::chrono::steady_clock::time_point written_;  // when a true clock would have played it all
 };
 
 }  // namespace
@@ -65,7 +65,7 @@ AlsaOutput::~AlsaOutput() {
   }
   wake_.raise();
   thread_.join();
-  // A notice on its way may still call in here; it gets nowhere.
+  // A notice on its way may still call in here, but is not passed on.
   notifier_.reset();
 }
 
@@ -260,7 +260,7 @@ void AlsaOutput::failed(const std::string& problem) {
 // Asking the cards takes longer than the thread that renders has time.
 void AlsaOutput::listOutputs() {
   notifier_->async([this] {
-    // Beside a sound server the cards are its own, and its mixer says which one plays.
+    // Where a sound server runs, the cards belong to it, and its mixer says which one plays.
     const bool hasServer =
         alsaDeviceLeadsTo("pulse", deviceName_) || alsaDeviceLeadsTo("jack", deviceName_);
     outputsListed(hasServer ? std::vector<SoundOutput>() : alsaCardOutputs());

@@ -37,9 +37,9 @@ std::unique_ptr<AudioDevice> makeAudioDevice(std::shared_ptr<PipeWireLoop> loop)
   };
   if (loop == nullptr) return makeAlsa();
   auto server = std::make_unique<PipeWireOutput>(std::move(loop));
-  // Once a server has played, its absence is a restart: a device that takes the card then keeps the
-  // server from it. One without a device, there for the screen's pictures alone, wants no card. A
-  // device that leads to the same server is no way round it.
+  // A server that has played and is gone restarts, and must find the card free. One that expects no
+  // device, as where it runs for screen sharing alone, leaves the card to ALSA, unless ALSA's
+  // device leads back to that server.
   const PipeWireOutput& output = *server;
   return std::make_unique<FallbackAudioDevice>(std::move(server), makeAlsa, [&output] {
     return !output.expectsDevice() && !alsaDeviceLeadsTo("pipewire", alsaDevice);

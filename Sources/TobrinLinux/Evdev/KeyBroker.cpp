@@ -48,7 +48,7 @@ bool isAllowed() {
 
 FileDescriptor open(std::string& problem) {
   const Answer answer = call("Open");
-  int file = -1;  // the message's
+  int file = -1;  // belongs to the message
   if (answer.message && sd_bus_message_read(answer.message.get(), "h", &file) >= 0)
     return FileDescriptor(fcntl(file, F_DUPFD_CLOEXEC, 0));
   problem = answer.problem;

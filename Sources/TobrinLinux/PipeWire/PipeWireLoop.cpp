@@ -31,7 +31,7 @@ int doNothing(spa_loop* /*loop*/, bool /*async*/, uint32_t /*sequence*/, const v
 
 PipeWireLoop::PipeWireLoop() {
   pw_init(nullptr, nullptr);
-  // The library reports what this program says itself.
+  // The library would print what this program logs already.
   if (!processEnvironment("PIPEWIRE_DEBUG")) pw_log_set_level(SPA_LOG_LEVEL_NONE);
   loop_ = pw_thread_loop_new("Tobrin.PipeWire", nullptr);
   if (loop_ != nullptr) {

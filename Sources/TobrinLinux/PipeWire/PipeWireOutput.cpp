@@ -51,7 +51,7 @@ PipeWireOutput::~PipeWireOutput() {
     isClosing_.store(true, std::memory_order_relaxed);
     connection_->close();
   }
-  // A notice on its way may still call in here; it gets nowhere.
+  // A notice on its way may still call in here, but is not passed on.
   notifier_.reset();
 }
 
@@ -92,7 +92,7 @@ bool PipeWireOutput::start() {
     watchDevice();
     if (stream_->hasStreamed()) return true;
     const auto settled = [this] { return stream_ == nullptr || isRunning() || !problem_.empty(); };
-    // Where no device is expected, falling back need not wait for one at each start.
+    // Where no device is expected, waiting for one would delay the fallback at each start.
     if (expectsDevice()) loop_->wait(settled, linkLimit);
     if (isRunning()) return true;
     if (problem_.empty()) problem_ = noDevice;

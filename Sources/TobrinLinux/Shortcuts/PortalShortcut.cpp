@@ -184,12 +184,11 @@ bool PortalShortcut::Dialogue::subscribe() {
 }
 
 void PortalShortcut::Dialogue::createSession() {
-  // The very call may start the portal, whose arrival is reported before it answers; a second
-  // session of the same name would cost us the first.
+  // This call may start the portal, whose arrival is reported before it answers; a second session
+  // of the same name would end the first.
   if (std::exchange(isCreating, true)) return;
-  // By Register the desktop knows whose shortcut it is; older portals find out by
-  // themselves. The first
-  // portals take shortcuts with the session alone, where later ones look away.
+  // Register tells the desktop whose shortcut it is; older portals find that out by themselves. The
+  // first portals take shortcuts only together with the session, and later ones ignore them there.
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, registry, "Register", nullptr,
                            nullptr, "sa{sv}", applicationId, 0);
   sd_bus_call_method_async(bus.get(), nullptr, portal, portalPath, shortcuts, "CreateSession",
