@@ -4,7 +4,7 @@
 
 namespace tobrin {
 
-Surroundings::Surroundings(Services services, bool micInUse)
+Surroundings::Surroundings(Services&& services, bool micInUse)
     : workspace_(services.workspace),
       mic_(services.micQueue, services.main, std::move(services.micSource)),
       quietApps_(std::move(services.frontWindow), std::move(services.describeApp), services.main,

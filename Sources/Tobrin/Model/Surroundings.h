@@ -40,7 +40,7 @@ class Surroundings final : public QObject {
   };
 
   /// Nothing goes on until it starts, but for what `micInUse` says.
-  Surroundings(Services services, bool micInUse);
+  Surroundings(Services&& services, bool micInUse);
   ~Surroundings() override;
 
   /// Watches from now on, as little as the wish needs. A screen that is locked is known at once.

@@ -18,8 +18,9 @@ KeyAction actionIn(const TraceCsv& lines) {
 }
 
 KeyGroup groupIn(const TraceCsv& lines) {
-  if (const auto group = keyGroup(lines.text(2))) return *group;
-  lines.fail("there is no such group of keys");
+  const auto group = keyGroup(lines.text(2));
+  if (!group) lines.fail("there is no such group of keys");
+  return *group;
 }
 
 /// Keys as the lines before left them; refuses what no keyboard does.

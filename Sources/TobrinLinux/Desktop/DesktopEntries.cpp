@@ -36,7 +36,7 @@ std::vector<std::string> languages(const Environment& environment) {
   std::string locale;
   for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
     if (locale.empty()) locale = environment(name).value_or("");
-  locale = locale.substr(0, locale.find_first_of(".@"));
+  locale.resize(std::min(locale.size(), locale.find_first_of(".@")));
   return {locale, locale.substr(0, locale.find('_'))};
 }
 

@@ -93,11 +93,11 @@ bool KWinFrontFeed::process(const Report& report) {
 
 int KWinFrontFeed::reported(sd_bus_message* report, void* self, sd_bus_error*) {
   auto& feed = *static_cast<KWinFrontFeed*>(self);
-  const char* app = nullptr;
+  const char* name = nullptr;
   int fillsScreen = 0;
   if (sd_bus_message_get_sender(report) == feed.kwin_ &&
-      sd_bus_message_read(report, "sb", &app, &fillsScreen) > 0)
-    (*feed.report_)({.app = app, .fillsScreen = fillsScreen != 0});
+      sd_bus_message_read(report, "sb", &name, &fillsScreen) > 0)
+    (*feed.report_)({.app = name, .fillsScreen = fillsScreen != 0});
   return sd_bus_reply_method_return(report, "");
 }
 

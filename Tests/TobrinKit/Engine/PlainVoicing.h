@@ -97,7 +97,7 @@ class PlainVoicing final {
 
   static uint64_t hash(uint16_t code) { return SplitMix64(code).next(); }
   static std::size_t variant(uint16_t code) {
-    std::size_t most = 0;
+    std::size_t most = 1;
     for (std::size_t tier = 0; tier < tierCount; ++tier)
       most = std::max(most, takes(keyGroupOf(code), tier));
     return hash(code) % most;
