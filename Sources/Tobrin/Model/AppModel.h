@@ -46,6 +46,26 @@ class AppModel final : public QObject {
   explicit AppModel(AppServices services, std::optional<Preview> preview = std::nullopt);
   ~AppModel() override;
 
+  // The parts that panel and tray act on.
+
+  [[nodiscard]] KeyAccess& keyAccess() { return *keyAccess_; }
+  [[nodiscard]] const ShortcutChoice& shortcut() const { return *shortcut_; }
+  /// What the user adds to their packs, and takes from them.
+  [[nodiscard]] PackShelf& shelf() { return packs_->shelf(); }
+  /// Where it sounds.
+  [[nodiscard]] OutputChoice& outputs() { return outputs_; }
+  /// What is in front, as the panel shows it.
+  [[nodiscard]] QuietApps& quietApps() { return surroundings_.quietApps(); }
+  /// Recording one's own keyboard.
+  [[nodiscard]] RecordingGuide& recordingGuide() { return guide_; }
+  /// What the user asks of the desktop.
+  [[nodiscard]] DesktopActions& desktop() { return desktop_; }
+  [[nodiscard]] const PlatformWords& words() const { return services_.words; }
+  [[nodiscard]] const Conductor& conductor() const { return *conductor_; }
+  [[nodiscard]] const KeyMonitor& monitor() const { return *monitor_; }
+
+  // What the user has chosen.
+
   /// Whether this user has never run the program before.
   [[nodiscard]] bool isFirstStart() const { return choices_.isFirstStart(); }
   [[nodiscard]] const EngineSettings& settings() const { return choices_.settings(); }
@@ -65,14 +85,17 @@ class AppModel final : public QObject {
     changed.*field = std::move(value);
     setComforts(changed);
   }
+  void toggleEnabled();
+  /// Volume to nothing, and back to what it was.
+  void mute();
+  /// While the user presses keys to choose them as the shortcut, the one before them is let go.
+  void captureShortcut(bool captures);
+  /// Takes a key with modifiers as the shortcut. False where they cannot be one.
+  bool chooseShortcut(uint32_t scanCode, Modifiers modifiers);
+  /// An older access to keys, which other programs have, too, is to stay as it is.
+  void keepWideKeyAccess();
 
-  [[nodiscard]] const std::string& selectedPackID() const {
-    return packs_->selection().selectedID();
-  }
-  /// Chooses a pack, loads and auditions it. The one that is chosen already is loaded again only
-  /// where that has failed or has become another.
-  void setSelectedPackID(const std::string& id) { packs_->selection().select(id); }
-  void select(const PackInfo& pack) { setSelectedPackID(pack.id); }
+  // Packs.
 
   [[nodiscard]] const std::vector<PackInfo>& packs() const { return packs_->selection().packs(); }
   /// Folders among the user's packs that hold none, for the user to see why.
@@ -80,6 +103,9 @@ class AppModel final : public QObject {
     return packs_->selection().unusable();
   }
   [[nodiscard]] const PackInfo* selectedPack() const { return packs_->selection().selected(); }
+  [[nodiscard]] const std::string& selectedPackID() const {
+    return packs_->selection().selectedID();
+  }
   /// The decoded pack's own description; absent while none is loaded.
   [[nodiscard]] const std::optional<PackManifest>& loadedManifest() const {
     return packs_->selection().manifest();
@@ -87,39 +113,10 @@ class AppModel final : public QObject {
   [[nodiscard]] const std::optional<std::string>& packError() const {
     return packs_->selection().error();
   }
-  [[nodiscard]] bool hasPermission() const { return preview_ || keyAccess_->state().hasPermission; }
-  [[nodiscard]] bool listening() const { return keyAccess_->state().listening; }
-  [[nodiscard]] KeyAccess& keyAccess() { return *keyAccess_; }
-  [[nodiscard]] const std::optional<ForceReading>& lastForce() const { return lastForce_; }
-  [[nodiscard]] bool micInUse() const { return surroundings_.micInUse(); }
-  [[nodiscard]] bool sensorAvailable() const { return sensorAvailable_; }
-  /// Why the sensor that is there does not work, in words; empty while it does.
-  [[nodiscard]] const std::string& sensorProblem() const { return sensorProblem_; }
-
-  /// Why nothing can be heard, in a sentence; empty while it can.
-  [[nodiscard]] const std::string& soundProblem() const { return soundProblem_; }
-
-  /// Whether keys can be heard now, or what is in the way.
-  [[nodiscard]] SoundState soundState() const;
-  [[nodiscard]] ProgramStatus status() const;
-  [[nodiscard]] std::string statusLine() const;
-  [[nodiscard]] const ShortcutChoice& shortcut() const { return *shortcut_; }
-  [[nodiscard]] const PlatformWords& words() const { return services_.words; }
-  [[nodiscard]] PlaybackGate gate() const;
-  /// The settings as the engine gets them: sounds only while the gate is open, force only with a
-  /// sensor.
-  [[nodiscard]] EngineSettings effectiveSettings() const;
-
-  /// What the user adds to their packs, and takes from them.
-  [[nodiscard]] PackShelf& shelf() { return packs_->shelf(); }
-  /// Where it sounds.
-  [[nodiscard]] OutputChoice& outputs() { return outputs_; }
-  /// What is in front, as the panel shows it.
-  [[nodiscard]] QuietApps& quietApps() { return surroundings_.quietApps(); }
-  /// What the user asks of the desktop.
-  [[nodiscard]] DesktopActions& desktop() { return desktop_; }
-  /// Recording one's own keyboard.
-  [[nodiscard]] RecordingGuide& recordingGuide() { return guide_; }
+  /// Chooses a pack, loads and auditions it. The one that is chosen already is loaded again only
+  /// where that has failed or has become another.
+  void setSelectedPackID(const std::string& id) { packs_->selection().select(id); }
+  void select(const PackInfo& pack) { setSelectedPackID(pack.id); }
   /// Moves one of the user's own packs to the trash; the one after it takes its place.
   void removePack(const std::string& id) { packs_->remove(id); }
   /// Brings the pack back that was removed last, and the choice of before.
@@ -128,23 +125,34 @@ class AppModel final : public QObject {
   void refreshPacks() { packs_->selection().refresh(); }
   /// Finds the packs again, and loads the chosen one where it has become another.
   void lookForPacks() { packs_->look(); }
-  void menuOpened();
-  void menuClosed();
   void audition();
   /// Lets one key be heard, to judge how loud keys are.
   void playOneKey();
-  /// Volume to nothing, and back to what it was.
-  void mute();
-  /// An older access to keys, which other programs have, too, is to stay as it is.
-  void keepWideKeyAccess();
-  void toggleEnabled();
-  /// While the user presses keys to choose them as the shortcut, the one before them is let go.
-  void captureShortcut(bool captures);
-  /// Takes a key with modifiers as the shortcut. False where they cannot be one.
-  bool chooseShortcut(uint32_t scanCode, Modifiers modifiers);
 
-  [[nodiscard]] const Conductor& conductor() const { return *conductor_; }
-  [[nodiscard]] const KeyMonitor& monitor() const { return *monitor_; }
+  // How it goes.
+
+  /// Whether keys can be heard now, or what is in the way.
+  [[nodiscard]] SoundState soundState() const;
+  [[nodiscard]] ProgramStatus status() const;
+  [[nodiscard]] std::string statusLine() const;
+  [[nodiscard]] bool hasPermission() const { return preview_ || keyAccess_->state().hasPermission; }
+  [[nodiscard]] bool listening() const { return keyAccess_->state().listening; }
+  /// Why nothing can be heard, in a sentence; empty while it can.
+  [[nodiscard]] const std::string& soundProblem() const { return soundProblem_; }
+  [[nodiscard]] bool sensorAvailable() const { return sensorAvailable_; }
+  /// Why the sensor that is there does not work, in words; empty while it does.
+  [[nodiscard]] const std::string& sensorProblem() const { return sensorProblem_; }
+  [[nodiscard]] const std::optional<ForceReading>& lastForce() const { return lastForce_; }
+  [[nodiscard]] bool micInUse() const { return surroundings_.micInUse(); }
+  [[nodiscard]] PlaybackGate gate() const;
+  /// The settings as the engine gets them: sounds only while the gate is open, force only with a
+  /// sensor.
+  [[nodiscard]] EngineSettings effectiveSettings() const;
+
+  // What the panel says of itself.
+
+  void menuOpened();
+  void menuClosed();
 
  signals:
   void settingsChanged();  ///< settings, comforts
