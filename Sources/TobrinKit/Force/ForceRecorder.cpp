@@ -8,17 +8,16 @@
 
 namespace tobrin {
 
-/// Passes a source's reports on and shows each one to the recorder.
+/// Gives a source's reports to the recorder: of the sensor, only its thread is of use here.
 class ForceRecorder::Tap final : public MotionSource {
  public:
   Tap(std::unique_ptr<MotionSource> source, ForceRecorder& recorder)
       : source_(std::move(source)), recorder_(recorder) {}
 
   bool open() override { return source_->open(); }
-  void run(const Sink& sink) override {
-    source_->run([&](std::span<const uint8_t> report, uint64_t time) {
+  void run(const Sink& /*of the sensor*/) override {
+    source_->run([this](std::span<const uint8_t> report, uint64_t time) {
       recorder_.addSample(report, time);
-      sink(report, time);
     });
   }
   void close() override { source_->close(); }

@@ -70,7 +70,8 @@ TEST(ForceSensor, KeepsTheNewestSamplesAndEqualPeaksGiveTheNewest) {
     ring.push({time, 1.0f});
   const auto window = ring.window(0, UINT64_MAX);
   EXPECT_EQ(window, (ForceWindow{1.0f, pushed, ForceRing::capacity, pushed}));
-  EXPECT_EQ(ring.between(0, 2), (std::vector<ForceSample>{{2, 1.0f}})) << "the first is gone";
+  EXPECT_EQ(ring.between(0, 3), (std::vector<ForceSample>{{2, 1.0f}, {3, 1.0f}}))
+      << "the first is gone";
 }
 
 TEST(ForceSensor, WrongLengthsAndClocksThatJumpAreHarmless) {
@@ -141,8 +142,10 @@ TEST_F(ForceRecorderTest, KeepsSamplesInOrderAndOfKeysOnlyTheGroup) {
   motion.send({{0, 0, 1}, 100});
   motion.send({{0, 0, 9}, 50});  // the sensor's clock jumped back
   motion.send({{0.5, 0, 1}, 200});
+  motion.send({{0.25, 0, 1}, 200});
   EXPECT_EQ(recorder.take().samples,
-            (std::vector<MotionTrace::Sample>{{100, {0, 0, 1}}, {200, {0.5, 0, 1}}}));
+            (std::vector<MotionTrace::Sample>{
+                {100, {0, 0, 1}}, {200, {0.5, 0, 1}}, {200, {0.25, 0, 1}}}));
   for (const uint16_t code : std::vector<uint16_t>{12, 48, 76, 117, 59}) {
     keys.press(code);
     keys.release(code);
@@ -151,6 +154,9 @@ TEST_F(ForceRecorderTest, KeepsSamplesInOrderAndOfKeysOnlyTheGroup) {
   for (const auto& key : recorder.take().keys)
     codes.push_back(key.code);
   EXPECT_EQ(codes, (std::vector<uint16_t>{0, 56, 36, 51, 56})) << "Tab counts as a modifier";
+  recorder.stop();
+  EXPECT_GT(keys.closes, 0);
+  EXPECT_EQ(motion.closes, 1);
 }
 
 TEST_F(ForceRecorderTest, SaysWhatIsMissingAndLeavesNothingRunning) {

@@ -24,12 +24,18 @@ TEST(MotionTrace, WhatIsWrittenReadsBack) {
   text << "\n\n";
   EXPECT_EQ(MotionTrace::parse(text.str(), "it").samples, trace.samples);
   EXPECT_EQ(trace.period(), 3 * millisecond);
+  for (auto& sample : trace.samples)
+    sample.time += 1000 * millisecond;
+  EXPECT_EQ(trace.period(), 3 * millisecond) << "wherever it begins";
 }
 
 TEST(TraceSource, RepeatsStampedWithThePresent) {
   const auto clock = std::make_shared<VirtualTraceClock>(1000 * millisecond);
-  ForceSensor sensor(std::make_unique<TraceSource>(traceOf(10, {{4, 1}}), "t", clock,
-                                                   TraceSource::Times::present));
+  MotionTrace trace = traceOf(10, {{4, 1}});
+  for (auto& sample : trace.samples)
+    sample.time += 500 * millisecond;
+  ForceSensor sensor(
+      std::make_unique<TraceSource>(std::move(trace), "t", clock, TraceSource::Times::present));
   ASSERT_TRUE(sensor.start());
   clock->advanceTo(1013 * millisecond);
   EXPECT_EQ(sensor.reportsReceived(), 14u);
@@ -39,6 +45,8 @@ TEST(TraceSource, RepeatsStampedWithThePresent) {
   const uint64_t before = sensor.reportsReceived();
   clock->advanceTo(60'000 * millisecond);
   EXPECT_LE(sensor.reportsReceived(), before + 1) << "not caught up with";
+  clock->advanceTo(60'020 * millisecond);
+  EXPECT_NEAR(static_cast<double>(sensor.reportsReceived() - before), 21, 1) << "but gone on with";
 }
 
 TEST(TraceSource, RecordedTimesAreKeptAndPassedSamplesLeftOut) {
