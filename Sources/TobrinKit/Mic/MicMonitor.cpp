@@ -29,7 +29,6 @@ class MicMonitor::Core : public std::enable_shared_from_this<Core> {
     if (!running_) return;
     running_ = false;
     ++pendingRelease_;
-    releaseIsPending_ = false;
     reported_ = false;
     outputReported_ = false;
     source_->stop();
