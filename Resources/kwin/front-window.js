@@ -21,7 +21,8 @@ function tell(window) {
 
 // Tobrin asks when its panel opens, which may be in front by now: first the window behind it.
 function tellWhatIsBehind() {
-    const windows = workspace.stackingOrder || workspace.clientList();
+    const windows = workspace.stackingOrder
+        || Array.from(workspace.clientList()).sort((a, b) => a.stackingOrder - b.stackingOrder);
     for (let i = windows.length - 1; i >= 0; --i) {
         const window = windows[i];
         if (window.normalWindow && !window.minimized && !/tobrin$/i.test(applicationOf(window)))

@@ -329,6 +329,10 @@ TEST_F(AppModelTest, EachDeviceHasItsLoudness) {
   EXPECT_NEAR(stroke() / plain, 1.5, 0.2);
   use("speakers");
   EXPECT_NEAR(stroke() / plain, 2, 0.2) << "twice the volume, and no boost";
+  start();
+  change([](EngineSettings& settings) { settings.volume = 0.75F; });
+  use("headset");
+  EXPECT_EQ(model_->settings().volume, 0.75F) << "set before it was known which one plays";
 }
 
 TEST_F(AppModelTest, HoldsBackTheKeyboardsOfTheSavedList) {
@@ -456,6 +460,15 @@ TEST_F(AppModelTest, IsQuietInChosenAppsAndInFullScreenAndLooksOnlyThen) {
   wish({.apps = {{"browser", "Secret"}}});
   show({.app = "Browser"});
   EXPECT_EQ(model.status().quietApp, "Secret");
+  show({.knowledge = Front::Knowledge::desktopDoesNotTell});
+  const auto lost = front_;
+  model.menuOpened();
+  lost({.app = "Editor"});
+  advance(0);
+  EXPECT_EQ(model.quietApps().candidate(), "") << "the desktop is asked again";
+  show({.app = "Browser"});
+  EXPECT_EQ(model.quietApps().candidate(), "Browser");
+  model.menuClosed();
   EXPECT_EQ(log_.find("Secret") + log_.find("Browser"), 2 * std::string::npos);
   const auto late = front_;
   wish({});

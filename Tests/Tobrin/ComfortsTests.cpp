@@ -52,6 +52,7 @@ TEST(Comforts, WhatIsDamagedCostsItselfAlone) {
     EXPECT_EQ(read, row.expected) << row.text;
     EXPECT_EQ(Comforts::fromJson(read.toJson()), read) << row.text;
   }
+  EXPECT_EQ(Comforts().toJson().find("heldBack"), std::string::npos) << "later versions know more";
 }
 
 }  // namespace

@@ -30,6 +30,7 @@ class VirtualKeyboard final {
     libevdev_enable_event_code(plan, EV_KEY, BTN_LEFT, nullptr);
     libevdev_enable_event_code(plan, EV_REL, REL_X, nullptr);
     libevdev_enable_event_code(plan, EV_REL, REL_WHEEL, nullptr);
+    libevdev_enable_event_code(plan, EV_MSC, MSC_TIMESTAMP, nullptr);
     for (unsigned key = keys.first; key <= keys.last; ++key)
       libevdev_enable_event_code(plan, EV_KEY, key, nullptr);
     const int failure =
@@ -47,8 +48,10 @@ class VirtualKeyboard final {
   void release(std::initializer_list<unsigned> keys) { write(keys, 0); }
   /// What the kernel says of keys that are held for long.
   void repeat(std::initializer_list<unsigned> keys) { write(keys, 2); }
-  /// Moves a mouse or turns its wheel, by the kernel's code of it.
+  /// Moves a mouse or turns its wheel, by the kernel's code of it; with the time, as touchpads say
+  /// it.
   void move(unsigned direction) {
+    libevdev_uinput_write_event(device_, EV_MSC, MSC_TIMESTAMP, ++time_);
     libevdev_uinput_write_event(device_, EV_REL, direction, 1);
     libevdev_uinput_write_event(device_, EV_SYN, SYN_REPORT, 0);
   }
@@ -62,6 +65,7 @@ class VirtualKeyboard final {
   }
 
   libevdev_uinput* device_ = nullptr;
+  int time_ = 0;
 };
 
 }  // namespace tobrin::testing

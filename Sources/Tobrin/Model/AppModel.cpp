@@ -110,8 +110,8 @@ void AppModel::wireCallbacks() {
     surroundings_.systemDidWake();
   });
   services_.workspace.setOnTerminate([this] {
+    choices_.save();  // first what must not be lost: a sound device may keep the end waiting
     conductor_->shutdown();
-    choices_.save();
   });
 }
 

@@ -120,17 +120,19 @@ Comforts Comforts::fromJson(std::string_view text) {
 }
 
 std::string Comforts::toJson() const {
-  const Json document = {{"maskWhileRecorded", maskWhileRecorded},
-                         {"quietWhileLocked", quietWhileLocked},
-                         {"keepsWideKeyAccess", keepsWideKeyAccess},
-                         {"quietInFullScreen", quiet.inFullScreen},
-                         {"quietApps", jsonOf(quiet.apps)},
-                         {"mouseSounds", mouseSounds},
-                         {"wheelSounds", wheelSounds},
-                         {"heldBackKeyboards", heldBackKeyboards},
-                         {"output", outputs.chosen},
-                         {"outputName", outputs.chosenName},
-                         {"outputLoudness", asJson(outputs.loudness)}};
+  Json document = {{"maskWhileRecorded", maskWhileRecorded},
+                   {"quietWhileLocked", quietWhileLocked},
+                   {"keepsWideKeyAccess", keepsWideKeyAccess},
+                   {"quietInFullScreen", quiet.inFullScreen},
+                   {"quietApps", jsonOf(quiet.apps)},
+                   {"mouseSounds", mouseSounds},
+                   {"wheelSounds", wheelSounds},
+                   {"output", outputs.chosen},
+                   {"outputName", outputs.chosenName},
+                   {"outputLoudness", asJson(outputs.loudness)}};
+  // Later versions may know more names: only a list of the user's own is kept.
+  if (heldBackKeyboards != HeldBackKeyboards::usual())
+    document["heldBackKeyboards"] = heldBackKeyboards;
   // Devices and applications bring names of their own.
   return document.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

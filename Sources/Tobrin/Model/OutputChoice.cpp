@@ -33,8 +33,13 @@ void OutputChoice::outputsChanged(const SoundOutputs& outputs) {
   noteName();
   // Between two devices none is used for a moment; the volume waits for the next.
   if (!outputs_.used.empty() && std::exchange(used_, outputs_.used) != outputs_.used)
-    adoptLoudness();
+    std::exchange(isSetBefore_, false) ? keepLoudness() : adoptLoudness();
   emit changed();
+}
+
+void OutputChoice::volumeChanged() {
+  isSetBefore_ |= used_.empty();
+  keepLoudness();
 }
 
 void OutputChoice::adoptLoudness() {
@@ -55,11 +60,13 @@ void OutputChoice::keepLoudness() {
 void OutputChoice::setBoost(float boost) {
   boost_ = std::clamp(boost, 1.0F, VoiceBoost::most);
   services_.setBoost(boost_);
-  keepLoudness();
+  volumeChanged();
   emit changed();
 }
 
 void OutputChoice::choose(const std::string& id) {
+  // A device that is away has no name but the one kept.
+  if (id != chosen()) services_.memory.chosenName.clear();
   services_.memory.chosen = id;
   noteName();
   services_.saveMemory();

@@ -37,7 +37,7 @@ class OutputChoice final : public QObject {
   /// The devices have changed, or another one plays.
   void outputsChanged(const SoundOutputs& outputs);
   /// The user has set another volume.
-  void volumeChanged() { keepLoudness(); }
+  void volumeChanged();
   /// How much louder keys may be than their pack has them on the device that plays, 1 to 2.
   [[nodiscard]] float boost() const { return boost_; }
   void setBoost(float boost);
@@ -62,6 +62,7 @@ class OutputChoice final : public QObject {
   SoundOutputs outputs_;
   std::string used_;  // id of the device that the loudness of now belongs to
   float boost_ = 1;
+  bool isSetBefore_ = false;  // by the user, before the first device was known: it is for that one
 };
 
 }  // namespace tobrin

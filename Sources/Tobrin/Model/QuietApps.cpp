@@ -44,6 +44,10 @@ void QuietApps::setWish(Wish wish) {
 
 void QuietApps::setAsked(bool isAsked) {
   isAsked_ = isAsked;
+  if (isAsked && following_ && front_.knowledge == Front::Knowledge::desktopDoesNotTell) {
+    window_->stop();  // it may tell by now
+    following_.reset();
+  }
   follow();
   findCandidate();
 }

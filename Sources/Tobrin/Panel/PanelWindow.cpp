@@ -103,7 +103,7 @@ bool PanelWindow::isOpen() const {
 void PanelWindow::open(const QPoint* anchor) {
   model_->menuOpened();
   // One that opens comes to the front.
-  if (isOpen() && !view_->isActive() && isOnWayland()) view_->hide();
+  if (isOpen() && !view_->isActive() && isOnWayland()) hideToReopen();
   closesWithFocus_ = anchor != nullptr;
   anchor_ = anchor != nullptr ? *anchor : QPoint();
   focusLoss_.opened();
@@ -247,10 +247,14 @@ void PanelWindow::endAsking(PackShelfModel::Asking next) {
 /// While a keyboard is recorded the panel stays, wherever the focus goes.
 void PanelWindow::followRecording() {
   if (model_->recording()->stage() == RecordingModel::Away || !closesWithFocus_) return;
+  hideToReopen();
+  open(nullptr);
+}
+
+void PanelWindow::hideToReopen() {
   isReopening_ = true;
   view_->hide();
   isReopening_ = false;
-  open(nullptr);
 }
 
 bool PanelWindow::eventFilter(QObject* watched, QEvent* event) {

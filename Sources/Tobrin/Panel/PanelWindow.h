@@ -40,6 +40,7 @@ class PanelWindow final : public QObject, public Panel {
   void wirePackChooser();
   void askForPacks();
   void followRecording();
+  void hideToReopen();
   void endAsking(PackShelfModel::Asking next);
 
   std::unique_ptr<PanelModel> model_;  // before the view, which binds to it

@@ -36,7 +36,7 @@ bool FallbackAudioDevice::start() {
     leaveFallback();
     return true;
   }
-  return mayFallBack_() && startFallback();
+  return mayFallBack_() && takeFallback() && fallback_.device->start();
 }
 
 void FallbackAudioDevice::pause() {
@@ -74,10 +74,12 @@ void FallbackAudioDevice::choose(const std::string& id) {
 void FallbackAudioDevice::findOutputs() {
   const std::lock_guard lock(mutex_);
   preferred_.device->findOutputs();
+  // Nothing may have been played yet that would have shown which of the two there is.
+  if (!preferred_.device->isRunning() && mayFallBack_()) takeFallback();
   if (fallback_.device != nullptr) fallback_.device->findOutputs();
 }
 
-bool FallbackAudioDevice::startFallback() {
+bool FallbackAudioDevice::takeFallback() {
   if (fallback_.device == nullptr) {
     fallback_.device = makeFallback_();
     if (fallback_.device == nullptr) return false;
@@ -87,7 +89,7 @@ bool FallbackAudioDevice::startFallback() {
   // The preferred device goes on trying; should it run, it is silent until it is in charge.
   preferred_.isInCharge = false;
   if (!fallback_.isInCharge.exchange(true)) tellOutputs(fallback_);
-  return fallback_.device->start();
+  return true;
 }
 
 void FallbackAudioDevice::leaveFallback() {

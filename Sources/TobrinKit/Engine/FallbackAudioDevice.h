@@ -48,7 +48,7 @@ class FallbackAudioDevice final : public AudioDevice {
   void sideChanged(Side& side);
   void outputsChanged(Side& side, const SoundOutputs& outputs);
   void tellOutputs(const Side& side);
-  bool startFallback();
+  bool takeFallback();
   void leaveFallback();
   [[nodiscard]] const AudioDevice& inCharge() const;
 

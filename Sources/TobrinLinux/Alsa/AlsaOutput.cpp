@@ -7,10 +7,12 @@
 #include <cassert>
 #include <span>
 #include <stdexcept>
+#include <utility>
 
 #include "Alsa/AlsaCards.h"
 #include "Alsa/AlsaConfiguration.h"
 #include "Alsa/AlsaPcm.h"
+#include "Base/Log.h"
 #include "Motion/DeviceWatch.h"
 #include "Threads/AsioQueue.h"
 #include "Threads/ThreadPreparation.h"
@@ -98,7 +100,9 @@ bool AlsaOutput::start() {
   wake_.raise();
   phaseChanged_.wait_for(lock, openLimit, [this] { return phase_ != Phase::opening; });
   startIsAnswered_ = phase_ == Phase::playing;
-  if (phase_ == Phase::opening) problem_ = "the ALSA device '" + deviceName_ + "' does not answer";
+  if (phase_ == Phase::opening)
+    problem_ =
+        "the ALSA device '" + (chosen_.empty() ? deviceName_ : chosen_) + "' does not answer";
   return startIsAnswered_;
 }
 
@@ -107,7 +111,8 @@ void AlsaOutput::pause() {
   if (goal_ == Goal::quit) return;
   goal_ = Goal::pause;
   wake_.raise();
-  phaseChanged_.wait(lock, [this] { return phase_ == Phase::idle; });
+  // A device that does not open may never answer; nothing is rendered before it does.
+  phaseChanged_.wait(lock, [this] { return phase_ != Phase::playing; });
 }
 
 bool AlsaOutput::isRunning() const {
@@ -121,7 +126,8 @@ std::string AlsaOutput::problem() const {
 }
 
 std::string AlsaOutput::description() const {
-  return "ALSA, " + deviceName_;
+  const std::lock_guard lock(mutex_);
+  return "ALSA, " + (outputs_.used.empty() ? deviceName_ : outputs_.used);
 }
 
 void AlsaOutput::run(const std::function<void()>& onThreadStart) {
@@ -164,12 +170,14 @@ std::unique_ptr<AlsaPcm> AlsaOutput::open() {
     chosen = chosen_;
     isStandIn_ = false;
   }
-  if (chosen.empty()) return std::make_unique<AlsaPcm>(deviceName_);
+  if (chosen.empty() || leadsToServer()) return std::make_unique<AlsaPcm>(deviceName_);
   try {
     return std::make_unique<AlsaPcm>(chosen);
-  } catch (const std::runtime_error&) {
+  } catch (const std::runtime_error& error) {
     const std::lock_guard lock(mutex_);
     isStandIn_ = true;
+    if (std::exchange(refusal_, error.what()) != error.what())
+      logLine(refusal_ + "; the default device stands in");
   }
   return std::make_unique<AlsaPcm>(deviceName_);
 }
@@ -237,6 +245,7 @@ void AlsaOutput::fallAsleep() {
 
 void AlsaOutput::succeeded(const std::string& output) {
   const std::lock_guard lock(mutex_);
+  if (goal_ != Goal::play) return;  // nobody waits for it any more
   phase_ = Phase::playing;
   outputs_.used = output;
   if (isListed_)
@@ -259,12 +268,13 @@ void AlsaOutput::failed(const std::string& problem) {
 
 // Asking the cards takes longer than the thread that renders has time.
 void AlsaOutput::listOutputs() {
-  notifier_->async([this] {
-    // Where a sound server runs, the cards belong to it, and its mixer says which one plays.
-    const bool hasServer =
-        alsaDeviceLeadsTo("pulse", deviceName_) || alsaDeviceLeadsTo("jack", deviceName_);
-    outputsListed(hasServer ? std::vector<SoundOutput>() : alsaCardOutputs());
-  });
+  notifier_->async(
+      [this] { outputsListed(leadsToServer() ? std::vector<SoundOutput>() : alsaCardOutputs()); });
+}
+
+// Where a sound server runs, the cards belong to it, and its mixer says which one plays.
+bool AlsaOutput::leadsToServer() const {
+  return alsaDeviceLeadsTo("pulse", deviceName_) || alsaDeviceLeadsTo("jack", deviceName_);
 }
 
 void AlsaOutput::outputsListed(std::vector<SoundOutput> present) {

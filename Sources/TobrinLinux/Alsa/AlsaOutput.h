@@ -1,6 +1,7 @@
 /// Plays through ALSA, for desktops without a PipeWire server. Its thread ("Tobrin.Audio") renders.
 /// A chosen device that is not to be had is tried at each start, and when a card comes while it
-/// plays. While paused the device is closed, once it has played all it took, and the thread sleeps.
+/// plays; beside a sound server it is left to that. While paused the device is closed, once it has
+/// played all it took, and the thread sleeps.
 /// Thread: any.
 #pragma once
 
@@ -62,6 +63,7 @@ class AlsaOutput final : public AudioDevice {
   void failed(const std::string& problem);
   void notifyChanged();
   void listOutputs();
+  [[nodiscard]] bool leadsToServer() const;
   void outputsListed(std::vector<SoundOutput> present);
   void tellOutputs();
 
@@ -84,6 +86,7 @@ class AlsaOutput final : public AudioDevice {
   std::vector<float> left_;
   std::vector<float> right_;
   std::chrono::milliseconds retryPause_;
+  std::string refusal_;  // of the chosen device, last time
 
   WakeEvent wake_;
   // Calls `changed` off the thread, which `pause` may be waiting for.

@@ -74,6 +74,7 @@ Keyboard::Keyboard(std::string node, FileDescriptor file, libevdev* device)
     if (libevdev_get_event_value(device_, EV_KEY, key) != 0) held_.preset(key);
   }
   receiveOnly(fd(), EV_ABS, {});
+  receiveOnly(fd(), EV_MSC, {});  // touchpads have a time stamp there for each step of a finger
   hearMouse(MouseHearing::nothing);
 }
 

@@ -25,9 +25,16 @@ void FrontThread::stop() {
 
 void FrontThread::run(const Changed& changed) {
   nameThisThread("Tobrin.Front");
-  if (const auto feed = chosenFeed(); feed && follow(*feed, changed)) return;
-  // A display server that has gone takes the session along: there is nothing to come back to.
-  changed({.knowledge = Front::Knowledge::desktopDoesNotTell});
+  for (auto pause = pauses_.begin();; ++pause) {
+    if (const auto feed = chosenFeed(); feed && follow(*feed, changed)) return;
+    changed({.knowledge = Front::Knowledge::desktopDoesNotTell});
+    if (pause == pauses_.end() || endsWithin(*pause)) return;
+  }
+}
+
+bool FrontThread::endsWithin(std::chrono::milliseconds time) const {
+  pollfd wait{stop_.fd(), POLLIN, 0};
+  return retried([&] { return poll(&wait, 1, static_cast<int>(time.count())); }) != 0;
 }
 
 std::unique_ptr<FrontFeed> FrontThread::chosenFeed() const {

@@ -2,6 +2,7 @@
 /// first feed that has something to tell. It waits without waking up. Thread: main.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -18,8 +19,13 @@ class FrontThread final : public FrontWindow {
   /// Makes a feed; null where it is none for this session. Called on the watcher's thread.
   using MakeFeed = std::function<std::unique_ptr<FrontFeed>()>;
 
-  /// In order of preference.
-  explicit FrontThread(std::vector<MakeFeed> feeds) : feeds_(std::move(feeds)) {}
+  /// In order of preference. Where none has anything to tell, or the one that did is lost, all are
+  /// asked again after each of the pauses: a desktop that has just begun may be late.
+  explicit FrontThread(std::vector<MakeFeed> feeds,
+                       std::vector<std::chrono::milliseconds> pauses = {std::chrono::seconds(3),
+                                                                        std::chrono::seconds(15),
+                                                                        std::chrono::seconds(60)})
+      : feeds_(std::move(feeds)), pauses_(std::move(pauses)) {}
   ~FrontThread() override { stop(); }
 
   void start(Changed changed) override;
@@ -28,10 +34,12 @@ class FrontThread final : public FrontWindow {
  private:
   void run(const Changed& changed);
   [[nodiscard]] std::unique_ptr<FrontFeed> chosenFeed() const;
+  [[nodiscard]] bool endsWithin(std::chrono::milliseconds time) const;
   /// Until it is to end; false where the connection was lost before.
   bool follow(FrontFeed& feed, const Changed& changed);
 
   const std::vector<MakeFeed> feeds_;
+  const std::vector<std::chrono::milliseconds> pauses_;
   WakeEvent stop_;
   std::thread thread_;
 };

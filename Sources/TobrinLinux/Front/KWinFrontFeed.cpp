@@ -20,7 +20,10 @@ void KWinFrontFeed::LoopUnref::operator()(sd_event* loop) const {
 }
 
 KWinFrontFeed::KWinFrontFeed(std::string script) : script_(std::move(script)) {
-  if (!connect() || owner().empty() || !listen() || !load()) loop_.reset();
+  const bool hasKWin = connect() && !owner().empty() && listen();
+  if (hasKWin && load()) return;
+  if (hasKWin) unload();  // it may only have been late with its answer
+  loop_.reset();
 }
 
 KWinFrontFeed::~KWinFrontFeed() {
@@ -88,7 +91,7 @@ bool KWinFrontFeed::process(const Report& report) {
   while (sd_event_run(loop_.get(), 0) > 0) {
   }
   report_ = nullptr;
-  return sd_bus_is_open(bus_.get()) > 0;
+  return !isLost_ && sd_bus_is_open(bus_.get()) > 0;
 }
 
 int KWinFrontFeed::reported(sd_bus_message* report, void* self, sd_bus_error*) {
@@ -107,8 +110,10 @@ int KWinFrontFeed::ownerChanged(sd_bus_message* notice, void* self, sd_bus_error
   const char *name = "", *newOwner = "";
   sd_bus_message_read(notice, "sss", &name, nullptr, &newOwner);
   if (std::string(name) != kwin || newOwner == feed.kwin_) return 0;
-  if (*newOwner == '\0' || !feed.load())
+  if (*newOwner == '\0')
     (*feed.report_)({.knowledge = Front::Knowledge::desktopDoesNotTell});
+  else
+    feed.isLost_ = !feed.load();
   return 0;
 }
 

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "Base/LowerCase.h"
 #include "Base/MachTime.h"
 #include "Base/MouseButton.h"
 #include "Evdev/KeyCodes.h"
@@ -27,6 +28,12 @@ struct EventMask {
   xcb_input_event_mask_t head;
   uint32_t mask;
 };
+
+/// Two fingers on a touchpad turn a wheel, too, without a notch that anybody feels.
+bool isTouchpad(const std::string& name) {
+  const std::string lower = lowerCase(name);
+  return lower.find("touchpad") != std::string::npos || lower.find("trackpad") != std::string::npos;
+}
 
 }  // namespace
 
@@ -156,7 +163,8 @@ void XKeySource::takeButton(const xcb_generic_event_t& event, HeldKeys::Change c
     if (const auto told = mouse.take(kernelButtonOf(raw.detail), change, time)) sink(*told);
     return;
   }
-  if (change == HeldKeys::Change::press && mouse_.hearing() == MouseHearing::buttonsAndWheel)
+  const bool isHeard = mouse_.hearing() == MouseHearing::buttonsAndWheel;
+  if (change == HeldKeys::Change::press && isHeard && !isTouchpad(mouse.name()))
     sink({.code = codeOf(MouseButton::wheel), .time = time, .keyboard = mouse.name()});
 }
 

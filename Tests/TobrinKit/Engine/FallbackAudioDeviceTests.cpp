@@ -42,9 +42,14 @@ TEST(FallbackAudioDevice, PlaysOnTheOtherDeviceUntilTheFirstRuns) {
   EXPECT_EQ(owner.used, "server's");
   owner.first->refusal = "no server";
   owner.mayFallBack = false;
+  owner.device.findOutputs();
   EXPECT_FALSE(owner.device.start());
   EXPECT_EQ(owner.second->starts, 0);
   owner.mayFallBack = true;
+  owner.device.findOutputs();
+  EXPECT_EQ(owner.first->searches, 2);
+  EXPECT_EQ(owner.second->searches, 1) << "of the cards, before anything was played";
+  EXPECT_EQ(owner.second->starts, 0);
   EXPECT_TRUE(owner.device.start());
   EXPECT_TRUE(Owner::sounds(*owner.second));
   EXPECT_EQ(owner.second->chosen, "the loud one");

@@ -2,7 +2,10 @@
 
 #include <alsa/asoundlib.h>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <fstream>
@@ -126,9 +129,32 @@ TEST_F(AlsaOutputTest, TheDefaultStandsInForAChosenDeviceThatIsAway) {
   folder_.write("later.conf", "pcm.chosen { type null }");
   ASSERT_TRUE(output.start());
   EXPECT_TRUE(plays("chosen"));
+  EXPECT_EQ(output.description(), "ALSA, chosen");
   output.choose("");
   EXPECT_TRUE(plays("usual")) << "while it plays";
   EXPECT_FALSE(player_.overlapped);
+
+  configure("pcm.usual { type pulse }\npcm.chosen { type null }");
+  AlsaOutput beside("usual");
+  beside.setCallbacks(player_.callbacks());
+  beside.choose("chosen");
+  EXPECT_FALSE(beside.start()) << "the cards belong to the server";
+}
+
+TEST_F(AlsaOutputTest, ADeviceThatDoesNotAnswerStopsNobody) {
+  ASSERT_EQ(mkfifo(recorded().c_str(), 0600), 0);  // opening it waits for a reader
+  configure("pcm.hung { type file slave.pcm { type null } format raw file \"" + recorded() +
+            "\" }");
+  AlsaOutput output("hung");
+  output.setCallbacks(player_.callbacks());
+  EXPECT_FALSE(output.start());
+  EXPECT_EQ(output.problem(), "the ALSA device 'hung' does not answer");
+  output.pause();
+  const int reader = open(recorded().c_str(), O_RDONLY | O_NONBLOCK);
+  EXPECT_TRUE(output.start()) << output.problem();
+  EXPECT_TRUE(eventually([&] { return player_.blocks > 0; }));
+  output.pause();
+  close(reader);
 }
 
 TEST_F(AlsaOutputTest, JackDoesNotComplainAtEveryTry) {

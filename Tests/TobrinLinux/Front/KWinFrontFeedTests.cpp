@@ -13,9 +13,13 @@
 namespace tobrin {
 namespace {
 
+using namespace std::chrono_literals;
+
 /// What KWin does with a script, and what the script then does.
 class FakeKWin {
  public:
+  explicit FakeKWin(int howOftenItRefuses = 0) : refusals_(howOftenItRefuses) {}
+
   void tell(const Front& front) {
     const std::scoped_lock lock(mutex_);
     toTell_.push_back(front);
@@ -32,7 +36,7 @@ class FakeKWin {
     auto& kwin = *static_cast<FakeKWin*>(self);
     const std::scoped_lock lock(kwin.mutex_);
     kwin.calls_ += letter;
-    if (letter == '+') return sd_bus_reply_method_return(call, "i", 7);
+    if (letter == '+') return sd_bus_reply_method_return(call, "i", kwin.refusals_-- > 0 ? -1 : 7);
     return letter == '-' ? sd_bus_reply_method_return(call, "b", 1)
                          : sd_bus_reply_method_return(call, "");
   }
@@ -53,6 +57,7 @@ class FakeKWin {
       SD_BUS_METHOD("start", "", "", &take<'!'>, SD_BUS_VTABLE_UNPRIVILEGED), SD_BUS_VTABLE_END};
 
   std::mutex mutex_;
+  int refusals_;  // of the script, that are left
   std::string calls_;
   std::vector<Front> toTell_;
   testing::BusService service_{&sd_bus_open_user,
@@ -67,7 +72,7 @@ class FakeKWin {
 TEST(KWinFrontFeed, FollowsWhatTheScriptReportsAndTakesItAway) {
   const testing::PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
   EXPECT_EQ(KWinFrontFeed("script").descriptor(), -1) << "no KWin";
-  std::optional<FakeKWin> kwin(std::in_place);
+  std::optional<FakeKWin> kwin(1);
   std::mutex mutex;
   std::vector<Front> told;
   const auto lastIs = [&](const Front& expected) {
@@ -80,16 +85,16 @@ TEST(KWinFrontFeed, FollowsWhatTheScriptReportsAndTakesItAway) {
     const std::scoped_lock lock(mutex);
     return told.size();
   };
-  FrontThread window({[] { return std::make_unique<KWinFrontFeed>("script"); }});
+  FrontThread window({[] { return std::make_unique<KWinFrontFeed>("script"); }}, {1ms, 1ms});
   window.start([&](const Front& front) {
     const std::scoped_lock lock(mutex);
     told.push_back(front);
   });
-  ASSERT_TRUE(testing::eventually([&] { return kwin->calls() == "-+!"; })) << kwin->calls();
+  ASSERT_TRUE(testing::eventually([&] { return kwin->calls() == "-+--+!"; })) << kwin->calls();
   kwin->tell({.app = "editor"});
   kwin->tell({.app = "tobrin"});
   EXPECT_TRUE(lastIs({.app = "tobrin"}));
-  EXPECT_EQ(count(), 2U) << "the one before the panel is not passed over";
+  EXPECT_EQ(count(), 3U) << "the one before the panel is not passed over";
 
   sd_bus* stranger = nullptr;
   ASSERT_GE(sd_bus_open_user(&stranger), 0);
@@ -98,12 +103,12 @@ TEST(KWinFrontFeed, FollowsWhatTheScriptReportsAndTakesItAway) {
   sd_bus_flush_close_unref(stranger);
   kwin.reset();
   EXPECT_TRUE(lastIs({.knowledge = Front::Knowledge::desktopDoesNotTell}));
-  EXPECT_EQ(count(), 3U) << "nobody else is believed";
-  kwin.emplace();
+  EXPECT_EQ(count(), 4U) << "nobody else is believed";
+  kwin.emplace(1);
   kwin->tell({.app = "editor", .fillsScreen = true});
   EXPECT_TRUE(lastIs({.app = "editor", .fillsScreen = true})) << "it has started again";
   window.stop();
-  EXPECT_EQ(kwin->calls(), "-+!-");
+  EXPECT_EQ(kwin->calls(), "-+--+!-");
 }
 
 }  // namespace
