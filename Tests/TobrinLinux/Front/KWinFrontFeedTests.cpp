@@ -105,6 +105,7 @@ TEST(KWinFrontFeed, FollowsWhatTheScriptReportsAndTakesItAway) {
   EXPECT_TRUE(lastIs({.knowledge = Front::Knowledge::desktopDoesNotTell}));
   EXPECT_EQ(count(), 4U) << "nobody else is believed";
   kwin.emplace(1);
+  EXPECT_TRUE(testing::eventually([&] { return kwin->calls() == "-+--+!"; })) << kwin->calls();
   kwin->tell({.app = "editor", .fillsScreen = true});
   EXPECT_TRUE(lastIs({.app = "editor", .fillsScreen = true})) << "it has started again";
   window.stop();
