@@ -1,7 +1,9 @@
 // Packs of other programs, composed here with every fault that is seen in theirs.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <cmath>
+#include <csignal>
 #include <nlohmann/json.hpp>
 #include <span>
 #include <sstream>
@@ -10,6 +12,7 @@
 #include "Packs/SampleBuffer.h"
 #include "RunWorkshop.h"
 #include "Support/ForeignPacks.h"
+#include "Support/InChild.h"
 #include "Support/KeptText.h"
 
 namespace tobrin {
@@ -195,6 +198,14 @@ TEST(ImportCommand, RefusesWhatIsNoPackOrTooMuchOfOneAndLeavesTheFolderAlone) {
     text += with(outcome.err, folder.path(), "");
     EXPECT_TRUE(fs::is_empty(into)) << source;
   }
+  EXPECT_EQ(testing::inChild([&] {  // the disk is full, or nearly so
+              signal(SIGXFSZ, SIG_IGN);
+              const rlimit small{.rlim_cur = 4096, .rlim_max = 4096};
+              setrlimit(RLIMIT_FSIZE, &small);
+              const Outcome outcome = run({"import", folder.path() / "whole.zip", "--into", into});
+              return outcome.err.find("File too large") == std::string::npos ? 1 : 0;
+            }),
+            0);
   testing::expectKeptText(text, "TobrinPacks/refused.txt");
 }
 
@@ -257,10 +268,21 @@ TEST(InstallCommand, PutsAnExportedPackInPlaceOfTheOldOneAndKeepsThatWhereTheNew
   ASSERT_EQ(run({"install", file}).status, 0);
   EXPECT_EQ(testing::filesIn(packs / "named"), testing::filesIn(folder.path() / "made"));
 
+  const std::string again = folder.path() / "made/named.tobrinpack";
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_EQ(run({"export", folder.path() / "made", "--out", again}).status, 0);
+    EXPECT_TRUE(testing::contentOf(again) == testing::contentOf(file)) << "it holds itself";
+  }
+
   testing::writeFiles(packs / "named", {{"old", ""}});
   ArchiveMaker(folder.path() / "sprite.zip", ARCHIVE_FORMAT_ZIP).add(foreign::sprite());
   ArchiveMaker(folder.path() / "wrapped.zip", ARCHIVE_FORMAT_ZIP)
-      .add("a/pack.json", testing::contentOf(packs / "named/pack.json"));
+      .add("a/pack.json", testing::contentOf(packs / "named/pack.json"))
+      .add("a/pack.json", "{}");
+  fs::create_directory(folder.path() / "bare");
+  fs::copy(packs / "named/pack.json", folder.path() / "bare");
+  const Outcome bare = run({"install", folder.path() / "bare/"});
+  EXPECT_NE(bare.err.find("bare: Can't read press-1-"), std::string::npos) << bare.err;
   const Outcome broken =
       run({"install", folder.path() / "sprite.zip", folder.path() / "wrapped.zip"});
   EXPECT_EQ(broken.status, 1);
@@ -271,6 +293,10 @@ TEST(InstallCommand, PutsAnExportedPackInPlaceOfTheOldOneAndKeepsThatWhereTheNew
   EXPECT_EQ(both.status, 0) << both.err;
   EXPECT_FALSE(fs::exists(packs / "named/old"));
   EXPECT_EQ(std::distance(fs::directory_iterator(packs), {}), 2) << "nothing lies next to them";
+  fs::copy(packs / "named", packs / "named (copy)");
+  testing::writeFiles(packs / "named (copy)", {{"old", ""}});
+  ASSERT_EQ(run({"install", file}).status, 0);
+  EXPECT_FALSE(fs::exists(packs / "named (copy)/old")) << "of two that is the one that plays";
   const Outcome unlicensed = run({"export", packs / "sprite", "--out", file});
   EXPECT_NE(unlicensed.err.find("licence"), std::string::npos);
 }

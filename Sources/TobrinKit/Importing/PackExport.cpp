@@ -3,9 +3,12 @@
 #include <archive.h>
 #include <archive_entry.h>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "Base/AtomicFile.h"
 #include "Importing/ImportError.h"
@@ -74,6 +77,15 @@ bool isHidden(const std::string& name) {
   return name.starts_with('.') || name.find("/.") != std::string::npos;
 }
 
+/// What others get: nothing hidden, and no file that was exported into the folder itself.
+SourceFiles toHandOn(const SourceFiles& files) {
+  std::vector<SourceFiles::File> chosen;
+  std::ranges::copy_if(files.all(), std::back_inserter(chosen), [](const auto& file) {
+    return !isHidden(file.name) && !file.name.ends_with(PackExport::extension);
+  });
+  return SourceFiles(std::move(chosen));
+}
+
 /// What `install` takes, export may write.
 void demandInstallable(const SourceFiles& files) {
   uint64_t bytes = 0;
@@ -90,12 +102,12 @@ void demandInstallable(const SourceFiles& files) {
 PackManifest PackExport::run(const fs::path& packFolder, const fs::path& file) {
   const auto pack = loadPack(PackInfo::read(packFolder, false), SoundLoader::rate);
   ImportNotes links;  // those that leave the folder are no part of a pack that loads
-  const SourceFiles files = SourceFiles::ofFolder(packFolder, links);
+  const SourceFiles files = toHandOn(SourceFiles::ofFolder(packFolder, links));
   demandInstallable(files);
   const Utf8Names names;
   ZipWriter zip;
   for (const auto& each : files.all())
-    if (!isHidden(each.name)) zip.add(each.name, SourceFiles::read(each, SourceFiles::mostBytes));
+    zip.add(each.name, SourceFiles::read(each, SourceFiles::mostBytes));
   writeFileAtomically(file, std::move(zip).finish());
   return pack->manifest();
 }

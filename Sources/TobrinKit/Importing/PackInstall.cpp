@@ -36,16 +36,19 @@ void copyFolder(const SourceFiles& files, std::string_view folder, const fs::pat
     if (!file.name.starts_with(prefix)) continue;
     const fs::path copy = into / file.name.substr(prefix.size());
     fs::create_directories(copy.parent_path());
-    fs::copy_file(file.path, copy);
+    // An archive may hold a name twice; its description, too, is the first of that name.
+    fs::copy_file(file.path, copy, fs::copy_options::skip_existing);
   }
 }
 
 /// Where a pack goes: in place of the one with its id, else into a folder that is still free.
 fs::path placeFor(const std::string& id, const fs::path& packsFolder) {
+  fs::path place;
   for (const PackInfo& pack : discoverPacks(packsFolder, false))
-    if (pack.id == id) return pack.directory;
+    if (pack.id == id) place = pack.directory;  // of several the last is the one that plays
+  if (!place.empty()) return place;
   const std::string name = folderNameOf(id);
-  fs::path place = packsFolder / name;
+  place = packsFolder / name;
   for (int number = 2; fs::exists(fs::symlink_status(place)); ++number)
     place = packsFolder / (name + "-" + std::to_string(number));
   return place;
@@ -57,7 +60,8 @@ PackInstall::PackInstall(const fs::path& source, const fs::path& packsFolder,
                          const PackImport::Services& services, const PackImport::Progress& progress)
     : packsFolder_(packsFolder), services_(services) {
   const auto named = [&](Kind kind, const std::exception& error) {
-    const std::string name = source.filename().string();
+    const fs::path bare = source.has_filename() ? source : source.parent_path();
+    const std::string name = bare.filename().string();
     std::string text = error.what();
     // Errors of the copy that is prepared name its folder.
     const std::string aside = folder_ ? folder_->aside().filename().string() : name;

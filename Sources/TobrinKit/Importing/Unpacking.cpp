@@ -4,6 +4,7 @@
 #include <archive_entry.h>
 
 #include <array>
+#include <cerrno>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -99,6 +100,7 @@ class Unpacker {
   /// The bytes are counted as they come: what an archive claims need not be so.
   uint64_t write(const fs::path& path) {
     std::ofstream out(path, std::ios::binary);
+    demandWritten(out, path);
     uint64_t bytes = 0;
     for (;;) {
       const la_ssize_t count = archive_read_data(archive_.get(), buffer_.data(), buffer_.size());
@@ -106,12 +108,18 @@ class Unpacker {
       if (count == 0) break;
       bytes += static_cast<uint64_t>(count);
       if (unpacked_ + bytes > SourceFiles::mostBytes) failTooLarge();
-      out.write(buffer_.data(), static_cast<std::streamsize>(count));
+      demandWritten(out.write(buffer_.data(), static_cast<std::streamsize>(count)), path);
     }
     unpacked_ += bytes;
-    if (!out.flush())
-      throw fs::filesystem_error("can't unpack", path, std::make_error_code(std::errc::io_error));
+    demandWritten(out.flush(), path);
     return bytes;
+  }
+
+  /// At once, while the system still knows why it failed.
+  static void demandWritten(const std::ostream& out, const fs::path& path) {
+    if (!out)
+      throw fs::filesystem_error("can't unpack", path,
+                                 std::error_code(errno, std::generic_category()));
   }
 
   [[noreturn]] void fail() const {
