@@ -3,12 +3,14 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <optional>
 #include <stdexcept>
 #include <thread>
 
 #include "Base/ExchangeFolders.h"
+#include "Building/PackFolder.h"
 #include "Commands.h"
 #include "Desktop/SessionKeys.h"
 #include "Desktop/SessionSound.h"
@@ -153,15 +155,8 @@ nlohmann::ordered_json asJson(const KeyedTakes& takes, const std::string& id,
           {"lufs", lufs}};
 }
 
-void run(const Options& options, const CommandStreams& streams) {
-  KeyboardRecorder recorder(makeSoundCapture());
-  KeyMonitorOptions listening;
-  listening.onThreadStart = prepareTimelyThread;
-  KeyMonitor keys(
-      makeKeySource(), [&](const KeyEvent& event) { recorder.addKey(event); },
-      std::move(listening));
-  const KeyedRecording recording = record(recorder, keys, options, streams.err);
-  if (!options.keep.empty()) keep(recording, options.keep);
+void makePack(const KeyedRecording& recording, const Options& options,
+              const CommandStreams& streams) {
   const KeyedTakes takes = findKeyedTakes(recording);
   streams.err << takes.report << std::endl;
   const std::string id = importedId(options.name);
@@ -176,6 +171,26 @@ void run(const Options& options, const CommandStreams& streams) {
     printJson(asJson(takes, id, options, lufs), streams.out);
   else
     streams.out << printable(options.name + " (" + id + ") in " + options.into) << '\n';
+}
+
+void run(const Options& options, const CommandStreams& streams) {
+  // Somebody is about to type for minutes: whether the pack can be written is tried before.
+  (void)PackFolder(options.into);
+  KeyboardRecorder recorder(makeSoundCapture());
+  KeyMonitorOptions listening;
+  listening.onThreadStart = prepareTimelyThread;
+  KeyMonitor keys(
+      makeKeySource(), [&](const KeyEvent& event) { recorder.addKey(event); },
+      std::move(listening));
+  const KeyedRecording recording = record(recorder, keys, options, streams.err);
+  std::exception_ptr notKept;
+  try {
+    if (!options.keep.empty()) keep(recording, options.keep);
+  } catch (...) {
+    notKept = std::current_exception();  // there is a pack all the same
+  }
+  makePack(recording, options, streams);
+  if (notKept) std::rethrow_exception(notKept);
 }
 
 constexpr const char* footer = R"(

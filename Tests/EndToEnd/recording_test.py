@@ -102,6 +102,14 @@ class RecordingTest(DesktopTest):
                 forms.append(likeness)
         self.assertGreater(sorted(forms)[len(forms) // 2], 0.93)
 
+    def test_says_before_the_typing_that_a_folder_is_no_pack(self):
+        letters = self.folder / "letters"
+        letters.mkdir()
+        (letters / "first.txt").write_text("dear")
+        run = subprocess.run([WORKSHOP, "record", "--into", letters, "--seconds", "1"], capture_output=True, text=True)
+        self.assertEqual((run.returncode, run.stderr),
+                         (1, f"tobrin-packs: {letters} exists and is no sound pack; it was left alone\n"))
+
     def test_says_which_microphones_there_are(self):
         run = subprocess.run([WORKSHOP, "record", "--into", self.folder / "mine", "--source", "nothing"], capture_output=True, text=True)
         self.assertEqual((run.returncode, run.stdout), (1, ""))
