@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""What happens around a microphone, and the self-test: diagnostics_test.py PROGRAM PACKS, in a desktop session."""
+"""What happens around a microphone, the self-test, and files that are no packs:
+diagnostics_test.py PROGRAM PACKS, in a desktop session."""
 
 import os
 import pathlib
@@ -49,6 +50,18 @@ class MicTest(DesktopTest):
         peaks = [each.peak_db for each in matches]
         # A click's first samples are its loudest: had its beginning been lost, it would be fainter.
         self.assertGreater(peaks[0], min(peaks[1:]) - 3, peaks)
+
+
+class DoubleClickTest(DesktopTest):
+    def test_the_desktop_shows_why_a_file_is_no_pack(self):
+        broken = self.folder / "broken & more.tobrinpack"
+        broken.write_text("hello")
+        with Background(["dbus-monitor", "--session", "member=Notify"]) as bus:
+            bus.wait_for("NameLost")  # it listens
+            done = subprocess.run([PROGRAM, broken], capture_output=True, text=True, timeout=60, check=False)
+            self.assertEqual(done.returncode, 1, done.stderr)
+            self.assertIn("is no archive that can be read", done.stderr)
+            bus.wait_for("broken &amp; more.tobrinpack can't be added: ")
 
 
 class SelfTest(unittest.TestCase):

@@ -17,9 +17,13 @@ TEST(CLI, ReadsSeconds) {
 }
 
 TEST(CLI, TakesOnlyTheWordsItKnows) {
+  ::testing::internal::CaptureStderr();
   for (const char* word : {"--bogus", "--Help", "help", "", "-hh"})
     EXPECT_EQ(runDiagnostic({word}), std::nullopt) << word;
   EXPECT_EQ(runDiagnostic({}), std::nullopt);
+  const std::string said = ::testing::internal::GetCapturedStderr();
+  EXPECT_NE(said.find("no option --bogus (see"), std::string::npos) << said;
+  EXPECT_NE(said.find("no file help; starting"), std::string::npos) << said;
 }
 
 TEST(CLI, SaysHowItIsUsed) {

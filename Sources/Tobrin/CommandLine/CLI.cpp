@@ -54,12 +54,14 @@ std::optional<int> runDiagnostic(const std::vector<std::string>& arguments) {
   }
   if (first == "--selftest") return runSelfTest();
   if (first == "--snapshot") return drawSnapshot({arguments.begin() + 1, arguments.end()});
-  if (areFiles(arguments)) return installFiles(arguments) ? std::nullopt : std::optional(1);
-  if (first && first->starts_with('-') && !isOurOwn(*first)) {
-    std::fprintf(stderr, "tobrin: there is no option %s (see --help); starting without it.\n",
-                 first->c_str());
+  if (first && first->starts_with('-')) {
+    if (!isOurOwn(*first))
+      std::fprintf(stderr, "tobrin: there is no option %s (see --help); starting without it.\n",
+                   first->c_str());
+    return std::nullopt;
   }
-  return std::nullopt;
+  const std::vector<std::string> files = filesAmong(arguments);
+  return files.empty() || installFiles(files) ? std::nullopt : std::optional(1);
 }
 
 double parseSeconds(const std::optional<std::string>& text, double fallback) {

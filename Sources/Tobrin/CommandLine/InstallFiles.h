@@ -6,12 +6,13 @@
 
 namespace tobrin {
 
-/// Whether the arguments of `tobrin` are files to install.
-bool areFiles(const std::vector<std::string>& arguments);
+/// Those of the arguments of `tobrin` that are files to install. Says on standard error which are
+/// no files.
+std::vector<std::string> filesAmong(const std::vector<std::string>& arguments);
 
 /// Runs the pack workshop on the files and waits for it, so that its libraries do not stay in the
 /// memory of a program that runs all day. False, with the reason on standard error and in the
-/// system's log, where nothing was put in place.
+/// system's log, where nothing was put in place; without a terminal the desktop shows it, too.
 bool installFiles(const std::vector<std::string>& files);
 
 }  // namespace tobrin
