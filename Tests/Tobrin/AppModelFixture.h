@@ -54,7 +54,8 @@ struct MemorySettings final : SettingsStore {
 struct TestDesktop final : Workspace, LoginItem {
   bool startsAtLogin = false;
   bool isAccessWide = false;  ///< an older grant is in force
-  std::string refusal;        ///< why actions fail; empty: they succeed
+  bool hasNewVersion = false;
+  std::string refusal;  ///< why actions fail; empty: they succeed
   std::vector<std::string> actions;
   std::function<void()> onWake, onTerminate;
   std::function<void(bool)> onLock;
@@ -76,6 +77,7 @@ struct TestDesktop final : Workspace, LoginItem {
     onEnd(problem);
   }
   void giveBackKeyAccess(OnEnd onEnd) override { onEnd(act("no access")); }
+  [[nodiscard]] bool isUpdated() const override { return hasNewVersion; }
   std::string relaunch() override { return act("relaunch"); }
   void terminate() override { actions.emplace_back("terminate"); }
 

@@ -179,6 +179,10 @@ void DesktopWorkspace::takeRemovalReport() {
   onRemovalEnd_(removalProblem(removalText_));
 }
 
+bool DesktopWorkspace::isUpdated() const {
+  return isThisProgramReplaced();
+}
+
 std::string DesktopWorkspace::relaunch() {
   return launcher_.start(Errand::relaunch);
 }

@@ -29,6 +29,7 @@ class DesktopWorkspace final : public Workspace {
   bool canNarrowKeyAccess() override;
   void narrowKeyAccess(OnEnd onEnd) override;
   void giveBackKeyAccess(OnEnd onEnd) override;
+  [[nodiscard]] bool isUpdated() const override;
   std::string relaunch() override;
   void terminate() override;
 

@@ -85,5 +85,8 @@ class PanelModule {
 
 }  // namespace tobrin
 
-Q_DECLARE_INTERFACE(tobrin::TrayModule, "app.tobrin.TrayModule")
-Q_DECLARE_INTERFACE(tobrin::PanelModule, "app.tobrin.PanelModule")
+// By the version a program that runs while it is updated knows that a library is not its own.
+#define TOBRIN_TRAY_MODULE "app.tobrin.TrayModule/" TOBRIN_VERSION
+#define TOBRIN_PANEL_MODULE "app.tobrin.PanelModule/" TOBRIN_VERSION
+Q_DECLARE_INTERFACE(tobrin::TrayModule, TOBRIN_TRAY_MODULE)
+Q_DECLARE_INTERFACE(tobrin::PanelModule, TOBRIN_PANEL_MODULE)

@@ -8,7 +8,9 @@ namespace tobrin {
 
 KeyAccess::KeyAccess(Services services)
     : services_(std::move(services)),
-      watch_(services_.monitor, services_.main, [this] { services_.onChange(); }) {}
+      watch_(
+          services_.monitor, services_.main, [this] { return services_.workspace.isUpdated(); },
+          [this] { services_.onChange(); }) {}
 
 void KeyAccess::look() {
   lookForWide();

@@ -16,20 +16,23 @@ constexpr double relaunchAfterMs = 3000;  // access granted, but no key source f
 }  // namespace
 
 KeyAccessWatch::KeyAccessWatch(KeyMonitor& monitor, SerialQueue& main,
-                               std::function<void()> onChange)
-    : monitor_(monitor), main_(main), onChange_(std::move(onChange)) {}
+                               std::function<bool()> isUpdated, std::function<void()> onChange)
+    : monitor_(monitor),
+      main_(main),
+      isUpdated_(std::move(isUpdated)),
+      onChange_(std::move(onChange)) {}
 
 void KeyAccessWatch::start() {
   if (monitor_.start()) return publishListening();
   const bool granted = monitor_.hasPermission();
-  publish({.hasPermission = granted, .needsRelaunch = state_.needsRelaunch});
+  publishWaiting(granted);
   if (!granted) monitor_.requestPermission();
   lookLater();
 }
 
 void KeyAccessWatch::monitorChanged() {
   if (monitor_.isRunning()) return publishListening();
-  publish({.hasPermission = monitor_.hasPermission()});
+  publishWaiting(monitor_.hasPermission());
   lookLater();
 }
 
@@ -39,6 +42,10 @@ void KeyAccessWatch::publishListening() {
            .listening = true,
            .pause = monitor_.pause(),
            .hearsWhileLocked = monitor_.goesOnWhileLocked()});
+}
+
+void KeyAccessWatch::publishWaiting(bool granted) {
+  publish({.hasPermission = granted, .needsRelaunch = state_.needsRelaunch || isUpdated_()});
 }
 
 void KeyAccessWatch::lookLater() {
@@ -55,7 +62,7 @@ void KeyAccessWatch::lookLater() {
 void KeyAccessWatch::look() {
   if (state_.listening) return;
   const bool granted = monitor_.hasPermission();
-  publish({.hasPermission = granted, .needsRelaunch = state_.needsRelaunch});
+  publishWaiting(granted);
   if (!granted) return;
   start();
   if (state_.listening) return;

@@ -18,7 +18,7 @@ class KeyAccessWatch final {
   struct State {
     bool hasPermission = false;
     bool listening = false;
-    bool needsRelaunch = false;       ///< access was granted, but no keys come
+    bool needsRelaunch = false;  ///< access was granted, or the program updated, but no keys come
     KeyPause pause = KeyPause::none;  ///< while listening
     bool hearsWhileLocked = true;     ///< while listening
 
@@ -26,8 +26,10 @@ class KeyAccessWatch final {
   };
 
   /// `monitor` and `main`, the queue of the main thread, are borrowed and outlive this object.
-  /// `onChange` is called whenever the state has changed.
-  KeyAccessWatch(KeyMonitor& monitor, SerialQueue& main, std::function<void()> onChange);
+  /// `isUpdated` says whether the program was updated while it runs: the new one's service for keys
+  /// refuses the old one. `onChange` is called whenever the state has changed.
+  KeyAccessWatch(KeyMonitor& monitor, SerialQueue& main, std::function<bool()> isUpdated,
+                 std::function<void()> onChange);
 
   /// Listens, or waits for access to do so.
   void start();
@@ -42,10 +44,12 @@ class KeyAccessWatch final {
  private:
   void lookLater();
   void publishListening();
+  void publishWaiting(bool granted);
   void publish(const State& state);
 
   KeyMonitor& monitor_;
   SerialQueue& main_;
+  std::function<bool()> isUpdated_;
   std::function<void()> onChange_;
 
   State state_;

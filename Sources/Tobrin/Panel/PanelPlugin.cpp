@@ -6,7 +6,7 @@ namespace tobrin {
 /// By this the application finds what this library offers.
 class PanelPlugin final : public QObject, public PanelModule {
   Q_OBJECT
-  Q_PLUGIN_METADATA(IID "app.tobrin.PanelModule")
+  Q_PLUGIN_METADATA(IID TOBRIN_PANEL_MODULE)
   Q_INTERFACES(tobrin::PanelModule)
 
  public:

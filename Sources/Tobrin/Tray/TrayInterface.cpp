@@ -10,6 +10,7 @@
 #include "Application/Application.h"
 #include "Application/Modules.h"
 #include "Application/Translation.h"
+#include "Base/SystemFolders.h"
 #include "Model/AppModel.h"
 #include "Tray/TrayIcon.h"
 
@@ -174,7 +175,10 @@ Panel* TrayInterface::panel() {
   unload_.stop();
   if (panel_) return panel_.get();
   const PanelModule* const library = loadPanelModule();
-  if (library == nullptr) return nullptr;
+  if (library == nullptr) {
+    if (isThisProgramReplaced()) model_->desktop().relaunch();  // the panel is the new program's
+    return nullptr;
+  }
   panel_ = library->makePanel(*model_, [this] { panelClosed(); });
   panel_->setLook(appearance_->look());
   return panel_.get();

@@ -5,7 +5,7 @@ namespace tobrin {
 /// By this the application finds what this library offers.
 class TrayPlugin final : public QObject, public TrayModule {
   Q_OBJECT
-  Q_PLUGIN_METADATA(IID "app.tobrin.TrayModule")
+  Q_PLUGIN_METADATA(IID TOBRIN_TRAY_MODULE)
   Q_INTERFACES(tobrin::TrayModule)
 
  public:

@@ -23,4 +23,8 @@ fs::path thisProgram() {
   return fs::read_symlink("/proc/self/exe", unknown);
 }
 
+bool isThisProgramReplaced() {
+  return thisProgram().native().ends_with(" (deleted)");  // the kernel's words
+}
+
 }  // namespace tobrin

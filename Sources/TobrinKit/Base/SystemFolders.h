@@ -11,4 +11,7 @@ std::filesystem::path recordedHomeFolder();
 /// The file that this program runs from; empty where the system does not tell.
 std::filesystem::path thisProgram();
 
+/// Whether that file is no longer there under its name, as after an update.
+bool isThisProgramReplaced();
+
 }  // namespace tobrin

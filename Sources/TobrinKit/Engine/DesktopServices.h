@@ -40,6 +40,8 @@ class Workspace {
   virtual void narrowKeyAccess(OnEnd onEnd) = 0;
   /// Gives that access back.
   virtual void giveBackKeyAccess(OnEnd onEnd) = 0;
+  /// Whether another version of the program has been installed while this one runs.
+  [[nodiscard]] virtual bool isUpdated() const = 0;
   /// Starts a new instance of the program, which waits for this one to end; returns why it failed.
   virtual std::string relaunch() = 0;
   /// Ends this instance.

@@ -3,6 +3,9 @@
 #include <fcntl.h>
 #include <systemd/sd-bus.h>
 
+#include <cstring>
+
+#include "Base/SystemFolders.h"
 #include "Evdev/KeyRecord.h"
 #include "System/SystemBus.h"
 
@@ -32,12 +35,18 @@ Answer call(const char* method) {
   sd_bus_call_method(bus, keyBrokerName, keyBrokerPath, keyBrokerName, method, &error, &message,
                      nullptr);
   answer.message.reset(message);
-  if (message == nullptr && error.message != nullptr) answer.problem = error.message;
+  if (message == nullptr) answer.problem = refusal(error.name, error.message);
   sd_bus_error_free(&error);
   return answer;
 }
 
 }  // namespace
+
+std::string refusal(const char* name, const char* text) {
+  const bool isForeign = name != nullptr && std::strcmp(name, keyBrokerNotTobrin) == 0;
+  if (isForeign && isThisProgramReplaced()) return "Tobrin was updated: start it again";
+  return text == nullptr ? "" : text;
+}
 
 bool isAllowed() {
   const Answer answer = call("IsAllowed");

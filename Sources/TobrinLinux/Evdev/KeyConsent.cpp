@@ -7,6 +7,7 @@
 #include <cstring>
 #include <utility>
 
+#include "Evdev/KeyBroker.h"
 #include "Evdev/KeyRecord.h"
 #include "System/SystemBus.h"
 
@@ -36,7 +37,7 @@ struct KeyConsent::Question {
   static int answered(sd_bus_message* message, void* self, sd_bus_error*) {
     auto* const question = static_cast<Question*>(self);
     const sd_bus_error* const error = sd_bus_message_get_error(message);
-    question->take(error == nullptr ? "" : error->message);
+    question->take(error == nullptr ? "" : broker::refusal(error->name, error->message));
     return 0;
   }
 };

@@ -36,5 +36,6 @@ constexpr std::size_t keyRecordsAtOnce = 64;
 constexpr const char* keyBrokerName = "app.tobrin.Keys1";
 constexpr const char* keyBrokerPath = "/app/tobrin/Keys1";
 constexpr const char* keyBrokerNotAllowed = "app.tobrin.Keys1.Error.NotAllowed";
+constexpr const char* keyBrokerNotTobrin = "app.tobrin.Keys1.Error.NotTobrin";
 
 }  // namespace tobrin
