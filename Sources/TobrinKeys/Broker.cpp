@@ -21,7 +21,9 @@ constexpr uint64_t idleUs = 30'000'000;
 constexpr uint64_t answerUs = 300'000'000;  // for an administrator to come
 constexpr const char* action = "app.tobrin.keys.listen";
 
-constexpr const char* notTobrin = "app.tobrin.Keys1.Error.NotTobrin";
+// A password would do, and yet nobody was asked for one.
+constexpr const char* nobodyAsks =
+    "no program of this desktop asks for passwords: start a polkit agent";
 constexpr const char* notInFront = "app.tobrin.Keys1.Error.NotInFront";
 constexpr const char* failed = "app.tobrin.Keys1.Error.Failed";
 
@@ -64,6 +66,11 @@ struct Broker::Methods {
     return 0;
   }
 
+  static int consentsChanged(sd_event_source*, const inotify_event*, void* self) {
+    static_cast<Broker*>(self)->endWithoutConsent();
+    return 0;
+  }
+
   static int lookAgain(sd_event_source*, uint64_t, void* self) {
     static_cast<Broker*>(self)->review();
     return 0;
@@ -92,6 +99,11 @@ Broker::Broker(Options options, sd_event* loop, sd_bus* bus)
   sd_event_add_inotify(loop_, &source, "/dev", IN_CREATE | IN_ONLYDIR, &Methods::devicesChanged,
                        this);
   anyDevice_.reset(source);
+  source = nullptr;
+  // An administrator may take a consent back by deleting its file.
+  sd_event_add_inotify(loop_, &source, options_.consentFolder.c_str(),
+                       IN_DELETE | IN_MOVED_FROM | IN_ONLYDIR, &Methods::consentsChanged, this);
+  consentFiles_.reset(source);
   if (!takeName()) problem_ = "no place on the message bus";
   endWhenIdle();
 }
@@ -121,7 +133,7 @@ bool Broker::takeName() {
 
 std::optional<uid_t> Broker::caller(sd_bus_message* call, sd_bus_error* error) {
   const auto user = userOfProgram(call, options_.program);
-  if (!user) sd_bus_error_set(error, notTobrin, "only the installed Tobrin is served");
+  if (!user) sd_bus_error_set(error, keyBrokerNotTobrin, "only the installed Tobrin is served");
   return user;
 }
 
@@ -161,12 +173,14 @@ int Broker::takeAnswer(sd_bus_message* answer, const Question& question) {
   --questions_;
   sd_bus_message* const call = question.call.get();
   int agreed = 0;
+  int couldAsk = 0;
   if (sd_bus_message_is_method_error(answer, nullptr) != 0)
     return sd_bus_reply_method_errorf(call, failed, "%s",
                                       sd_bus_message_get_error(answer)->message);
   if (sd_bus_message_enter_container(answer, 'r', "bba{ss}") < 0 ||
-      sd_bus_message_read(answer, "b", &agreed) < 0 || agreed == 0)
-    return sd_bus_reply_method_errorf(call, keyBrokerNotAllowed, "it was not allowed");
+      sd_bus_message_read(answer, "bb", &agreed, &couldAsk) < 0 || agreed == 0)
+    return sd_bus_reply_method_errorf(call, keyBrokerNotAllowed,
+                                      couldAsk != 0 ? nobodyAsks : "it was not allowed");
   if (!consents_.give(question.user, question.remember))
     return sd_bus_reply_method_errorf(call, failed, "the consent could not be kept");
   return sd_bus_reply_method_return(call, "");
@@ -223,12 +237,17 @@ int Broker::takeBack(sd_bus_message* call, sd_bus_error* error) {
   const auto user = caller(call, error);
   if (!user) return -EPERM;
   const bool isForgotten = consents_.takeBack(*user);
-  for (const auto& stream : streams_) {
-    if (stream->user() == *user) stream->stop(KeyRecord::Kind::takenBack);
-  }
-  std::erase_if(streams_, [&](const auto& stream) { return stream->user() == *user; });
+  endWithoutConsent();
   if (!isForgotten) return sd_bus_error_set(error, failed, "the consent could not be deleted");
   return sd_bus_reply_method_return(call, "");
+}
+
+void Broker::endWithoutConsent() {
+  std::erase_if(streams_, [&](const auto& stream) {
+    if (consents_.has(stream->user())) return false;
+    stream->stop(KeyRecord::Kind::takenBack);
+    return true;
+  });
 }
 
 Place Broker::placeOf(uid_t user) const {

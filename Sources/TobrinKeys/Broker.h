@@ -44,6 +44,7 @@ class Broker final {
   int takeAnswer(sd_bus_message* answer, const Question& question);
   [[nodiscard]] Place placeOf(uid_t user) const;
   void addStream(uid_t user, FileDescriptor socket);
+  void endWithoutConsent();
   void review();
   void lookAgainSoon();
   void endWhenIdle();
@@ -59,7 +60,7 @@ class Broker final {
   std::vector<std::unique_ptr<KeyStream>> streams_;
   unsigned questions_ = 0;  // that an administrator has been asked and has not answered
   unsigned looksLeft_ = 0;
-  EventSource anyDevice_, inputDevices_, secondLook_, idle_;
+  EventSource anyDevice_, inputDevices_, consentFiles_, secondLook_, idle_;
 };
 
 }  // namespace tobrin

@@ -45,6 +45,7 @@ bool KeyStream::follow(const Place& place) {
   if (std::exchange(told_, KeyRecord::Kind::delivering) != KeyRecord::Kind::delivering)
     tell(KeyRecord::Kind::delivering);
   const KeyboardNodes found = keyboardNodes(place_.seat);
+  if (found.isComplete) letGoOfAllBut(found.nodes);
   for (const std::string& node : found.nodes)
     takeUp(node);
   return found.isComplete;
@@ -67,6 +68,15 @@ void KeyStream::takeUp(const std::string& node) {
   // Notices of the login manager that have come in meanwhile go first.
   sd_event_source_set_priority(source, SD_EVENT_PRIORITY_NORMAL + 1);
   keyboards_.push_back({std::move(keyboard), EventSource(source)});
+}
+
+/// A keyboard may be given to another seat while it is open.
+void KeyStream::letGoOfAllBut(const std::vector<std::string>& nodes) {
+  std::erase_if(keyboards_, [&](const Listening& one) {
+    if (std::find(nodes.begin(), nodes.end(), one.keyboard->node()) != nodes.end()) return false;
+    send(std::array{KeyRecord{.keyboard = one.keyboard->number(), .kind = KeyRecord::Kind::gone}});
+    return true;
+  });
 }
 
 /// The console is looked at after the keys were read: one typed after a switch is not passed on.

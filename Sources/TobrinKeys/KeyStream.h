@@ -52,6 +52,7 @@ class KeyStream final {
   };
 
   void takeUp(const std::string& node);
+  void letGoOfAllBut(const std::vector<std::string>& nodes);
   void takeKeys(int fd);
   void send(std::span<const KeyRecord> records);
   static int onKeys(sd_event_source* source, int fd, uint32_t events, void* self);

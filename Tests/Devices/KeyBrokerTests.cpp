@@ -12,6 +12,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
@@ -101,10 +102,13 @@ TEST_F(KeyBroker, AnAdministratorsConsentIsAskedForKeptAndTakenBack) {
   EXPECT_EQ(monitor.problem(), "an administrator has not allowed it");
   EXPECT_EQ(system.questions, 0);
   EXPECT_EQ(ask(false), "it was not allowed");
+  system.hasAgent = false;
+  EXPECT_EQ(ask(false), "no program of this desktop asks for passwords: start a polkit agent");
+  system.hasAgent = true;
   EXPECT_FALSE(monitor.start());
   system.change(mine(0), stranger(1));
   EXPECT_EQ(ask(true), "only the user in front of the computer may ask");
-  EXPECT_EQ(system.questions, 1);
+  EXPECT_EQ(system.questions, 2);
   goToFront();
 
   EXPECT_EQ(ask(true, false), "");
@@ -132,6 +136,13 @@ TEST_F(KeyBroker, AnAdministratorsConsentIsAskedForKeptAndTakenBack) {
   EXPECT_EQ(heard.await(1), "-0 ");
   EXPECT_TRUE(eventually([&] { return !monitor.isRunning(); }));
   EXPECT_FALSE(monitor.hasPermission());
+
+  keyboard.release({KEY_A});
+  EXPECT_EQ(ask(true), "");
+  ASSERT_TRUE(monitor.start());
+  ASSERT_TRUE(isHeard(keyboard));
+  std::filesystem::remove(system.state() / std::to_string(getuid()));
+  EXPECT_TRUE(eventually([&] { return !monitor.isRunning(); })) << "from outside";
 }
 
 TEST_F(KeyBroker, NothingThatIsTypedElsewhereIsDeliveredInAHundredSwitches) {

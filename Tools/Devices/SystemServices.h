@@ -98,8 +98,9 @@ class SystemServices final {
 
   [[nodiscard]] std::filesystem::path state() const { return folder.path() / "state"; }
 
-  std::atomic<bool> agrees{false};  ///< what the administrator answers
-  std::atomic<int> questions{0};    ///< how often one was asked
+  std::atomic<bool> agrees{false};   ///< what the administrator answers
+  std::atomic<bool> hasAgent{true};  ///< whether there is a program that asks one
+  std::atomic<int> questions{0};     ///< how often one was asked
 
  private:
   static constexpr const char* sessionPaths[] = {"/org/freedesktop/login1/session/_31",
@@ -199,7 +200,8 @@ class SystemServices final {
     sd_bus_message_read(call, "s", &action);
     ++services->questions;
     const bool isKnown = std::string(action) == "app.tobrin.keys.listen";
-    return sd_bus_reply_method_return(call, "(bba{ss})", isKnown && services->agrees, 0, 0);
+    return sd_bus_reply_method_return(call, "(bba{ss})", isKnown && services->agrees,
+                                      !services->hasAgent, 0);
   }
 
   const TempFolder folder;

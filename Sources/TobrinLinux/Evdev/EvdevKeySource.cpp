@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -127,7 +128,7 @@ void EvdevKeySource::run(const Sink& sink) {
     if (waits[seatWait].revents != 0) changed |= takeSeatChange(sink);
     if (waits[hotplugWait].revents != 0 || waits[permissionWait].revents != 0) {
       watches_->changes.clear();
-      dropWhatMayNotBeRead(sink);
+      dropWhatIsNotOurs(sink);
       changed = true;
     }
     if (!changed) continue;
@@ -164,10 +165,14 @@ bool EvdevKeySource::takeKeys(const std::vector<pollfd>& waits, const Sink& sink
   return anyGone;
 }
 
-/// An open device can still be read after the access was taken back, which is not what that meant.
-void EvdevKeySource::dropWhatMayNotBeRead(const Sink& sink) {
+/// An open device can still be read after the access was taken back, or it was given to another
+/// seat, which is not what that meant.
+void EvdevKeySource::dropWhatIsNotOurs(const Sink& sink) {
+  std::vector<std::string> ours = watches_->list.nodes(watches_->seat.seat());
+  std::ranges::move(watches_->list.mice(watches_->seat.seat()), std::back_inserter(ours));
   std::erase_if(keyboards_, [&](const auto& keyboard) {
-    if (isReadable(keyboard->node())) return false;
+    const bool isHere = std::ranges::find(ours, keyboard->node()) != ours.end();
+    if (isHere && isReadable(keyboard->node())) return false;
     keyboard->releaseAll(sink);
     return true;
   });

@@ -54,7 +54,7 @@ class EvdevKeySource final : public KeySource {
   std::string takeUp(const std::vector<std::string>& nodes);
   void followMouseWish(const Sink& sink);
   bool takeKeys(const std::vector<pollfd>& waits, const Sink& sink);
-  void dropWhatMayNotBeRead(const Sink& sink);
+  void dropWhatIsNotOurs(const Sink& sink);
   bool takeSeatChange(const Sink& sink);
   [[nodiscard]] std::vector<pollfd> everythingToWaitFor() const;
 
