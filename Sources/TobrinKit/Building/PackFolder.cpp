@@ -2,7 +2,9 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "Packs/PackManifest.h"
 
@@ -23,14 +25,23 @@ bool isUnderfoot(const fs::path& folder) {
   return !gone && *here.lexically_relative(folder).begin() != "..";
 }
 
-fs::path folderBeside(const fs::path& target) {
-  fs::create_directories(target.parent_path());
-  std::string prefix(1, '.');
-  prefix.append(target.filename().string()).append(".building-");
-  for (unsigned number = 1;; ++number) {
-    fs::path folder = target.parent_path() / (prefix + std::to_string(number));
-    // False where it is there already: another build is at work, or was interrupted.
-    if (fs::create_directory(folder)) return folder;
+/// What the names of folders begin with in which a pack is built; a number follows.
+std::string beginning(const fs::path& target) {
+  return "." + target.filename().string() + ".building-";
+}
+
+bool isNumber(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+/// What builds have left that were interrupted; not what builds at work still need.
+void removeLeftovers(const fs::path& target) {
+  const std::string before = beginning(target);
+  std::error_code ignored;
+  for (const auto& entry : fs::directory_iterator(target.parent_path(), ignored)) {
+    const std::string name = entry.path().filename().string();
+    if (!name.starts_with(before) || !isNumber(name.substr(before.size()))) continue;
+    if (const FolderLock lock(entry.path()); lock.isHeld()) fs::remove_all(entry.path(), ignored);
   }
 }
 
@@ -49,8 +60,17 @@ fs::path PackFolder::replaceable(const fs::path& wanted) {
   return target;
 }
 
-PackFolder::PackFolder(const fs::path& target)
-    : target_(replaceable(target)), aside_(folderBeside(target_)) {}
+PackFolder::PackFolder(const fs::path& target) : target_(replaceable(target)) {
+  fs::create_directories(target_.parent_path());
+  removeLeftovers(target_);
+  for (unsigned number = 1; aside_.empty(); ++number) {
+    fs::path folder = target_.parent_path() / (beginning(target_) + std::to_string(number));
+    if (!fs::create_directory(folder)) continue;  // another build is at work
+    // That may take it for a leftover at this moment.
+    lock_.emplace(folder);
+    if (!lock_->isTaken() && fs::exists(folder)) aside_ = std::move(folder);
+  }
+}
 
 PackFolder::~PackFolder() {
   std::error_code ignored;

@@ -3,6 +3,9 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
+
+#include "Base/FolderLock.h"
 
 namespace tobrin {
 
@@ -17,7 +20,8 @@ class PackFolder final {
   /// `std::runtime_error` where that is not for us to replace. Changes nothing.
   static std::filesystem::path replaceable(const std::filesystem::path& wanted);
 
-  /// Makes an empty folder beside `target`, which must be `replaceable`. Throws
+  /// Makes an empty folder beside `target`, which must be `replaceable`, and removes what builds of
+  /// the same pack have left there that were interrupted. Throws
   /// `std::filesystem::filesystem_error`.
   explicit PackFolder(const std::filesystem::path& target);
 
@@ -34,7 +38,8 @@ class PackFolder final {
 
  private:
   std::filesystem::path target_;
-  std::filesystem::path aside_;  // hidden, so that no library lists it
+  std::filesystem::path aside_;     // hidden, so that no library lists it
+  std::optional<FolderLock> lock_;  // of `aside_`, against `removeLeftovers`
 };
 
 }  // namespace tobrin

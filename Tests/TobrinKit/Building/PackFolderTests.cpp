@@ -18,6 +18,8 @@ TEST(PackFolder, TheOldPackStaysUntilTheNewOneIsWhole) {
   folder.write("mine/key.wav", "old");
   folder.write(".mine.building-1/pack.json", "left by an interrupted build");
   const fs::path target = folder.path() / "mine";
+  const PackFolder other(target);  // at work next to it
+  EXPECT_FALSE(fs::exists(other.aside() / "pack.json"));
   const auto refused = [](const fs::path&, const fs::path&) { return false; };
   for (const bool isFinished : {false, true}) {
     PackFolder pack(target / "");
@@ -28,6 +30,7 @@ TEST(PackFolder, TheOldPackStaysUntilTheNewOneIsWhole) {
   }
   EXPECT_EQ(fs::file_size(target / "pack.json"), 5u);
   EXPECT_FALSE(fs::exists(target / "key.wav"));
+  EXPECT_TRUE(fs::exists(other.aside()));
   EXPECT_EQ(entriesIn(folder.path()), 2) << "nothing else is left behind";
 }
 
