@@ -29,6 +29,9 @@ TEST_F(AudioOutputTest, FollowsItsDeviceUnlessPaused) {
   EXPECT_EQ(device_->starts, 1);
   device_->callbacks.changed();
   EXPECT_EQ(device_->starts, 2);
+  device_->running = false;  // and nobody said so yet
+  EXPECT_TRUE(output_.start());
+  EXPECT_EQ(device_->starts, 3);
   device_->lose("the server is gone");
   EXPECT_FALSE(output_.isRunning());
   device_->recover();

@@ -36,6 +36,14 @@ TEST(ForceReplay, TheWindowGoesFromTwelveBeforeToFourteenAfter) {
   }
 }
 
+TEST(ForceReplay, ASensitiveOneTakesAStrokeForAHarderOne) {
+  const auto relative = [](float sensitivity) {
+    const MotionTrace trace = traceOf(6000, {{4990, 0.02}});
+    return replayForce(trace, {{{5000 * millisecond, 0}}}, sensitivity).back().stage.relative;
+  };
+  EXPECT_FLOAT_EQ(relative(1.7F), 1.7F * relative(1));
+}
+
 TEST(ForceReplay, CountsWhatStandsOutFromTheNoise) {
   int counted = 0;
   for (int i = 0; i < 20; ++i) {

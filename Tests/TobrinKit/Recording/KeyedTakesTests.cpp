@@ -9,6 +9,7 @@
 #include "KeyedScore.h"
 #include "Packs/PackLoader.h"
 #include "Recording/KeyedPackBuilder.h"
+#include "Recording/SoundRises.h"
 #include "Support/Failure.h"
 #include "Support/KeptText.h"
 #include "Support/TempFolder.h"
@@ -55,15 +56,27 @@ TEST(KeyedTakes, EverySoundGoesToItsKey) {
 
 std::string describe(const std::vector<RecordedTake>& takes) {
   std::string text;
-  for (const RecordedTake& take : takes)
-    text += line(" %zu %.3g", take.left.size(), static_cast<double>(take.level));
+  for (const RecordedTake& take : takes) {
+    double sum = 0;
+    for (const float x : take.left)
+      sum += static_cast<double>(std::abs(x));
+    text += line(" %zu %.4g %.4g", take.left.size(), static_cast<double>(take.level), sum);
+  }
+  return text + "\n";
+}
+
+std::string describe(const SoundRises& rises) {
+  std::string text = line("floor %.5g:", static_cast<double>(rises.floor));
+  for (const SoundRise& rise : rises.rises)
+    text += line(" %zu %.4g %.2f", rise.sample, static_cast<double>(rise.evidence),
+                 static_cast<double>(rise.levelDb));
   return text + "\n";
 }
 
 std::string describe(const KeyedTakes& takes) {
   std::string text =
       takes.report + "\n" +
-      line("delay %.5f, drift %.2e, lag %.5f, spread %.5f, lowered %.1f dB\n", takes.fit.delay,
+      line("delay %.7f, drift %.4e, lag %.7f, spread %.7f, lowered %.4f dB\n", takes.fit.delay,
            takes.fit.drift, takes.fit.releaseLag, takes.fit.spread, takes.noiseLoweredDb);
   for (const auto& [fate, hit] : takes.sounds)
     text += line("%s %zu %.4g %.4g %.3f %.1f %.3g %zu\n", std::string(nameOf(fate)).c_str(),
@@ -94,6 +107,7 @@ TEST(KeyedTakes, EverySoundAndTakeIsAsItWas) {
     KeyedRecording recording = composeKeys(condition).recording;
     for (float& x : recording.samples)
       x = std::clamp(3 * x, -1.0f, 1.0f);
+    text += describe(findRises(recording.samples, recording.rate));
     text += describe(findKeyedTakes(recording));
   }
   testing::expectKeptText(text, "TobrinKit/Recording/keyed-takes.txt");
