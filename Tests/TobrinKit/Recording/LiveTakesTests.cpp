@@ -89,9 +89,10 @@ TEST(LiveTakes, SaysWhatIsWrongWithTheSound) {
     double signalDb;
     bool hasKeys = true;
   };
-  const Row rows[] = {{LiveVerdict::good, 1, 50},          {LiveVerdict::tooQuiet, 0.05f, 50},
+  const Row rows[] = {{LiveVerdict::good, 1, 50},          {LiveVerdict::tooQuiet, 0.07f, 50},
                       {LiveVerdict::tooLoud, 20, 50},      {LiveVerdict::tooNoisy, 1, 14},
-                      {LiveVerdict::nothingHeard, 1, -20}, {LiveVerdict::waiting, 1, 50, false}};
+                      {LiveVerdict::nothingHeard, 1, -20}, {LiveVerdict::waiting, 1, 50, false},
+                      {LiveVerdict::good, 0.1f, 50},       {LiveVerdict::good, 1, 16}};
   for (const Row& row : rows) {
     ComposedKeys composed = composeKeys({.signalDb = row.signalDb, .seconds = 9});
     for (float& x : composed.recording.samples)
