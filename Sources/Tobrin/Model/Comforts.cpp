@@ -57,7 +57,7 @@ std::optional<Loudness> loudnessOf(const Json& device) {
   const auto volume = numberOf(device, "volume", 0, loudestMaster);
   if (!volume) return std::nullopt;
   return Loudness{.volume = *volume,
-                  .boost = numberOf(device, "boost", 1, VoiceBoost::most).value_or(1)};
+                  .boost = numberOf(device, "boost", 1, double{VoiceBoost::most}).value_or(1)};
 }
 
 /// To four places: a slider's step is larger.

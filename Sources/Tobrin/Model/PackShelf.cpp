@@ -188,7 +188,7 @@ bool PackShelf::discard(const PackInfo& pack) {
 
 std::optional<PackInfo> PackShelf::bringBack() {
   if (!discarded_) return std::nullopt;
-  const PackInfo pack = *std::exchange(discarded_, std::nullopt);
+  PackInfo pack = *std::exchange(discarded_, std::nullopt);
   try {
     wayBack_();
   } catch (const std::exception& error) {

@@ -57,7 +57,7 @@ std::optional<std::string> StatusTexts::shortcutProblem(const GlobalHotkey::Stat
 }
 
 std::string StatusTexts::shortcutHint(const std::string& shortcut, ShortcutRoute route) const {
-  const std::string hint = filled(translate_("%1 in any app to turn sounds on or off"), shortcut);
+  std::string hint = filled(translate_("%1 in any app to turn sounds on or off"), shortcut);
   switch (route) {
     case ShortcutRoute::exclusive:
       break;

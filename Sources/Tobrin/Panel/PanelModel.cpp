@@ -25,7 +25,7 @@ QString textOrNone(const std::optional<std::string>& utf8) {
 /// Author and licence, the author once where the licence names them.
 QString origin(const PackManifest& manifest) {
   const QString author = strangersText(manifest.author);
-  const QString license = strangersText(manifest.license);
+  QString license = strangersText(manifest.license);
   if (author.isEmpty() || license.contains(author)) return license;
   return license.isEmpty() ? author : author + " · " + license;
 }

@@ -34,6 +34,7 @@ class RecordingModel final : public QObject {
   Q_PROPERTY(QString report READ report NOTIFY changed)
 
  public:
+  // NOLINTNEXTLINE(readability-identifier-naming): QML demands names that begin with a capital
   enum Stage { Away, Microphone, Typing, Building, Listening };
   Q_ENUM(Stage)
 

@@ -54,8 +54,8 @@ void addOutputs(int number, std::vector<SoundOutput>& outputs) {
   for (int device = -1; snd_ctl_pcm_next_device(card.get(), &device) == 0 && device >= 0;) {
     const std::string output = nameOfDevice(card.get(), device);
     if (output.empty()) continue;
-    outputs.push_back(
-        {.id = outputId(id, static_cast<unsigned>(device)), .name = name + ", " + output});
+    outputs.push_back({.id = outputId(id, static_cast<unsigned>(device)),
+                       .name = std::string(name).append(", ").append(output)});
   }
 }
 

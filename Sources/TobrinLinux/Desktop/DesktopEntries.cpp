@@ -90,7 +90,7 @@ std::optional<Entry> claimingEntry(const fs::path& folder, const std::string& id
 }  // namespace
 
 AppDescription describeApp(const std::string& id, const Environment& environment) {
-  const AppDescription unknown{.name = id, .icon = ""};
+  AppDescription unknown{.name = id, .icon = ""};
   if (id.empty() || id.find('/') != std::string::npos) return unknown;
   const std::string small = lowerCase(id);
   const std::vector<fs::path> folders = entryFolders(environment);

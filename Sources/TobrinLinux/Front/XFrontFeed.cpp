@@ -98,9 +98,9 @@ bool XFrontFeed::managerTells() const {
 std::string XFrontFeed::applicationOf(xcb_window_t window) const {
   const auto bytes = property(window, XCB_ATOM_WM_CLASS);
   const auto end = std::find(bytes.begin(), bytes.end(), 0);
-  const std::string instance(bytes.begin(), end);
+  std::string instance(bytes.begin(), end);
   if (end == bytes.end()) return instance;
-  const std::string className(end + 1, std::find(end + 1, bytes.end(), 0));
+  std::string className(end + 1, std::find(end + 1, bytes.end(), 0));
   return className.empty() ? instance : className;
 }
 
