@@ -44,7 +44,8 @@ class Installation(unittest.TestCase):
         packs = json.loads(output(self.root / "bin/tobrin-packs", "list", "--json"))
         folders = {pathlib.Path(pack["folder"]).parent for pack in packs if pack["bundled"]}
         self.assertEqual(folders, {self.root / "share/tobrin/Packs"})
-        self.assertTrue((self.root / "share/tobrin/kwin/front-window.js").exists())
+        for script in ("front-window.js", "place-panel.js"):
+            self.assertTrue((self.root / "share/tobrin/kwin" / script).exists())
         icons = {path.stem for path in self.root.glob("share/icons/hicolor/*/*/*.svg")}
         self.assertLessEqual({f"app.tobrin.Tobrin-{each}" for each in ("playing", "silent", "playing-symbolic",
                                                                        "silent-symbolic")}, icons)

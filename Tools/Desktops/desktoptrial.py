@@ -12,7 +12,7 @@ from installed import (SENTENCE, check_hint, check_other_shortcut, check_second_
 from listening import record, xdotool
 from listening.panel import eventually, named
 from quiet import check_quiet
-from screen import WIDTH, Screen
+from screen import HEIGHT, WIDTH, Screen
 from table import Table
 
 LEGIBLE = 0.15  # share of the icon's place
@@ -30,6 +30,13 @@ class Desktop:
     route = "shared"  # of the shortcut
     draws_frames = True
     tells_front = True  # which app is in front
+    places_panel = True  # by the tray
+
+    @property
+    def beyond_bar(self):
+        """The screen without the bar."""
+        _, top, _, height = self.bar_place
+        return (0, height, WIDTH, HEIGHT - height) if top == 0 else (0, 0, WIDTH, top)
 
     def trial(self, pictures):
         return DesktopTrial(self, pictures)
@@ -106,8 +113,11 @@ class DesktopTrial:
 
     def try_panel(self, place, program):
         clicks = "a click opens" if self.desktop.clicks == 1 else "two clicks open"
+        before = self.screen.pixels(self.desktop.beyond_bar)
         self.table.row(f"{clicks} the panel", self.open_panel(place))
         self.check_size("the panel")
+        if self.desktop.places_panel:
+            self.check_place(before, place)
         self.desktop.check_popup(self.table)
         check_hint(self.table, self.desktop.route)
         time.sleep(0.5)
@@ -127,6 +137,15 @@ class DesktopTrial:
         if not self.table.row("the pointer passes, the panel stays", is_open()):
             self.open_panel(place)
         self.desktop.point_at_panel()
+
+    def check_place(self, before, icon):
+        """The panel is at the bar and at the icon's place along it."""
+        time.sleep(1)
+        left, top, width, height = self.screen.difference(before, self.desktop.beyond_bar) or (0, 0, 0, 0)
+        _, bar_top, _, bar_height = self.desktop.bar_place
+        gap = top - bar_height if bar_top == 0 else bar_top - (top + height)
+        beside = left <= icon[0] + icon[2] and icon[0] <= left + width
+        self.table.row("the panel opens by the tray", 0 <= gap <= 24 and beside, f"{gap} pixels off the bar")
 
     def check_size(self, what):
         width, height = self.desktop.size_of_window()

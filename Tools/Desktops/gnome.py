@@ -21,7 +21,7 @@ class Gnome(Desktop):
     bars = ("dark",)  # its bar has one colour
     bar_place = (800, 0, WIDTH - 800, 32)
     elsewhere = (1200, 600)
-    draws_frames = tells_front = False
+    draws_frames = tells_front = places_panel = False
     clicks = 2  # one opens the menu
 
     @contextlib.contextmanager

@@ -13,6 +13,7 @@
 #include "Panel/AppIconProvider.h"
 #include "Panel/DesktopFrames.h"
 #include "Panel/InputFocus.h"
+#include "Panel/Placing/BesideAnchor.h"
 #include "Panel/SymbolPixmap.h"
 #include "Panel/SymbolProvider.h"
 
@@ -32,8 +33,8 @@ void drawInSoftware() {
   std::call_once(chosen, [] { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); });
 }
 
-/// There no window can place or raise itself, and the program cannot learn which part of the screen
-/// is covered.
+/// There no window can place or raise itself (see `WindowPlacer`), and the program cannot learn
+/// which part of the screen is covered.
 bool isOnWayland() {
   return QGuiApplication::platformName().startsWith("wayland");
 }
@@ -84,6 +85,7 @@ PanelWindow::PanelWindow(AppModel& model, std::function<void()> onClosed)
   for (const QQmlError& error : view_->errors())
     logLine(error.toString().toStdString());
   view_->installEventFilter(this);
+  placer_ = makeWindowPlacer();
   wirePackChooser();
   connect(model_->recording(), &RecordingModel::changed, this, &PanelWindow::followRecording);
   if (QQuickItem* root = view_->rootObject()) {
@@ -116,6 +118,7 @@ void PanelWindow::open(const QPoint* anchor) {
     settle(*root);
   }
   fitToScreen();
+  if (closesWithFocus_ && placer_ != nullptr) placer_->placeNext();
   view_->show();
   QTimer::singleShot(framedAfter, this, &PanelWindow::windowIsFramed);
   view_->raise();
@@ -145,7 +148,7 @@ void PanelWindow::fitToScreen() {
   QScreen* screen = closesWithFocus_ ? QGuiApplication::screenAt(anchor_) : view_->screen();
   if (screen == nullptr) screen = QGuiApplication::primaryScreen();
   if (screen == nullptr || view_->rootObject() == nullptr) return;
-  constexpr int edge = 8;   // kept free at the screen's edges
+  constexpr int edge = screenEdge;
   constexpr int bars = 64;  // desktop bars may cover that much of it
   const QRect room =
       screen->availableGeometry().adjusted(edge, edge, -edge, isOnWayland() ? -edge - bars : -edge);
@@ -154,12 +157,7 @@ void PanelWindow::fitToScreen() {
   const QMargins frame = view_->frameMargins();  // none before it is shown
   fitted_ = wanted.boundedTo(room.marginsRemoved(frame).size());
   takeSize();
-  if (!closesWithFocus_) return;
-  const bool below = anchor_.y() < room.center().y();
-  const int left = anchor_.x() - view_->width() / 2;
-  const int top = below ? anchor_.y() + edge : anchor_.y() - edge - view_->height();
-  view_->setPosition(qBound(room.left(), left, room.right() - view_->width() + 1),
-                     qBound(room.top(), top, room.bottom() - view_->height() + 1));
+  if (closesWithFocus_) view_->setPosition(besideAnchor(anchor_, view_->size(), room));
 }
 
 void PanelWindow::takeSize() {

@@ -10,6 +10,7 @@
 #include "Panel/FocusLoss.h"
 #include "Panel/PackChooser.h"
 #include "Panel/PanelModel.h"
+#include "Panel/Placing/WindowPlacer.h"
 
 namespace tobrin {
 
@@ -45,6 +46,7 @@ class PanelWindow final : public QObject, public Panel {
 
   std::unique_ptr<PanelModel> model_;  // before the view, which binds to it
   std::unique_ptr<QQuickView> view_;
+  std::unique_ptr<WindowPlacer> placer_;  // null where windows place themselves
   PackChooser packChooser_;
   std::function<void()> onClosed_;
   bool closesWithFocus_ = false;

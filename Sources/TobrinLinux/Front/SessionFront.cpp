@@ -1,10 +1,6 @@
 #include "Front/SessionFront.h"
 
-#include <filesystem>
-#include <string>
-#include <system_error>
-
-#include "Base/SystemFolders.h"
+#include "Desktop/KWinScripts.h"
 #include "Desktop/SessionKind.h"
 #include "Front/FrontThread.h"
 #include "Front/KWinFrontFeed.h"
@@ -22,17 +18,6 @@ FrontThread::MakeFeed only(SessionKind kind, const Environment& environment, Mak
   };
 }
 
-/// Empty where it is missing.
-std::string kwinScript() {
-  std::error_code missing;
-  const std::filesystem::path program = thisProgram().parent_path();
-  for (const char* const place : {TOBRIN_BUILT_KWIN_SCRIPT, TOBRIN_INSTALLED_KWIN_SCRIPT}) {
-    const auto script = (program / place).lexically_normal();
-    if (std::filesystem::exists(script, missing)) return script;
-  }
-  return {};
-}
-
 }  // namespace
 
 std::unique_ptr<FrontWindow> makeFrontWindow(const Environment& environment) {
@@ -41,7 +26,7 @@ std::unique_ptr<FrontWindow> makeFrontWindow(const Environment& environment) {
            [=] { return std::make_unique<XFrontFeed>(environment("DISPLAY").value_or("")); }),
       only(SessionKind::wayland, environment, [] { return std::make_unique<ToplevelFrontFeed>(); }),
       only(SessionKind::wayland, environment,
-           [] { return std::make_unique<KWinFrontFeed>(kwinScript()); }),
+           [] { return std::make_unique<KWinFrontFeed>(kwinScript("front-window.js")); }),
   });
 }
 
