@@ -25,6 +25,7 @@ COLOURS = {"dark": "#22242a", "light": "#f4f4f4"}
 class Sway(Desktop):
     name, packages = "sway", ("sway", "waybar")
     focus_follows_pointer = True
+    inside = (1100, 400)
 
     @contextlib.contextmanager
     def running(self):

@@ -25,9 +25,10 @@ TEST(BesideAnchor, IsNextToTheBarAndWithinTheRoom) {
     QSize size;
     QPoint corner;
   };
-  for (const Row& row : {Row{{500, 15}, {300, 400}, {350, 30}}, Row{{500, 700}, {300, 400}, {350, 292}},
-                         Row{{990, 15}, {300, 400}, {700, 30}}, Row{{2, 728}, {300, 700}, {0, 30}},
-                         Row{{500, 60}, {1200, 900}, {0, 30}}})
+  for (const Row& row :
+       {Row{{500, 15}, {300, 400}, {350, 30}}, Row{{500, 700}, {300, 400}, {350, 292}},
+        Row{{990, 15}, {300, 400}, {700, 30}}, Row{{2, 728}, {300, 700}, {0, 30}},
+        Row{{500, 60}, {1200, 900}, {0, 30}}})
     EXPECT_EQ(besideAnchor(row.anchor, row.size, room), row.corner)
         << row.anchor.x() << ", " << row.anchor.y();
 }
@@ -39,7 +40,8 @@ class FakeSway {
 
   /// The next message as "type payload", empty where none comes.
   std::string hear() {
-    if (client_ == nullptr && (server_.hasPendingConnections() || server_.waitForNewConnection(2000)))
+    if (client_ == nullptr &&
+        (server_.hasPendingConnections() || server_.waitForNewConnection(2000)))
       client_ = server_.nextPendingConnection();
     if (client_ == nullptr || !has(header)) return {};
     const QByteArray head = client_->read(header);
@@ -62,8 +64,9 @@ class FakeSway {
     client_->flush();
   }
 
-  bool isLeft() {
-    return QTest::qWaitFor([&] { return client_->state() == QLocalSocket::UnconnectedState; }, 2000);
+  bool isLeft(int patience) {
+    return QTest::qWaitFor([&] { return client_->state() == QLocalSocket::UnconnectedState; },
+                           patience);
   }
 
  private:
@@ -97,7 +100,8 @@ QJsonObject treeWith(const char* type) {
                               {"type", "workspace"},
                               {"rect", rect(0, 30, 1280, 970)},
                               {"floating_nodes", QJsonArray{panel}}};
-  return {{"id", 1}, {"nodes", QJsonArray{QJsonObject{{"id", 2}, {"nodes", QJsonArray{workspace}}}}}};
+  return {{"id", 1},
+          {"nodes", QJsonArray{QJsonObject{{"id", 2}, {"nodes", QJsonArray{workspace}}}}}};
 }
 
 TEST(SwayPlacer, MovesItsOwnFloatingWindowBelowTheBar) {
@@ -117,11 +121,14 @@ TEST(SwayPlacer, MovesItsOwnFloatingWindowBelowTheBar) {
     sway.say(event, windowAppeared(21, QCoreApplication::applicationPid()));
     EXPECT_EQ(sway.hear(), "0 [con_id=21] move position pointer");
     EXPECT_EQ(sway.hear(), "4 ");
+    sway.say(0, {});
     sway.say(4, treeWith(type));
     if (type[0] == 'f') {
       EXPECT_EQ(sway.hear(), "0 [con_id=21] move absolute position 912 px 38 px");
+      EXPECT_FALSE(sway.isLeft(50)) << "before it has been done";
+      sway.say(0, {});
     }
-    EXPECT_TRUE(sway.isLeft()) << "a tile stays in its place";
+    EXPECT_TRUE(sway.isLeft(2000)) << "a tile stays in its place";
   }
 }
 
@@ -151,8 +158,10 @@ QString kwin(const char* names) {
       .arg(names);
 }
 
-constexpr const char* plasma5 = "clientAdded: added, clientActivated: activated, clientList: () => stack, activeClient: null";
-constexpr const char* plasma6 = "windowAdded: added, windowActivated: activated, stackingOrder: [], activeWindow: null";
+constexpr const char* plasma5 =
+    "clientAdded: added, clientActivated: activated, clientList: () => stack, activeClient: null";
+constexpr const char* plasma6 =
+    "windowAdded: added, windowActivated: activated, stackingOrder: [], activeWindow: null";
 
 class KWinScripts : public ::testing::TestWithParam<const char*> {
  protected:
@@ -160,7 +169,8 @@ class KWinScripts : public ::testing::TestWithParam<const char*> {
 
   std::string run(const QString& text) {
     const QJSValue result = engine_.evaluate(text);
-    EXPECT_FALSE(result.isError()) << result.toString().toStdString() << ":" << result.property("lineNumber").toInt();
+    EXPECT_FALSE(result.isError())
+        << result.toString().toStdString() << ":" << result.property("lineNumber").toInt();
     return result.toString().toStdString();
   }
 
@@ -172,7 +182,8 @@ class KWinScripts : public ::testing::TestWithParam<const char*> {
 
   /// Makes a window the one in front.
   void activate(const QString& window) {
-    run(QString("workspace.activeWindow = workspace.activeClient = %1; activated(%1);").arg(window));
+    run(QString("workspace.activeWindow = workspace.activeClient = %1; activated(%1);")
+            .arg(window));
   }
 
  private:
@@ -197,7 +208,8 @@ TEST_P(KWinScripts, TellWhichApplicationIsInFront) {
       "stack.push(editor, panel); workspace.stackingOrder = stack;"
       "workspace.activeWindow = workspace.activeClient = panel;");
   load("front-window.js");
-  EXPECT_EQ(run("told.splice(0).join()"), "Editor,app.tobrin.Tobrin") << "first what is behind the panel";
+  EXPECT_EQ(run("told.splice(0).join()"), "Editor,app.tobrin.Tobrin")
+      << "first what is behind the panel";
   activate("film");
   run("film.fullScreen = false; film.fullScreenChanged();");
   activate("null");

@@ -83,6 +83,7 @@ void SwayPlacer::placeNext() {
   socket_.abort();
   received_.clear();
   window_ = 0;
+  isPlaced_ = false;
   socket_.connectToServer(path_);
   patience_.start();
 }
@@ -110,6 +111,8 @@ void SwayPlacer::take(quint32 type, const QByteArray& payload) {
   const QJsonObject content = QJsonDocument::fromJson(payload).object();
   if (type == windowEvent) windowChanged(content);
   if (type == getTree) treeCame(content);
+  // sway leaves undone what it has not read when the line is cut.
+  if (type == runCommand && isPlaced_) hangUp();
 }
 
 /// sway says where the pointer is only by moving a window there.
@@ -123,11 +126,15 @@ void SwayPlacer::windowChanged(const QJsonObject& event) {
 }
 
 void SwayPlacer::treeCame(const QJsonObject& root) {
-  if (const auto found = findFloating(window_, root)) {
-    const QPoint to = besideTray(*found);
-    send(runCommand, commandFor(window_, "move absolute position " + QByteArray::number(to.x()) +
-                                             " px " + QByteArray::number(to.y()) + " px"));
-  }
+  const auto found = findFloating(window_, root);
+  if (!found) return hangUp();
+  isPlaced_ = true;
+  const QPoint to = besideTray(*found);
+  send(runCommand, commandFor(window_, "move absolute position " + QByteArray::number(to.x()) +
+                                           " px " + QByteArray::number(to.y()) + " px"));
+}
+
+void SwayPlacer::hangUp() {
   patience_.stop();
   socket_.disconnectFromServer();
 }

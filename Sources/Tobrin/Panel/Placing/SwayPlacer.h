@@ -23,12 +23,14 @@ class SwayPlacer final : public QObject, public WindowPlacer {
   void take(quint32 type, const QByteArray& payload);
   void windowChanged(const QJsonObject& event);
   void treeCame(const QJsonObject& root);
+  void hangUp();
 
   const QString path_;
   QLocalSocket socket_;  // connected while a window is waited for
   QByteArray received_;  // what is not yet a whole message
   QTimer patience_;
-  qint64 window_ = 0;  // sway's number for ours, once it has appeared
+  qint64 window_ = 0;      // sway's number for ours, once it has appeared
+  bool isPlaced_ = false;  // all has been asked for
 };
 
 }  // namespace tobrin
