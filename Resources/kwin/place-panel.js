@@ -14,6 +14,7 @@ function place(window) {
     const { width, height } = window.frameGeometry;
     const { x, y } = workspace.cursorPos;
     const top = y < room.y + room.height / 2 ? y + gap : y - gap - height;
+    window.skipTaskbar = window.skipPager = true; // as on X11
     window.frameGeometry = {
         x: within(room.x + gap, x - Math.round(width / 2), room.x + room.width - width - gap),
         y: within(room.y + gap, top, room.y + room.height - height - gap),

@@ -56,6 +56,10 @@ class Desktop:
     def switch_window(self):
         xdotool("mousemove", *self.elsewhere, "sleep", 0.3, "click", 1)
 
+    def place_of_panel(self, screen, before):
+        """Left, top, width and height; `before` is what `beyond_bar` showed without it."""
+        return screen.difference(before, self.beyond_bar) or (0, 0, 0, 0)
+
     def size_of_window(self):
         window = next((each for each in screenreader.showing() if each.role in ("frame", "window", "filler")), None)
         return window.place[2:] if window else (0, 0)
@@ -141,7 +145,7 @@ class DesktopTrial:
     def check_place(self, before, icon):
         """The panel is at the bar and at the icon's place along it."""
         time.sleep(1)
-        left, top, width, height = self.screen.difference(before, self.desktop.beyond_bar) or (0, 0, 0, 0)
+        left, top, width, height = self.desktop.place_of_panel(self.screen, before)
         _, bar_top, _, bar_height = self.desktop.bar_place
         gap = top - bar_height if bar_top == 0 else bar_top - (top + height)
         beside = left <= icon[0] + icon[2] and icon[0] <= left + width

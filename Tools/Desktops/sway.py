@@ -56,6 +56,9 @@ class Sway(Desktop):
     def _check_floats(self, table, what):
         table.row(f"{what} floats", self._panel()["type"] == "floating_con")
 
+    def place_of_panel(self, _screen, _before):
+        return tuple(self._panel()["rect"][side] for side in ("x", "y", "width", "height"))
+
     def size_of_window(self):
         panel = eventually(self._panel, 20)
         return tuple(panel["window_rect"][side] for side in ("width", "height")) if panel else (0, 0)
