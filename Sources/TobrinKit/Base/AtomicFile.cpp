@@ -65,9 +65,7 @@ class AsideFile final {
               (prefix + std::to_string(counter.fetch_add(1, std::memory_order_relaxed)) + ".tmp");
       file_ = std::fopen(path_.string().c_str(), "wbx");
     } while (file_ == nullptr && (errno == EEXIST || errno == EINTR));
-    if (file_ != nullptr) return;
-    path_.clear();
-    failNow();
+    if (file_ == nullptr) failNow();
   }
 
   [[noreturn]] void failNow() const { fail(std::error_code(errno, std::generic_category())); }

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "Base/AtomicFile.h"
+#include "Base/FlushToDisk.h"
 #include "Base/ParallelFor.h"
 #include "Base/RegularFile.h"
 #include "Support/Failure.h"
@@ -29,6 +30,10 @@ TEST(AtomicFile, ReplacesContentAndKeepsPermissionsAndLinks) {
   EXPECT_EQ(entriesIn(folder.path()), 1);
   std::vector<std::string> flushed;
   writeFileAtomically(file, "newer", [&](const fs::path& path) {
+    const std::string name = path.filename();
+    EXPECT_TRUE(path == folder.path() ||
+                (name.starts_with(".settings.json.") && name.ends_with(".tmp")))
+        << name;
     flushed.push_back((path == folder.path() ? "folder," : contentOf(path) + ",") +
                       contentOf(file));
   });
@@ -39,6 +44,16 @@ TEST(AtomicFile, ReplacesContentAndKeepsPermissionsAndLinks) {
   writeFileAtomically(folder.path() / "link", "newest");
   EXPECT_TRUE(fs::is_symlink(folder.path() / "link"));
   EXPECT_EQ(contentOf(file), "newest");
+}
+
+TEST(FlushToDisk, FailsWhereAFileIsNotThere) {
+  const testing::TempFolder folder;
+  const fs::path file = folder.write("file", "text"), absent = folder.path() / "absent";
+  for (const fs::path& path : {file, folder.path(), fs::path()})
+    EXPECT_EQ(testing::failureOf([&] { flushToDisk(path); }), "(none)") << path;
+  EXPECT_EQ(testing::failureOf([&] { flushToDisk(absent); }),
+            "filesystem error: can't write to disk: No such file or directory [" + absent.string() +
+                "]");
 }
 
 TEST(AtomicFile, FailureNamesTheTargetAndLeavesNothingBehind) {
