@@ -7,8 +7,10 @@
 #include <system_error>
 
 #include "Base/AtomicFile.h"
+#include "Base/ExchangeFolders.h"
 #include "Base/FlushToDisk.h"
 #include "Base/ParallelFor.h"
+#include "Base/ReadJson.h"
 #include "Base/RegularFile.h"
 #include "Support/Failure.h"
 #include "Support/TempFolder.h"
@@ -49,11 +51,29 @@ TEST(AtomicFile, ReplacesContentAndKeepsPermissionsAndLinks) {
 TEST(FlushToDisk, FailsWhereAFileIsNotThere) {
   const testing::TempFolder folder;
   const fs::path file = folder.write("file", "text"), absent = folder.path() / "absent";
-  for (const fs::path& path : {file, folder.path(), fs::path()})
+  for (const fs::path& path : {file, folder.path(), fs::path()}) {
+    errno = EIO;  // of an earlier call
     EXPECT_EQ(testing::failureOf([&] { flushToDisk(path); }), "(none)") << path;
-  EXPECT_EQ(testing::failureOf([&] { flushToDisk(absent); }),
-            "filesystem error: can't write to disk: No such file or directory [" + absent.string() +
-                "]");
+  }
+  EXPECT_EQ(
+      testing::failureOf([&] { flushToDisk(absent); }),
+      "filesystem error: can't write to disk: No such file or directory [" + absent.string() + "]");
+}
+
+TEST(ExchangeFolders, LeavesBothWhereOneIsNotThere) {
+  const testing::TempFolder folder;
+  const fs::path one = folder.write("one/file", "1").parent_path(), other = folder.path() / "other";
+  EXPECT_FALSE(exchangeFolders(one, other));
+  folder.write("other/file", "2");
+  EXPECT_TRUE(exchangeFolders(one, other));
+  EXPECT_EQ(contentOf(one / "file") + contentOf(other / "file"), "21");
+}
+
+TEST(ReadJson, NamesTheLineAndColumnWhereItGaveUp) {
+  for (const auto& [text, place] :
+       {std::pair("", "line 1, column 1"), {"{\n\n  \"a\": ?", "line 3, column 8"}})
+    EXPECT_EQ(testing::failureOf([&, json = text] { (void)readJson(json); }),
+              std::string("not valid JSON from ") + place + " on");
 }
 
 TEST(AtomicFile, FailureNamesTheTargetAndLeavesNothingBehind) {
