@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <optional>
 #include <string>
@@ -244,6 +245,22 @@ TEST_F(KeyBroker, KeyboardsComeAndGo) {
     keyboard.reset();
     ASSERT_EQ(heard.await(2), "-56 -8 ") << round;
   }
+
+  VirtualKeyboard moved("Given to another seat");
+  ASSERT_TRUE(isHeard(moved));
+  moved.press({KEY_C});
+  ASSERT_EQ(heard.await(1), "+8 ");
+  const std::filesystem::path rule = "/run/udev/rules.d/99-moved.rules";
+  std::ofstream(rule) << "SUBSYSTEM==\"input\", ATTRS{name}==\"Given to another seat\", "
+                         "ENV{ID_SEAT}=\"seat-other\"\n";
+  ASSERT_EQ(std::system("udevadm control --reload && udevadm trigger --action=change "
+                        "--subsystem-match=input --settle"),
+            0);
+  EXPECT_EQ(heard.await(1), "-8 ");
+  strike(moved, KEY_B);
+  std::this_thread::sleep_for(milliseconds(200));
+  EXPECT_EQ(heard.await(0), "");
+  std::filesystem::remove(rule);
 }
 
 TEST_F(KeyBroker, TellsOfTheKeyboardsThatAreListedAndOfNothingElse) {
