@@ -56,8 +56,9 @@ std::optional<Loudness> loudnessOf(const Json& device) {
   if (!device.is_object()) return std::nullopt;
   const auto volume = numberOf(device, "volume", 0, loudestMaster);
   if (!volume) return std::nullopt;
-  return Loudness{.volume = *volume,
-                  .boost = numberOf(device, "boost", 1, double{VoiceBoost::most}).value_or(1)};
+  return Loudness{
+      .volume = *volume,
+      .boost = numberOf(device, "boost", 1, static_cast<double>(VoiceBoost::most)).value_or(1)};
 }
 
 /// To four places: a slider's step is larger.
