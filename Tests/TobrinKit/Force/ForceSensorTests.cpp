@@ -120,7 +120,10 @@ TEST(ForceSensor, ASourceThatRefusesOrEndsLeavesItStopped) {
   while (sensor.isRunning())
     std::this_thread::yield();
   EXPECT_TRUE(sensor.start()) << "may be tried again";
-  EXPECT_FALSE(ForceSensor(nullptr).start());
+  ForceSensor none(nullptr);
+  EXPECT_FALSE(none.start());
+  EXPECT_EQ(none.description() + ": " + none.problem(),
+            "no motion sensor: there is no motion sensor");
 }
 
 using testing::KeyScript;

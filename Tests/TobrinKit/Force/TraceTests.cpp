@@ -51,6 +51,9 @@ TEST(TraceSource, RepeatsStampedWithThePresent) {
 
 TEST(TraceSource, RecordedTimesAreKeptAndPassedSamplesLeftOut) {
   const auto clock = std::make_shared<VirtualTraceClock>(0);
+  TraceSource absent("/absent", clock, TraceSource::Times::recorded);
+  EXPECT_FALSE(absent.open());
+  EXPECT_EQ(absent.problem(), "/absent: No such file or directory");
   ForceSensor sensor(std::make_unique<TraceSource>(traceOf(100, {{5, 1}, {20, 1}}), "t", clock,
                                                    TraceSource::Times::recorded));
   ASSERT_TRUE(sensor.start());
