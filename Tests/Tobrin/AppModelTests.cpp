@@ -86,6 +86,7 @@ TEST_F(AppModelTest, OpeningThePanelLoadsWhatIsNot) {
   AppModel& model = start();
   advance(0);
   EXPECT_EQ(model.packError(), "No sound packs found.");
+  EXPECT_EQ(model.statusLine(), "No pack · Fixed strength");
   found_ = late;
   model.menuOpened();
   EXPECT_FALSE(isHeard()) << "nothing was chosen";

@@ -248,7 +248,6 @@ TEST_F(PanelModelTest, ShowsPacksComeAndGo) {
   after("one in the middle is removed");
   found_.back().name = "Omega";
   panel_->menuOpened();
-  look();
   after("one has another name");
   expectKeptText(seen_, "Tobrin/panel-packs.txt");
   add({"file:///x/never.zip"});
