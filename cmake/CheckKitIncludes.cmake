@@ -19,7 +19,7 @@ set(rooms
 # Besides the standard library's, only headers of the libraries below may be named.
 set(libraries archive archive_entry curl/curl sndfile soxr "hwy/.*" "nlohmann/.*" "unicode/.*" "yaml-cpp/.*")
 set(c_headers stdbool stddef stdint)  # in the mixer's C interface
-set(posix fcntl pwd unistd sys/stat)  # files and folders, in Base alone
+set(posix fcntl pwd unistd sys/file sys/stat)  # files and folders, in Base alone
 
 file(GLOB_RECURSE sources RELATIVE ${FOLDER} ${FOLDER}/TobrinKit/*.cpp ${FOLDER}/TobrinKit/*.h
      ${FOLDER}/TobrinMixer/*.cpp ${FOLDER}/TobrinMixer/*.h)

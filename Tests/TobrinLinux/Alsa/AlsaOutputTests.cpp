@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <fstream>
+#include <memory>
 #include <vector>
 
 #include "Alsa/AlsaConfiguration.h"
@@ -145,15 +146,16 @@ TEST_F(AlsaOutputTest, ADeviceThatDoesNotAnswerStopsNobody) {
   ASSERT_EQ(mkfifo(recorded().c_str(), 0600), 0);  // opening it waits for a reader
   configure("pcm.hung { type file slave.pcm { type null } format raw file \"" + recorded() +
             "\" }");
-  AlsaOutput output("hung");
-  output.setCallbacks(player_.callbacks());
-  EXPECT_FALSE(output.start());
-  EXPECT_EQ(output.problem(), "the ALSA device 'hung' does not answer");
-  output.pause();
+  auto output = std::make_unique<AlsaOutput>("hung");
+  output->setCallbacks(player_.callbacks());
+  EXPECT_FALSE(output->start());
+  EXPECT_EQ(output->problem(), "the ALSA device 'hung' does not answer");
+  output->pause();
   const int reader = open(recorded().c_str(), O_RDONLY | O_NONBLOCK);
-  EXPECT_TRUE(output.start()) << output.problem();
+  EXPECT_TRUE(output->start()) << output->problem();
   EXPECT_TRUE(eventually([&] { return player_.blocks > 0; }));
-  output.pause();
+  output->pause();
+  output.reset();  // writes to the end
   close(reader);
 }
 
