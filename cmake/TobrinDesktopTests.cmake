@@ -2,12 +2,7 @@
 # desktop session (Tools/Desktop), so that it touches neither the machine's desktop nor another test.
 
 set(TOBRIN_DESKTOP_SESSION ${PROJECT_SOURCE_DIR}/Tools/Desktop/desktop-session)
-# A toolkit that loses its display ends the process, threads and all.
-set(TOBRIN_DESKTOP_ENVIRONMENT
-    PYTHONDONTWRITEBYTECODE=1
-    TOBRIN_DESKTOP_TOOLS=${PROJECT_BINARY_DIR}/desktop-tools
-    LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/Tests/leaks.supp:print_suppressions=0
-    "TSAN_OPTIONS=ignore_noninstrumented_modules=1 report_thread_leaks=0 suppressions=${PROJECT_SOURCE_DIR}/Tests/races.supp")
+set(TOBRIN_DESKTOP_ENVIRONMENT PYTHONDONTWRITEBYTECODE=1 TOBRIN_DESKTOP_TOOLS=${PROJECT_BINARY_DIR}/desktop-tools)
 
 # tobrin_add_desktop_test(NAME name COMMAND program|target [argument...]
 #                         [SESSION option...] [TIMEOUT seconds] [LABELS label...] [SERIAL])
