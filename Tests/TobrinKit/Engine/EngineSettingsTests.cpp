@@ -16,6 +16,7 @@ TEST(EngineSettings, SurviveTheFileAndMissingFieldsTakeTheirDefaults) {
   quiet.volume = 0.2f;
   EXPECT_EQ(EngineSettings::fromJson(R"({"volume": 0.2, "tray": [1, {}], "spatial": null})"),
             quiet);
+  EXPECT_EQ(EngineSettings::fromJson(R"({"fixedTier": 0})").fixedTier, Tier::soft);
   const std::string changed =
       R"({"enabled":false,"volume":0.1,"forceSensing":false,"sensitivity":1.7,"fixedTier":3,)"
       R"("blendTiers":false,"releaseSounds":false,"spatial":0.3,"quietDuringCalls":false,)"
