@@ -10,7 +10,7 @@
 
 namespace tobrin {
 
-/// Where a block goes; `count` is 1 for mono, which takes half the sum of both channels.
+/// Where a block is written. `count` is 2, or 1 for mono: half the sum of both channels.
 struct OutputChannels {
   std::array<float*, 2> samples;
   uint32_t count;
@@ -18,7 +18,7 @@ struct OutputChannels {
 
 class BlockRenderer final {
  public:
-  /// Settles the instruction set. Fade lengths in frames.
+  /// Chooses the instruction set. Both fade lengths are in frames.
   BlockRenderer(uint32_t fadeFrames, uint32_t releaseFrames) noexcept
       : pool_(fadeFrames, releaseFrames), kernels_(chooseMixKernels()) {}
 

@@ -1,5 +1,5 @@
-/// The queue between the one producer of commands and the render thread. Each function says which
-/// of the two it is for. Thread: render.
+/// The queue between the one producer of commands and the render thread. A function for the
+/// producer says so. Thread: render.
 #pragma once
 
 #include <array>
@@ -16,8 +16,8 @@ static_assert(std::is_trivially_copyable_v<TBCommand>);
 static_assert(std::atomic<uint32_t>::is_always_lock_free);
 static_assert(std::atomic<uint64_t>::is_always_lock_free);
 
-/// Both counts run on without bound and wrap at 2^32; a slot is its count modulo the capacity. Each
-/// count has one writer and its own cache line, so neither side slows the other by writing.
+/// Both counts only grow and wrap at 2^32; a slot is its count modulo the capacity. Each count has
+/// one writer and its own cache line, so neither side slows the other by writing.
 class CommandRing final {
  public:
   /// `firstCount` is where both counts begin.
@@ -34,7 +34,7 @@ class CommandRing final {
     return true;
   }
 
-  /// Has what waits now dropped instead of applied. Thread: producer.
+  /// Has the consumer drop the commands that wait now. Thread: producer.
   void forget() noexcept {
     const uint64_t order = forgotten_.load(std::memory_order_relaxed) + (uint64_t{1} << 32);
     const uint64_t end = write_.load(std::memory_order_relaxed);
@@ -43,13 +43,13 @@ class CommandRing final {
     forgotten_.store((order & ~uint64_t{UINT32_MAX}) | end, std::memory_order_release);
   }
 
-  /// Calls `onForget` where something was to be forgotten since the last time, then hands every
-  /// waiting command to `apply`, oldest first. Thread: render.
+  /// Calls `onForget` if `forget` was called since the last time, then hands every waiting command
+  /// to `apply`, oldest first. Thread: render.
   template <typename Apply, typename OnForget>
   void drain(Apply&& apply, OnForget&& onForget) noexcept {
     uint32_t read = read_.load(std::memory_order_relaxed);
     // Pairs with the release store in push(): the slots below this count are filled. Read before
-    // the order to forget, so that an order that came before a command is never overlooked.
+    // the order to forget: where a command is seen, so is an order given before it.
     uint32_t end = write_.load(std::memory_order_acquire);
     const uint64_t order = forgotten_.load(std::memory_order_acquire);
     if (order != obeyed_) {
@@ -72,10 +72,11 @@ class CommandRing final {
   static constexpr size_t cacheLine = 64;
 
   alignas(cacheLine) std::atomic<uint32_t> write_;
-  // The producer's: the number of the order to forget, and the count below which it holds.
+  // Written by the producer: upper half, how many orders to forget it gave; lower half, the count
+  // below which commands are dropped.
   std::atomic<uint64_t> forgotten_ = 0;
   alignas(cacheLine) std::atomic<uint32_t> read_;
-  uint64_t obeyed_ = 0;  // the consumer's
+  uint64_t obeyed_ = 0;  // the last order carried out; consumer only
   alignas(cacheLine) std::array<TBCommand, TB_RING_CAPACITY> slots_{};
 };
 

@@ -24,7 +24,8 @@ using FloatMask = hn::Mask<FloatTag>;
 constexpr int64_t oneFrame = static_cast<int64_t>(MixerVoice::one);
 constexpr float frameFraction = 1.0F / static_cast<float>(MixerVoice::one);
 
-/// Where a run of frames reads its line, whose first sample lies at the whole part of the position.
+/// Where a run of frames reads its line. The line's first sample is at the whole part of the
+/// position.
 struct ReadPath {
   int32_t fraction;  ///< of the first frame, fixed point
   int32_t rate;      ///< fixed point
@@ -35,9 +36,9 @@ struct Neighbours {
   Floats here, next;
 };
 
-/// Rates so near 1 that the lanes of a vector read three runs of consecutive samples: as many
-/// frames on as the lane's number, give or take the one frame by which the position has drifted.
-/// No sample is fetched by index then. Below an octave each fraction is exact in single precision.
+/// For rates near 1. Across one vector the position drifts by at most one frame, so a lane's two
+/// neighbours lie in three runs of consecutive samples: three plain loads, and no sample is fetched
+/// by index. Within an octave of 1 each fraction is exact in single precision.
 class NearRates {
  public:
   static bool suits(int64_t rate) {
@@ -52,8 +53,8 @@ class NearRates {
     const int32_t drift = path.rate - static_cast<int32_t>(oneFrame);
     laneDrift_ = hn::Mul(hn::ConvertTo(d, hn::Mul(hn::Iota(di, 0), hn::Set(di, drift))),
                          hn::Set(d, frameFraction));
-    // One vector's place after another, as many at a time as fit a vector. The whole drift within
-    // a stretch stays under 2^6 frames.
+    // The first place of each vector, as many at a time as fit into one vector. The whole drift
+    // within a stretch stays under 2^6 frames.
     const auto wholeMask = hn::Set(di, static_cast<int32_t>(oneFrame - 1));
     const auto below = hn::Set(d, faster_ ? 1.0F : 0.0F);
     const int32_t vectorDrift = drift * lanes;
@@ -73,7 +74,7 @@ class NearRates {
     }
   }
 
-  /// Prepares the vector of frames `vector * lanes` and on.
+  /// Prepares to read the vector that begins at frame `vector * lanes`.
   void seek(size_t vector) {
     const FloatTag d;
     start_ = starts_[vector];

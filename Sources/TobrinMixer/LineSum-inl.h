@@ -20,7 +20,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 struct SampleSpan {
   uint64_t first;
   size_t frames;
-  size_t common;  ///< how many from `first` on every source has
+  size_t common;  ///< samples from `first` on that every source has
 };
 
 // Adds up `count` sources, in order, over `vectors` whole vectors from the sample `first` on.
@@ -68,8 +68,8 @@ inline void sumFrames(const Line& set, float LineSource::*weightOf, const Sample
   }
 }
 
-/// Writes the weighted sum of a span of `set`, which has sources, to `line`, with silence where a
-/// source has ended.
+/// Writes the weighted sum of a span of `set` to `line`; a source that has ended adds nothing.
+/// `set` has at least one source.
 inline void sumLine(const Line& set, float LineSource::*weightOf, const SampleSpan& span,
                     float* line) {
   const size_t lanes = hn::Lanes(hn::ScalableTag<float>());

@@ -5,7 +5,7 @@
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "MixKernels.cpp"
 #include "hwy/foreach_target.h"
-// Comes after foreach_target.h, which sets what they compile to.
+// After foreach_target.h, which chooses the instruction set that they are compiled for.
 #include "Interpolation-inl.h"
 #include "LineSum-inl.h"
 #include "WindowMix-inl.h"
@@ -132,8 +132,8 @@ void addPending(MixSpace& space) noexcept {
   space.pending = nullptr;
 }
 
-// Lines are formed now but added a turn later: reading them while the sums are still on their way
-// to the cache would stall. Voices are added in their order all the same, by either way.
+// Lines are formed now but added at the next call: reading them while the sums are still on their
+// way to the cache would stall. Either way, voices are added in their order.
 void addStretch(const MixerVoice& voice, MixSpan span, MixSpace& space) noexcept {
   assert(span.frames > 0 && span.offset + span.frames <= stretchFrames);
   if (suitsWindows(voice, span.frames)) {
@@ -147,7 +147,7 @@ void addStretch(const MixerVoice& voice, MixSpan span, MixSpace& space) noexcept
   space.pending = &formed;
 }
 
-// What has no size, neither small nor large, becomes silence: it must not reach the device.
+// NaN becomes silence: it must not reach the device.
 HWY_NOINLINE Floats softLimited(Floats sample) {
   const FloatTag d;
   const auto size = hn::Abs(sample);

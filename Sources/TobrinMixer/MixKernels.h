@@ -10,7 +10,7 @@
 
 namespace tobrin {
 
-/// Frames mixed at a time: the work space stays in the first-level cache, a long block too.
+/// Frames mixed at a time: few, so that the work space fits the first-level cache.
 constexpr uint32_t stretchFrames = 256;
 /// Room past the end of every work buffer, so that whole vectors may be read and written.
 constexpr size_t vectorSlack = 64;
@@ -38,7 +38,7 @@ struct FormedStretch {
   uint32_t rampFrame;  ///< frames of the ramp before this stretch
   bool ramping;
   uint32_t channels;   ///< of the output, 1 or 2
-  uint32_t lineCount;  ///< see `VoiceLines`, as are the next
+  uint32_t lineCount;  ///< for this and the next see `VoiceLines`
   float panLeft, panRight;
 };
 
@@ -59,9 +59,9 @@ struct MasterRamp {
 /// frame is computed by the same operations in the same order, for vectors of any width and
 /// for blocks that begin anywhere.
 struct MixKernels {
-  /// Adds what `voice` sounds from its present position on. The frames lie within its sound and
-  /// within its ramp, if one runs, and its lines hold and are not silent. May leave the stretch
-  /// pending.
+  /// Adds the sound of `voice` from its present position on. The span must not pass the end of the
+  /// sound or of a running ramp; the voice's lines must hold and must not be silent. May leave the
+  /// stretch pending.
   void (*addStretch)(const MixerVoice& voice, MixSpan span, MixSpace& space) noexcept;
 
   /// Adds the pending stretch, if there is one.

@@ -25,7 +25,7 @@ struct MixerVoice {
 
   bool releasing = false;  ///< fading out to its end
   uint32_t tag = 0;
-  uint64_t sequence = 0;  ///< how many voices had started with this one; the smallest is oldest
+  uint64_t sequence = 0;  ///< number among the voices started; the smallest is the oldest
   std::array<VoiceLayer, TB_LAYERS> layers;
   std::array<float, TB_LAYERS> target{};    ///< gains once no ramp runs
   std::array<float, TB_LAYERS> rampFrom{};  ///< gains in the ramp's first frame
@@ -34,7 +34,7 @@ struct MixerVoice {
   uint32_t rampLeft = 0;                    ///< frames of the ramp still to come
   uint32_t length = 0;                      ///< frames of the longest layer
   uint64_t position = 0;                    ///< fixed point, frames into the samples
-  uint64_t rate = one;                      ///< fixed point, frames a frame
+  uint64_t rate = one;                      ///< fixed point, sample frames per output frame
   float panLeft = 1;
   float panRight = 1;
   VoiceLines lines;  ///< gathered from the above while the voice sounds
@@ -68,7 +68,7 @@ struct MixerVoice {
 
   [[nodiscard]] uint64_t end() const noexcept { return uint64_t{length} << fractionBits; }
 
-  /// Moves on by `frames`, no more than are left of a running ramp.
+  /// Moves on by `frames`, which must not pass the end of a running ramp.
   void advance(uint32_t frames) noexcept;
 };
 

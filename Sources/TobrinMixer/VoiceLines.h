@@ -34,7 +34,7 @@ struct VoiceLines {
   uint32_t lineCount = 0;  ///< 1 for mono sound or mono output; two carry the voice's panning
   uint64_t shortest = 0;   ///< frames of the source that ends first
 
-  /// Whether nothing more is heard, though a layer of no weight may go on.
+  /// Whether nothing more is heard, even if a layer of weight 0 still goes on.
   [[nodiscard]] bool silent() const noexcept { return lines[0].count == 0; }
 
   [[nodiscard]] bool hold(uint64_t frame, uint32_t outputChannels) const noexcept {

@@ -187,7 +187,7 @@ void addRunOf(const MixerVoice& voice, const WindowRun& run, float* left, float*
   }
 }
 
-/// Whether the voice has steady gains, a rate near 1, and samples enough past the next `frames`.
+/// Whether the voice has steady gains, a rate near 1, and enough samples past the next `frames`.
 inline bool suitsWindows(const MixerVoice& voice, uint32_t frames) {
   const uint32_t count = voice.lines.lines[0].count;
   if (voice.rampLeft > 0 || count > TB_LAYERS) return false;

@@ -62,8 +62,8 @@ void tb_mixer_destroy(TBMixer* mixer) TB_NOEXCEPT;
 bool tb_mixer_push(TBMixer* mixer, const TBCommand* command) TB_NOEXCEPT;
 
 /// Ends every voice without a fade and drops the commands that wait, before the next render does
-/// anything else: for an output that has been silent too long to go on where it was. No sample that
-/// was pushed before is read any more. For the one producer; never blocks.
+/// anything else: for an output that was silent for so long that its sounds now come too late. No
+/// sample that was pushed before is read any more. For the one producer; never blocks.
 void tb_mixer_forget(TBMixer* mixer) TB_NOEXCEPT;
 
 /// Sets the master gain, linear, clamped to [0, 4]; reached across the next rendered block.
