@@ -25,7 +25,7 @@ class AsideFile final {
   AsideFile(const AsideFile&) = delete;
   AsideFile& operator=(const AsideFile&) = delete;
 
-  /// What is no regular file stays: a device would be gone for every program.
+  /// Refuses any other kind of target: a replaced device would be gone for every program.
   void keepPermissionsOfTarget() {
     std::error_code error;
     const fs::file_status status = fs::status(target_, error);

@@ -13,7 +13,7 @@ using Environment = std::function<std::optional<std::string>(const char* name)>;
 /// The environment of this process.
 std::optional<std::string> processEnvironment(const char* name);
 
-/// The same for those to whom an empty variable is one that is not set.
+/// The same, with an empty text for a variable that is not set: for callers that treat both alike.
 std::string processVariable(const char* name);
 
 }  // namespace tobrin

@@ -21,8 +21,8 @@ class FileDescriptor final {
     return *this;
   }
 
-  /// Opens a file that programs started from here do not inherit. Owns nothing, with the reason in
-  /// `errno`, where that fails. `mode` is for a file that is made.
+  /// Opens a file, which programs started from here do not inherit. On failure it owns nothing and
+  /// `errno` has the reason. `mode` is for a file that is created.
   static FileDescriptor open(const char* path, int flags, mode_t mode = 0) {
     return FileDescriptor(retried([&] { return ::open(path, flags | O_CLOEXEC, mode); }));
   }

@@ -1,5 +1,5 @@
-/// Shows other processes that a folder is in use. The system ends that with this process, however
-/// it ends. Thread: any.
+/// Locks a folder, to show other processes that it is in use. The system releases the lock when
+/// this process ends, also by a crash. Thread: any.
 #pragma once
 
 #include <filesystem>
@@ -13,14 +13,14 @@ class FolderLock final {
   /// Does not wait.
   explicit FolderLock(const std::filesystem::path& folder);
 
-  /// Whether it is in use here from now on, and was not elsewhere.
+  /// Whether the lock is held here.
   [[nodiscard]] bool isHeld() const { return isHeld_; }
-  /// Whether it is in use elsewhere.
+  /// Whether it is held elsewhere.
   [[nodiscard]] bool isTaken() const { return isTaken_; }
 
  private:
   FileDescriptor folder_;
-  bool isHeld_ = false;  // neither, where the file system knows no locks
+  bool isHeld_ = false;  // both false where the file system has no locks
   bool isTaken_ = false;
 };
 

@@ -6,7 +6,8 @@
 
 namespace tobrin {
 
-/// By what is printed on a US keyboard; keys of other keyboards bear their standard's name.
+/// Named by what is printed on a US keyboard; a key that only others have, by its standard (iso,
+/// jis).
 enum class Key : uint16_t {
   a = 0,
   s = 1,

@@ -25,11 +25,11 @@ struct KeyEvent {
 /// The groups by which a sound pack is organised; the value is the index.
 enum class KeyGroup : uint8_t { alpha, space, enter, backspace, modifier, mouse };
 
-/// Those of a keyboard.
+/// The groups of a keyboard's keys.
 inline constexpr std::array<KeyGroup, 5> allKeyGroups = {
     KeyGroup::alpha, KeyGroup::space, KeyGroup::enter, KeyGroup::backspace, KeyGroup::modifier};
 
-/// Those, and what a pack may have besides.
+/// The same, and the mouse, which a pack may leave out.
 inline constexpr std::array<KeyGroup, 6> allPackGroups = {KeyGroup::alpha,    KeyGroup::space,
                                                           KeyGroup::enter,    KeyGroup::backspace,
                                                           KeyGroup::modifier, KeyGroup::mouse};

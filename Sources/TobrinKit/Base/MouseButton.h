@@ -1,5 +1,4 @@
-/// The buttons and the wheel of a mouse as codes beside those of keys, above all that keyboards
-/// have. Thread: any.
+/// Codes for the buttons and the wheel of a mouse, above the codes of all keys. Thread: any.
 #pragma once
 
 #include <cstdint>

@@ -7,8 +7,8 @@
 namespace tobrin {
 
 /// Calls `work(0)` to `work(count - 1)`, each once, on up to `threads` threads, this one included;
-/// 0 stands for one a core. After a failure no further piece is begun; of the exceptions thrown,
-/// that of the lowest number is passed on.
+/// 0 means one per core. After a failure no further piece starts; if several fail, the exception of
+/// the lowest number is passed on.
 void parallelFor(std::size_t count, unsigned threads, const std::function<void(std::size_t)>& work);
 
 }  // namespace tobrin

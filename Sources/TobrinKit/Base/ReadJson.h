@@ -1,6 +1,6 @@
-/// Parses JSON text that others wrote, within bounds: what is nested without end would exhaust the
-/// stack of the code that writes it again, or the memory with its indentation. For sources that
-/// parse; keeps the JSON library out of every other header. Thread: any.
+/// Parses JSON text that others wrote, within bounds: endless nesting would exhaust the stack of
+/// the code that writes it again, or the memory with its indentation. For sources that parse; keeps
+/// the JSON library out of every other header. Thread: any.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -15,9 +15,9 @@ class JsonError final : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Throws `JsonError` where `text` is no JSON, is longer than 16 MiB or has more than 32 arrays and
-/// objects in each other (no format of ours needs more than 4). `watch` sees the parser's events
-/// and may throw.
+/// Throws `JsonError` where `text` is no JSON, is longer than 16 MiB or nests arrays and objects
+/// more than 32 deep (no format of ours needs more than 4). `watch` sees the parser's events and
+/// may throw.
 [[nodiscard]] nlohmann::json readJson(std::string_view text,
                                       const nlohmann::json::parser_callback_t& watch = nullptr);
 

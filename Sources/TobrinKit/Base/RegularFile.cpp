@@ -25,7 +25,7 @@ RegularFile::RegularFile(const std::filesystem::path& path) {
   const std::string& name = path.native();
   if (name.find('\0') != std::string::npos) fail(ENOENT);
   struct stat status {};
-  // Looked at before it is opened: opening alone sets some devices going.
+  // Checked before it is opened: opening alone starts some devices.
   if (::stat(name.c_str(), &status) != 0) fail(errno);
   demandRegular(status);
   // Without O_NONBLOCK a FIFO that took the file's place meanwhile would be waited for.

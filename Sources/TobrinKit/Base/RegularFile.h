@@ -15,8 +15,8 @@ class RegularFile final {
   /// Opens a file for reading. Throws `std::system_error` with the system's reason alone as text.
   explicit RegularFile(const std::filesystem::path& path);
 
-  /// A descriptor of the caller's own, to close; it reads on where the others of this file are, the
-  /// first from the start. Throws `std::system_error` where there are none left.
+  /// A new descriptor, which the caller closes. All of them share one position in the file, at
+  /// first its start. Throws `std::system_error` where the process may open no more.
   [[nodiscard]] int duplicate() const;
   [[nodiscard]] uint64_t size() const { return size_; }  ///< bytes, when it was opened
 

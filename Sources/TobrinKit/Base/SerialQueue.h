@@ -1,6 +1,6 @@
 /// A serial queue of tasks: what runs on one queue never overlaps. State that several threads ask
 /// for has one owner, which keeps it on one queue and posts to it. Implemented over a thread, over
-/// the event loop and over time that a driver moves. Thread: any.
+/// the event loop and over virtual time. Thread: any.
 #pragma once
 
 #include <chrono>
@@ -24,8 +24,8 @@ class SerialQueue {
   /// queue itself.
   virtual void sync(const Task& task) = 0;
 
-  /// Runs `task` on the queue once `delay` has passed. There is no cancelling: a task
-  /// that may come too late looks at its owner's state when it runs.
+  /// Runs `task` on the queue once `delay` has passed. It cannot be cancelled: a task that may come
+  /// too late checks its owner's state when it runs.
   virtual void after(Duration delay, Task task) = 0;
 
   /// Whether the caller runs on this queue, for assertions.

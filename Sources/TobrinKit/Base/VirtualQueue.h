@@ -1,6 +1,6 @@
 /// A serial queue whose time stands still until its driver moves it: for replays and for tests.
-/// Tasks run on the driver's thread, in order of their time and then of their posting. Posting is
-/// for any thread, all else for the driver's. Thread: any.
+/// Tasks run on the driver's thread, in order of their time and then of their posting. Any thread
+/// may post; all else is for the driver's thread. Thread: any.
 #pragma once
 
 #include <map>
@@ -29,8 +29,8 @@ class VirtualQueue final : public SerialQueue {
   /// When the next task is due; nothing where none waits.
   [[nodiscard]] std::optional<uint64_t> nextDue() const;
 
-  /// Moves the present to `time`, running each task due by then at its own time. Tasks that these
-  /// post are part of it.
+  /// Moves the present to `time`, running each task due by then at its own time, also those that
+  /// are posted meanwhile.
   void runUntil(uint64_t time);
 
  private:

@@ -11,7 +11,7 @@ namespace tobrin {
 /// words a minute with default settings; minus infinity where nothing is loud enough to count.
 double demoLoudness(const LoadedPack& pack);
 
-/// As above, of a pack folder. Throws `PackError`.
+/// The same for a pack folder. Throws `PackError`.
 double demoLoudness(const std::filesystem::path& packFolder);
 
 }  // namespace tobrin

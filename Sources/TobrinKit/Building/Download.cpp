@@ -14,7 +14,7 @@ constexpr long connectSeconds = 15;
 constexpr long stalledSeconds = 30;
 constexpr long stalledBytesPerSecond = 100;
 constexpr long mostRedirects = 10;
-constexpr const char* protocols = "http,https";  // no server points into our files
+constexpr const char* protocols = "http,https";  // a server cannot redirect to local files
 
 std::size_t append(const char* data, std::size_t size, std::size_t count, void* into) {
   auto& content = *static_cast<std::string*>(into);

@@ -1,5 +1,5 @@
 /// Finds where key sounds start in a recording: steep rises of the level above 700 Hz, well above
-/// the noise floor and above what rings on from earlier sounds. Thread: any.
+/// the noise floor and above the decay of earlier sounds. Thread: any.
 #pragma once
 
 #include <cstddef>
@@ -16,8 +16,8 @@ struct Onsets {
 
 inline constexpr double detectionLevelSeconds = 0.0005;  ///< from one level to the next
 
-/// The levels above 700 Hz that onsets and noise floor are measured on: of each millisecond in dB,
-/// one every `detectionLevelSeconds`. `rate` in samples a second.
+/// Levels above 700 Hz in dB, each over 1 ms, one every `detectionLevelSeconds`: what onsets and
+/// noise floor are found in. `rate` in samples a second.
 [[nodiscard]] std::vector<float> detectionLevels(std::span<const float> mono, double rate);
 
 /// `mono` at `rate` samples a second; onsets closer than `mergeWithinMs` count as one.

@@ -17,15 +17,15 @@ namespace fs = std::filesystem;
   throw std::runtime_error(target.string() + " " + reason + "; it was left alone");
 }
 
-/// Whether this process works in the folder or below it: it would stand in a folder that is gone,
-/// and so would the shell that it was started from.
+/// Whether this process works in the folder or below it: its working directory would be gone, and
+/// with it that of the shell that started it.
 bool isUnderfoot(const fs::path& folder) {
   std::error_code gone;
   const fs::path here = fs::current_path(gone);
   return !gone && *here.lexically_relative(folder).begin() != "..";
 }
 
-/// What the names of folders begin with in which a pack is built; a number follows.
+/// The start of the names of folders that packs are built in; a number follows.
 std::string beginning(const fs::path& target) {
   return "." + target.filename().string() + ".building-";
 }
@@ -34,7 +34,7 @@ bool isNumber(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-/// What builds have left that were interrupted; not what builds at work still need.
+/// Removes what interrupted builds left, but not what running builds still need.
 void removeLeftovers(const fs::path& target) {
   const std::string before = beginning(target);
   std::error_code ignored;
@@ -52,7 +52,7 @@ fs::path PackFolder::replaceable(const fs::path& wanted) {
   if (!target.has_filename()) target = target.parent_path();
   if (fs::is_symlink(target)) leaveAlone(target, "is a link that leads nowhere");
   if (!fs::exists(target)) return target;
-  // A folder that is no pack is somebody's own.
+  // A folder that is no pack belongs to the user.
   const bool isOurs = fs::is_directory(target) &&
                       (fs::is_empty(target) || fs::exists(target / PackManifest::fileName));
   if (!isOurs) leaveAlone(target, "exists and is no sound pack");

@@ -20,9 +20,8 @@ class PackFolder final {
   /// `std::runtime_error` where that is not for us to replace. Changes nothing.
   static std::filesystem::path replaceable(const std::filesystem::path& wanted);
 
-  /// Makes an empty folder beside `target`, which must be `replaceable`, and removes what builds of
-  /// the same pack have left there that were interrupted. Throws
-  /// `std::filesystem::filesystem_error`.
+  /// Makes an empty folder beside `target`, which must be `replaceable`, and removes what
+  /// interrupted builds of the same pack left there. Throws `std::filesystem::filesystem_error`.
   explicit PackFolder(const std::filesystem::path& target);
 
   /// Removes what was not moved into place.

@@ -13,7 +13,7 @@
 namespace tobrin {
 
 struct PackRecipe {
-  /// One recording, published or one's own.
+  /// One recording, published or the user's own.
   struct Source {
     int64_t freesoundID = 0;  ///< its number; two sources with one number are the same recording
     std::string user;         ///< its author
@@ -25,12 +25,12 @@ struct PackRecipe {
 
     bool operator==(const Source&) const = default;
 
-    /// The file of this machine that it is; nothing for what is published.
+    /// The recording's file on this machine; nothing for a published one.
     [[nodiscard]] std::optional<std::filesystem::path> file() const;
     /// The published recording's page: the site's address, "/s/", the number, "/".
     [[nodiscard]] std::string pageURL() const;
-    /// Title, author, page and licence in one line. One's own recording has no page: that of its
-    /// number is somebody else's.
+    /// Title, author, page and licence in one line. The user's own recording has no page: the page
+    /// with its number would be another recording's.
     [[nodiscard]] std::string creditLine() const;
   };
 
@@ -49,7 +49,7 @@ struct PackRecipe {
   /// The pack's licence text: every recording's credit line.
   [[nodiscard]] std::string licenseText() const;
 
-  /// Relative paths of recordings lead on from `folder`, where the recipe lies.
+  /// Replaces relative paths of recordings by paths below `folder`, where the recipe lies.
   void resolvePaths(const std::filesystem::path& folder);
 
   /// Whether a JSON document is a recipe rather than slicer options alone. Throws `RecipeError`.

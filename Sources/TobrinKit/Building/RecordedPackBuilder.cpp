@@ -142,8 +142,8 @@ std::string summary(const WrittenPack& pack, const fs::path& into) {
          numbers;
 }
 
-/// A number stands for one recording, in the cache as in the credits: a second one would silently
-/// be left out for the first.
+/// A number stands for one recording, in the cache and in the credits: a second recording with the
+/// same number would silently be left out.
 void refuseSharedNumbers(const PackRecipe& recipe) {
   const auto known = recipe.credits();
   const auto check = [&](const PackRecipe::Source& source) {

@@ -50,7 +50,7 @@ class CacheEntry {
 
   /// Whether the files are those of that recording: recipes are free to give one number to
   /// different recordings. Files without a note were put there by hand, or are older than notes:
-  /// they pass for what is published, and for a file that is gone.
+  /// they count as the published recording, or as a local file that is gone.
   [[nodiscard]] bool holds(const Identity& recording) const {
     if (fs::exists(mark)) return false;
     if (!fs::exists(note)) return recording.state.empty();

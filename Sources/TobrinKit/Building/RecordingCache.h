@@ -29,8 +29,8 @@ struct RecordingPart {
   std::span<const float> right;
 };
 
-/// The part of a decoded recording that its source names by `start` and `end`. Throws `RecipeError`
-/// where the recording is over by then.
+/// The part of a decoded recording from its source's `start` to its `end`. Throws `RecipeError`
+/// where the recording is shorter than `start`.
 [[nodiscard]] RecordingPart partOf(const SampleBuffer& recording, const PackRecipe::Source& source);
 
 }  // namespace tobrin

@@ -16,15 +16,15 @@ enum class Conversion : uint8_t {
   noConverter  ///< ffmpeg is not installed
 };
 
-/// Writes `recording` to `wav` as a float WAV file at 48 kHz, or only its first `mostSeconds`; what
-/// is there after a failure is not whole. Throws `std::system_error` where no program can be
+/// Writes `recording` to `wav` as a float WAV file at 48 kHz, or only its first `mostSeconds`;
+/// after a failure the file may be incomplete. Throws `std::system_error` where no program can be
 /// started.
 [[nodiscard]] Conversion convertRecording(const std::filesystem::path& recording,
                                           const std::filesystem::path& wav,
                                           const ProcessRunner& programs,
                                           std::optional<int> mostSeconds = {});
 
-/// The reason for people where it was not done.
+/// What the user is told after a failure.
 inline constexpr const char* conversionFailed = "ffmpeg failed (is ffmpeg installed?)";
 
 }  // namespace tobrin

@@ -65,8 +65,8 @@ std::vector<Fate> fatesOf(const std::vector<Hit>& hits, std::size_t mergeDistanc
   std::size_t last = 0;  // that is no twin
   for (std::size_t i = 0; i < hits.size(); ++i) {
     fates.push_back(fateOf(hits[i], faintest));
-    // Refinement may have moved an onset onto its neighbour's, a release onto the next press as
-    // well: the sound is that of the stronger one.
+    // Refinement may have moved an onset onto its neighbour's, even a release onto the next press:
+    // the stronger one keeps the sound.
     const bool isTwin = i > 0 && hits[i].onset < hits[last].onset + mergeDistance;
     const std::size_t weaker = isTwin && hits[i].energy > hits[last].energy ? last : i;
     if (isTwin) fates[weaker] = Fate::repeated;

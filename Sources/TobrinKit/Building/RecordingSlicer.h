@@ -24,7 +24,7 @@ struct RecordedHit {
   float preActivity = 0;  ///< loudest of the 12 ms before, above 700 Hz, relative to the hit
   bool clipped = false;   ///< a channel reaches 0.995 within 30 ms
   std::size_t gapAfter = 0;  ///< until the next onset or the end
-  bool isRelease = false;    ///< no press: a release, or a knock that goes with none
+  bool isRelease = false;    ///< a release, or a knock that belongs to no press
   bool isBig = false;        ///< a wide key, by its sound
 
   bool operator==(const RecordedHit&) const = default;

@@ -50,8 +50,8 @@ double pressLevelAround(const std::vector<TypedHit>& hits, const std::vector<dou
   return static_cast<double>(percentile(std::move(around), pressPercentile));
 }
 
-/// Whether keys are struck one at a time: then a hit close to another is no other key's, but in
-/// fast typing it is.
+/// Whether keys are struck one at a time: then a hit close to another is of the same key. In fast
+/// typing it may be of another one.
 bool isSlow(const std::vector<TypedHit>& hits) {
   std::size_t pauses = 0;
   for (std::size_t i = 1; i < hits.size(); ++i)
@@ -102,8 +102,8 @@ void improve(Fit& fit, const TypingModel& expected, const std::vector<TypedHit>&
   }
 }
 
-/// The best of the fits from several first guesses: fast typing with few releases in it looks much
-/// like slow typing to the wrong one. A minute or two from the middle tell which is right.
+/// The best of the fits from several first guesses: from a wrong guess, fast typing with few
+/// releases looks like slow typing. A minute or two from the middle are enough to choose.
 Fit bestFit(const std::vector<TypedHit>& hits) {
   const std::size_t count = std::min(hits.size(), hitsToChooseBy);
   const auto begin = hits.begin() + static_cast<std::ptrdiff_t>((hits.size() - count) / 2);

@@ -11,10 +11,10 @@ namespace tobrin {
 /// samples a second.
 ///
 /// A release is softer than the presses around it and follows its own press after the time a finger
-/// rests on a key; every press is released once. A `TypingModel` of both is fitted to the recording
-/// in turns with the most likely reading of all hits (expectation maximisation with hard
-/// assignments), from several first guesses. Marked is only what is no press with near certainty:
-/// where releases sound like presses, few are marked.
+/// rests on a key; every press is released once. Two steps take turns, from several first guesses
+/// (expectation maximisation with hard assignments): find the most likely reading of all hits, then
+/// fit a `TypingModel` to it. Only hits that are almost certainly no press are marked: where
+/// releases sound like presses, few are.
 void markReleases(std::vector<RecordedHit>& hits, double rate);
 
 }  // namespace tobrin

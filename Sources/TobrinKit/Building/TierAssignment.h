@@ -38,8 +38,7 @@ using CutTake = std::function<std::optional<RecordedTake>(const RecordedHit&)>;
 [[nodiscard]] std::vector<RecordedTake> spreadTakes(std::vector<RecordedHit> hits, int64_t variants,
                                                     const CutTake& cut);
 
-/// Brings takes nearer to `target`, but only in part, so that strokes still differ. `target` as a
-/// level.
+/// Brings the levels of takes part of the way to the level `target`, so that strokes still differ.
 void levelTakes(std::vector<RecordedTake>& takes, float target);
 
 /// Loudness of each tier relative to the median take.

@@ -15,8 +15,8 @@ struct Bell {
 
   [[nodiscard]] double logDensity(double x) const;
 
-  /// Drawn towards `expected` as if that had been seen `weight` times already; no deviation below
-  /// `leastDeviation`.
+  /// Fits `values`, drawn towards `expected` as if that had been seen `weight` times already; the
+  /// deviation is at least `leastDeviation`.
   static Bell fit(std::vector<double> values, const Bell& expected, double weight,
                   double leastDeviation);
 };

@@ -14,7 +14,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr std::size_t longestName = 64;  // bytes; more is nobody's slip
+constexpr std::size_t longestName = 64;  // bytes; more is no misspelling
 constexpr std::size_t lettersASlip = 3;  // of a name: a longer one may have more wrong
 
 /// How many letters must be changed, left out, added or exchanged with their neighbour.

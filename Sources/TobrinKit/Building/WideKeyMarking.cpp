@@ -63,7 +63,7 @@ double shareBelow(double hz, const Press& press) {
   return all > 0 ? below / all : 0;
 }
 
-/// What speaks for a wide key, each measure falling the more it does.
+/// Measures of how wide a key sounds; the wider, the lower is each.
 constexpr std::size_t measureCount = 4;
 using Measures = std::array<double, measureCount>;
 

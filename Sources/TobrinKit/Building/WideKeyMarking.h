@@ -13,10 +13,10 @@ namespace tobrin {
 /// second; `share` of all presses (0 to 1) is marked.
 ///
 /// Wide keys sound lower and longer. Each press is ranked among all presses by its mean frequency,
-/// by how much of it lies below 200 and below 400 Hz, and by its decay: no single one of them holds
-/// across keyboards, and ranks need no scale that would. The share of presses ranked lowest is
-/// taken for wide. Where wide keys do not differ, that picks ordinary keys of the lower and longer
-/// kind, which still suit a wide key.
+/// by how much of it lies below 200 and below 400 Hz, and by its decay: no single one of these
+/// works for every keyboard, and ranks need no common scale. The share of presses ranked lowest
+/// counts as wide. Where wide keys sound like the others, that picks ordinary keys that are rather
+/// low and long, which still suit a wide key.
 void markWideKeys(std::vector<RecordedHit>& hits, std::span<const float> mono, double rate,
                   double share);
 

@@ -13,11 +13,11 @@ namespace tobrin {
 
 /// What a device calls. `render` fills `frames` samples of each channel on the render thread and
 /// must be real-time safe; `right` is null or equal to `left` for a mono device. `changed` may come
-/// on any thread of the device, never from inside `render` nor with a lock held that `start`
-/// or `pause` take: the default device or its format was switched, the sound server was lost, or it
+/// on any thread of the device, never from inside `render` nor with a lock held that `start` or
+/// `pause` take: the default device or its format was switched, the sound server was lost, or it
 /// came back. The device's destructor waits for it. `outputsChanged` may be empty; it comes on any
-/// thread, with any lock held, when the devices that there are become known and after each change,
-/// and must only post.
+/// thread, with any lock held, when the list of devices is first known and after each change, and
+/// must only post.
 struct AudioCallbacks {
   void (*render)(void* context, float* left, float* right, uint32_t frames) noexcept = nullptr;
   void* context = nullptr;
@@ -32,8 +32,7 @@ class AudioDevice {
   /// Connects if need be and starts calling `render` in blocks of about 256 frames. Returns whether
   /// the stream runs, or is sure to as soon as the server schedules it; false leaves the reason in
   /// `problem`. After a failure or a lost server a started device goes on trying by itself until
-  /// `pause`, and says `changed` when it runs again. The owner calls it
-  /// from one thread at a time.
+  /// `pause`, and calls `changed` when it runs again. The owner calls it from one thread at a time.
   virtual bool start() = 0;
 
   /// Stops calling `render` and leaves the device idle once it has played what it took: no wake-ups
@@ -49,12 +48,12 @@ class AudioDevice {
   /// What the sound goes through, for people ("PipeWire, Built-in Audio"). Thread: any.
   [[nodiscard]] virtual std::string description() const = 0;
 
-  /// Plays on the device of this id from now on; empty: on the user's default one, wherever that
-  /// goes. While the chosen one is away the default stands in for it. Where the user moves the
-  /// sound by the desktop's own means, that holds until the next choice. Called as `start` is.
+  /// Plays on the device of this id from now on; empty: on the user's default one, and follows it.
+  /// While the chosen device is away the default one stands in. If the user moves the sound with
+  /// the desktop's own means, that holds until the next choice. Called as `start` is.
   virtual void choose(const std::string& id) = 0;
 
-  /// Has `outputsChanged` called soon, also where nothing was played yet. Called as `start` is.
+  /// Has `outputsChanged` called soon, even if nothing was played yet. Called as `start` is.
   virtual void findOutputs() = 0;
 
   /// Must be called once, before anything else.

@@ -33,7 +33,7 @@ AudioOutput::AudioOutput(std::unique_ptr<AudioDevice> device,
 
 AudioOutput::~AudioOutput() {
   pause();
-  // The device may still say that it changed until it is gone, and finds nothing to start.
+  // Until the device is gone it may still call `deviceChanged`, which then starts nothing.
   device_.reset();
   tb_mixer_destroy(mixer_);
 }
@@ -76,7 +76,7 @@ void AudioOutput::pause() {
   isRunning_.store(false, std::memory_order_relaxed);
 }
 
-// A device that could not start says so as well once it can.
+// A device that could not start calls this, too, once it can.
 void AudioOutput::deviceChanged() {
   MutexLock lock(mutex_);
   if (isWanted_ && startLocked() && onProblem_) onProblem_("");

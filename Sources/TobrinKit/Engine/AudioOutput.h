@@ -1,6 +1,6 @@
-/// The voice mixer joined to an output device, the user's default one or a chosen one. What uses it
-/// speaks in mixer commands. One mutex, which the render callback never takes, lets `start`,
-/// `pause` and the device's notice of a change run one at a time. Thread: any.
+/// The voice mixer joined to an output device, the user's default one or a chosen one. Its user
+/// pushes mixer commands. One mutex, which the render callback never takes, lets `start`, `pause`
+/// and the device's notice of a change run one at a time. Thread: any.
 #pragma once
 
 #include <atomic>
@@ -31,9 +31,9 @@ class AudioOutput final {
   AudioOutput(const AudioOutput&) = delete;
   AudioOutput& operator=(const AudioOutput&) = delete;
 
-  /// `onProblem` gets why the output does not run, in words, empty while all is well: when that
-  /// changes, and when the device has. It is called on the thread that starts or on the device's,
-  /// and must only post. To be set before the first start.
+  /// `onProblem` gets the reason why the output does not run, in words (empty while all is well),
+  /// when that changes and when the device does. It is called on the thread that starts or on the
+  /// device's, and must only post. To be set before the first start.
   void setOnProblem(std::function<void(const std::string& problem)> onProblem);
 
   /// Starts the output if it does not run; returns whether it runs. A failure is logged
@@ -44,11 +44,11 @@ class AudioOutput final {
   /// until the next `start`.
   void pause();
 
-  /// Plays on this device from now on, or on the default one where the id is empty. Waits while a
-  /// start does.
+  /// Plays on this device from now on, or on the default one where the id is empty. Waits for a
+  /// start that is under way.
   void choose(const std::string& id);
 
-  /// Has `onOutputs` called soon, also where nothing was played yet. Waits while a start does.
+  /// Has `onOutputs` called soon, even if nothing was played yet. Waits for a start under way.
   void findOutputs();
 
   /// Ends every voice and drops all waiting commands, so that neither an old sound nor a pointer
@@ -56,7 +56,7 @@ class AudioOutput final {
   /// the mixer's producer.
   void forgetVoices();
 
-  /// Never waits, also while a start does.
+  /// Never waits, not even for a start under way.
   [[nodiscard]] bool isRunning() const;
   [[nodiscard]] std::string description() const;
   /// Why it does not run, in words; empty while all is well. Thread: any.

@@ -43,8 +43,9 @@ class Conductor final {
 
   /// For strokes handled from now on.
   void setOnForce(ForceCallback onForce);
-  /// Called on the queue each time that it changes why force cannot be sensed though it is wanted
-  /// and there is a sensor: in words, empty while all is well. Until then the fixed strength plays.
+  /// Called on the queue each time that it changes why force cannot be sensed although it is wanted
+  /// and there is a sensor: a reason in words, empty while all is well. With a reason the fixed
+  /// strength plays.
   void setOnSensorProblem(SensorProblemCallback onProblem);
   /// For tools that look at each stage of the measurement; for strokes handled from now on.
   void setOnForceStage(ForceStageCallback onStage);
@@ -52,24 +53,24 @@ class Conductor final {
   void handle(const KeyEvent& event);
   /// `wakeNow` starts what the settings allow at once, not only at the next key.
   void apply(const EngineSettings& settings, bool wakeNow);
-  /// Whether each stroke gets the sound of another key of its group, so that who records the sounds
-  /// does not learn from them which keys were pressed.
+  /// Whether each stroke gets the sound of another key of its group, so that a recording of the
+  /// sounds does not tell which keys were pressed.
   void setMasked(bool masked);
-  /// Makes strokes from now on up to so much louder than the pack has them, 1 to 2: each as far as
-  /// it is not distorted.
+  /// Makes strokes from now on louder than in the pack, by a factor of up to `boost`, 1 to 2: each
+  /// only as far as it is not distorted.
   void setBoost(float boost);
   /// Plays on the device of this id; empty: on the default one.
   void chooseOutput(const std::string& id);
-  /// Has the output say which devices there are, also where nothing was played yet.
+  /// Has the output report which devices there are, even if nothing was played yet.
   void findOutputs();
   /// Fades what sounds, then plays from `pack` (null: silence). The old pack is kept alive for 2 s.
   void setPack(std::shared_ptr<const LoadedPack> pack);
   /// Plays a short demonstration phrase, until the next one or another pack.
   void audition();
-  /// Plays one key of usual strength, in place of what is left of a phrase.
+  /// Plays one key at the usual strength; what is left of a phrase is not played.
   void demonstrateKey();
   void resetCalibration();
-  /// Takes sensor and output up again after the machine slept.
+  /// Restarts sensor and output after the machine slept.
   void systemDidWake();
   /// Waits: stops the sensor, pauses the output, marks the engine suspended.
   void shutdown();

@@ -30,7 +30,7 @@ ConductorCore::ConductorCore(SerialQueue& queue, std::unique_ptr<AudioOutput> au
   devices_->watchIdleness();
 }
 
-/// Runs `task` on this object later, if it still is there.
+/// Runs `task` on this object later, if it still exists.
 template <typename Task>
 void ConductorCore::after(SerialQueue::Duration delay, Task task) {
   queue_.after(delay, [weak = weak_from_this(), run = std::move(task)] {
@@ -169,8 +169,8 @@ void ConductorCore::setPack(std::shared_ptr<const LoadedPack> pack) {
   retire(player_.exchangePack(std::move(pack)));
 }
 
-// The render thread plays from the old pack's memory until the fade has ended there. That takes
-// some milliseconds of a running output; a stalled one says by its frames that it has not happened.
+// The render thread plays from the old pack's memory until the fade has ended there. On a running
+// output that takes some milliseconds; on a stalled one the count of frames shows that it has not.
 void ConductorCore::retire(std::shared_ptr<const LoadedPack> pack) {
   constexpr uint64_t fadeFrames = 24000;  // a block in flight and the fade, however long blocks are
   const bool fading = devices_->fadeOut();
@@ -211,7 +211,7 @@ void ConductorCore::play(const std::vector<PhraseKey>& phrase) {
   }
 }
 
-/// Runs `task` later, if the phrase of now still lasts.
+/// Runs `task` later, if the present phrase still plays.
 template <typename Task>
 void ConductorCore::inPhrase(PhraseKey::Seconds delay, Task task) {
   after(ticks(delay), [phrase = phrase_, run = std::move(task)](ConductorCore& self) {

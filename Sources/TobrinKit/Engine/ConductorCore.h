@@ -59,7 +59,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   void strikeSensed(const KeyEvent& event);
   void strikeFixed(const KeyEvent& event);
   void click(const KeyEvent& event);
-  /// About the strength of a tier, as no two strokes are alike.
+  /// The strength of a tier, varied at random by up to 0.3 tiers.
   [[nodiscard]] StrokeStrength near(Tier tier);
   void refine(const Stroke& stroke, double delayMs);
   void settle(const Stroke& stroke, const StrokeMeter::Reading& reading);
@@ -85,7 +85,7 @@ class ConductorCore final : public std::enable_shared_from_this<ConductorCore> {
   StrokeMeter meter_;
   PressStrengths held_;
   SplitMix64 rng_;
-  uint64_t phrase_ = 0;  // number of the demonstration; what is left of earlier ones is not played
+  uint64_t phrase_ = 0;  // number of the demonstration; keys of earlier ones are not played
   ForceCallback onForce_;
   ForceStageCallback onStage_;
 };

@@ -1,4 +1,4 @@
-/// A short phrase that shows what a pack sounds like: two words typed by somebody in practice.
+/// A short phrase that shows what a pack sounds like: two words as a practised typist types them.
 /// Thread: any.
 #pragma once
 

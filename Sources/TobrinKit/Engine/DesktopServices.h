@@ -22,7 +22,7 @@ class Workspace {
   virtual ~Workspace() = default;
   /// Called after the machine woke from sleep.
   virtual void setOnWake(std::function<void()> onWake) = 0;
-  /// Called when the screen is locked and when it is unlocked; first where it is locked already.
+  /// Called when the screen is locked or unlocked, and at once if it is locked already.
   virtual void setOnLock(std::function<void(bool isLocked)> onLock) = 0;
   /// Called when the session or the user ends the program.
   virtual void setOnTerminate(std::function<void()> onTerminate) = 0;
@@ -33,12 +33,12 @@ class Workspace {
   using OnEnd = std::function<void(const std::string& problem)>;
   /// Offers the user the one-time grant of access to keys.
   virtual void openKeyAccessSettings(OnEnd onEnd) = 0;
-  /// Whether an older grant is in force by which other programs have the keys, too, and could be
-  /// replaced by one for this program alone.
+  /// Whether an older grant, which lets other programs have the keys too, can be replaced by one
+  /// for this program alone.
   virtual bool canNarrowKeyAccess() = 0;
-  /// Replaces it. Where somebody does not agree, all stays as it was.
+  /// Replaces it. If the user does not agree, nothing changes.
   virtual void narrowKeyAccess(OnEnd onEnd) = 0;
-  /// Gives that access back.
+  /// Gives up the access to keys.
   virtual void giveBackKeyAccess(OnEnd onEnd) = 0;
   /// Whether another version of the program has been installed while this one runs.
   [[nodiscard]] virtual bool isUpdated() const = 0;

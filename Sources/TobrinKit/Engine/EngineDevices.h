@@ -1,4 +1,4 @@
-/// Output and motion sensor, run together while somebody types and rested when nobody does. Made on
+/// Output and motion sensor, which both run while somebody types and rest when nobody does. Made on
 /// any thread. Thread: conductor.
 #pragma once
 
@@ -21,14 +21,14 @@ class EngineDevices final : public std::enable_shared_from_this<EngineDevices> {
   EngineDevices(SerialQueue& queue, std::unique_ptr<AudioOutput> audio,
                 std::unique_ptr<ForceSensor> sensor);
 
-  /// Starts looking every 15 s whether somebody still types. Suspended, nothing is looked at.
+  /// Starts to check every 15 s whether somebody still types; while suspended there are no checks.
   void watchIdleness();
 
   /// A key went down at `time`, in host ticks.
   void noteActivity(uint64_t time) { lastActivity_ = time; }
 
-  /// Ends a suspension and starts the output if it does not run, as patiently as its keeper. To be
-  /// called before anything that is to sound.
+  /// Ends a suspension and starts the output if it does not run, as `OutputKeeper::start` does. To
+  /// be called before anything that is to sound.
   void wake();
 
   /// Fades out, stops the sensor, and pauses the output once the fade has been played.
@@ -37,7 +37,7 @@ class EngineDevices final : public std::enable_shared_from_this<EngineDevices> {
   /// Suspends, with the output paused when this returns.
   void shutdown();
 
-  /// Takes running devices up again: they may have changed while the machine slept.
+  /// Restarts running devices: they may have changed while the machine slept.
   void restart();
 
   /// Has every sounding voice fade out; false where the ring is full.

@@ -74,7 +74,7 @@ void FallbackAudioDevice::choose(const std::string& id) {
 void FallbackAudioDevice::findOutputs() {
   const std::lock_guard lock(mutex_);
   preferred_.device->findOutputs();
-  // Nothing may have been played yet that would have shown which of the two there is.
+  // Perhaps nothing was played yet that would have shown which of the two works.
   if (!preferred_.device->isRunning() && mayFallBack_()) takeFallback();
   if (fallback_.device != nullptr) fallback_.device->findOutputs();
 }

@@ -1,5 +1,5 @@
-/// Two ways to play: the preferred one when it answers, the other one where it does not. Both never
-/// render at the same time. Thread: any.
+/// Two ways to play: the preferred one when it answers, else the other one. The two never render at
+/// the same time. Thread: any.
 #pragma once
 
 #include <atomic>
@@ -24,7 +24,7 @@ class FallbackAudioDevice final : public AudioDevice {
   FallbackAudioDevice& operator=(const FallbackAudioDevice&) = delete;
 
   void setCallbacks(AudioCallbacks callbacks) override;
-  /// Each side takes the choice for itself; one that does not have the device plays on its default.
+  /// Both sides get the choice; one that does not have the device plays on its default.
   void choose(const std::string& id) override;
   void findOutputs() override;
   bool start() override;
@@ -34,7 +34,7 @@ class FallbackAudioDevice final : public AudioDevice {
   [[nodiscard]] std::string description() const override;
 
  private:
-  /// What one of the two calls; only the one in charge reaches the owner.
+  /// One of the two devices; only the callbacks of the one in charge reach the owner.
   struct Side {
     FallbackAudioDevice* owner;
     std::atomic<bool> isInCharge;

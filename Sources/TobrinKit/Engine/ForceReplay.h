@@ -1,6 +1,6 @@
-/// Runs a recorded motion trace and the key-downs recorded with it through the sensor, the
-/// classifier and the conductor themselves, in virtual time: what the engine would have made of
-/// each key. Thread: any.
+/// Runs a recorded motion trace and the key-downs recorded with it through the engine's own sensor,
+/// classifier and conductor, in virtual time: what the engine would have made of each key. Thread:
+/// any.
 #pragma once
 
 #include <vector>

@@ -24,7 +24,7 @@ struct Front {
   bool operator==(const Front&) const = default;
 };
 
-/// An application for people.
+/// How an application is shown to people.
 struct AppDescription {
   std::string name;
   std::string icon;  ///< of the desktop's theme, or a file's path; may be empty

@@ -15,11 +15,11 @@ namespace tobrin {
 
 class KeyMask final {
  public:
-  /// `seed` is one that nobody can guess, as the draws could be repeated with it.
+  /// `seed` must be impossible to guess, as the draws can be repeated with it.
   explicit KeyMask(uint64_t seed) : rng_(seed) {}
 
   void setOn(bool on) { isOn_ = on; }
-  /// From now on keys that `pack` keeps silent lend no sound.
+  /// From now on keys that `pack` keeps silent are never drawn.
   void setPack(const LoadedPack& pack);
 
   /// The key whose sound a stroke of this key gets: the key itself while the mask is off.

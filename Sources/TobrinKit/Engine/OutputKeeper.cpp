@@ -78,8 +78,8 @@ void OutputKeeper::pauseAfter(const Fade& fade) {
   });
 }
 
-// A block that was rendered may still be on its way to the device; that the next one is asked for
-// says that it got there.
+// A block that was rendered may still be on its way to the device; it has got there when the next
+// one is asked for.
 void OutputKeeper::checkFade(const Fade& fade) {
   const uint64_t rendered = audio_->renderedFrames();
   const bool arrived = rendered >= fade.renderedAt;

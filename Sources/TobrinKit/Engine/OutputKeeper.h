@@ -16,13 +16,13 @@ class OutputKeeper final : public std::enable_shared_from_this<OutputKeeper> {
   /// Starts nothing yet.
   OutputKeeper(SerialQueue& queue, std::unique_ptr<AudioOutput> audio);
 
-  /// Starts the output if it does not run; a pause that waits for a fade is called off. One that
-  /// failed a moment ago is not asked again at once: its answer may take longer than a key may
-  /// wait.
+  /// Starts the output if it does not run; a pause that waits for a fade is cancelled. An output
+  /// that failed to start a moment ago is not tried again at once: its answer may take longer than
+  /// a key may wait.
   void start();
 
-  /// Something is about to sound: forgets all sounds should the output play nothing for so long
-  /// that they come too late.
+  /// To be called when something is about to sound. If the output then plays nothing for so long
+  /// that the sounds would come too late, they are forgotten.
   void expectSound();
 
   /// Fades out and pauses once the fade has been played, without waiting for that. An output that
@@ -32,7 +32,7 @@ class OutputKeeper final : public std::enable_shared_from_this<OutputKeeper> {
   /// Pauses at once and lets go of all sounds.
   void pause();
 
-  /// Takes a running device up again.
+  /// Restarts a running device.
   void restart();
 
   /// Has every sounding voice fade out; false where the ring is full.

@@ -13,8 +13,8 @@ class PressStrengths final {
   /// A key went down and started the voice `tag`; its strength is not known yet.
   void press(uint16_t code, uint32_t tag) { held_.insert_or_assign(code, Press{tag, {}}); }
 
-  /// The strength of the press that started `tag`. Ignored where the key
-  /// was released in the meantime: the strength must not stay for a later press of it.
+  /// The strength of the press that started `tag`. Ignored where the key was released in the
+  /// meantime: the strength must not stay for a later press of it.
   void measure(uint16_t code, uint32_t tag, float relative) {
     const auto found = held_.find(code);
     if (found != held_.end() && found->second.tag == tag) found->second.relative = relative;

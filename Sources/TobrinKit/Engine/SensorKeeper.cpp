@@ -76,7 +76,7 @@ void SensorKeeper::restart() {
 
 bool SensorKeeper::canSense() {
   if (!isWanted_) return false;
-  // A device that has vanished is waited for by a sensor that runs.
+  // A running sensor waits by itself for a device that has vanished.
   if (sensor_->isRunning()) tell(sensor_->problem());
   return problem_.empty();
 }

@@ -25,10 +25,10 @@ class SensorKeeper final : public std::enable_shared_from_this<SensorKeeper> {
 
   void start();
   void stop();
-  /// Takes a wanted sensor up again.
+  /// Restarts a wanted sensor.
   void restart();
 
-  /// Whether strokes may be measured: it streams, or is about to as it could before.
+  /// Whether strokes may be measured: the sensor is wanted and has no problem.
   [[nodiscard]] bool canSense();
 
   [[nodiscard]] const ForceSensor* sensor() const { return sensor_.get(); }

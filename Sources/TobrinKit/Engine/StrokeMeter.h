@@ -31,8 +31,8 @@ class StrokeMeter final {
     std::optional<StrokeStrength> strength;  ///< nothing where the peak is no impact
   };
 
-  /// What to start a voice with: the impact so far. No strength where there is none yet or where
-  /// it may only be the beginning of one. Times in host ticks.
+  /// The impact so far, to start a voice with. No strength where there is none yet, or where it may
+  /// only be the beginning of one. Times in host ticks.
   [[nodiscard]] Reading provisional(const ForceSensor& sensor, uint64_t keyTime,
                                     uint64_t now) const;
 
@@ -47,7 +47,7 @@ class StrokeMeter final {
 
   void setSensitivity(float sensitivity) { classifier_.sensitivity = sensitivity; }
 
-  /// Stands in for a stroke without a strength: at the running average of the measured positions.
+  /// For a stroke without a measured strength: the running average of the measured positions.
   [[nodiscard]] StrokeStrength typical() const { return {typicalPosition_, 1}; }
   /// The peak of a typical stroke, g.
   [[nodiscard]] float reference() const { return classifier_.reference(); }

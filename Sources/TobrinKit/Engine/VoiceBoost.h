@@ -1,7 +1,7 @@
-/// Makes sounds louder than their pack has them, as far as the mixer's limiter lets them pass
-/// unharmed: a quiet key grows by all that is wished, a loud one by less or not at all. Decided for
-/// each voice when it starts, from the samples that it will play, so that it costs neither time nor
-/// anything on the render thread. Thread: conductor.
+/// Makes sounds louder than in their pack, but not so loud that the mixer's limiter would change
+/// them: a quiet key gets the whole boost, a loud one less or none. Decided for each voice when it
+/// starts, from the samples that it will play, so that the render thread does no more work. Thread:
+/// conductor.
 #pragma once
 
 #include <array>
@@ -15,16 +15,16 @@ class VoiceBoost final {
  public:
   static constexpr float most = 2;
 
-  /// The loudest that each layer of a voice gets on either side at weight 1; 0: not known.
+  /// The largest sample of each layer of a voice, in either channel, at weight 1; 0: not known.
   using Peaks = std::array<float, TB_LAYERS>;
 
-  /// 1 (as the pack has it) to `most`, linear; for voices that start from now on.
+  /// 1 (as in the pack) to `most`, linear; for voices that start from now on.
   void set(float wish);
 
   /// To be called before samples that were boosted go away.
   void forgetSamples() { loudest_.clear(); }
 
-  /// Those of a voice that is about to start.
+  /// The peaks of a voice that is about to start.
   [[nodiscard]] Peaks peaks(const TBCommand& start);
 
   /// Raises the weights of a voice; `volume` is what the mixer multiplies the sum of all voices by.

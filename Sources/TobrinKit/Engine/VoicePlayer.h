@@ -26,10 +26,10 @@ class VoicePlayer final {
   /// Whether each stroke gets the sound of another key.
   void setMasked(bool masked) { mask_.setOn(masked); }
 
-  /// How much louder than the pack has them, 1 to 2; for strokes from now on.
+  /// The most that strokes from now on may be louder than in the pack, as a factor of 1 to 2.
   void setBoost(float boost) { boost_.set(boost); }
 
-  /// Gives the old pack back, whose voices may still sound.
+  /// Returns the old pack, whose voices may still sound.
   [[nodiscard]] std::shared_ptr<const LoadedPack> exchangePack(
       std::shared_ptr<const LoadedPack> pack);
   [[nodiscard]] bool hasPack() const { return pack_ != nullptr; }
@@ -41,7 +41,7 @@ class VoicePlayer final {
     VoiceBoost::Peaks peaks{};
   };
 
-  /// Starts a key's press; gives no voice without a pack and with a full ring.
+  /// Starts a key's press; no voice without a pack, nor with a full ring.
   Voice press(uint16_t code, const StrokeStrength& strength, const StrokeVariation& variation);
 
   /// Gives the voice of a press new weights.

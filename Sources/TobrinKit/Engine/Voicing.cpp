@@ -69,8 +69,8 @@ std::optional<TBCommand> Voicing::release(uint32_t tag, uint16_t code, float rel
   return command;
 }
 
-/// One of those that the pack gives the key, which are `own`. A key without plays one take of its
-/// group, always the same.
+/// One of the takes `own` that the pack gives the key. A key without them always plays the same
+/// take of its group.
 std::optional<Voicing::Take> Voicing::take(uint32_t tag, uint16_t code,
                                            const LoadedPack::Variants* own) const {
   const KeyGroup group = keyGroupOf(code);

@@ -32,8 +32,8 @@ class Voicing final {
       : pack_(pack), settings_(settings) {}
 
   /// Starts the four layers of the key's take as the voice `tag`; nothing where the pack keeps the
-  /// key silent. Of several takes that the pack gives a key, the tag decides, which is another for
-  /// every stroke.
+  /// key silent. Where the pack gives a key several takes, `tag` chooses: it differs for every
+  /// stroke.
   [[nodiscard]] std::optional<TBCommand> press(uint32_t tag, uint16_t code,
                                                const StrokeStrength& strength,
                                                const StrokeVariation& variation) const;

@@ -24,7 +24,7 @@ struct ForceSensor::State {
   std::function<void()> onThreadStart;
   std::function<void()> onChange;  // fixed before the first start
 
-  // Sensor thread; `start` has it while there is none.
+  // For the sensor thread, or for `start` while there is none.
   ImpactFilter filter;
 
   Mutex lifeLock;  // serialises start and stop

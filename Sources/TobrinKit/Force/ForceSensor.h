@@ -41,7 +41,7 @@ class ForceSensor final {
   bool start();
   /// Starts streaming if it does not, without waiting for the device.
   void begin();
-  /// Waits for the end of what `begin` began; returns whether it streams.
+  /// Waits for the end of the start that `begin` began; returns whether it streams.
   bool awaitStart();
   /// Ends streaming; when it returns the sensor thread has ended. Ring and noise are kept. Waits
   /// for the end of a start.

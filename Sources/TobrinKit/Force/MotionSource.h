@@ -24,14 +24,14 @@ class MotionSource {
   /// Opens the device and switches it on; false leaves the reason in `problem`.
   virtual bool open() = 0;
 
-  /// Hands reports to `sink` until `interrupt`. A device that vanishes is waited for here and taken
-  /// up again; where another program takes it this ends, with a `problem`, and may be tried again.
+  /// Hands reports to `sink` until `interrupt`. If the device vanishes, waits for it and goes on.
+  /// If another program takes it, returns with a `problem`, and may be tried again.
   virtual void run(const Sink& sink) = 0;
 
   /// Switches the device off and closes it.
   virtual void close() = 0;
 
-  /// Ends a `run`, also one that has yet to begin. Thread: any.
+  /// Ends a `run`, even one that has not begun yet. Thread: any.
   virtual void interrupt() = 0;
 
   /// Why `open` failed, or what keeps `run` waiting, in words; empty while all is well. Thread: the

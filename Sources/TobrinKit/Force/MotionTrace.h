@@ -29,7 +29,7 @@ struct MotionTrace {
   static MotionTrace load(const std::filesystem::path& file);
   static MotionTrace parse(std::string_view text, const std::string& name);
 
-  /// From one round to the next where the trace repeats: its length and one mean interval.
+  /// Nanoseconds from one repetition of the trace to the next: its length plus one mean interval.
   [[nodiscard]] uint64_t period() const;
 };
 

@@ -1,7 +1,7 @@
-/// Places samples that are read in batches on the clock of their reader, though the origin of their
-/// time stamps is not known. Stamps on that clock are believed; those of a counter that runs at the
-/// clock's pace are shifted onto it; all others, and the first few, are replaced by the time of
-/// reading. Thread: sensor.
+/// Gives samples that are read in batches a time on the reader's clock, though the origin of their
+/// own time stamps is not known. Stamps on that clock are used as they are; those of a counter that
+/// runs at the clock's pace are shifted onto it; all others, and the first few, are replaced by the
+/// time of reading. Thread: sensor.
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,6 @@
-/// Reads small CSV files: one fixed header line, then lines of numbers and words.
-/// What is malformed throws `TraceError`, which names the file and the line. Lines may end in
-/// CR LF; empty lines at the end are taken. Thread: any.
+/// Reads small CSV files: one fixed header line, then lines of numbers and words. Malformed input
+/// throws `TraceError`, which names the file and the line. Lines may end in CR LF; empty lines at
+/// the end are allowed. Thread: any.
 #pragma once
 
 #include <cstddef>
@@ -30,7 +30,7 @@ class TraceCsv {
   /// A field of the current line as a whole number up to `largest`.
   [[nodiscard]] uint64_t whole(std::size_t field, uint64_t largest = UINT64_MAX) const;
 
-  /// The same for one that may be negative.
+  /// The same between two limits, which may be negative.
   [[nodiscard]] int64_t wholeBetween(std::size_t field, int64_t least, int64_t most) const;
 
   /// A field of the current line as it stands.

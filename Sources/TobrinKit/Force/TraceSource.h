@@ -20,7 +20,7 @@ class TraceSource final : public MotionSource {
 
   TraceSource(MotionTrace trace, std::string name, std::shared_ptr<TraceClock> clock, Times times);
 
-  /// Reads `file` when it is opened first; a file that cannot be used becomes the problem's text.
+  /// Reads `file` at the first `open`; where that fails, `problem` says why.
   TraceSource(const std::filesystem::path& file, std::shared_ptr<TraceClock> clock, Times times);
 
   bool open() override;

@@ -15,7 +15,7 @@ using KernelKeyCodes = std::optional<uint16_t> (*)(uint32_t kernelKey);
 struct ForeignKeys {
   struct Key {
     uint16_t kernelKey = 0;
-    /// Another number of a key that has a usual one: counts where that one is missing.
+    /// A key's second number, which counts only where the usual one is missing.
     bool isSecondary = false;
   };
 

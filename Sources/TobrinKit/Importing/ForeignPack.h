@@ -26,7 +26,7 @@ struct SoundRef {
   };
 
   const SourceFiles::File* file = nullptr;  ///< of the source, which outlives this; never null
-  std::optional<Part> part;                 ///< the whole file without
+  std::optional<Part> part;                 ///< absent: the whole file
 
   // NOLINTNEXTLINE(modernize-use-nullptr): as above
   auto operator<=>(const SoundRef&) const = default;

@@ -1,5 +1,4 @@
-/// Why a pack that somebody brought was not taken. Its text is shown to the user as it stands.
-/// Thread: any.
+/// Why a pack could not be imported. Its text is shown to the user as it stands. Thread: any.
 #pragma once
 
 #include <cstdint>

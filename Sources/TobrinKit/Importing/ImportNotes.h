@@ -21,11 +21,11 @@ class ImportNotes final {
     [[nodiscard]] std::string line() const;
   };
 
-  /// `item` joins those that were noted for the same reason. One noted twice stands there once.
+  /// Adds `item` to those noted for the same reason; one noted twice is kept once.
   void leftOut(const std::string& reason, const std::string& item = "");
   void guessed(const std::string& reason, const std::string& item = "");
 
-  /// All notes of another list.
+  /// Adds all notes of another list.
   void add(const ImportNotes& others);
 
   [[nodiscard]] const std::vector<Note>& all() const { return notes_; }

@@ -1,5 +1,5 @@
-/// What readers of packs do alike: keys and files by their names, and words about those that are
-/// not to be had. For the time of one reading. Thread: any, one at a time.
+/// What all readers of packs share: they find keys and files by name, and note those that are
+/// missing. Lives for one reading. Thread: any, one at a time.
 #pragma once
 
 #include <optional>
@@ -17,13 +17,14 @@ class PackAssembly final {
   PackAssembly(const FormatContext& context, std::string_view folder)
       : context_(context), folder_(folder) {}
 
-  /// A file of the pack; noted and nothing where there is none.
+  /// A file of the pack; null, with a note, where there is none.
   [[nodiscard]] const SourceFiles::File* file(std::string_view name) const;
 
   /// Whole files; "{0-4}" in a name stands for all of 0 to 4 that there are.
   [[nodiscard]] std::vector<SoundRef> sounds(std::string_view name) const;
 
-  /// Our code of a key, for people `name`; noted and nothing where no such key plays.
+  /// Our code of a key, which notes call `name`; nothing, with a note, where no such key has a
+  /// sound.
   [[nodiscard]] std::optional<uint16_t> key(std::optional<uint16_t> kernelKey,
                                             const std::string& name) const;
 

@@ -19,8 +19,8 @@ class PackDraft final {
   /// alone, where the pack would be too large to load; that is noted.
   PackDraft(PackManifest identity, TakeSet takes, ImportNotes& notes);
 
-  /// Brings the typing demo to `target` LUFS and returns what it has then: less where takes would
-  /// clip, minus infinity where nothing in it can be heard.
+  /// Brings the typing demo to `target` LUFS and returns the loudness reached: less where takes
+  /// would clip, minus infinity where nothing in it can be heard.
   double level(double target);
 
   /// Writes takes and manifest into an empty folder. Throws `std::filesystem::filesystem_error`.
@@ -39,7 +39,7 @@ class PackDraft final {
   void scaleAll(float gain);
 
   PackManifest manifest_;
-  TakeSet takes_;            // presses as struck most often
+  TakeSet takes_;            // presses at the usual strength
   std::vector<Tier> tiers_;  // those that the pack gets
 };
 

@@ -12,8 +12,8 @@ struct PackExport {
   static constexpr const char* extension = ".tobrinpack";
 
   /// Checks the pack, writes `file` whole or not at all, and returns the pack's description. Hidden
-  /// files and exported packs stay behind. Throws `PackError`, `ImportError` where nobody could
-  /// install what comes out, or the file system's own error.
+  /// files and exported packs are left out. Throws `PackError`, `ImportError` where the result
+  /// could not be installed, or the file system's own error.
   static PackManifest run(const std::filesystem::path& packFolder,
                           const std::filesystem::path& file);
 };

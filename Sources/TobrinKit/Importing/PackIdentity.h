@@ -6,11 +6,11 @@
 
 namespace tobrin {
 
-/// An id that is a plain folder name too: lower-case letters, digits and "-" of `text`; one made of
-/// its bytes where it has none of them.
+/// An id that is also a plain folder name: the lower-case letters, digits and "-" of `text`, or one
+/// made of its bytes where it has none of these.
 std::string plainId(std::string_view text);
 
-/// As above, but none of the packs that come with the program, whose place it would take.
+/// As above, but never the id of a pack that comes with the program, which it would replace.
 std::string importedId(std::string_view text);
 
 /// The name of the folder for a pack with this id; ids that differ have folders that differ.

@@ -1,5 +1,5 @@
-/// Brings packs of other programs along: reads a folder or an archive in one of their formats and
-/// makes a pack of ours of it, at the loudness of built packs and in all strengths. Thread: any.
+/// Imports packs of other programs: reads a folder or an archive in one of their formats and makes
+/// a Tobrin pack from it, at the loudness of built packs and in all strengths. Thread: any.
 #pragma once
 
 #include <filesystem>

@@ -80,7 +80,7 @@ PackInstall::PackInstall(const fs::path& source, const fs::path& packsFolder,
 
 void PackInstall::prepare(const fs::path& source, const PackImport::Progress& progress) {
   if (!copyOwn(source)) import(source, progress);
-  // Also what was made here: what cannot be loaded must never take the place of what can.
+  // Packs made here are checked too: one that cannot be loaded must never replace one that can.
   (void)loadPack(PackInfo::read(folder_->aside(), false), SoundLoader::rate);
 }
 

@@ -26,7 +26,8 @@ class PackInstall final {
   PackInstall(const std::filesystem::path& source, const std::filesystem::path& packsFolder,
               const PackImport::Services& services, const PackImport::Progress& progress = {});
 
-  /// Puts the pack in place, in one step; once. Throws `std::filesystem::filesystem_error`.
+  /// Puts the pack in place, in one step. To be called once. Throws
+  /// `std::filesystem::filesystem_error`.
   Installed moveIntoPlace();
 
  private:

@@ -11,13 +11,13 @@
 
 namespace tobrin {
 
-/// The sound in a part of a file, or in all of it; noted and nothing where there is none. `ref`
+/// The sound in a part of a file, or in all of it; nothing, with a note, where there is none. `ref`
 /// names it in notes.
 std::optional<RecordedTake> cutSound(const SampleBuffer& sound, const SoundRef& ref,
                                      ImportNotes& notes);
 
-/// Whether the release in a part of `sound` is no sound of a key let go: it lies in the press, or
-/// only goes on with it, as where somebody took one sound in two.
+/// Whether `release` is no release sound of its own: it lies in the press, or only continues it, as
+/// where one sound was cut in two.
 bool belongsToPress(const SampleBuffer& sound, const SoundRef::Part& press,
                     const SoundRef::Part& release);
 

@@ -59,7 +59,7 @@ std::unique_ptr<SampleBuffer> SoundLoader::decodeFile(const fs::path& path) {
 
 std::unique_ptr<SampleBuffer> SoundLoader::convert(const SourceFiles::File& file) {
   const fs::path wav = folder_.path() / "converted.wav";
-  // A second more than is taken, so that a longer file is met as such.
+  // A second more than is taken, so that a file that is too long is noticed.
   switch (convertRecording(file.path, wav, programs_, mostSeconds + 1)) {
     case Conversion::done:
       return decodeFile(wav);

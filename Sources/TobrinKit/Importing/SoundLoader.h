@@ -21,7 +21,7 @@ class SoundLoader final {
   /// Both outlive the loader; `programs` runs the converter.
   SoundLoader(const ProcessRunner& programs, ImportNotes& notes);
 
-  /// The decoded file, valid until the next one is asked for; null, and noted, where it cannot be
+  /// The decoded file, valid until the next one is asked for; null, with a note, where it cannot be
   /// read. Throws `ImportError` where it is longer than any pack.
   const SampleBuffer* load(const SourceFiles::File& file);
 

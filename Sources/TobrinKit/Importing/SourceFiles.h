@@ -1,6 +1,5 @@
-/// The files that somebody brought, by the names they have in their folder or archive. What they
-/// are called decides where they are looked for, never where something is written.
-/// Immutable; thread: any.
+/// The files to import, by the names they have in their folder or archive. A name is only used to
+/// find a file, never to choose where something is written. Immutable; thread: any.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +15,7 @@ namespace tobrin {
 
 class SourceFiles final {
  public:
-  /// More than the largest packs that are seen, by a factor of ten or more.
+  /// At least ten times the largest packs seen.
   static constexpr std::size_t mostFiles = 10'000;
   static constexpr uint64_t mostBytes = uint64_t{128} << 20;
 
@@ -37,7 +36,7 @@ class SourceFiles final {
   /// source or is absolute.
   static std::optional<std::string> cleanName(std::string_view name);
 
-  /// Files that file managers leave behind and nobody means.
+  /// Whether it is a file that file managers leave behind, and no part of a pack.
   static bool isClutter(std::string_view cleanName);
 
   /// The file that a pack in `folder` means by `name`: under this name, in other letter case, or in

@@ -20,7 +20,7 @@ namespace tobrin {
 /// Level of a tier against that of the medium one, in dB.
 [[nodiscard]] double tierLevelDb(Tier tier);
 
-/// A take of `tier` from one struck as most are; `medium` comes back as it is.
+/// A take of `tier` made from a medium one; `medium` itself comes back as it is.
 [[nodiscard]] RecordedTake derivedStroke(const RecordedTake& medium, Tier tier);
 
 }  // namespace tobrin

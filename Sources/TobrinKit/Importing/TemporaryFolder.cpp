@@ -16,7 +16,7 @@ TemporaryFolder::TemporaryFolder() {
   std::random_device chance;
   do {
     path_ = parent / ("tobrin-" + std::to_string(chance()));
-    // False where it is there already, whosever it is.
+    // False where the folder exists already, no matter whose it is.
   } while (!fs::create_directory(path_));
   fs::permissions(path_, fs::perms::owner_all);
 }

@@ -1,4 +1,4 @@
-/// A folder for the time of one piece of work, gone with it. Thread: any.
+/// A temporary folder, removed with this object. Thread: any.
 #pragma once
 
 #include <filesystem>
@@ -7,7 +7,7 @@ namespace tobrin {
 
 class TemporaryFolder final {
  public:
-  /// A new folder that only its user may look into. Throws `std::filesystem::filesystem_error`.
+  /// A new folder that only this user may read. Throws `std::filesystem::filesystem_error`.
   TemporaryFolder();
   ~TemporaryFolder();
   TemporaryFolder(const TemporaryFolder&) = delete;

@@ -97,7 +97,7 @@ class Unpacker {
     return std::nullopt;
   }
 
-  /// The bytes are counted as they come: what an archive claims need not be so.
+  /// The bytes are counted as they come, because an archive's own figures may be false.
   uint64_t write(const fs::path& path) {
     std::ofstream out(path, std::ios::binary);
     demandWritten(out, path);

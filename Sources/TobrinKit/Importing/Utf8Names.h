@@ -1,6 +1,6 @@
 /// Names in archives as UTF-8, in whatever language the program runs: the archive library turns
-/// them into the thread's encoding, and loses those that have no place there. Holds for the calling
-/// thread, as long as it lives. Thread: any.
+/// them into the thread's encoding, and loses those that it cannot express. Holds for the calling
+/// thread, as long as this object lives. Thread: any.
 #pragma once
 
 #include <clocale>

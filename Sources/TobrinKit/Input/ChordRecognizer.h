@@ -20,7 +20,7 @@ class ChordRecognizer final {
   /// When it returns, the last `pressed` has ended. Not to be called within `pressed`.
   void clear();
 
-  /// Takes one event; every event must come, also while no combination is set. Thread: key.
+  /// Takes one event; must get every event, even while no combination is set. Thread: key.
   void observe(const KeyEvent& event);
 
  private:

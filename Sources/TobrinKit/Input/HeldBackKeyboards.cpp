@@ -10,7 +10,7 @@ namespace tobrin {
 namespace {
 
 bool isPress(const KeySource::Event& event) {
-  const bool isCapsLock = Key{event.code} == Key::capsLock;  // only its presses are told
+  const bool isCapsLock = Key{event.code} == Key::capsLock;  // only its presses are reported
   return event.type == KeySource::EventType::keyDown ||
          (event.type == KeySource::EventType::flagsChanged &&
           (isCapsLock || (event.flags & ModifierTracker::mask(event.code)) != 0));

@@ -1,6 +1,6 @@
-/// Holds back the keys of keyboards that no finger touches: programs that type for their user, such
-/// as text expanders, make keyboards of their own, and are known by the names of these. The
-/// keyboards of remappers have other names and are heard.
+/// Ignores keys that no finger pressed: programs that type for their user, such as text expanders,
+/// make keyboards of their own, which are known by name. The keyboards of key remappers have other
+/// names and are heard.
 #pragma once
 
 #include <cstdint>
@@ -19,16 +19,16 @@ class HeldBackKeyboards final {
  public:
   using Names = std::vector<std::string>;
 
-  /// Of the programs that most people have. XTEST is not among them: text expanders type through
-  /// that keyboard of an X server, but so do people who work from another machine.
+  /// The keyboards of the most common programs. XTEST is not among them: text expanders type
+  /// through that keyboard of an X server, but so do people who work from another machine.
   static const Names& usual();
 
   /// A keyboard is held back if its name holds one of `names`, in small or capital letters.
   /// Thread: any.
   void set(Names names);
 
-  /// Whether a press or release is to go no further. A release goes the way of its press, whatever
-  /// was set meanwhile. Thread: key.
+  /// Whether to ignore a press or release. A release is treated as its press was, even if `set` was
+  /// called since. Thread: key.
   [[nodiscard]] bool holdsBack(const KeySource::Event& event);
 
  private:

@@ -40,8 +40,8 @@ constexpr void placeOtherLayouts(Columns& columns) {
   at(columns, Key::rightControl) = 14.4;
 }
 
-/// What stands right of the main block, squeezed into what is left of its width: the sound of a key
-/// beyond it would leave the stage.
+/// What stands right of the main block, squeezed into what is left of its width: a key beyond it
+/// would be panned further than fully to the right.
 constexpr void placeRightOfMainBlock(Columns& columns) {
   placeRow(columns, 14.6, 0.1, {Key::f13, Key::f14, Key::f15});
   placeRow(columns, 14.6, 0.1, {Key::insert, Key::home, Key::pageUp});

@@ -28,8 +28,8 @@ namespace tobrin {
 struct KeyMonitorOptions {
   /// Called first on the monitor's thread, to name it and to ask for real-time scheduling.
   std::function<void(std::string_view threadName)> onThreadStart = nullptr;
-  /// Receives every event of a keyboard, also those too old to be handed on, after the handler:
-  /// which keys are held follows from all of them. Called as the handler is.
+  /// Receives every event of a keyboard after the handler, even those too old for the handler: all
+  /// of them are needed to know which keys are held. Called as the handler is.
   std::function<void(const KeyEvent&)> observer = nullptr;
   /// Called when a source in use was lost and when it is open again, and when it pauses or goes on:
   /// whenever `isRunning`, `pause` or `goesOnWhileLocked` changes by itself. Thread: key.

@@ -1,4 +1,4 @@
-/// Why no keys come for now although they may be heard. Thread: any.
+/// Why no keys arrive now although the program may hear them. Thread: any.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@ namespace tobrin {
 
 enum class KeyPause : uint8_t {
   none,
-  inBackground,  ///< another session is in front of the keyboards, or a login prompt
+  inBackground,  ///< another session, or a login prompt, has the keyboards
   locked         ///< the session is locked
 };
 

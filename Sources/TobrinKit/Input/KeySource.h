@@ -46,11 +46,11 @@ class KeySource {
   /// source's own business. No wake-ups while nobody types. Thread: key.
   virtual void run(const Sink& sink) = 0;
 
-  /// Stops listening, if it does; forgets an `interrupt`. Thread: key, or the one that
-  /// has ended it.
+  /// Stops listening, if it does; forgets an `interrupt`. Thread: key, or the one that has ended
+  /// the key thread.
   virtual void close() = 0;
 
-  /// Ends a `run`, also one that has yet to begin; in force until `close`. Thread: any.
+  /// Ends a `run`, even one that has not begun yet; in force until `close`. Thread: any.
   virtual void interrupt() = 0;
 
   /// Why no keys come for now although `run` goes on; an event `pauseChanged` says that this or
@@ -60,9 +60,9 @@ class KeySource {
   /// Whether keys come while the session is locked, too. Thread: any.
   [[nodiscard]] virtual bool goesOnWhileLocked() const { return true; }
 
-  /// From now on presses and releases of mouse buttons come as those of keys do, with the codes of
-  /// `MouseButton`, and each notch of a wheel as a press; or no longer. Without a mouse's use no
-  /// wake-ups either. Thread: any.
+  /// Chooses what of the mouse comes as keys do: presses and releases of buttons, with the codes of
+  /// `MouseButton`, and each notch of the wheel as a press. No wake-ups while the mouse is not
+  /// used. Thread: any.
   virtual void hearMouse(MouseHearing) {}
   /// Whether a mouse can be heard here. Thread: any.
   [[nodiscard]] virtual bool canHearMouse() const { return false; }

@@ -45,14 +45,14 @@ class ShortcutService {
   /// they cannot be read.
   [[nodiscard]] virtual bool isReserved(const Hotkey& hotkey) = 0;
 
-  /// `changed` is called on a thread of the service where those settings were slow to come, and are
-  /// not as `isReserved` had to assume, or where the route is another now: the shortcut is then to
-  /// be registered again. When this returns, the last call of an earlier `changed` has ended.
+  /// `changed` is called on a thread of the service when the shortcut must be registered again:
+  /// those settings came late and differ from what `isReserved` had to assume, or the route has
+  /// changed. When this returns, the last call of an earlier `changed` has ended.
   virtual void setOnChanged(std::function<void()> changed) = 0;
 
   /// Asks for a call at each press of `hotkey`, once a press however long it is held. An earlier
-  /// grab is given back, also where this one fails. `pressed` is called on a thread of the service
-  /// and must return quickly.
+  /// grab is given back, even if this one fails. `pressed` is called on a thread of the service and
+  /// must return quickly.
   virtual ShortcutGrab grab(const Hotkey& hotkey, std::function<void()> pressed) = 0;
 
   /// Gives the combination back. When it returns, the last `pressed` has ended.

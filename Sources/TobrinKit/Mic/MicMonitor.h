@@ -1,6 +1,6 @@
 /// Tells whether some other application uses a microphone: at once when one is taken, and only
 /// after a second without use when it is free again, so that short gaps in a call do not start
-/// sounds. And whether one records what is played, at once. All state belongs to the queue
+/// sounds. Also tells, at once, whether one records what is played. All state belongs to the queue
 /// "app.tobrin.mic"; operations post to it. Thread: any.
 #pragma once
 

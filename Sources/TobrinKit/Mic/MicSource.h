@@ -19,9 +19,8 @@ class MicSource {
   /// When it returns, the last `changed` has ended and nothing is followed any more.
   virtual void stop() = 0;
 
-  /// The present state; nothing in use, and unknown who records, where no server answers. Also
-  /// while stopped, then by asking the server once. One thread at a time; may wait for the server.
-  /// Thread: any.
+  /// The present state; nothing in use, and unknown who records, where no server answers. While
+  /// stopped it asks the server once. One thread at a time; may wait for the server. Thread: any.
   [[nodiscard]] virtual MicActivity read() = 0;
 };
 

@@ -27,7 +27,8 @@ struct Closer {
 };
 using SoundFile = std::unique_ptr<SNDFILE, Closer>;
 
-// The library has one place for the reason of a refusal, and clears it for each file it opens.
+// The library keeps the reason of a refusal in one place for all files, and clears it at each
+// opening.
 std::shared_mutex openings;
 
 SoundFile opened(const RegularFile& file, SF_INFO& info) {

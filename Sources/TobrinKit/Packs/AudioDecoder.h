@@ -20,8 +20,9 @@ class AudioDecoder final {
   explicit AudioDecoder(double sampleRate);
   ~AudioDecoder();
 
-  /// Decodes a whole file; its first two channels, samples that are not finite as 0. The frames of
-  /// the result stay taken off the allowance. Throws `PackError` (decode) and `AllowanceExceeded`.
+  /// Decodes the first two channels of a whole file; samples that are not finite become 0. The
+  /// frames of the result stay taken off the allowance. Throws `PackError` (decode) and
+  /// `AllowanceExceeded`.
   std::unique_ptr<SampleBuffer> decode(const std::filesystem::path& file,
                                        FrameAllowance& allowance);
 

@@ -31,7 +31,7 @@ class FrameStore final {
   FrameStore& operator=(const FrameStore&) = delete;
 
   /// Takes an announced length off the allowance at once (`AllowanceExceeded` where it does not
-  /// suffice), and memory for as much of it as is at most `credible`.
+  /// suffice), and memory for it, but at most for `credible` frames.
   void expect(uint64_t frames, uint64_t credible);
 
   /// Adds frames, made finite; `right` is null for a mono sound. Throws `AllowanceExceeded`,

@@ -1,7 +1,7 @@
 /// A pack decoded and ready to play: for every key group four tiers of press takes and the release
-/// takes, all gaps filled at load time; for a mouse, where the pack has a group for it. Never
-/// changes; the conductor and those that list packs share it. Its samples must outlive every voice
-/// that plays them. Thread: any.
+/// takes, all gaps filled at load time; the same for the mouse, where the pack has that group.
+/// Never changes; the conductor and those that list packs share it. Its samples must outlive every
+/// voice that plays them. Thread: any.
 #pragma once
 
 #include <array>
@@ -60,8 +60,8 @@ class LoadedPack final {
   /// The largest number of takes among the group's tiers.
   [[nodiscard]] std::size_t variantCount(KeyGroup group) const;
 
-  /// What the pack says about one key's presses or releases: variants of its group, each of which
-  /// may play, none for silence; null where it says nothing.
+  /// What the pack says about one key's presses or releases: the variants of its group that may
+  /// play, none for silence; null where it says nothing.
   using Variants = std::vector<uint32_t>;
   [[nodiscard]] const Variants* pressVariants(uint16_t code) const;
   [[nodiscard]] const Variants* releaseVariants(uint16_t code) const;

@@ -46,7 +46,7 @@ std::vector<fs::path> visibleEntries(const fs::path& folder) {
   return entries;
 }
 
-/// `unusable` takes the folders that hold no pack; null: nobody asks.
+/// `unusable` gets the folders that hold no pack; null: not wanted.
 std::vector<PackInfo> packsIn(const fs::path& folder, bool isBundled,
                               std::vector<UnusableFolder>* unusable) {
   std::vector<PackInfo> packs;

@@ -16,8 +16,9 @@ namespace tobrin {
 /// Throws `std::runtime_error` where the system knows no home folder of the user.
 std::filesystem::path userPacksDirectory(const Environment& environment = processEnvironment);
 
-/// Where the shipped packs lie: "TOBRIN_PACKS" unchecked where it is set, else the build tree's or
-/// the installation's that this program is part of; nothing where neither exists.
+/// Where the shipped packs lie: the value of "TOBRIN_PACKS", unchecked, where it is set, else the
+/// folder of the build tree or of the installation that this program is part of; nothing where
+/// neither exists.
 std::optional<std::filesystem::path> bundledPacksDirectory(
     const Environment& environment = processEnvironment);
 
@@ -37,8 +38,8 @@ struct FoundPacks {
 };
 
 /// All packs: shipped ones first, each kind by name as a file browser orders names. A user's pack
-/// takes the place of a shipped one with the same id. Folders of the user's that cannot be read as
-/// packs come beside.
+/// takes the place of a shipped one with the same id. The user's folders that cannot be read as
+/// packs are listed apart.
 FoundPacks findPacks(const Environment& environment = processEnvironment);
 
 /// The packs alone.

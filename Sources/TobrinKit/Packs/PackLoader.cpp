@@ -13,8 +13,8 @@ namespace tobrin {
 namespace {
 
 constexpr uint64_t budgetFrames = LoadedPack::memoryBudget / bytesPerFrame;
-// Files decoded by one decoder: what comes out of it may depend, in a last bit, on what it decoded
-// before, and must not depend on how the files fall to the threads. The first batch is decoded
+// Files decoded by one decoder: a result may depend, in a last bit, on what was decoded before it,
+// and must not depend on how the files are shared among the threads. The first batch is decoded
 // alone, to see how long that takes.
 constexpr std::size_t batchFiles = 4;
 constexpr double leastWorkForHelp = 4;  // ms; below, waiting for a thread costs more than it saves

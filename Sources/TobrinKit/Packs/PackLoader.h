@@ -1,6 +1,6 @@
-/// Loads packs: decodes the takes that a manifest lists, on all cores where that saves time. What
-/// comes out, and which error where something is wrong, is what one thread that goes through the
-/// lists in order would give. Thread: any.
+/// Loads packs: decodes the takes that a manifest lists, on all cores where that saves time. The
+/// result, or the error, is the one that a single thread would give that goes through the lists in
+/// order. Thread: any.
 #pragma once
 
 #include <filesystem>
@@ -18,8 +18,8 @@ namespace tobrin {
 
 class PackLoader final {
  public:
-  /// `threads` is the most to use, this one included; 0 stands for one a core, and for
-  /// this one alone where it is done in a few milliseconds.
+  /// `threads` is the most to use, this one included; 0 means one per core, or this one alone where
+  /// the work takes a few milliseconds.
   PackLoader(std::filesystem::path directory, double sampleRate, unsigned threads = 0)
       : directory_(std::move(directory)), sampleRate_(sampleRate), threads_(threads) {}
 

@@ -23,8 +23,9 @@ struct PackManifest {
     bool operator==(const Group&) const = default;
   };
 
-  /// Takes of one key, as places in the lists of its group, counted from 0; one in turn of several,
-  /// none where a list is empty. Without a list the key plays as if the pack did not name it.
+  /// Takes of one key, as places in the lists of its group, counted from 0: several are played in
+  /// turn, and an empty list is silence. Without a list the key plays as if the pack did not name
+  /// it.
   struct Key {
     std::optional<std::vector<uint32_t>> down;
     std::optional<std::vector<uint32_t>> up;

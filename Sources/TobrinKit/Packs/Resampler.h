@@ -2,9 +2,10 @@
 /// delay. Streaming: feed a sound in pieces, then finish. The result does not depend on how the
 /// input is cut.
 ///
-/// To set a converter up takes as long as converting thousands of frames, so one may go on to the
-/// next sound: silence in between keeps them apart. A sound comes out as it would alone, except
-/// that one sample in many millions may round the other way. One thread at a time. Thread: any.
+/// Setting up a converter takes as long as converting thousands of frames, so one may be used for
+/// the next sound too: silence in between keeps them apart. A sound comes out as it would alone,
+/// except that one sample in many millions may round the other way. One thread at a time. Thread:
+/// any.
 #pragma once
 
 #include <cstddef>
@@ -46,9 +47,9 @@ class Resampler final {
   std::unique_ptr<Converter> converter_;
   double fromRate_;
   double toRate_;
-  uint64_t period_ = 0;     // the fewest input frames that last whole output frames, 0 if too many,
-  uint64_t periodOut_ = 0;  // which are these
-  float loudest_ = 0;       // of all input
+  uint64_t period_ = 0;       // fewest input frames that make whole output frames; 0: too many
+  uint64_t periodOut_ = 0;    // those output frames
+  float loudest_ = 0;         // of all input
   uint64_t soundFrames_ = 0;  // input of this sound
   uint64_t fed_ = 0;          // input since the converter was set up
   uint64_t made_ = 0;         // output since then

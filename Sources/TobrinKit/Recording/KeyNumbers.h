@@ -1,5 +1,5 @@
-/// Numbers the keys of one recording, so that nothing that is kept says what was typed: the one
-/// place of this room that sees key codes. Thread: any, one at a time.
+/// Gives the keys of one recording numbers in place of their codes, so that nothing that is kept
+/// says what was typed. Thread: any, one at a time.
 #pragma once
 
 #include <cstdint>

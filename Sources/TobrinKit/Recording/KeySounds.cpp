@@ -24,7 +24,7 @@ constexpr double echoSeconds = 0.060;
 constexpr double earlySeconds = 0.025;
 constexpr float unlikelyLoud = 5;  // times the usual energy: a knock came with it
 constexpr double nearSeconds = 0.300;
-constexpr std::ptrdiff_t tooManyNear = 3;  // as speech has them, and no door or cup
+constexpr std::ptrdiff_t tooManyNear = 3;  // so many in speech; a door or a cup makes fewer
 constexpr double before = 0.120;           // s in which a stranger's sound may still ring
 
 /// A place in the recording where a sound begins, and whose it is.

@@ -23,7 +23,7 @@ KeyGroup groupIn(const TraceCsv& lines) {
   return *group;
 }
 
-/// Keys as the lines before left them; refuses what no keyboard does.
+/// The state of the keys after the lines so far; refuses what no keyboard does.
 class KeyStates {
  public:
   void add(const RecordedKey& key, const TraceCsv& lines) {

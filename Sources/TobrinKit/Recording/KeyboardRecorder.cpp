@@ -71,8 +71,8 @@ void KeyboardRecorder::addBlock(const SoundCapture::Block& block) {
 }
 
 void KeyboardRecorder::collectKeys() {
-  // Keys keep until there is sound, whose start their times count from, and then until their force
-  // is measured.
+  // Keys wait until there is sound, since their times count from its start, and then until their
+  // force is measured.
   if (gaps_.firstTime() && !isResuming_) addWaitingKeys(gaps_.dueTime() - forcePatience);
 }
 

@@ -1,5 +1,5 @@
-/// Records one's own keyboard: a microphone, and the keys that are typed meanwhile, each key as a
-/// number and never by its code. Thread: one at a time, but for `addKey` and `addForce`.
+/// Records the user's own keyboard: a microphone, and the keys that are typed meanwhile, each key
+/// as a number and never by its code. Thread: one at a time, but for `addKey` and `addForce`.
 #pragma once
 
 #include <memory>

@@ -24,9 +24,9 @@ struct KeyedTakes {
   std::string report;         ///< one line for people
 };
 
-/// Finds the sound of every key and cuts the good ones, of presses up to `variantsOf` a tier, of
-/// releases up to `releaseVariants` a group. What guides the search for hits in recordings without
-/// keys has no meaning here.
+/// Finds the sound of every key and cuts the good ones: up to `variantsOf` presses a tier and
+/// `releaseVariants` releases a group. Options that guide the search for hits in recordings without
+/// keys have no effect.
 [[nodiscard]] KeyedTakes findKeyedTakes(const KeyedRecording& recording,
                                         const SlicerOptions& options = {});
 

@@ -8,7 +8,7 @@ namespace {
 
 constexpr double lookSeconds = 1;       // from one look to the next
 constexpr double partSeconds = 6;       // that a look sees: enough to know what is usual
-constexpr double settledSeconds = 0.6;  // after a sound began it is over, and its key has arrived
+constexpr double settledSeconds = 0.6;  // after its beginning, a sound is over and its key here
 constexpr double fitSeconds = 5;        // from one fit to the next
 constexpr std::size_t mostKeys = 60'000;
 constexpr std::size_t recentPresses = 20;
@@ -56,8 +56,8 @@ void LiveTakes::look() {
   if (fit_.isKnown) judge(part, rises, begin);
 }
 
-/// Adds what is new of the rises, and looks how keys and sounds go together while that is not
-/// known, later now and then.
+/// Adds the new rises, and fits keys to sounds: at each look until a fit is known, then now and
+/// then.
 void LiveTakes::fit(const SoundRises& rises, std::size_t begin) {
   // The newest rises may still change with what comes after them.
   const std::size_t end = recording_.samples.size() - samples(0.05);

@@ -1,6 +1,6 @@
 /// Says while a recording runs what it is good for so far: takes a group and tier, level, noise.
-/// What is built in the end is found from the whole recording by `findKeyedTakes`.
-/// Thread: any, one at a time.
+/// The finished pack is cut from the whole recording by `findKeyedTakes`. Thread: any, one at a
+/// time.
 #pragma once
 
 #include <array>
@@ -38,8 +38,8 @@ struct LiveState {
   LiveVerdict verdict = LiveVerdict::waiting;
 };
 
-/// Works once for each second of sound that was added, in the call that completes the second: a
-/// hundredth of that second or two.
+/// Works once for each second of added sound, in the call that completes the second, for 10 to 20
+/// ms.
 class LiveTakes final {
  public:
   static constexpr double longestSeconds = 600;  ///< what comes later is left out

@@ -24,7 +24,7 @@ constexpr float meanOfMedian = 1.4427f;  // of the power of noise in one bin
 using Spectrum = std::array<std::complex<float>, window>;
 using Gains = std::array<float, bins>;
 
-/// The library's own product asks for infinite values, which costs more than all the rest.
+/// The library's own product checks for infinite values, which costs more than all the rest.
 std::complex<float> product(std::complex<float> a, float real, float imaginary) {
   return {a.real() * real - a.imag() * imaginary, a.real() * imaginary + a.imag() * real};
 }

@@ -1,5 +1,5 @@
-/// A microphone as a recording of one's own keyboard takes it. Nothing is heard unless it was
-/// started. Implemented once for each way to record. Thread: one at a time.
+/// A microphone, for a recording of one's own keyboard. Nothing is heard unless it was started.
+/// Implemented once for each way to record. Thread: one at a time.
 #pragma once
 
 #include <cstdint>
@@ -44,7 +44,8 @@ class SoundCapture {
   virtual void stop() = 0;
 
   /// Hands over what was recorded since the last call, in order of time. To be called several times
-  /// a second: what does not fit in some seconds of memory is lost, as a gap in the times shows.
+  /// a second: what does not fit in some seconds of memory is lost, which shows as a gap in the
+  /// times.
   virtual void take(const std::function<void(const Block&)>& receive) = 0;
 
   /// Why nothing is recorded, in words, while an input is gone and waited for or after `start` has

@@ -1,6 +1,6 @@
 /// Finds where a sound begins: moments at which the level of some band rises, however soft the
-/// sound, as long as the noise lets it be seen. Finer than the detector of whole recordings, and
-/// more easily deceived: for those who know where to look. Thread: any.
+/// sound, as long as no noise hides it. More sensitive than `findOnsets`, and more often wrong: for
+/// callers that know where to look. Thread: any.
 #pragma once
 
 #include <cstddef>

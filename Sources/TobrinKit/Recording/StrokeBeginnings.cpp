@@ -11,9 +11,9 @@ constexpr double longestLead = 0.025;  // s
 constexpr double leadTolerance = 0.0015;
 constexpr std::size_t leadBins = 25;  // of 1 ms
 constexpr std::size_t shortestLead = 3;
-constexpr double usualShare = 0.3;   // of presses: the lead is a trait of the keyboard
-constexpr double steadyShare = 0.6;  // so steady that it is there unheard, too
-constexpr float clearEvidence = 60;  // of a begin that follows no trait
+constexpr double usualShare = 0.3;   // of presses: then the lead is the keyboard's
+constexpr double steadyShare = 0.6;  // then even presses that hide it have it
+constexpr float clearEvidence = 60;  // of a beginning without the keyboard's lead
 constexpr double echoSeconds = 0.030;
 
 struct Lead {

@@ -12,8 +12,8 @@
 namespace tobrin {
 
 /// The first sample of each key's sound; nothing where it is unheard or doubtful. Where most
-/// presses of a keyboard begin by the same time before their strike, all of them do, so that its
-/// takes respond alike, also those whose begin another sound hides.
+/// presses of a keyboard begin equally long before their strike, that lead holds for all, so that
+/// its takes respond alike, even where another sound hides the beginning.
 [[nodiscard]] std::vector<std::optional<std::size_t>> strokeBeginnings(
     std::span<const SoundRise> rises, std::span<const RecordedKey> keys,
     std::span<const AssignedRise> assigned, double rate);

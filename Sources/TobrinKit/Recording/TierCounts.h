@@ -1,4 +1,4 @@
-/// Decides by what presses are spread over the force tiers. Thread: any.
+/// Decides whether presses are spread over the force tiers by force or by energy. Thread: any.
 #pragma once
 
 #include <array>
@@ -26,7 +26,7 @@ struct GoodPress {
 /// The tier that a measured force stands for.
 [[nodiscard]] Tier tierOf(float force);
 
-/// Whether so many of the presses have a force that it decides, and not their energy.
+/// Whether enough of the presses have a measured force to go by that and not by their energy.
 [[nodiscard]] bool haveForce(std::span<const GoodPress> presses);
 
 /// How many presses there are to choose each tier's takes from, by force or as `takesByTier` does.

@@ -1,5 +1,5 @@
-/// Renders the sound of one key from a profile: a pure function of profile, group, tier and
-/// variant, bit for bit, since all chance comes from seeds of those. Not real-time. Thread: any.
+/// Renders the sound of one key from a profile. The same profile, group, tier and variant give the
+/// same bits, since all random numbers are seeded by these. Not real-time. Thread: any.
 #pragma once
 
 #include <cstdint>
@@ -32,8 +32,8 @@ struct KeySound {
 /// How hard the key strikes: 0.45 to 1.4 for a press; 0.6 for a release, which has no tier.
 [[nodiscard]] double strikeStrength(std::optional<Tier> tier);
 
-/// One take, its level as it comes. No tier stands for the key's release; `variant` counts from 0
-/// and changes the noise and every detail of the key.
+/// One take, not levelled. Without a tier it is the key's release; `variant` counts from 0 and
+/// changes the noise and every detail of the key.
 [[nodiscard]] KeySound renderKey(KeyGroup group, std::optional<Tier> tier, uint64_t variant,
                                  const SynthProfile& profile);
 
