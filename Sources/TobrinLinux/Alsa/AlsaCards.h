@@ -1,4 +1,4 @@
-/// The machine's sound cards, and how their outputs are called here: by the card's id, which stays
+/// The machine's sound cards, and what their outputs are called here: by the card's id, which stays
 /// the same when cards get other numbers. Thread: any.
 #pragma once
 
@@ -15,7 +15,7 @@ namespace tobrin {
 [[nodiscard]] std::vector<SoundOutput> alsaCardOutputs();
 
 /// The id of the card's output that this opened device plays on; empty where it is none or not
-/// told.
+/// known.
 [[nodiscard]] std::string alsaOutputOf(snd_pcm_t* pcm);
 
 }  // namespace tobrin

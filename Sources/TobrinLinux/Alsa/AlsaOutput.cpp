@@ -39,7 +39,7 @@ class Pace {
   explicit Pace(const AlsaPcm& pcm) : mayBeAhead_(lengthOf(2 * pcm.bufferFrames())) {}
 
   /// How long to rest after writing so many frames. They are counted a little short, so that a
-  /// device with a clock never comes to rest here.
+  /// device with a clock never has to rest here.
   std::chrono::nanoseconds restAfter(uint32_t frames) {
     const auto now = std::chrono::steady_clock::now();
     written_ = std::max(written_, now) + lengthOf(frames) * 99 / 100;
@@ -194,7 +194,7 @@ void AlsaOutput::play(AlsaPcm& pcm) {
       const uint32_t frames = std::min(room, pcm.periodFrames());
       fill(pcm, frames);
       sleep(std::span(waitingFor).first(1), pace.restAfter(frames));
-      // What the device plays in that time waits for the next whole period.
+      // Room for less than a whole period waits.
       if (room - frames < pcm.periodFrames()) break;
     }
     do {
@@ -266,7 +266,7 @@ void AlsaOutput::failed(const std::string& problem) {
   phaseChanged_.notify_all();
 }
 
-// Asking the cards takes longer than the thread that renders has time.
+// Off the rendering thread: asking the cards takes longer than it has time.
 void AlsaOutput::listOutputs() {
   notifier_->async(
       [this] { outputsListed(leadsToServer() ? std::vector<SoundOutput>() : alsaCardOutputs()); });

@@ -1,8 +1,7 @@
 /// Plays through ALSA, for desktops without a PipeWire server. Its thread ("Tobrin.Audio") renders.
-/// A chosen device that is not to be had is tried at each start, and when a card comes while it
-/// plays; beside a sound server it is left to that. While paused the device is closed, once it has
-/// played all it took, and the thread sleeps.
-/// Thread: any.
+/// A chosen device that is missing is tried at each start, and when a card appears while it plays;
+/// where a sound server runs, that is the server's task. While paused the device is closed, once it
+/// has played all it took, and the thread sleeps. Thread: any.
 #pragma once
 
 #include <atomic>

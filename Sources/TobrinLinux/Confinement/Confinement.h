@@ -7,7 +7,8 @@
 
 namespace tobrin {
 
-/// No core file, also none through a handler of the system: memory holds the last keys.
+/// Leaves no core file after a crash, not even to a handler of the system: memory holds the last
+/// keys.
 void keepNoCore();
 
 /// No new privileges by starting a program, for this thread and those it starts from now on.

@@ -91,7 +91,7 @@ void takeRequest(const Launcher::Commands& commands) {
   if (dup2(program, toProgram) < 0) _exit(1);
   close_range(toProgram + 1, ~0U, 0);  // the program's lock among them
   prctl(PR_SET_NAME, "Tobrin.Launcher");
-  // Nobody waits for those it starts, and it ends with the program, not before.
+  // It need not wait for the programs it starts, and it ends with the program, not before.
   for (const int each : {SIGCHLD, SIGINT, SIGTERM, SIGHUP})
     static_cast<void>(std::signal(each, SIG_IGN));
   for (;;)

@@ -8,8 +8,8 @@
 
 namespace tobrin {
 
-/// The application that windows name so, by the entry of that name or one that claims it. Without
-/// an entry it is called by its id. Reads files; the name is in the user's language.
+/// The application whose windows have this id, by the entry of that name or one that claims it.
+/// Without an entry its name is the id. Reads files; the name is in the user's language.
 AppDescription describeApp(const std::string& id,
                            const Environment& environment = processEnvironment);
 

@@ -74,7 +74,7 @@ void JsonSettingsStore::moveAside(const std::string& reason) const {
           (error ? "; nor renamed: " + error.message() : "; kept as " + aside.string()));
 }
 
-/// Beside the file, and of nothing that was kept before.
+/// A name beside the file that nothing kept before has.
 fs::path JsonSettingsStore::nameAside() const {
   const fs::path first = file_.string() + ".broken";
   fs::path aside = first;

@@ -8,7 +8,7 @@ namespace {
 constexpr uint64_t patienceUs = 2'000'000;
 constexpr const char* shower = "org.freedesktop.Notifications";
 
-/// Names of files may look like the marks that such texts may hold.
+/// Such texts may hold markup, and names of files may look like it.
 std::string withoutMarks(const std::string& text) {
   std::string plain;
   for (const char letter : text) {

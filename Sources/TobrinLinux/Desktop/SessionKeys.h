@@ -9,8 +9,8 @@
 
 namespace tobrin {
 
-/// The X server in an X11 session, the kernel's devices everywhere else. TOBRIN_KEYS=x11 or
-/// TOBRIN_KEYS=evdev decides otherwise.
+/// The X server in an X11 session, the kernel's devices everywhere else, unless TOBRIN_KEYS=x11 or
+/// TOBRIN_KEYS=evdev says otherwise.
 std::unique_ptr<KeySource> makeKeySource(const Environment& environment = processEnvironment);
 
 /// The X server's test extension where `makeKeySource` takes keys from the server, else a keyboard

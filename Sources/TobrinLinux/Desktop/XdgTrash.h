@@ -9,10 +9,10 @@
 
 namespace tobrin {
 
-/// Moves a file or folder, named by its full path, to the trash. What it returns brings it back,
-/// and throws where that fails, as where something else has its place. Throws
-/// `std::filesystem::filesystem_error`, as where it lies on another disk than the trash; nothing
-/// has changed then.
+/// Moves a file or folder, named by its full path, to the trash. Returns a function that brings it
+/// back, and that throws where it cannot, for example because something else has its place now.
+/// Throws `std::filesystem::filesystem_error` with nothing changed, for example where it lies on
+/// another disk than the trash.
 [[nodiscard]] std::function<void()> moveToTrash(
     const std::filesystem::path& path, const Environment& environment = processEnvironment);
 

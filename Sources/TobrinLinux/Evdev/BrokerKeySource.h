@@ -1,6 +1,6 @@
 /// Keys from the key broker, which alone reads the keyboards: with an administrator's consent, and
-/// only while this user's session is in front and not locked. For Wayland and the console. A broker
-/// that ends is started again by asking. Thread: key.
+/// only while this user's session is in front and not locked. For Wayland and the console. A call
+/// to a broker that has ended starts it again. Thread: key.
 #pragma once
 
 #include <atomic>

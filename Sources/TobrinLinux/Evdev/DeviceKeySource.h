@@ -1,5 +1,5 @@
-/// Keys of the kernel's devices for Wayland and the console: right from the devices where this user
-/// may read them, else from the key broker. Thread: key.
+/// Keys of the kernel's devices for Wayland and the console: straight from the devices where this
+/// user may read them, else from the key broker. Thread: key.
 #pragma once
 
 #include <atomic>
@@ -19,7 +19,7 @@ class DeviceKeySource final : public KeySource {
   [[nodiscard]] bool goesOnWhileLocked() const override {
     return used_.load()->goesOnWhileLocked();
   }
-  /// The key broker reads keyboards alone.
+  /// The key broker reads no mice.
   void hearMouse(MouseHearing wish) override { direct_.hearMouse(wish); }
   [[nodiscard]] bool canHearMouse() const override {
     return used_ == &direct_ && direct_.canHearMouse();

@@ -165,8 +165,7 @@ bool EvdevKeySource::takeKeys(const std::vector<pollfd>& waits, const Sink& sink
   return anyGone;
 }
 
-/// An open device can still be read after the access was taken back, or it was given to another
-/// seat, which is not what that meant.
+/// Drops devices that went to another seat or may no longer be read: while open, both could be.
 void EvdevKeySource::dropWhatIsNotOurs(const Sink& sink) {
   std::vector<std::string> ours = watches_->list.nodes(watches_->seat.seat());
   std::ranges::move(watches_->list.mice(watches_->seat.seat()), std::back_inserter(ours));

@@ -19,10 +19,10 @@ class HeldKeys {
  public:
   enum class Change : uint8_t { release, press, repeat };
 
-  /// `keyboard` is what the keyboard calls itself, which each event says.
+  /// `keyboard` is the keyboard's name for itself, which each event carries.
   explicit HeldKeys(std::string keyboard = {}) : keyboard_(std::move(keyboard)) {}
 
-  /// As it was made.
+  /// The name that it was made with.
   [[nodiscard]] const std::string& name() const { return keyboard_; }
 
   /// What a change of one key means; nothing for keys without a virtual code, and for what changes

@@ -15,10 +15,10 @@ namespace tobrin::broker {
 /// The socket that `KeyRecord`s come through; none, with the reason, where it is not allowed.
 [[nodiscard]] FileDescriptor open(std::string& problem);
 
-/// Why the broker refused, for people: of its error the name and the text, which may be null.
+/// Why the broker refused, for people. `name` and `text` are its error's and may be null.
 [[nodiscard]] std::string refusal(const char* name, const char* text);
 
-/// Gives the consent back; why that failed, empty where it is done.
+/// Gives the consent back; returns why that failed, empty on success.
 std::string takeBack();
 
 }  // namespace tobrin::broker

@@ -1,5 +1,5 @@
-/// What the key broker tells a program of the keyboards: packets of these records, through a socket
-/// that goes one way. Both ends are of one machine and one build. Thread: any.
+/// What the key broker tells a program about the keyboards: packets of these records, through a
+/// one-way socket. Both ends are of one machine and one build. Thread: any.
 #pragma once
 
 #include <cstddef>

@@ -27,7 +27,7 @@ class Keyboard final {
   [[nodiscard]] int fd() const { return file_.get(); }
   [[nodiscard]] const std::string& node() const { return node_; }
 
-  /// Mouse buttons are left out until they are wished for, on a keyboard that has some as well.
+  /// Mouse buttons are left out until this asks for them, even on a keyboard that has some.
   void hearMouse(MouseHearing hearing);
 
   /// Hands on all that has come in; false once the keyboard is gone (which a read shows before the

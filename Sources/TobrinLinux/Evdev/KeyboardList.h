@@ -31,7 +31,7 @@ class KeyboardList final {
   /// switches. A remapper's virtual keyboard counts too.
   [[nodiscard]] std::vector<std::string> nodes(std::string_view seat) const;
 
-  /// The same of what has mouse buttons: mice, touchpads, pointing sticks.
+  /// The same for devices with mouse buttons: mice, touchpads, pointing sticks.
   [[nodiscard]] std::vector<std::string> mice(std::string_view seat) const;
 
  private:

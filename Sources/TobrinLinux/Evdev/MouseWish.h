@@ -1,4 +1,4 @@
-/// What is to be heard of the mouse: said on any thread, followed by the key thread, which waits
+/// What is to be heard of the mouse: set on any thread and followed by the key thread, which waits
 /// for changes. Thread: any.
 #pragma once
 

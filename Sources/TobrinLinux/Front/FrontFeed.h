@@ -17,8 +17,8 @@ class FrontFeed {
 
   using Report = std::function<void(const Front&)>;
 
-  /// Takes what has come in, sends what is to go out, and reports what is in front, also where that
-  /// is as before; false once the connection is lost.
+  /// Takes what has come in, sends what is to go out, and reports what is in front, even if that
+  /// has not changed; false once the connection is lost.
   virtual bool process(const Report& report) = 0;
 };
 

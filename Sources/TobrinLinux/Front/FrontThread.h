@@ -20,7 +20,7 @@ class FrontThread final : public FrontWindow {
   using MakeFeed = std::function<std::unique_ptr<FrontFeed>()>;
 
   /// In order of preference. Where none has anything to tell, or the one that did is lost, all are
-  /// asked again after each of the pauses: a desktop that has just begun may be late.
+  /// asked again after each of the pauses: a desktop that has just started may be late.
   explicit FrontThread(std::vector<MakeFeed> feeds,
                        std::vector<std::chrono::milliseconds> pauses = {std::chrono::seconds(3),
                                                                         std::chrono::seconds(15),
@@ -35,7 +35,7 @@ class FrontThread final : public FrontWindow {
   void run(const Changed& changed);
   [[nodiscard]] std::unique_ptr<FrontFeed> chosenFeed() const;
   [[nodiscard]] bool endsWithin(std::chrono::milliseconds time) const;
-  /// Until it is to end; false where the connection was lost before.
+  /// Runs until `stop`; false where the connection was lost before that.
   bool follow(FrontFeed& feed, const Changed& changed);
 
   const std::vector<MakeFeed> feeds_;

@@ -43,7 +43,7 @@ class KWinFrontFeed final : public FrontFeed {
   SystemBus bus_;                   // the session's
   std::string kwin_;                // its name on the bus; nobody else's reports count
   const Report* report_ = nullptr;  // while it processes
-  bool isLost_ = false;             // a KWin that has started again does not take the script
+  bool isLost_ = false;             // KWin has started again and did not take the script
 };
 
 }  // namespace tobrin

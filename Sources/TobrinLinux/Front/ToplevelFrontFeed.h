@@ -1,5 +1,5 @@
-/// The application in front on sway and other Wayland desktops that tell of their windows as it
-/// does. Thread: the watcher's.
+/// The application in front on sway and other Wayland desktops that announce their windows in the
+/// same way. Thread: the watcher's.
 #pragma once
 
 #include <list>

@@ -36,7 +36,7 @@ class XFrontFeed final : public FrontFeed {
   xcb_window_t root_ = XCB_NONE;
   std::array<xcb_atom_t, atomCount> atoms_{};
   xcb_window_t window_ = XCB_NONE;  // the one in front
-  bool isStale_ = true;             // `front_` may be of the past
+  bool isStale_ = true;             // `front_` may be out of date
   Front front_;
 };
 

@@ -17,8 +17,8 @@ struct MotionPaths {
 };
 
 /// The trace that the environment names, else a HID device that sends motion reports itself, else
-/// an IIO accelerometer, else null. Opens no device: whether it can be read, `open` shows. Looks
-/// into two folders.
+/// an IIO accelerometer, else null. Opens no device: only `open` shows whether it can be read.
+/// Looks into two folders.
 [[nodiscard]] std::unique_ptr<MotionSource> findMotionSource(const MotionPaths& paths = {});
 
 }  // namespace tobrin

@@ -49,7 +49,7 @@ IioReader::Refusal cannotWrite(const fs::path& file, int error) {
   return {text, error == EBUSY};
 }
 
-/// The buffer has one switch, which any program may turn that may write it.
+/// The buffer has one switch for all programs that may write it.
 bool isSwitchedOn(const IioDevice& device) {
   return sysfs::readNumber(device.folder / "buffer" / "enable").value_or(0) != 0;
 }
@@ -108,7 +108,7 @@ bool IioBufferReader::switchOn(Refusal& refusal) {
   const fs::path buffer = device_.folder / "buffer";
   (void)changes_.set(buffer / "length", "256");  // a quarter of a second at 1000 Hz
   (void)changes_.set(buffer / "watermark", "1");
-  // What is on by now carries another program's frames.
+  // A buffer that is on already carries another program's frames.
   const int error = isSwitchedOn(device_) ? EBUSY : changes_.set(buffer / "enable", "1");
   if (error != 0) refusal = cannotWrite(buffer / "enable", error);
   return error == 0;

@@ -35,8 +35,8 @@ namespace sysfs {
 
 }  // namespace sysfs
 
-/// Writes attributes and puts back what they held, last change first; what others have changed
-/// since is theirs. Thread: sensor.
+/// Writes attributes and puts back what they held, last change first; an attribute that somebody
+/// else has changed since is left alone. Thread: sensor.
 class AttributeChanges final {
  public:
   AttributeChanges() = default;

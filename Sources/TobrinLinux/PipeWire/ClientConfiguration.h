@@ -7,8 +7,8 @@
 
 namespace tobrin {
 
-/// For PW_KEY_CONFIG_NAME. The common one schedules so since version 1.4 and the other's name only
-/// earns a warning there.
+/// For PW_KEY_CONFIG_NAME. Since version 1.4 the common configuration does this, and the other name
+/// only brings a warning.
 inline const char* realTimeClientConfiguration() {
   constexpr std::string_view oldVersions[] = {"0.", "1.0.", "1.1.", "1.2.", "1.3."};
   const std::string_view version = pw_get_library_version();

@@ -41,8 +41,8 @@ class PipeWireConnection final {
   /// Ends the connection and every further attempt.
   void close();
 
-  /// Takes the server for gone, for `reason`: what was made on the core is dropped as soon as the
-  /// loop comes round, and the server tried again.
+  /// Treats the server as gone, for `reason`: in its next round the loop drops what was made on the
+  /// core, and the server is tried again.
   void breakOff(const std::string& reason);
 
   /// Null while there is no connection.

@@ -35,8 +35,8 @@ class PipeWireGraphWatch final {
   [[nodiscard]] bool isSettled() const { return isSettled_; }
 
   /// Asks the server's policy to play a stream on the node of this name whenever there is one, and
-  /// on the default device else; "-1": on the default device always. As a mixer program does: the
-  /// last who asks has it. False where the policy is not there yet.
+  /// on the default device else; "-1": on the default device always. Mixer programs do the same;
+  /// the last request holds. False where the policy is not there yet.
   bool moveStream(uint32_t streamId, const std::string& nodeName);
 
  private:

@@ -15,7 +15,8 @@ namespace tobrin {
 
 class PortalShortcut final {
  public:
-  /// What the desktop knows it by, also in its own settings, begins so; the combination follows.
+  /// The desktop, also in its own settings, knows the shortcut by this and the combination after
+  /// it.
   static constexpr const char* id = "toggle-sounds";
 
   struct Listener {
@@ -23,7 +24,7 @@ class PortalShortcut final {
     /// Whether the desktop now reports presses: it says so by listing the shortcut, which it may
     /// do later or take back.
     std::function<void(bool bound)> boundChanged;
-    /// What to hand to the next of these as `known`, also in another run.
+    /// What to pass to the next `PortalShortcut` as `known`, even in another run.
     std::function<void(const std::string& known)> remember;
   };
 
@@ -31,9 +32,9 @@ class PortalShortcut final {
   /// does.
   static std::string trigger(const Hotkey& hotkey, const KeyNaming& naming);
 
-  /// Starts asking; never waits. The listener is called on a thread of this object's. Where no
-  /// portal answers nothing is ever said. A portal that comes or returns later is asked then, but
-  /// none for what `known` says was asked for in vain; empty: nothing was asked for before.
+  /// Starts asking; never waits. The listener is called on a thread of this object's, and never
+  /// where no portal answers. A portal that comes or returns later is asked then, unless `known`
+  /// says that the same was asked for in vain; an empty `known`: nothing was asked for before.
   PortalShortcut(std::string trigger, std::string known, Listener listener);
 
   /// When it returns, the last call of the listener has ended and the combination is given back.

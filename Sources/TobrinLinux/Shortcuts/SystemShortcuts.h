@@ -31,7 +31,8 @@ class SystemShortcuts final {
   SystemShortcuts& operator=(const SystemShortcuts&) = delete;
 
   /// Read now; empty where the desktop is another one or its settings cannot be read. Waits a
-  /// moment for a slow reading, which then goes on by itself: the answer is that of the one before.
+  /// moment for a slow reading, which then goes on by itself: the answer is then the one of the
+  /// reading before.
   std::vector<Accelerator> current();
 
  private:

@@ -1,5 +1,4 @@
-/// Ctrl-C, and being asked to end, as a wish that a command looks at between two steps.
-/// Thread: main.
+/// Ctrl-C, and requests to end, as a flag that a command checks between two steps. Thread: main.
 #pragma once
 
 namespace tobrin {
@@ -7,7 +6,7 @@ namespace tobrin {
 /// From now on SIGINT and SIGTERM no longer end the process but are remembered.
 void watchForInterruption();
 
-/// Whether one has come.
+/// Whether one of the two has come.
 [[nodiscard]] bool isInterrupted();
 
 }  // namespace tobrin

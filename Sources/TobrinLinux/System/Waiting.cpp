@@ -13,7 +13,7 @@ void waitForAny(std::initializer_list<int> files, int timeoutMs) {
   nfds_t count = 0;
   for (const int file : files)
     watched[count++] = {file, POLLIN, 0};
-  ::poll(watched.data(), count, timeoutMs);  // the caller itself looks what ended it
+  ::poll(watched.data(), count, timeoutMs);  // the caller itself checks what ended it
 }
 
 bool isRaised(const WakeEvent& event) {

@@ -38,7 +38,7 @@ class Daemon final {
   sockaddr_un address_{};
 };
 
-/// A service's or a desktop's programs are often started so; each line would be there twice.
+/// So it is for many programs of a service or a desktop; each line would then be logged twice.
 bool standardErrorIsTheJournal() {
   const std::string stream = processVariable("JOURNAL_STREAM");
   struct stat status {};

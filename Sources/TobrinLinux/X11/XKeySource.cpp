@@ -69,7 +69,7 @@ bool XKeySource::hasRawEvents() const {
 }
 
 bool XKeySource::selectEvents() const {
-  // Of the master devices: each key would come twice from all devices.
+  // From the master devices only: with all devices each key would come twice.
   uint32_t wanted = XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
   if (mouse_.hearing() != MouseHearing::nothing)
     wanted |= XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE;

@@ -18,7 +18,7 @@ class XModifierMap {
   /// The bits of a shortcut's modifiers.
   [[nodiscard]] uint16_t mask(Modifiers modifiers) const;
 
-  /// Every combination of the bits of Caps Lock, Num Lock and Scroll Lock, nothing among them: a
+  /// Every combination of the bits of Caps Lock, Num Lock and Scroll Lock, also without any: a
   /// shortcut works with any of them on.
   [[nodiscard]] std::vector<uint16_t> lockCombinations() const;
 
