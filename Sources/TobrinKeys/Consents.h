@@ -1,5 +1,5 @@
-/// Which users an administrator has let hear their keyboards: an empty file each, named by the
-/// user's number, or until the broker ends. Thread: main.
+/// Which users an administrator has allowed to hear their keyboards: remembered in an empty file
+/// named by the user's number, or only until the broker ends. Thread: main.
 #pragma once
 
 #include <sys/types.h>

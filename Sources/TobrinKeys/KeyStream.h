@@ -1,4 +1,4 @@
-/// The way of the keys to one program: reads the keyboards while its user's session is in front and
+/// Brings the keys to one program: reads the keyboards while its user's session is in front and
 /// lets go of them when it is not. Never waits for the program and reads nothing that it sends.
 /// Thread: main.
 #pragma once

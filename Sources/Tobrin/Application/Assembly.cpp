@@ -34,7 +34,7 @@ std::filesystem::path settingsFolder() {
   return folder.empty() ? "/.config" : folder;
 }
 
-/// What the portal of this desktop answered; others may answer otherwise.
+/// What the portal of this desktop answered; other desktops may answer differently.
 DesktopShortcuts::Memory portalMemory(SettingsStore& settings, SerialQueue& main) {
   const std::string key = "portalShortcut." + processVariable("XDG_CURRENT_DESKTOP");
   return {.read = [&settings, key] { return settings.readText(key).value_or(""); },

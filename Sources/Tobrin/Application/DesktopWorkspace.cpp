@@ -135,7 +135,7 @@ bool DesktopWorkspace::canNarrowKeyAccess() {
   return isKeyRuleInstalled() && KeyConsent::isPossible();
 }
 
-/// The consent first: without it the end of the rule would be the end of the access.
+/// Asks for the consent first: without it, removing the rule would end the access.
 void DesktopWorkspace::narrowKeyAccess(OnEnd onEnd) {
   if (removalNotifier_) return;
   if (broker::isAllowed()) return removeKeyRule(std::move(onEnd));

@@ -1,4 +1,4 @@
-/// Adds packs by way of the pack workshop, in a separate process that ends with the work: what
+/// Adds packs by way of the pack workshop, in a separate process that ends with the work: code that
 /// unpacks and reads the files of strangers never shares the memory of the program that reads keys.
 /// The process is confined as this one is. Thread: any.
 #pragma once

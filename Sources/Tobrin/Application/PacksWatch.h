@@ -1,4 +1,4 @@
-/// Notices packs that come, go or are replaced in one folder, also where that folder is made only
+/// Notices packs that come, go or are replaced in one folder, even if that folder is made only
 /// later. Thread: main.
 #pragma once
 

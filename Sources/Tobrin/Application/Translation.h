@@ -7,8 +7,7 @@
 
 namespace tobrin {
 
-/// Takes the system's language; once, when the application
-/// object exists.
+/// Takes the system's language; to be called once, when the application object exists.
 void installTranslation();
 
 /// One of the sentences of the model or the platform in that language; the text itself where there

@@ -85,7 +85,7 @@ class PanelModule {
 
 }  // namespace tobrin
 
-// By the version a program that runs while it is updated knows that a library is not its own.
+// With the version, a program that is updated while it runs notices a library that is not its own.
 #define TOBRIN_TRAY_MODULE "app.tobrin.TrayModule/" TOBRIN_VERSION
 #define TOBRIN_PANEL_MODULE "app.tobrin.PanelModule/" TOBRIN_VERSION
 Q_DECLARE_INTERFACE(tobrin::TrayModule, TOBRIN_TRAY_MODULE)

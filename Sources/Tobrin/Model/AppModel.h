@@ -50,9 +50,9 @@ class AppModel final : public QObject {
 
   [[nodiscard]] KeyAccess& keyAccess() { return *keyAccess_; }
   [[nodiscard]] const ShortcutChoice& shortcut() const { return *shortcut_; }
-  /// What the user adds to their packs, and takes from them.
+  /// The packs that the user adds and removes.
   [[nodiscard]] PackShelf& shelf() { return packs_->shelf(); }
-  /// Where it sounds.
+  /// Which device plays, and how loud.
   [[nodiscard]] OutputChoice& outputs() { return outputs_; }
   /// What is in front, as the panel shows it.
   [[nodiscard]] QuietApps& quietApps() { return surroundings_.quietApps(); }
@@ -88,11 +88,11 @@ class AppModel final : public QObject {
   void toggleEnabled();
   /// Volume to nothing, and back to what it was.
   void mute();
-  /// While the user presses keys to choose them as the shortcut, the one before them is let go.
+  /// While the user presses keys to choose a new shortcut, the old one is released.
   void captureShortcut(bool captures);
   /// Takes a key with modifiers as the shortcut. False where they cannot be one.
   bool chooseShortcut(uint32_t scanCode, Modifiers modifiers);
-  /// An older access to keys, which other programs have, too, is to stay as it is.
+  /// The user keeps an older access to keys, which other programs have too.
   void keepWideKeyAccess();
 
   // Packs.
@@ -113,8 +113,8 @@ class AppModel final : public QObject {
   [[nodiscard]] const std::optional<std::string>& packError() const {
     return packs_->selection().error();
   }
-  /// Chooses a pack, loads and auditions it. The one that is chosen already is loaded again only
-  /// where that has failed or has become another.
+  /// Chooses a pack, loads and auditions it. The pack that is chosen already is loaded again only
+  /// where that has failed or it has changed.
   void setSelectedPackID(const std::string& id) { packs_->selection().select(id); }
   void select(const PackInfo& pack) { setSelectedPackID(pack.id); }
   /// Moves one of the user's own packs to the trash; the one after it takes its place.
@@ -123,7 +123,7 @@ class AppModel final : public QObject {
   void undoRemoval() { packs_->undoRemoval(); }
   /// Finds the packs again. Where the chosen one is gone, the one in its place is chosen.
   void refreshPacks() { packs_->selection().refresh(); }
-  /// Finds the packs again, and loads the chosen one where it has become another.
+  /// Finds the packs again, and loads the chosen one if it has changed.
   void lookForPacks() { packs_->look(); }
   void audition();
   /// Lets one key be heard, to judge how loud keys are.
@@ -149,7 +149,7 @@ class AppModel final : public QObject {
   /// sensor.
   [[nodiscard]] EngineSettings effectiveSettings() const;
 
-  // What the panel says of itself.
+  // What the panel tells about itself.
 
   void menuOpened();
   void menuClosed();

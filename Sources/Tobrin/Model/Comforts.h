@@ -19,18 +19,18 @@ struct Comforts {
   /// Mouse buttons sound, and the wheel.
   bool mouseSounds = false;
   bool wheelSounds = false;
-  /// An older access to keys, which other programs have, too, is to stay as it is.
+  /// The user keeps an older access to keys, which other programs have too.
   bool keepsWideKeyAccess = false;
   /// Silence while one of these applications is in front, or any that fills the screen.
   QuietApps::Wish quiet{};
-  /// Silent are keys of keyboards with these names.
+  /// Keys of keyboards with these names are silent.
   HeldBackKeyboards::Names heldBackKeyboards = HeldBackKeyboards::usual();
   OutputMemory outputs{};
 
   bool operator==(const Comforts&) const = default;
 
-  /// What can be read of JSON text; the rest keeps its default, whatever stands there, and of a
-  /// list is left out.
+  /// Takes what can be read from JSON text. A field that cannot be read keeps its default; an entry
+  /// of a list that cannot be read is left out.
   static Comforts fromJson(std::string_view text);
   [[nodiscard]] std::string toJson() const;
 };

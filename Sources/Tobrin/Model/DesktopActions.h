@@ -19,7 +19,7 @@ class DesktopActions final : public QObject {
 
   [[nodiscard]] bool launchAtLogin() const { return launchAtLogin_; }
   void setLaunchAtLogin(bool on);
-  /// Asks the desktop; before that, the program is taken not to start with the session.
+  /// Asks the desktop; until then `launchAtLogin` is false.
   void readLaunchAtLogin();
   /// Why "Open at login" could not be changed, in a sentence; empty while nothing went wrong.
   [[nodiscard]] const std::string& loginItemProblem() const { return loginItemProblem_; }

@@ -37,7 +37,7 @@ class KeyAccess final {
   [[nodiscard]] const KeyAccessWatch::State& state() const { return watch_.state(); }
   /// Whether there is access that the user can give back.
   [[nodiscard]] bool canGiveBack() const;
-  /// Whether the user is to be asked to replace an older access, which other programs have, too.
+  /// Whether to ask the user to replace an older access, which other programs have too.
   [[nodiscard]] bool offersNarrower() const { return offersNarrower_; }
   /// Why the user's last wish could not be met; empty while nothing went wrong.
   [[nodiscard]] const std::string& problem() const { return problem_; }
@@ -48,7 +48,7 @@ class KeyAccess final {
   void narrow();
 
  private:
-  /// What a wish of the user ends with; `failure` begins the sentence that says that it failed.
+  /// To be called when a wish of the user ends; `failure` begins the sentence for one that failed.
   Workspace::OnEnd settled(const char* failure);
   void lookForWide();
 

@@ -26,8 +26,8 @@ class KeyAccessWatch final {
   };
 
   /// `monitor` and `main`, the queue of the main thread, are borrowed and outlive this object.
-  /// `isUpdated` says whether the program was updated while it runs: the new one's service for keys
-  /// refuses the old one. `onChange` is called whenever the state has changed.
+  /// `isUpdated` says whether the program was updated while it runs: the new version's key service
+  /// refuses the old program. `onChange` is called whenever the state has changed.
   KeyAccessWatch(KeyMonitor& monitor, SerialQueue& main, std::function<bool()> isUpdated,
                  std::function<void()> onChange);
 

@@ -1,5 +1,5 @@
-/// Where it sounds, and how loud there: the user's choice among the output devices, and for each
-/// device the volume and boost that it was last given. Thread: main.
+/// Which device plays and how loud: the user's choice among the output devices, and for each device
+/// the volume and boost that it was last given. Thread: main.
 #pragma once
 
 #include <QObject>
@@ -32,19 +32,19 @@ class OutputChoice final : public QObject {
 
   explicit OutputChoice(Services services);
 
-  /// Has the choice of an earlier run played on.
+  /// Plays on the device that was chosen in an earlier run.
   void start();
   /// The devices have changed, or another one plays.
   void outputsChanged(const SoundOutputs& outputs);
   /// The user has set another volume.
   void volumeChanged();
-  /// How much louder keys may be than their pack has them on the device that plays, 1 to 2.
+  /// How much louder than in their pack keys may be on the device that plays, 1 to 2.
   [[nodiscard]] float boost() const { return boost_; }
   void setBoost(float boost);
   /// Empty: the system's default.
   void choose(const std::string& id);
 
-  /// Every device in the order of the names, also the chosen one while it is away.
+  /// Every device in the order of the names, and the chosen one even while it is away.
   [[nodiscard]] std::vector<Entry> entries() const;
   [[nodiscard]] const std::string& chosen() const { return services_.memory.chosen; }
   /// The device that plays or is about to; empty while it is not known.

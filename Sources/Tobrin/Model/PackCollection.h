@@ -40,12 +40,12 @@ class PackCollection final : public QObject {
 
   [[nodiscard]] PackSelection& selection() { return selection_; }
   [[nodiscard]] const PackSelection& selection() const { return selection_; }
-  /// What the user adds to their packs, and takes from them.
+  /// The packs that the user adds and removes.
   [[nodiscard]] PackShelf& shelf() { return shelf_; }
   [[nodiscard]] PlayedPack& played() { return played_; }
   [[nodiscard]] const PlayedPack& played() const { return played_; }
 
-  /// Finds the packs again, and loads the chosen one where it has become another.
+  /// Finds the packs again, and loads the chosen one if it has changed.
   void look();
   /// Moves one of the user's own packs to the trash; the one after it takes its place.
   void remove(const std::string& id);

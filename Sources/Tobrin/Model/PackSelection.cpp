@@ -8,8 +8,8 @@
 namespace tobrin {
 namespace {
 
-/// When the pack's description was written: with every new content of the pack. The earliest time
-/// there is where it cannot be had.
+/// When the pack's description was written, which is whenever its content changes. The earliest
+/// time where that cannot be read.
 std::filesystem::file_time_type stampOf(const PackInfo& pack) {
   std::error_code ignored;
   return std::filesystem::last_write_time(pack.directory / PackManifest::fileName, ignored);

@@ -49,13 +49,13 @@ class PackSelection final : public QObject {
 
   /// Finds and loads the packs for the first time.
   void start();
-  /// Chooses a pack, loads and auditions it. The one that is chosen already is loaded again only
-  /// where that has failed or has become another.
+  /// Chooses a pack, loads and auditions it. The pack that is chosen already is loaded again only
+  /// where that has failed or it has changed.
   void select(const std::string& id);
   /// Finds the packs again. Where the chosen one is gone, the one in its place is chosen.
   void refresh();
-  /// Loads the selected pack unless it is loaded, or on its way, as it was found last: one that
-  /// appeared late, was mended or was replaced by another of its id.
+  /// Loads the selected pack, unless what was found last is loaded already or on its way: for a
+  /// pack that appeared late, was mended or was replaced by another of its id.
   void loadWhereMissing(bool audition);
 
  signals:

@@ -12,7 +12,7 @@ namespace {
 namespace fs = std::filesystem;
 using Kind = PackProblem::Kind;
 
-/// Thrown through the adding of a pack, to end it.
+/// Thrown through the code that adds a pack, to end it.
 struct Stopped {};
 
 Kind kindOf(const ImportError& error) {
@@ -43,7 +43,7 @@ std::string reasonOf(const std::exception& error, const std::string& name) {
   return text.starts_with(name + ": ") ? text.substr(name.size() + 2) : text;
 }
 
-/// Who chooses a description means the folder that it describes: file choosers offer files only.
+/// A description stands for the folder that it describes: file choosers offer files only.
 fs::path folderOfDescription(const fs::path& source) {
   std::error_code missing;
   const bool describes = source.extension() == ".json" || source.extension() == ".yaml";

@@ -31,7 +31,7 @@ class PackShelf final : public QObject {
   /// Moves a pack to the trash and returns what brings it back; both throw.
   using Discard = std::function<std::function<void()>(const PackInfo& pack)>;
 
-  /// What is over sooner is not shown.
+  /// Work that ends sooner is not shown.
   static constexpr std::chrono::seconds silence{1};
   /// How long a pack can be brought back.
   static constexpr std::chrono::seconds regret{12};
@@ -40,7 +40,7 @@ class PackShelf final : public QObject {
   PackShelf(SerialQueue& main, SerialQueue& adding, Add add, Discard discard);
   ~PackShelf() override;
 
-  /// Adds packs, after those that are being added. Of a folder, its description can be named, too.
+  /// Adds packs, after those being added. A folder may also be named by the description in it.
   void add(const std::vector<std::filesystem::path>& sources);
   /// Adds nothing more; what was added stays.
   void cancel();
@@ -48,10 +48,10 @@ class PackShelf final : public QObject {
   bool discard(const PackInfo& pack);
   /// Brings back what was discarded last; its pack where that worked.
   std::optional<PackInfo> bringBack();
-  /// The problem has been seen.
+  /// To be called when the problem has been seen.
   void forgetProblem();
 
-  /// What is being added, by its file name; empty while nothing is, or nothing worth a word yet.
+  /// What is being added, by its file name; empty while nothing is, or while it is not shown yet.
   [[nodiscard]] std::string adding() const { return isShown_ ? current_ : std::string(); }
   [[nodiscard]] double fraction() const { return fraction_; }  ///< of it, 0 to 1
   [[nodiscard]] const std::optional<PackProblem>& problem() const { return problem_; }

@@ -8,7 +8,7 @@
 namespace tobrin {
 namespace {
 
-/// Desktops differ in the case of ids, also one that tells of X11 and of Wayland programs.
+/// Ids differ in letter case between desktops, and even between X11 and Wayland programs on one.
 bool isSame(const std::string& a, const std::string& b) {
   return lowerCase(a) == lowerCase(b);
 }

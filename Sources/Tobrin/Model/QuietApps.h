@@ -1,6 +1,6 @@
 /// Whether Tobrin is to be quiet for the application in front: one that its user has chosen, or any
 /// that fills the screen. Looks at what is in front only while one of these is wished for or the
-/// panel asks, and forgets it then. Thread: main.
+/// panel asks, and forgets it afterwards. Thread: main.
 #pragma once
 
 #include <functional>

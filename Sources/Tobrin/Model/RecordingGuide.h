@@ -59,7 +59,7 @@ class RecordingGuide final : public QObject {
   void startTyping();
   void pause();
   void resume();
-  /// On to the next step, of which the keyboard may lack keys; after the last one the pack is made.
+  /// Goes to the next step, where the keyboard lacks keys; after the last one the pack is made.
   void skip();
   /// Makes the pack of what there is.
   void finish();

@@ -25,7 +25,7 @@ class SettingsSaver final {
 
   /// Saves after `restTime` without another call.
   void saveSoon();
-  /// Saves now what is not saved yet; what can't be stays for the next time.
+  /// Saves now what is not saved yet; what cannot be saved stays for the next time.
   void save();
 
  private:

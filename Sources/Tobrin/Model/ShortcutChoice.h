@@ -28,7 +28,7 @@ class ShortcutChoice final {
   void choose(bool isWanted, const Hotkey& shortcut);
   /// Registers it once more: the desktop may have changed its mind.
   void choose() { choose(isWanted_, shortcut_); }
-  /// While the user presses keys to choose them as the shortcut, the one before them is let go.
+  /// While the user presses keys to choose a new shortcut, the old one is released.
   void capture(bool captures);
   /// Gives it back. When this returns, the last `pressed` has ended.
   void unregister() { hotkey_.unregister(); }

@@ -1,6 +1,6 @@
 /// What goes on around the program and asks for quiet: a call, a locked screen, the application in
-/// front. And whether a program records what is played, for which strokes get the sounds of other
-/// keys. Thread: main.
+/// front. Also whether a program records what is played: strokes then get the sounds of other keys.
+/// Thread: main.
 #pragma once
 
 #include <QObject>
@@ -29,7 +29,7 @@ class Surroundings final : public QObject {
     QuietApps::Describe describeApp;
   };
 
-  /// What of it counts, as the user wishes.
+  /// Which of these count, as the user wishes.
   struct Wish {
     bool quietDuringCalls = true;
     bool quietWhileLocked = true;
@@ -39,7 +39,7 @@ class Surroundings final : public QObject {
     bool operator==(const Wish&) const = default;
   };
 
-  /// Nothing goes on until it starts, but for what `micInUse` says.
+  /// Watches nothing before `start`; until then `micInUse` is all that it knows.
   Surroundings(Services&& services, bool micInUse);
   ~Surroundings() override;
 
@@ -58,7 +58,7 @@ class Surroundings final : public QObject {
   [[nodiscard]] QuietApps& quietApps() { return quietApps_; }
 
  signals:
-  /// A reason for quiet has come or gone. What a new wish alone changes may come without it.
+  /// A reason for quiet has come or gone. After `setWish` it may have, without this signal.
   void quietChanged();
   void maskChanged();
   void candidateChanged();  ///< what `quietApps` knows of the application in front

@@ -24,7 +24,7 @@ class HeldBackModel final : public QObject {
   [[nodiscard]] QStringList names() const;
   [[nodiscard]] bool isUsual() const;
 
-  /// Takes no name that is empty or there already.
+  /// Ignores a name that is empty or there already.
   Q_INVOKABLE void add(const QString& name);
   Q_INVOKABLE void remove(int index);
   Q_INVOKABLE void takeUsual();

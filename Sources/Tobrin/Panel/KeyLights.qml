@@ -54,7 +54,7 @@ Item {
         }
 
         onSeenChanged: {
-            // No time passes for what nobody sees.
+            // Stands still while nobody sees it.
             fade.stop();
             out.stop();
             glow = 0;

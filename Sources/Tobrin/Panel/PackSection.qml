@@ -34,7 +34,7 @@ ColumnLayout {
             implicitWidth: preview.implicitWidth
             implicitHeight: preview.implicitHeight
 
-            // A button that cannot be pushed knows of no pointer.
+            // A disabled button does not notice the pointer.
             HoverHandler { id: pointer }
             PanelTip {
                 shown: pointer.hovered

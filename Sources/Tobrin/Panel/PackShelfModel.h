@@ -34,7 +34,7 @@ class PackShelfModel final : public QObject {
   [[nodiscard]] QString problem() const;   ///< empty while there is none
   /// What can be brought back, in a sentence; empty where nothing can.
   [[nodiscard]] QString removed() const;
-  /// To drop packs, where they cannot be chosen otherwise; else empty.
+  /// Asks the user to drop packs, where there is no other way to choose them; else empty.
   [[nodiscard]] QString invitation() const;
   /// The panel stays open while it asks, wherever the focus goes.
   [[nodiscard]] bool isAsking() const { return asking_ != Asking::no; }

@@ -1,5 +1,5 @@
-// A text of the panel: wraps rather than being cut off. It begins where the panel's own language
-// begins, whatever it is written in.
+// A text of the panel: wraps rather than being cut off. It begins at the side where the panel's own
+// language begins, whatever language it is in.
 import QtQuick
 import Tobrin
 

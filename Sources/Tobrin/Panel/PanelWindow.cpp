@@ -104,7 +104,7 @@ bool PanelWindow::isOpen() const {
 
 void PanelWindow::open(const QPoint* anchor) {
   model_->menuOpened();
-  // One that opens comes to the front.
+  // A panel that opens comes to the front.
   if (isOpen() && !view_->isActive() && isOnWayland()) hideToReopen();
   closesWithFocus_ = anchor != nullptr;
   anchor_ = anchor != nullptr ? *anchor : QPoint();

@@ -1,4 +1,4 @@
-// What is not always there takes neither room nor memory while it is not.
+// A part that is not always shown: while hidden it takes neither room nor memory.
 import QtQuick
 import QtQuick.Layouts
 

@@ -30,7 +30,7 @@ class SoundModel final : public QObject {
   [[nodiscard]] int outputIndex() const;
   /// Another index than those of `outputs` changes nothing.
   void setOutputIndex(int index);
-  /// Where it sounds now, where the choice does not say it; else empty.
+  /// Which device plays now, where the choice does not say it; else empty.
   [[nodiscard]] QString outputNote() const;
   [[nodiscard]] double boost() const;
   void setBoost(double boost);

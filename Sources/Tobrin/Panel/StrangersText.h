@@ -1,5 +1,5 @@
-/// Words that strangers wrote, in one line: what would break it or turn the direction of the texts
-/// beside it is left out.
+/// A text that strangers wrote, in one line: characters that would break it, or turn the direction
+/// of the texts beside it, are left out. Thread: any.
 #pragma once
 
 #include <QString>

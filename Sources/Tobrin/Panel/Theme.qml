@@ -33,7 +33,7 @@ QtObject {
                                            ["#5cb3f2", "#5ccf95", "#f7b955", "#ff6b70"],
                                            ["#0f5fa5", "#0b6b3c", "#8f4f00", "#b3161d"],
                                            ["#7cc6ff", "#6fe3a8", "#ffc75f", "#ff8a8e"])
-    // Only decoration: what groups things that stand apart without it.
+    // Only decoration: the groups are clear without it.
     readonly property color outline: pick("#dfdfe7", "#34343d", "#333333", "#cccccc")
     readonly property color hairline: pick("#ededf2", "#2e2e36", "#808080", "#808080")
     readonly property var tierNames: [qsTr("Soft"), qsTr("Medium"), qsTr("Hard"), qsTr("Slam")]

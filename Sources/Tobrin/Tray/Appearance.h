@@ -1,5 +1,5 @@
-/// How the desktop wants its windows to look: by the settings of its portal, or by
-/// the palette. Thread: main.
+/// How the desktop wants its windows to look: by the settings of its portal, or by the palette.
+/// Thread: main.
 #pragma once
 
 #include <QDBusMessage>

@@ -155,7 +155,7 @@ void TrayInterface::fillMenu() {
 
 void TrayInterface::togglePanel() {
   if (panel_ && panel_->isOpen()) return panel_->close();
-  // The click that takes the focus from the panel may arrive here after the panel has gone for it.
+  // The click that takes the focus from the panel, and so closes it, may arrive here afterwards.
   const bool hasJustClosed = sinceClosed_.isValid() && sinceClosed_.elapsed() < sameClick.count();
   if (!hasJustClosed) showPanel();
 }

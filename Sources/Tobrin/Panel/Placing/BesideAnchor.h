@@ -1,4 +1,4 @@
-/// Where a panel goes that belongs to a place in one of the desktop's bars.
+/// Where a panel goes that belongs to a place in one of the desktop's bars. Thread: any.
 #pragma once
 
 #include <QPoint>

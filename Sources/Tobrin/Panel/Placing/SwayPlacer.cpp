@@ -111,7 +111,7 @@ void SwayPlacer::take(quint32 type, const QByteArray& payload) {
   const QJsonObject content = QJsonDocument::fromJson(payload).object();
   if (type == windowEvent) windowChanged(content);
   if (type == getTree) treeCame(content);
-  // sway leaves undone what it has not read when the line is cut.
+  // sway does not carry out what it has not read when the connection is closed.
   if (type == runCommand && isPlaced_) hangUp();
 }
 

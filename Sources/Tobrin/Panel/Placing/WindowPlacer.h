@@ -1,5 +1,5 @@
-/// On Wayland a program cannot place its windows. Some compositors do it for those who ask them by
-/// a way of their own. Thread: main.
+/// Places windows on Wayland, where a program cannot do so itself and some compositors do it when
+/// asked, each in its own way. Thread: main.
 #pragma once
 
 #include <memory>
