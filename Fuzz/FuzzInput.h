@@ -50,7 +50,8 @@ inline void require(bool promise) {
   if (!promise) __builtin_trap();
 }
 
-/// A text must be refused by a `Refusal`, or be read as what writes and reads alike.
+/// A text must be refused by a `Refusal`, or read as a value that stays the same when written and
+/// read.
 template <typename Refusal, typename Read, typename Write>
 void requireRoundTrip(std::string_view text, Read read, Write write) {
   std::optional<decltype(read(text))> value;

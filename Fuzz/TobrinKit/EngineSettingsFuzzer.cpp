@@ -1,4 +1,5 @@
-// Any bytes as settings: refused with a text, or decoded to what encodes and decodes alike.
+// Any bytes as settings: refused with a text, or decoded to a value that encodes and decodes
+// unchanged.
 #include "Engine/EngineSettings.h"
 
 #include <functional>

@@ -1,4 +1,5 @@
-// Any bytes as a manifest: refused with a text, or decoded to what encodes and decodes alike.
+// Any bytes as a manifest: refused with a text, or decoded to a value that encodes and decodes
+// unchanged.
 #include "Packs/PackManifest.h"
 
 #include <functional>

@@ -1,5 +1,5 @@
-// Any bytes as a recipe and as slicer options: refused with a text, or decoded to what encodes and
-// decodes alike.
+// Any bytes as a recipe and as slicer options: refused with a text, or decoded to a value that
+// encodes and decodes unchanged.
 #include "Building/PackRecipe.h"
 
 #include "Base/RecipeError.h"

@@ -1,4 +1,4 @@
-// Any bytes as JSON: refused with a few words, or a document that writes and reads alike.
+// Any bytes as JSON: refused with a few words, or a document that is written and read unchanged.
 #include "Base/ReadJson.h"
 
 #include "FuzzInput.h"

@@ -1,5 +1,5 @@
 // Any short recording under any options that a recipe may hold: takes stay inside the recording and
-// no sample is other than a number.
+// every sample is a number.
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -48,7 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
   try {
     options = tobrin::slicerOptionsFromJson(input.text(input.take<uint8_t>()));
   } catch (const tobrin::RecipeError&) {
-    // The defaults, then.
+    // Refused: the defaults, then.
   }
   std::vector<float> left, right;
   while (!input.empty() && left.size() < longest) {

@@ -218,7 +218,7 @@ TEST_F(KeyBroker, WhatAProgramDoesToItsStreamHarmsNobodyElse) {
   EXPECT_EQ(poll(&wait, 1, 10'000), 1) << "it is cut off";
   EXPECT_TRUE(broker::open(problem)) << problem;
 
-  // Words of a login manager that is none: its name is not the sender's.
+  // Signals of a false login manager: the sender does not have its name.
   system.change(mine(0), stranger(1));
   EXPECT_NE(std::system("dbus-send --bus=\"$DBUS_SYSTEM_BUS_ADDRESS\" "
                         "/org/freedesktop/login1/session/_31 "

@@ -1,4 +1,4 @@
-/// Audio files as bytes, honest ones and ones that lie.
+/// Audio files as bytes: valid ones, and ones with false headers.
 #pragma once
 
 #include <cstdint>

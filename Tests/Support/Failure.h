@@ -10,7 +10,7 @@
 
 namespace tobrin::testing {
 
-/// What the exception says that `work` throws; "(none)" where it throws none.
+/// The text of the exception that `work` throws; "(none)" where it throws none.
 template <typename Work>
 std::string failureOf(Work work) {
   try {

@@ -1,4 +1,4 @@
-/// Packs of other programs, composed: their sounds, their descriptions and their archives, honest
+/// Packs of other programs, composed: their sounds, their descriptions and their archives, valid
 /// ones and others.
 #pragma once
 

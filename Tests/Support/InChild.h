@@ -1,4 +1,4 @@
-/// Work that its process does not survive unchanged, done in another.
+/// Runs work that changes or ends its process in a child process.
 #pragma once
 
 #include <sys/wait.h>

@@ -23,8 +23,8 @@ inline void sleepUntilNs(int64_t ns) {
   }
 }
 
-/// Real-time scheduling where it is permitted: a tool that is late itself would blame what it
-/// measures.
+/// Real-time scheduling where it is permitted: a tool's own delay would look like that of the
+/// program it measures.
 inline void tryRealTime(int priority) {
   sched_param parameters{};
   parameters.sched_priority = priority;

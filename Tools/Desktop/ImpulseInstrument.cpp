@@ -29,7 +29,7 @@ using tobrin::testing::PipeWireHandle;
 constexpr float impulse = 0.5F;
 constexpr size_t mostImpulses = 100'000;
 
-/// Listens to raw key presses and leaves word of each in `struck`.
+/// Listens to raw key presses and notes each in `struck`.
 class RawKeys final {
  public:
   explicit RawKeys(std::atomic<bool>& struck)

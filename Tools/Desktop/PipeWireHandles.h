@@ -52,7 +52,7 @@ inline bool connectStereo(pw_stream* stream, pw_direction direction) {
 }
 
 /// Leaves the ending signals to the loop's own signal sources. To be called before there are other
-/// threads, which would take them with the usual effect.
+/// threads, which would take the signals and end the program.
 inline void blockEndingSignals() {
   sigset_t ending;
   sigemptyset(&ending);

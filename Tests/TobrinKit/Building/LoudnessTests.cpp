@@ -54,7 +54,7 @@ TEST(Loudness, MeasuresReferenceProgrammes) {
   }
 }
 
-/// To more places than any listener needs: what every pack and render is brought to rests on it.
+/// To more places than any listener needs: every pack and render is levelled by it.
 TEST(Loudness, OfEveryPitchIsAsItWas) {
   for (const auto& [hz, lufs] : {std::pair{25.0, -33.39775330559},
                                  {60, -26.47433042766},

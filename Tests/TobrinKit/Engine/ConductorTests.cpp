@@ -140,7 +140,7 @@ TEST_F(ConductorTest, PlaysEveryKeyAsItMustSound) {
   }
 }
 
-/// What the mixer's limiter was given, by what it made of it.
+/// The input of the mixer's limiter, worked out from its output.
 double unlimited(double heard) {
   const double above = (std::abs(heard) - 0.8) / 0.2;
   return above <= 0 ? heard : std::copysign(0.8 + 0.2 * above / (1 - above), heard);
