@@ -29,7 +29,7 @@ target_compile_options(
             $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wthread-safety>
             $<$<BOOL:${TOBRIN_WARNINGS_AS_ERRORS}>:-Werror>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # That compiler takes the joining of two short strings for a copy over itself.
+  # That compiler warns of an overlapping copy where two short strings are joined.
   target_compile_options(TobrinCompiler INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
 endif()
 # Programs load only the libraries whose functions they call.

@@ -62,7 +62,8 @@ check_rooms() {
   cmake -D FOLDER="$PWD/Sources" -P cmake/CheckKitIncludes.cmake
 }
 
-# Two types of one name in two sources are one type to the linker; the one that it drops is wrong wherever it was meant.
+# The linker takes two types of one name for one type, and drops one of them: code that meant it is
+# then wrong.
 check_names() {
   say "one name, one type"
   cmake --preset names >/dev/null && cmake --build --preset names --target tobrin tobrin-packs tobrin-force TobrinPanel TobrinTray
@@ -75,13 +76,14 @@ check_format() {
 
 check_flow() {
   say "cppcheck"
-  # The toolkit's words are for what includes it: one of them, "forever", is a name elsewhere.
+  # Qt's macros only for sources that include Qt: one of them, "forever", is a name elsewhere.
   flow_of Sources/Tobrin{Mixer,Kit,Linux,Packs,Force,KeyAccess,Keys} Tests/{Devices,RealTime} Tests/Tobrin?* \
     Tools Benchmarks Fuzz || return
   flow_of --library=qt '-DQML_NAMED_ELEMENT(name)=' Sources/Tobrin Tests/Tobrin
 }
 
-# In the mixer's vectors, useInitializationList wants values at once that later members decide.
+# In the mixer's vectors, useInitializationList asks for values that are only known after later
+# members.
 flow_of() {
   cppcheck --quiet -j "$(nproc)" --error-exitcode=1 --std=c++20 --enable=warning,performance,portability \
     --library=googletest --inline-suppr --suppress='useInitializationList:Sources/TobrinMixer/*-inl.h' \

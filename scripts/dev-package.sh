@@ -20,7 +20,8 @@ main() {
   # The message bus starts the one service when it is asked for, not an init script and not the start of the system.
   local suppressed=arch-dep-package-has-big-usr-share,systemd-service-file-missing-install-key
   suppressed+=,package-supports-alternative-init-but-no-init.d-script
-  # It takes pieces of texts for words: compilers put a short text into the instructions, eight letters at a time.
+  # lintian takes instructions for misspelt words: compilers put short texts into them, eight
+  # letters at a time.
   suppressed+=,spelling-error-in-binary
   lintian --allow-root --fail-on error,warning,info --display-info --suppress-tags "$suppressed" "$package"
   say "all checks passed"

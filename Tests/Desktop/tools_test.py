@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The tools' times agree: what an instrument says it played when is when the recording has it."""
+"""The tools' times agree: each sound is in the recording at the time at which the instrument says it played it."""
 
 import pathlib
 import sys

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Whoever sits at the Wayland session of WaylandSessionTests: wayland_user.py PROGRAM PACKS. Says what comes next."""
+"""The user of the Wayland session in WaylandSessionTests: wayland_user.py PROGRAM PACKS. Says what comes next."""
 
 import os
 import pathlib

@@ -165,7 +165,7 @@ class FaultsTest(DesktopTest):
                 self.assertEqual(place.with_name(name).read_bytes(), content)
 
     def test_the_display_vanishes(self):
-        """That session has ended (and this one: this is the last test), so does the program, in order."""
+        """The user's session ends with it, and so does the program, in order. The last test: this session ends, too."""
         program = Tobrin(PROGRAM, self.packs, pack="click")
         program.wait_for("status:")
         control("kill-display")

@@ -27,7 +27,7 @@ def mono(path):
 
 
 def around_peak(sound, start):
-    """Five milliseconds around the loudest sample of the first thirty, of one energy."""
+    """Five milliseconds around the loudest sample of the first thirty, scaled to energy 1."""
     peak = max(range(start, min(start + 1440, len(sound))), key=lambda at: abs(sound[at]))
     cut = sound[max(0, peak - 60):peak + 180]
     energy = math.sqrt(sum(sample * sample for sample in cut)) or 1
@@ -35,7 +35,7 @@ def around_peak(sound, start):
 
 
 def like(one, other):
-    """The correlation of two cuts, 1 for one form."""
+    """The correlation of two cuts; 1 where they have the same form."""
     return max(abs(sum(map(operator.mul, one[max(0, lag):], other[max(0, -lag):]))) for lag in range(-90, 91))
 
 

@@ -45,7 +45,7 @@ class Copy:
                     target.unlink()
 
     def mend(self):
-        """Of a hunt that was ended in the middle, a compiler may have put the changed source's code in place since."""
+        """After a hunt that was stopped in the middle, a compiler may have finished building the changed source."""
         if not self.note.exists():
             return True
         (self.folder / self.note.read_text()).touch()

@@ -7,8 +7,9 @@
 
 namespace tobrin {
 
-/// Takes a path (default "menu.png") and, in any order, the words "dark", "call" (paused for a
-/// call) and "pack=ID". Returns the exit status; what went wrong is said on standard output.
+/// Takes a path (default "menu.png") and, in any order, the words "dark", "contrast", "more" (the
+/// page behind "More…"), "call" (paused for a call) and "pack=ID". Returns the exit status; what
+/// went wrong is said on standard output.
 int drawSnapshot(const std::vector<std::string>& words);
 
 }  // namespace tobrin

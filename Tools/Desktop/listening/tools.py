@@ -65,7 +65,7 @@ class Background:
                 return line
 
     def forget(self):
-        """Lines that have arrived by now are waited for no longer."""
+        """From now on, waiting ignores the lines that have arrived already."""
         while not self._arrived.empty():
             line = self._arrived.get()
             if line is None:

@@ -83,7 +83,7 @@ class Daemons:
                 process.wait()
 
     def pids(self):
-        """Of those that still run, by name."""
+        """The ids of those that still run, by name."""
         return {name: process.pid for name, process in self._running.items() if process.poll() is None}
 
     def is_running(self, name):
