@@ -217,7 +217,11 @@ TEST(ImportCommand, WritesNothingThatAnArchiveNamesAndFollowsNoLinkOutOfIt) {
       .add("../../escaped", "x")
       .add("/tmp/tobrin-escaped", "x")
       .add("2.wav", "", "../secret.wav");
+  folder.write("work/.tobrin-work-1/key.wav", "by an import that was ended");
+  ASSERT_EQ(setenv("TMPDIR", (folder.path() / "work").c_str(), 1), 0);
   const Json made = imported(folder.path() / "evil.tar", folder.path() / "into");
+  unsetenv("TMPDIR");
+  EXPECT_EQ(testing::entriesIn(folder.path() / "work"), 0) << "what an ended import left";
   EXPECT_NE(made["notes"].dump().find("lead out of the archive"), std::string::npos);
   EXPECT_NE(made["notes"].dump().find("links and devices"), std::string::npos);
   EXPECT_FALSE(fs::exists("/tmp/tobrin-escaped"));

@@ -2,9 +2,7 @@
 
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <system_error>
-#include <utility>
 
 #include "Packs/PackManifest.h"
 
@@ -30,19 +28,9 @@ std::string beginning(const fs::path& target) {
   return "." + target.filename().string() + ".building-";
 }
 
-bool isNumber(std::string_view text) {
-  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
-}
-
-/// Removes what interrupted builds left, but not what running builds still need.
-void removeLeftovers(const fs::path& target) {
-  const std::string before = beginning(target);
-  std::error_code ignored;
-  for (const auto& entry : fs::directory_iterator(target.parent_path(), ignored)) {
-    const std::string name = entry.path().filename().string();
-    if (!name.starts_with(before) || !isNumber(name.substr(before.size()))) continue;
-    if (const FolderLock lock(entry.path()); lock.isHeld()) fs::remove_all(entry.path(), ignored);
-  }
+fs::path madeParent(const fs::path& target) {
+  fs::create_directories(target.parent_path());
+  return target.parent_path();
 }
 
 }  // namespace
@@ -60,32 +48,18 @@ fs::path PackFolder::replaceable(const fs::path& wanted) {
   return target;
 }
 
-PackFolder::PackFolder(const fs::path& target) : target_(replaceable(target)) {
-  fs::create_directories(target_.parent_path());
-  removeLeftovers(target_);
-  for (unsigned number = 1; aside_.empty(); ++number) {
-    fs::path folder = target_.parent_path() / (beginning(target_) + std::to_string(number));
-    if (!fs::create_directory(folder)) continue;  // another build is at work
-    // That may take it for a leftover at this moment.
-    lock_.emplace(folder);
-    if (!lock_->isTaken() && fs::exists(folder)) aside_ = std::move(folder);
-  }
-}
-
-PackFolder::~PackFolder() {
-  std::error_code ignored;
-  fs::remove_all(aside_, ignored);
-}
+PackFolder::PackFolder(const fs::path& target)
+    : target_(replaceable(target)), work_(madeParent(target_), beginning(target_)) {}
 
 void PackFolder::moveIntoPlace(const FolderExchange& exchange) {
   // The old pack lies aside then, and goes with this object.
-  if (exchange && fs::exists(target_) && exchange(aside_, target_)) return;
-  fs::path old = aside_;
+  if (exchange && fs::exists(target_) && exchange(aside(), target_)) return;
+  fs::path old = aside();
   old += ".old";
   const bool replaces = fs::exists(target_);
   if (replaces) fs::rename(target_, old);
   try {
-    fs::rename(aside_, target_);
+    fs::rename(aside(), target_);
   } catch (...) {
     if (replaces) fs::rename(old, target_);
     throw;

@@ -3,9 +3,8 @@
 
 #include <filesystem>
 #include <functional>
-#include <optional>
 
-#include "Base/FolderLock.h"
+#include "Base/WorkFolder.h"
 
 namespace tobrin {
 
@@ -24,12 +23,8 @@ class PackFolder final {
   /// interrupted builds of the same pack left there. Throws `std::filesystem::filesystem_error`.
   explicit PackFolder(const std::filesystem::path& target);
 
-  /// Removes what was not moved into place.
-  ~PackFolder();
-  PackFolder(const PackFolder&) = delete;
-  PackFolder& operator=(const PackFolder&) = delete;
-
-  [[nodiscard]] const std::filesystem::path& aside() const { return aside_; }
+  /// Gone with this object where it was not moved into place.
+  [[nodiscard]] const std::filesystem::path& aside() const { return work_.path(); }
 
   /// Replaces the target by the new folder; the old one goes only once the new one is there. With
   /// `exchange` there is a whole pack at every moment. Throws `std::filesystem::filesystem_error`.
@@ -37,8 +32,7 @@ class PackFolder final {
 
  private:
   std::filesystem::path target_;
-  std::filesystem::path aside_;     // hidden, so that no library lists it
-  std::optional<FolderLock> lock_;  // of `aside_`, against `removeLeftovers`
+  WorkFolder work_;  // hidden, so that no library lists it
 };
 
 }  // namespace tobrin

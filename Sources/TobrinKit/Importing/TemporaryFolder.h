@@ -3,20 +3,19 @@
 
 #include <filesystem>
 
+#include "Base/WorkFolder.h"
+
 namespace tobrin {
 
 class TemporaryFolder final {
  public:
   /// A new folder that only this user may read. Throws `std::filesystem::filesystem_error`.
   TemporaryFolder();
-  ~TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+  [[nodiscard]] const std::filesystem::path& path() const { return work_.path(); }
 
  private:
-  std::filesystem::path path_;
+  WorkFolder work_;
 };
 
 }  // namespace tobrin
