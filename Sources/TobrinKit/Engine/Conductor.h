@@ -63,7 +63,7 @@ class Conductor final {
   void chooseOutput(const std::string& id);
   /// Has the output report which devices there are, even if nothing was played yet.
   void findOutputs();
-  /// Fades what sounds, then plays from `pack` (null: silence). The old pack is kept alive for 2 s.
+  /// Fades what sounds, then plays from `pack` (null: silence). The old pack lives on for 2 s or more.
   void setPack(std::shared_ptr<const LoadedPack> pack);
   /// Plays a short demonstration phrase, until the next one or another pack.
   void audition();
