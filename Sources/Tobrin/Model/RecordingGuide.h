@@ -59,7 +59,8 @@ class RecordingGuide final : public QObject {
   void startTyping();
   void pause();
   void resume();
-  /// Goes to the next step, where the keyboard lacks keys; after the last one the pack is made.
+  /// Goes to the next step if the keyboard lacks keys for this one; after the last the pack is
+  /// made.
   void skip();
   /// Makes the pack of what there is.
   void finish();

@@ -58,7 +58,7 @@ class Surroundings final : public QObject {
   [[nodiscard]] QuietApps& quietApps() { return quietApps_; }
 
  signals:
-  /// A reason for quiet has come or gone. After `setWish` it may have, without this signal.
+  /// A reason for quiet has come or gone. A change by `setWish` may come without this signal.
   void quietChanged();
   void maskChanged();
   void candidateChanged();  ///< what `quietApps` knows of the application in front

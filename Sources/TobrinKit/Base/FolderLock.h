@@ -1,5 +1,5 @@
 /// Locks a folder, to show other processes that it is in use. The system releases the lock when
-/// this process ends, also by a crash. Thread: any.
+/// this process ends, even by a crash. Thread: any.
 #pragma once
 
 #include <filesystem>

@@ -63,7 +63,8 @@ class Conductor final {
   void chooseOutput(const std::string& id);
   /// Has the output report which devices there are, even if nothing was played yet.
   void findOutputs();
-  /// Fades what sounds, then plays from `pack` (null: silence). The old pack lives on for 2 s or more.
+  /// Fades what sounds, then plays from `pack` (null: silence). The old pack is kept for at least 2
+  /// s.
   void setPack(std::shared_ptr<const LoadedPack> pack);
   /// Plays a short demonstration phrase, until the next one or another pack.
   void audition();

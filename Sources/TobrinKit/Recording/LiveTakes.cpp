@@ -8,7 +8,7 @@ namespace {
 
 constexpr double lookSeconds = 1;       // from one look to the next
 constexpr double partSeconds = 6;       // that a look sees: enough to know what is usual
-constexpr double settledSeconds = 0.6;  // after its beginning, a sound is over and its key here
+constexpr double settledSeconds = 0.6;  // from its beginning: a sound is over, its key has come
 constexpr double fitSeconds = 5;        // from one fit to the next
 constexpr std::size_t mostKeys = 60'000;
 constexpr std::size_t recentPresses = 20;
