@@ -1,5 +1,5 @@
-// Any events as a keyboard's: what the broker tells of them has no release without its press, and
-// what it tells, or any other record, does Tobrin no harm.
+// Any events of a keyboard: the broker passes on no release without its press, and no record, from
+// these events or any other, harms Tobrin.
 #include <set>
 
 #include "Evdev/HeldKeys.h"

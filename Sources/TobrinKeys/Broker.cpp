@@ -21,7 +21,7 @@ constexpr uint64_t idleUs = 30'000'000;
 constexpr uint64_t answerUs = 300'000'000;  // for an administrator to come
 constexpr const char* action = "app.tobrin.keys.listen";
 
-// A password would do, and yet nobody was asked for one.
+// A password was needed, but no program could ask for one.
 constexpr const char* nobodyAsks =
     "no program of this desktop asks for passwords: start a polkit agent";
 constexpr const char* notInFront = "app.tobrin.Keys1.Error.NotInFront";

@@ -9,7 +9,7 @@ namespace tobrin {
 
 namespace {
 
-// A gain that is no number would reach every later frame, so it counts as silence.
+// A gain that is NaN would reach every later frame, so it counts as silence.
 float finiteOrZero(float gain) {
   return std::isfinite(gain) ? gain : 0.0F;
 }

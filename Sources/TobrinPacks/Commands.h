@@ -21,7 +21,7 @@ struct CommandStreams {
 /// "import": makes a pack of one in another program's format.
 void addImportCommand(CLI::App& app, const CommandStreams& streams);
 
-/// "export": writes a pack as one file to hand on.
+/// "export": writes a pack as one file to share.
 void addExportCommand(CLI::App& app, const CommandStreams& streams);
 
 /// "install": puts packs among the user's own.

@@ -21,7 +21,7 @@ void print(const PackInstall::Installed& pack, std::ostream& out) {
 }
 
 /// For the panel, in a line of JSON each: how far it has come, then the pack's id, or the reason
-/// why there is none. Where nobody reads that any more, the user has changed their mind.
+/// why there is none. If nobody reads the lines any more, the user has cancelled.
 class Reporting final {
  public:
   explicit Reporting(std::ostream& out) : out_(out) {

@@ -71,7 +71,7 @@ std::string listed(const std::vector<SoundCapture::Input>& inputs) {
   return text.empty() ? "there is none" : "there are " + text;
 }
 
-/// A name that no microphone has would be known only after a while of waiting for it.
+/// Without this, a name that no microphone has would only show after a wait for it.
 void checkSource(const std::vector<SoundCapture::Input>& inputs, const Options& options,
                  std::ostream& err) {
   const auto isMeant = [&](const SoundCapture::Input& input) {
@@ -187,7 +187,7 @@ void run(const Options& options, const CommandStreams& streams) {
   try {
     if (!options.keep.empty()) keep(recording, options.keep);
   } catch (...) {
-    notKept = std::current_exception();  // there is a pack all the same
+    notKept = std::current_exception();  // the pack is there anyway
   }
   makePack(recording, options, streams);
   if (notKept) std::rethrow_exception(notKept);

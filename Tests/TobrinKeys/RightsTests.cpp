@@ -34,7 +34,7 @@ TEST(Consents, LastUntilTheEndOrUntilTheyAreTakenBack) {
   EXPECT_FALSE(nowhere.give(1, true) || nowhere.takeBack(1) || nowhere.has(1));
 }
 
-/// The first call that is allowed though it must not be, or the other way round; zero for none.
+/// The first call that is allowed or refused when it should not be; zero for none.
 int firstWrongCall() {
   if (giveUpWhatIsNotNeeded() != 0) return 255;
   const long calls[] = {

@@ -16,7 +16,7 @@
 namespace tobrin {
 namespace {
 
-/// The workshop while it works. It notices that nobody reads its reports any more, and ends.
+/// The workshop while it works. It ends when nobody reads its reports any more.
 class Workshop final {
  public:
   explicit Workshop(const std::filesystem::path& source) {

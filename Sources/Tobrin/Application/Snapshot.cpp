@@ -23,7 +23,7 @@ int fail(const std::string& words) {
   return 1;
 }
 
-/// Nothing where a second word is none of those known: only one path is taken.
+/// Nothing where a second word is unknown: only one path is allowed.
 std::optional<Wish> parse(const std::vector<std::string>& words) {
   constexpr std::string_view packPrefix = "pack=";
   Wish wish;

@@ -86,7 +86,7 @@ class AppModel final : public QObject {
     setComforts(changed);
   }
   void toggleEnabled();
-  /// Volume to nothing, and back to what it was.
+  /// Sets the volume to 0, or back to what it was.
   void mute();
   /// While the user presses keys to choose a new shortcut, the old one is released.
   void captureShortcut(bool captures);

@@ -42,7 +42,7 @@ void read(const Json& document, const char* key, std::string& value) {
   if (found != document.end() && found->is_string()) value = found->get<std::string>();
 }
 
-/// Nothing where it is no number from `least` to `most`.
+/// Nothing where it is not a number from `least` to `most`.
 std::optional<float> numberOf(const Json& document, const char* key, double least, double most) {
   const auto found = document.find(key);
   if (found == document.end() || !found->is_number()) return std::nullopt;

@@ -28,7 +28,7 @@ class KeyAccess final {
 
   /// Listens, or waits for access to do so.
   void start() { watch_.start(); }
-  /// Looks at once at what there is now.
+  /// Checks at once what access there is.
   void look();
   /// To be called after the monitor has lost its keyboards or has taken them up again, pauses or
   /// goes on.

@@ -20,7 +20,7 @@ class OutputChoice final : public QObject {
     OutputMemory& memory;                             ///< outlives this object
     std::function<void()> saveMemory;                 ///< it has changed
     std::function<void(const std::string& id)> play;  ///< on this device; empty: the default one
-    std::function<float()> volume;                    ///< of the moment
+    std::function<float()> volume;                    ///< the present one
     std::function<void(float volume)> setVolume;      ///< for the device that plays now
     std::function<void(float boost)> setBoost;        ///< likewise
   };
@@ -60,7 +60,7 @@ class OutputChoice final : public QObject {
 
   const Services services_;
   SoundOutputs outputs_;
-  std::string used_;  // id of the device that the loudness of now belongs to
+  std::string used_;  // id of the device that the present loudness belongs to
   float boost_ = 1;
   bool isSetBefore_ = false;  // by the user, before the first device was known: it is for that one
 };

@@ -1,6 +1,6 @@
 /// Leads through recording one's own keyboard: the choice of a microphone, what to type, listening
-/// to the pack that comes of it, keeping it. Leaving at any time leaves nothing behind.
-/// Thread: main, but for `addKey` and `addForce`.
+/// to the new pack, keeping it. Leaving at any time leaves nothing behind. Thread: main, but for
+/// `addKey` and `addForce`.
 #pragma once
 
 #include <QObject>
@@ -62,7 +62,7 @@ class RecordingGuide final : public QObject {
   /// Goes to the next step if the keyboard lacks keys for this one; after the last the pack is
   /// made.
   void skip();
-  /// Makes the pack of what there is.
+  /// Makes the pack from what was recorded so far.
   void finish();
   /// Back from listening, to type more.
   void typeMore();

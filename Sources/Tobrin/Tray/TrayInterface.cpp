@@ -25,8 +25,8 @@ constexpr std::chrono::milliseconds trayPatienceAtLogin = 10s;
 constexpr auto sameClick = 200ms;
 constexpr auto unloadAfter = 60s;
 
-/// On Wayland the toolkit loads the graphics drivers for its first window, in whatever way that is
-/// drawn with; ours is drawn in software, and they would double the memory of the whole program.
+/// On Wayland the toolkit loads the graphics drivers for its first window, even for ours, which is
+/// drawn in software: they would double the memory of the whole program.
 void doWithoutGraphicsDrivers() {
   constexpr const char* variable = "QT_WAYLAND_CLIENT_BUFFER_INTEGRATION";
   if (qEnvironmentVariableIsSet(variable)) return;

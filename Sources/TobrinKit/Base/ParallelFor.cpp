@@ -57,7 +57,7 @@ void parallelFor(std::size_t count, unsigned threads,
       while (others.size() + 1 < std::min<std::size_t>(threads, count))
         others.emplace_back([&pieces] { pieces.run(); });
     } catch (const std::system_error&) {
-      // No more threads to be had: fewer do the same work.
+      // No more threads available: fewer do the same work.
     }
     pieces.run();
   }

@@ -13,7 +13,7 @@ bool isNumber(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-/// Not what work that goes on still needs.
+/// Removes what ended work left, but not what running work still needs.
 void removeLeft(const fs::path& parent, std::string_view beginning) {
   std::error_code ignored;
   for (const auto& entry : fs::directory_iterator(parent, ignored)) {
@@ -29,8 +29,8 @@ WorkFolder::WorkFolder(const fs::path& parent, std::string_view beginning) {
   removeLeft(parent, beginning);
   for (unsigned number = 1; path_.empty(); ++number) {
     fs::path folder = parent / (std::string(beginning) + std::to_string(number));
-    if (!fs::create_directory(folder)) continue;  // other work goes on there
-    // Other work that begins may take it for left at this moment.
+    if (!fs::create_directory(folder)) continue;  // other work uses it
+    // Other work that starts at this moment may take it for a leftover.
     lock_.emplace(folder);
     if (!lock_->isTaken() && fs::exists(folder)) path_ = std::move(folder);
   }

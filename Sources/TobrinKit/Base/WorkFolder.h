@@ -23,7 +23,7 @@ class WorkFolder final {
 
  private:
   std::filesystem::path path_;
-  std::optional<FolderLock> lock_;  // of `path_`, so that nobody takes it for left
+  std::optional<FolderLock> lock_;  // of `path_`, so that nobody takes it for a leftover
 };
 
 }  // namespace tobrin

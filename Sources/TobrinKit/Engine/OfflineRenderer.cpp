@@ -39,7 +39,7 @@ class ScriptVoicer final {
   ScriptVoicer(const LoadedPack& pack, const EngineSettings& settings)
       : voicing_(pack, settings), releaseSounds_(settings.releaseSounds) {}
 
-  /// Nothing where the key has no sound. The variation is drawn all the same.
+  /// Nothing where the key has no sound. The variation is drawn anyway.
   std::optional<TBCommand> command(const ScriptedKey& key) {
     const StrokeVariation variation = StrokeVariation::draw(rng_);
     const float relative = relativeStrength(key.position);
@@ -56,7 +56,7 @@ class ScriptVoicer final {
   uint32_t tag_ = 0;
 };
 
-/// Frames of the whole render; 0 for lengths that are negative or no number.
+/// Frames of the whole render; 0 for lengths that are negative or NaN.
 std::size_t lengthInFrames(double seconds, double sampleRate) {
   const double frames = std::floor(sampleRate * seconds);
   if (!(frames >= 1)) return 0;

@@ -30,7 +30,7 @@ constexpr std::array<uint16_t, 128> codesByCharacter() {
   return codes;
 }
 
-/// The letters beyond ASCII whose lower case lies within it.
+/// The letters beyond ASCII whose lower case is ASCII.
 constexpr std::string_view kelvinSign = "\xE2\x84\xAA";
 constexpr std::string_view dottedCapitalI = "\xC4\xB0";
 

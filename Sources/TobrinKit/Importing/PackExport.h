@@ -1,4 +1,4 @@
-/// Writes a pack as one file to hand on: a zip of its folder. Thread: any, one at a time.
+/// Writes a pack as one file to share: a zip of its folder. Thread: any, one at a time.
 #pragma once
 
 #include <filesystem>

@@ -51,7 +51,7 @@ class SourceFiles final {
  private:
   struct Keys {
     std::string folded;   // in lower case
-    std::string letters;  // besides, every run of bytes beyond ASCII as one "?"
+    std::string letters;  // the same, with every run of bytes beyond ASCII as one "?"
   };
   static Keys keysOf(std::string_view name);
   [[nodiscard]] const File* findOnly(std::string Keys::*key, const std::string& wanted) const;

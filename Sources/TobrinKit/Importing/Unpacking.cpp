@@ -72,13 +72,13 @@ class Unpacker {
     if (status < ARCHIVE_WARN) fail();
     if (++entries_ > SourceFiles::mostFiles)
       throw ImportError(Kind::tooLarge, name_ + " holds too many files");
-    // What is passed over is unpacked all the same, and thrown away.
+    // Skipped entries are unpacked too, and thrown away.
     claimed_ += static_cast<uint64_t>(std::max<la_int64_t>(archive_entry_size(entry), 0));
     if (claimed_ > SourceFiles::mostBytes) failTooLarge();
     return entry;
   }
 
-  /// The entry's name; nothing where it is none of the files to take.
+  /// The entry's name; nothing where it is not a file to take.
   std::optional<std::string> nameOf(archive_entry* entry) {
     const char* name = archive_entry_pathname_utf8(entry);
     if (name == nullptr) name = archive_entry_pathname(entry);

@@ -89,7 +89,7 @@ void PackLoader::settle() {
   for (std::size_t batch = 0; batch < batches(); ++batch) {
     const auto files = filesOf(batch);
     if (!std::ranges::all_of(files, [](const Buffer& buffer) { return buffer != nullptr; })) {
-      // Later files make room, so that the budget holds; they come again in their turn.
+      // Later files are given up, so that the budget holds; they are decoded again in their turn.
       for (std::size_t later = batch; later < batches(); ++later)
         std::ranges::fill(filesOf(later), nullptr);
       FrameAllowance allowance(framesLeft);

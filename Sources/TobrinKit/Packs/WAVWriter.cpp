@@ -48,7 +48,7 @@ class DitheredQuantiser {
     const double first = rng_.unit();
     const double second = rng_.unit();
     const float dithered = sample + static_cast<float>(first - second) * 0x1p-15f;
-    if (!(dithered < 1.0f)) return 32767;  // also where it is no number
+    if (!(dithered < 1.0f)) return 32767;  // also for NaN
     return static_cast<int16_t>(std::max(dithered, -1.0f) * 32767.0f);
   }
 

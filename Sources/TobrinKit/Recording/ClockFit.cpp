@@ -135,7 +135,7 @@ Guess search(std::span<const RecordedKey> keys, std::span<const SoundRise> rises
   return best;
 }
 
-/// A sound that goes with an event, and how far it is from where the fit has it.
+/// A sound that belongs to an event, and how far it is from where the fit expects it.
 struct Match {
   double event = 0;
   double error = 0;  // s

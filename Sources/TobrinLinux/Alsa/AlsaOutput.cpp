@@ -208,8 +208,8 @@ void AlsaOutput::play(AlsaPcm& pcm) {
   playOut(pcm);
 }
 
-// What is closed drops what it has not played. Nothing is rendered any more, so that `pause` need
-// not wait for this.
+// Closing the device would drop what it has not played yet. Nothing is rendered any more, so
+// `pause` need not wait for this.
 void AlsaOutput::playOut(AlsaPcm& pcm) {
   fallAsleep();
   std::array waitingFor = {pollfd{wake_.fd(), POLLIN, 0}};

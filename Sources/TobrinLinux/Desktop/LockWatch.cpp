@@ -117,7 +117,7 @@ struct LockWatch::Buses {
 
   static int answered(sd_bus_message* answer, void* self, sd_bus_error*) {
     auto& locker = *static_cast<Locker*>(self);
-    int isLocking = 0;  // stays so where there is none to answer
+    int isLocking = 0;  // stays 0 where nobody answers
     if (sd_bus_message_is_method_error(answer, nullptr) == 0) {
       if (locker.saver == nullptr) sd_bus_message_enter_container(answer, 'v', "b");
       sd_bus_message_read(answer, "b", &isLocking);

@@ -38,8 +38,8 @@ std::unique_ptr<AudioDevice> makeAudioDevice(std::shared_ptr<PipeWireLoop> loop)
   if (loop == nullptr) return makeAlsa();
   auto server = std::make_unique<PipeWireOutput>(std::move(loop));
   // A server that has played and is gone restarts, and must find the card free. One that expects no
-  // device, as where it runs for screen sharing alone, leaves the card to ALSA, unless ALSA's
-  // device leads back to that server.
+  // device, such as one for screen sharing alone, leaves the card to ALSA, unless ALSA's device
+  // leads back to that server.
   const PipeWireOutput& output = *server;
   return std::make_unique<FallbackAudioDevice>(std::move(server), makeAlsa, [&output] {
     return !output.expectsDevice() && !alsaDeviceLeadsTo("pipewire", alsaDevice);

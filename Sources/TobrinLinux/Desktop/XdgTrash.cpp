@@ -25,7 +25,7 @@ struct Place {
 
 fs::path madeFolder(const fs::path& folder) {
   fs::create_directories(folder.parent_path());
-  const int made = ::mkdir(folder.c_str(), S_IRWXU);  // nobody else's to look into
+  const int made = ::mkdir(folder.c_str(), S_IRWXU);  // closed to other users
   if (made != 0 && errno != EEXIST)
     throw fs::filesystem_error("can't make the trash", folder,
                                std::error_code(errno, std::generic_category()));

@@ -40,7 +40,7 @@ inline void setProperty(pw_metadata* metadata, uint32_t subject, const char* key
   pw_metadata_set_property(metadata, subject, key, type, value);
 }
 
-/// Null where the object is gone or not to be had.
+/// Null where the object is gone or not available.
 inline pw_proxy* bind(pw_registry* registry, uint32_t id, const char* type, uint32_t version) {
   return static_cast<pw_proxy*>(pw_registry_bind(registry, id, type, version, 0));
 }

@@ -60,7 +60,7 @@ class PipeWireGraphWatch final {
   std::map<uint32_t, std::unique_ptr<BoundObject>> bound_;
   std::optional<uint32_t> metadataId_;  // of what the policy reads; it is among the bound
   std::unique_ptr<Registry> registry_;
-  int awaited_ = 0;             // number of the answer under way
+  int awaited_ = 0;             // number of the answer waited for
   bool hasAskedSince_ = false;  // for more than that answer covers
   bool isSettled_ = false;
 };

@@ -84,8 +84,8 @@ void PipeWireLoop::wake() {
 }
 
 void PipeWireLoop::finishDataCallbacks() {
-  // The data thread runs one thing after the other: when it has done this, it has done the rest.
-  // Its queue of such calls takes one caller at a time, which the lock sees to.
+  // The data thread runs one task after the other: after this one, all earlier ones are done. Only
+  // one caller at a time may queue such tasks, which the lock ensures.
   pw_data_loop_invoke(pw_context_get_data_loop(context_), doNothing, 0, nullptr, 0, true, nullptr);
 }
 

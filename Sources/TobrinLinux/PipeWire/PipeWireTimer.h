@@ -19,8 +19,8 @@ class PipeWireTimer final {
   PipeWireTimer(const PipeWireTimer&) = delete;
   PipeWireTimer& operator=(const PipeWireTimer&) = delete;
 
-  /// Fires once after `delay`, and no more for what it was set to before. No delay means as soon
-  /// as the loop comes round.
+  /// Fires once after `delay`; an earlier setting is dropped. No delay means in the loop's next
+  /// round.
   void startIn(std::chrono::milliseconds delay);
   void stop();
 

@@ -24,8 +24,8 @@ class PlaybackStream final {
  public:
   using State = PipeWireStream::State;
 
-  /// Connects at once and active, to the node with the name `target`; empty, or where there is none
-  /// of that name: to the default device. `gate` outlives the stream. `stateChanged` is called on
+  /// Connects at once and active, to the node with the name `target`, or to the default device
+  /// where that is empty or no node has it. `gate` outlives the stream. `stateChanged` is called on
   /// the loop thread and must not destroy the stream. Throws std::runtime_error where the library
   /// refuses.
   PlaybackStream(pw_core* core, const RenderGate& gate, const std::string& target,

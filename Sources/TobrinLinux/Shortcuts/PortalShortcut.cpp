@@ -101,9 +101,9 @@ int waitLimitMs(sd_bus* bus) {
 
 }  // namespace
 
-/// The exchange with the portal: a session is created and what it has listed, the combination bound
-/// in it where that is still to be asked for, presses follow. Each of the requests is answered by a
-/// signal on an object named by our token. Runs on one thread of its owner.
+/// The exchange with the portal: creates a session, lists its shortcuts, binds the combination in
+/// it where that was not asked for yet, then gets presses. Each request is answered by a signal on
+/// an object named by our token. Runs on one thread of its owner.
 struct PortalShortcut::Dialogue {
   Dialogue(std::string wantedTrigger, std::string knownBefore, Listener to, WakeEvent& stopEvent)
       : trigger(std::move(wantedTrigger)),

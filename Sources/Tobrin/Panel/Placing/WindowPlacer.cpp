@@ -11,7 +11,7 @@ std::unique_ptr<WindowPlacer> makeWindowPlacer() {
   if (!QGuiApplication::platformName().startsWith("wayland")) return nullptr;
   if (const QString socket = qEnvironmentVariable("SWAYSOCK"); !socket.isEmpty())
     return std::make_unique<SwayPlacer>(socket);
-  // Nothing comes of it where no KWin is on the bus.
+  // Has no effect where no KWin is on the bus.
   return std::make_unique<KWinPlacer>();
 }
 
