@@ -44,7 +44,7 @@ class CommandRing final {
   }
 
   /// Calls `onForget` if `forget` was called since the last time, then hands every waiting command
-  /// to `apply`, oldest first. Thread: render.
+  /// to `apply`, oldest first.
   template <typename Apply, typename OnForget>
   void drain(Apply&& apply, OnForget&& onForget) noexcept {
     uint32_t read = read_.load(std::memory_order_relaxed);

@@ -56,9 +56,7 @@ class AppModel final : public QObject {
   [[nodiscard]] OutputChoice& outputs() { return outputs_; }
   /// What is in front, as the panel shows it.
   [[nodiscard]] QuietApps& quietApps() { return surroundings_.quietApps(); }
-  /// Recording one's own keyboard.
   [[nodiscard]] RecordingGuide& recordingGuide() { return guide_; }
-  /// What the user asks of the desktop.
   [[nodiscard]] DesktopActions& desktop() { return desktop_; }
   [[nodiscard]] const PlatformWords& words() const { return services_.words; }
   [[nodiscard]] const Conductor& conductor() const { return *conductor_; }

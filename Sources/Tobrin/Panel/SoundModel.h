@@ -36,7 +36,6 @@ class SoundModel final : public QObject {
   void setBoost(double boost);
   [[nodiscard]] double mostBoost() const;
 
-  /// Lets one key be heard.
   Q_INVOKABLE void playOneKey();
 
  signals:

@@ -59,7 +59,7 @@ class AudioOutput final {
   /// Never waits, not even for a start under way.
   [[nodiscard]] bool isRunning() const;
   [[nodiscard]] std::string description() const;
-  /// Why it does not run, in words; empty while all is well. Thread: any.
+  /// Why it does not run, in words; empty while all is well.
   [[nodiscard]] std::string problem() const;
 
   /// Master gain, linear; the mixer clamps it to [0, 4].

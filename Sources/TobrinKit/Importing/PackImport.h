@@ -50,7 +50,6 @@ struct PackImport {
   using Progress = std::function<void(double)>;
 
   /// A failure leaves the folder as it was. Throws `ImportError`, or the file system's own error.
-  /// Thread: any.
   static Result run(const Request& request, const Services& services,
                     const Progress& progress = {});
 

@@ -64,11 +64,10 @@ class KeyMonitor final {
   /// Not to be called on the monitor's thread.
   void stop();
 
-  /// Nothing that keyboards with these names send is handed on, to handler or observer. Thread:
-  /// any.
+  /// Nothing that keyboards with these names send is handed on, to handler or observer.
   void holdBack(const HeldBackKeyboards::Names& names) { heldBack_.set(names); }
 
-  /// Whether keys are heard now; false while a lost source is being waited for. Thread: any.
+  /// Whether keys are heard now; false while a lost source is being waited for.
   [[nodiscard]] bool isRunning() const { return running_.load(std::memory_order_acquire); }
 
   void hearMouse(MouseHearing wish) { source_->hearMouse(wish); }

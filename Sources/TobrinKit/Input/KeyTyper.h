@@ -13,7 +13,7 @@ class KeyTyper {
  public:
   virtual ~KeyTyper() = default;
 
-  /// Gets ready to type; false leaves the reason in `problem`. Thread: main.
+  /// Gets ready to type; false leaves the reason in `problem`.
   virtual bool open() = 0;
 
   /// Presses or releases a key of the US layout by its virtual key code; false where it could not.

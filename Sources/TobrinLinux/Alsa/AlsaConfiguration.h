@@ -6,7 +6,6 @@
 namespace tobrin {
 
 /// Whether the device of this name hands its sound to one of this type ("pipewire", "jack").
-/// Thread: any.
 bool alsaDeviceLeadsTo(const std::string& type, const std::string& name);
 
 }  // namespace tobrin

@@ -23,7 +23,6 @@ struct XDisconnect {
 using XConnection = std::unique_ptr<xcb_connection_t, XDisconnect>;
 
 /// Connects to a display; an empty name means the environment's. Nothing where no server answers.
-/// Thread: any.
 XConnection connectToX(const std::string& display);
 
 inline const xcb_screen_t& firstScreen(xcb_connection_t* connection) {

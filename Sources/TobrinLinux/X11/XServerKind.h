@@ -9,7 +9,6 @@ namespace tobrin {
 enum class XServerKind : uint8_t { none, own, withinWayland };
 
 /// Asks the server of a display (":0"); `none` where the name is empty or no server answers.
-/// Thread: any.
 XServerKind xServerKind(const std::string& display);
 
 }  // namespace tobrin
