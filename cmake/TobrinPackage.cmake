@@ -27,6 +27,8 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The panel imports these while it runs.
 set(modules qtqml qtqml-workerscript qtquick qtquick-layouts qtquick-templates qtquick-window)
 list(TRANSFORM modules PREPEND qml6-module-)
+# Icons of other apps may be drawings; what reads them is a package by itself since Debian 13.
+list(APPEND modules "libqt6svg6 (<< 6.7) | qt6-svg-plugins")
 list(JOIN modules ", " CPACK_DEBIAN_PACKAGE_DEPENDS)
 # ffmpeg opens recordings for the workshop; polkit asks for the access to keyboards.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "ffmpeg, pkexec, polkitd, qt6-wayland")

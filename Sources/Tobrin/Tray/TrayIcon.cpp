@@ -2,6 +2,7 @@
 
 #include <QIconEngine>
 #include <QPainter>
+#include <QStandardPaths>
 #include <QSvgRenderer>
 
 namespace tobrin {
@@ -12,9 +13,9 @@ class TrayIconEngine final : public QIconEngine {
  public:
   explicit TrayIconEngine(QString name) : name_(std::move(name)) {}
 
-  /// None where no theme has it (the program runs where it was built): a bar would show a question
-  /// mark for the name and leave the pictures aside.
-  QString iconName() override { return QIcon::hasThemeIcon(name_) ? name_ : QString(); }
+  /// None where it is not installed (the program runs where it was built): a bar would show a
+  /// question mark for the name and leave the pictures aside.
+  QString iconName() override { return isInstalled() ? name_ : QString(); }
 
   QList<QSize> availableSizes(QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
     QList<QSize> sizes;
@@ -39,6 +40,13 @@ class TrayIconEngine final : public QIconEngine {
   [[nodiscard]] QIconEngine* clone() const override { return new TrayIconEngine(*this); }
 
  private:
+  // The bar looks for it, not this program, whose toolkit may have no reader of such files.
+  [[nodiscard]] bool isInstalled() const {
+    return !QStandardPaths::locate(QStandardPaths::GenericDataLocation,
+                                   "icons/hicolor/scalable/status/" + name_ + ".svg")
+                .isEmpty();
+  }
+
   QString name_;
 };
 
