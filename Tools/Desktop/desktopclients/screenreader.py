@@ -71,5 +71,6 @@ def _collect(accessible, group, found):
     except GLib.Error:
         return
     found.append(control)
+    # Some versions of the toolkit have nameless fillers between a group and its controls.
     for child in filter(None, children):
-        _collect(child, control.name, found)
+        _collect(child, control.name or group, found)
