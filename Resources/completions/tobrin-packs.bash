@@ -16,7 +16,7 @@ _tobrin_packs() {
     1:*) words='list check generate loudness render slice record build import export install --version --help' files='' ;;
     *:list) words='--json --help' files='' ;;
     *:check | *:loudness) words='--json --help' ;;
-    *:generate) words='--into --help cream blue-click panda dome typewriter' files='' ;;
+    *:generate) words='--into --mouse --help cream blue-click panda dome typewriter' files='' ;;
     *:render) words='--out --text --text-file --script --wpm --seed --strength --tail --settings --format --help' ;;
     *:slice) words='--options --keys --plot --json --help' ;;
     *:record) words='--into --name --source --seconds --keep --json --help' files='' ;;

@@ -17,6 +17,7 @@ complete -c tobrin-packs -n $none -a install -d 'Put packs among your own'
 
 complete -c tobrin-packs -n '__fish_seen_subcommand_from list check loudness slice record build import' -l json -d 'One JSON document'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from generate' -f -a 'cream blue-click panda dome typewriter'
+complete -c tobrin-packs -n '__fish_seen_subcommand_from generate' -l mouse -d 'Sounds of a mouse, too'
 complete -c tobrin-packs -n '__fish_seen_subcommand_from generate record build import' -r -l into -d 'Folder to write'
 
 set -l render '__fish_seen_subcommand_from render'

@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@ namespace {
 struct Options {
   std::vector<std::string> ids;
   std::string folder;
+  bool withMouse = false;
 };
 
 std::vector<std::string> starterIDs() {
@@ -27,9 +29,11 @@ void run(const Options& options, const CommandStreams& streams) {
   const auto isWanted = [&](const std::string& id) {
     return options.ids.empty() || std::ranges::find(options.ids, id) != options.ids.end();
   };
+  const std::span<const KeyGroup> groups =
+      options.withMouse ? std::span<const KeyGroup>(allPackGroups) : allKeyGroups;
   for (const SynthProfile& profile : SynthProfile::starterPacks())
     if (isWanted(profile.id))
-      streams.out << printable(generatePack(profile, options.folder).string()) << '\n';
+      streams.out << printable(generatePack(profile, options.folder, groups).string()) << '\n';
 }
 
 constexpr const char* footer = R"(
@@ -50,6 +54,7 @@ void addGenerateCommand(CLI::App& app, const CommandStreams& streams) {
   command->add_option("--into", options->folder, "The folder that takes the packs' folders")
       ->required()
       ->type_name("DIR");
+  command->add_flag("--mouse", options->withMouse, "Sounds of a mouse, too");
   command->footer(footer);
   command->callback([options, streams] { run(*options, streams); });
 }

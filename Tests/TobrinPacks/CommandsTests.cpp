@@ -25,7 +25,7 @@ std::string shortSum(const std::string& bytes) {
 TEST(SameBytes, StarterPacksTheirRendersAndHitsAreAsTheyWere) {
   const testing::TempFolder folder;
   const std::string into = folder.path();
-  ASSERT_EQ(run({"generate", "--into", into}).status, 0);
+  ASSERT_EQ(run({"generate", "--mouse", "--into", into}).status, 0);
   const std::vector<std::string> renders[] = {
       {"cream", "--format", "f32"},
       {"typewriter", "--wpm", "40", "--strength", "0.2", "--seed", "11"},

@@ -26,7 +26,7 @@ void allStarterPacks(Report& report) {
       timeInterleaved({contestant("two threads",
                                   [&] {
                                     for (const SynthProfile& profile : SynthProfile::starterPacks())
-                                      generatePack(profile, folder, 2);
+                                      generatePack(profile, folder, allKeyGroups, 2);
                                     ++runs;
                                   })},
                       {.rounds = 9});

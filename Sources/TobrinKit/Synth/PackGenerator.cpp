@@ -40,9 +40,9 @@ struct Take {
 };
 
 /// All takes of a pack in the order of their lists, without sound yet.
-std::vector<Take> plannedTakes() {
+std::vector<Take> plannedTakes(std::span<const KeyGroup> groups) {
   std::vector<Take> takes;
-  for (const KeyGroup group : allPackGroups) {
+  for (const KeyGroup group : groups) {
     const unsigned count = group == KeyGroup::alpha ? alphaVariants : otherVariants;
     const auto add = [&](std::optional<Tier> tier) {
       for (unsigned variant = 0; variant < count; ++variant)
@@ -108,12 +108,13 @@ void requireFolderName(const std::string& id) {
 
 }  // namespace
 
-fs::path generatePack(const SynthProfile& profile, const fs::path& parent, unsigned threads) {
+fs::path generatePack(const SynthProfile& profile, const fs::path& parent,
+                      std::span<const KeyGroup> groups, unsigned threads) {
   requireFolderName(profile.id);
   fs::path folder = parent / profile.id;
   fs::remove_all(folder);
   fs::create_directories(folder);
-  std::vector<Take> takes = plannedTakes();
+  std::vector<Take> takes = plannedTakes(groups);
   parallelFor(takes.size(), threads, [&](std::size_t i) {
     takes[i].sound = renderKey(takes[i].group, takes[i].tier, takes[i].variant, profile);
   });

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <span>
 #include <vector>
 
 #include "Support/TempFolder.h"
@@ -26,13 +27,19 @@ using testing::filesIn;
 
 TEST(PackGenerator, SameBytesOnAnyNumberOfThreadsInPlaceOfWhatWasThere) {
   const testing::TempFolder folder;
-  const auto generate = [&](unsigned threads) {
-    return filesIn(generatePack(SynthProfile::panda(), folder.path() / "new/packs", threads));
+  const auto generate = [&](std::span<const KeyGroup> groups, unsigned threads) {
+    return filesIn(
+        generatePack(SynthProfile::panda(), folder.path() / "new/packs", groups, threads));
   };
-  const auto first = generate(1);
-  folder.write("new/packs/panda/stale.wav", "from an earlier version");
-  EXPECT_EQ(generate(3), first);
+  auto first = generate(allPackGroups, 1);
   EXPECT_EQ(first.size(), 71u);
+  folder.write("new/packs/panda/stale.wav", "from an earlier version");
+  EXPECT_EQ(generate(allPackGroups, 3), first);
+  auto keys = filesIn(generatePack(SynthProfile::panda(), folder.path()));
+  std::erase_if(first, [](const auto& file) { return file.first.starts_with("mouse-"); });
+  EXPECT_LT(keys.extract("pack.json").mapped().size(), first.extract("pack.json").mapped().size());
+  EXPECT_EQ(keys, first) << "without a mouse";
+  EXPECT_EQ(keys.size(), 60u);
 }
 
 }  // namespace
