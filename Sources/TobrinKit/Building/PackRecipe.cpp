@@ -18,7 +18,8 @@ constexpr double longestRecording = 24 * 3600.0;  // s
 Source sourceFrom(const Json& object, const std::string& place) {
   const JsonFields fields(object, place);
   Source source;
-  source.freesoundID = fields.integer("freesoundID", fields.require("freesoundID"), 0, INT64_MAX);
+  source.freesoundID =
+      fields.integer("freesoundID", fields.require("freesoundID"), INT64_MIN, INT64_MAX);
   source.user = fields.text("user");
   source.title = fields.text("title");
   source.license = fields.text("license");
@@ -70,7 +71,7 @@ std::string Source::pageURL() const {
 }
 
 std::string Source::creditLine() const {
-  const std::string page = file() ? "" : ", " + pageURL();
+  const std::string page = freesoundID < 0 ? "" : ", " + pageURL();
   return "\"" + title + "\" by " + user + page + " (" + license + ")";
 }
 

@@ -15,8 +15,10 @@ namespace tobrin {
 struct PackRecipe {
   /// One recording, published or the user's own.
   struct Source {
-    int64_t freesoundID = 0;  ///< its number; two sources with one number are the same recording
-    std::string user;         ///< its author
+    /// Its number; two sources with one number are the same recording. Negative for the user's own,
+    /// which has no page.
+    int64_t freesoundID = 0;
+    std::string user;  ///< its author
     std::string title;
     std::string license;
     std::string previewURL;       ///< what is fetched: an http, https or file address, or a path
@@ -29,8 +31,7 @@ struct PackRecipe {
     [[nodiscard]] std::optional<std::filesystem::path> file() const;
     /// The published recording's page: the site's address, "/s/", the number, "/".
     [[nodiscard]] std::string pageURL() const;
-    /// Title, author, page and licence in one line. The user's own recording has no page: the page
-    /// with its number would be another recording's.
+    /// Title, author, page and licence in one line; without the page where it has none.
     [[nodiscard]] std::string creditLine() const;
   };
 

@@ -12,18 +12,20 @@ constexpr const char* recipe =
       {"freesoundID": 7, "user": "ann", "title": "Keys", "license": "CC0",
        "previewURL": "https://example.org/keys"},
       {"freesoundID": 9, "user": "bob", "title": "More", "license": "CC BY",
-       "previewURL": "more takes.flac", "start": 1.5, "end": 20}], "enterSources": [
+       "previewURL": "more takes.flac", "start": 1.5, "end": 20},
+      {"freesoundID": -1, "user": "me", "title": "Own", "license": "CC0",
+       "previewURL": "own.flac"}], "enterSources": [
       {"freesoundID": 7, "user": "ann", "title": "Keys", "license": "CC0",
        "previewURL": "https://example.org/keys"}], "options": {"alphaVariants": 8}})";
 
 TEST(PackRecipe, CreditsEveryRecordingOnceAndSurvivesWriting) {
   const PackRecipe read = PackRecipe::fromJson(recipe);
-  EXPECT_EQ(read.credits().size(), 2u);
+  EXPECT_EQ(read.credits().size(), 3u);
   EXPECT_EQ(
       read.licenseText(),
-      "Recordings: \"Keys\" by ann, https://freesound.org/s/7/ (CC0); \"More\" by bob (CC BY). "
-      "Sliced and leveled for Tobrin.")
-      << "a file of one's own has nobody's page";
+      "Recordings: \"Keys\" by ann, https://freesound.org/s/7/ (CC0); \"More\" by bob, "
+      "https://freesound.org/s/9/ (CC BY); \"Own\" by me (CC0). Sliced and leveled for Tobrin.")
+      << "one's own recording has nobody's page";
   SlicerOptions expected;
   expected.alphaVariants = 8;
   EXPECT_EQ(read.options, expected);
