@@ -118,7 +118,7 @@ void convert(const Source& source, const CacheEntry& entry, const ProcessRunner&
   fs::remove(entry.wav, ignored);
   // Fetched again next time, unless it is the converter that is missing.
   if (outcome != Conversion::noConverter) entry.remove();
-  throw PackError::decode(source.file().value_or(source.previewURL), conversionFailed);
+  throw PackError::decode(source.file().value_or(entry.preview), conversionFailed);
 }
 
 }  // namespace

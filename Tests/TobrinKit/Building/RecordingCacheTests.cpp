@@ -30,14 +30,15 @@ TEST(RecordingCache, GivesNothingThatIsHalfOrOfAnotherRecording) {
   const testing::TempFolder folder;
   const fs::path cache = folder.path() / "cache";
   Converter converter;
+  std::string reason;
   const auto fetched = [&](const fs::path& address, int status) {
     converter.status = status;
     PackRecipe::Source source;
     source.freesoundID = 7;
     source.previewURL = address;
     std::string content = "failed";
-    (void)testing::failureOf(
-        [&] { content = contentOf(fetchRecording(source, cache, converter)); });
+    reason =
+        testing::failureOf([&] { content = contentOf(fetchRecording(source, cache, converter)); });
     return content;
   };
   const fs::path first = folder.write("first.ogg", "one"), other = folder.write("other.ogg", "two");
@@ -59,6 +60,9 @@ TEST(RecordingCache, GivesNothingThatIsHalfOrOfAnotherRecording) {
   const fs::path published = "http://127.0.0.1:1/x.ogg";
   EXPECT_EQ(fetched(published, good), "failed");
   fs::remove_all(cache);
+  folder.write("cache/7.ogg", "fetched");
+  EXPECT_EQ(fetched(published, broken), "failed");
+  EXPECT_EQ(reason, "Can't read 7.ogg: ffmpeg failed (is ffmpeg installed?)");
   folder.write("cache/7.wav", "by hand");
   EXPECT_EQ(fetched(published, good), "by hand");
   EXPECT_EQ(fetched(folder.path() / "gone.ogg", good), "by hand");
