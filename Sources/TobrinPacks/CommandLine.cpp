@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 #include "Commands.h"
 #include "PackArgument.h"
@@ -61,6 +62,17 @@ void refuseUnknownCommand(const CLI::App& app, const std::vector<std::string>& a
                              didYouMean(arguments.front(), names));
 }
 
+/// The arguments from the back, as the parser takes them. It would take a file in brackets for a
+/// list of several, so that the brackets get lost.
+std::vector<std::string> forParser(std::vector<std::string> arguments) {
+  if (!arguments.empty() && arguments.front() == "install") {
+    for (std::string& word : arguments)
+      if (word.starts_with('[') && word.ends_with(']')) word.insert(0, "./");
+  }
+  std::ranges::reverse(arguments);
+  return arguments;
+}
+
 /// The error's text without the prefix that the standard library puts before some.
 std::string reasonOf(const std::exception& error) {
   const std::string text = error.what();
@@ -79,8 +91,7 @@ int runPackWorkshop(const std::vector<std::string>& arguments, const CommandStre
   addCommands(app, streams, more);
   try {
     refuseUnknownCommand(app, arguments);
-    // The parser takes arguments from the back.
-    app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    app.parse(forParser(arguments));
     if (!streams.out.flush()) throw std::runtime_error("can't write to standard output");
     return done;
   } catch (const CLI::ParseError& error) {
