@@ -275,6 +275,14 @@ TEST(InstallCommand, PutsAnExportedPackInPlaceOfTheOldOneAndKeepsThatWhereTheNew
   const std::string again = folder.path() / "made/named.tobrinpack";
   for (int i = 0; i < 2; ++i) {
     ASSERT_EQ(run({"export", folder.path() / "made", "--out", again}).status, 0);
+  const fs::path here = fs::current_path();
+  fs::current_path(packs / "named");
+  const Outcome underfoot = run({"install", file});
+  fs::current_path(here);
+  EXPECT_EQ(underfoot.err, "tobrin-packs: " + (packs / "named").string() +
+                               " is the folder this command runs in, or above it; "
+                               "it was left alone\n");
+
     EXPECT_TRUE(testing::contentOf(again) == testing::contentOf(file)) << "it holds itself";
   }
 

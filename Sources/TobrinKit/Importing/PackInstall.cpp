@@ -29,6 +29,15 @@ const SourceFiles::File* manifestIn(const SourceFiles& files) {
   return found;
 }
 
+PackManifest read(const SourceFiles::File& manifest) {
+  const std::string text = SourceFiles::read(manifest, SourceFiles::mostBytes);
+  try {
+    return PackManifest::fromJson(text);
+  } catch (const std::runtime_error& error) {
+    throw PackError::invalidManifest(manifest.name, error.what());
+  }
+}
+
 /// Copies the files of one folder of a source, under their names.
 void copyFolder(const SourceFiles& files, std::string_view folder, const fs::path& into) {
   const std::string prefix = folder.empty() ? "" : std::string(folder) + "/";
@@ -92,19 +101,8 @@ bool PackInstall::copyOwn(const fs::path& source) {
                                                      : unpack(source, unpacked.path(), notes);
   const SourceFiles::File* const manifest = manifestIn(files);
   if (manifest == nullptr) return false;
-  const auto read = [&] {
-    return PackManifest::fromJson(SourceFiles::read(*manifest, SourceFiles::mostBytes));
-  };
-  try {
-    const PackManifest description = read();
-    choosePlace(description.id, description.name);
-  } catch (const ImportError&) {
-    throw;
-  } catch (const fs::filesystem_error&) {
-    throw;
-  } catch (const std::runtime_error& error) {
-    throw PackError::invalidManifest(manifest->name, error.what());
-  }
+  const PackManifest description = read(*manifest);
+  choosePlace(description.id, description.name);
   copyFolder(files, folderOf(manifest->name), folder_->aside());
   return true;
 }
