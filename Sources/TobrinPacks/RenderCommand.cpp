@@ -144,7 +144,9 @@ void addOptions(CLI::App& command, Options& options) {
   source->add_option("--script", options.scriptFile, "JSON file of key presses");
   source->require_option(1);
   command.add_option("--out", options.out, "WAV file to write, replaced when complete")->required();
-  command.add_option("--wpm", options.wpm, "Typing speed in words of five characters a minute")
+  command
+      .add_option("--wpm", options.wpm,
+                  "Typing speed in words of five characters a minute, 1 to 400")
       ->check(numberFrom(1, fastestTyping))
       ->capture_default_str();
   command.add_option("--seed", options.seed, "Seed of the typing rhythm")
@@ -153,7 +155,7 @@ void addOptions(CLI::App& command, Options& options) {
   command.add_option("--strength", options.strength, "Typing strength, 0 (soft) to 3 (slam)")
       ->check(numberFrom(0, 3))
       ->capture_default_str();
-  command.add_option("--tail", options.tail, "Seconds to go on after the last key")
+  command.add_option("--tail", options.tail, "Seconds to go on after the last key, 0 to 3600")
       ->check(numberFrom(0, 3600))
       ->capture_default_str();
   command.add_option("--settings", options.settingsFile, "JSON file of engine settings");
