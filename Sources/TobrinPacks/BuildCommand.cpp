@@ -8,6 +8,7 @@
 #include "Building/DemoLoudness.h"
 #include "Building/RecordedPackBuilder.h"
 #include "Commands.h"
+#include "Importing/TemporaryFolder.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
 #include "Packs/PackLoader.h"
@@ -29,7 +30,7 @@ struct Options {
 /// Where fetched and converted recordings stay between builds.
 fs::path defaultCache() {
   const fs::path folder = cacheFolder();
-  return (folder.empty() ? fs::temp_directory_path() : folder) / "tobrin";
+  return (folder.empty() ? temporaryFiles() : folder) / "tobrin";
 }
 
 PackRecipe recipeFrom(const std::string& file, std::ostream& err) {

@@ -11,6 +11,7 @@
 #include "Packs/PackManifest.h"
 #include "Support/KeptText.h"
 #include "Support/ScriptedCapture.h"
+#include "Support/TempFolder.h"
 
 namespace tobrin {
 namespace {
@@ -23,7 +24,9 @@ class RecordingGuideTest : public ::testing::Test {
     capture_->inputs = {{"webcam", "Webcam", false, false}, {"desk", "Desk", true, false}};
     QObject::connect(&guide_, &RecordingGuide::changed, [this] { lookAt(guide_); });
     QObject::connect(&guide_, &RecordingGuide::levelChanged, [this] { ++levels_; });
+    setenv("TMPDIR", temporary_.path().c_str(), 1);
   }
+  ~RecordingGuideTest() override { unsetenv("TMPDIR"); }
 
   /// Notes what somebody sees, where that has changed.
   void lookAt(const RecordingGuide& guide) {
@@ -88,18 +91,32 @@ class RecordingGuideTest : public ::testing::Test {
     advance(100);
   }
 
+  /// From the first page to the making of a pack.
+  void recordSomething() {
+    guide_.begin();
+    guide_.startTyping();
+    type(0, 20);
+    guide_.finish();
+  }
+
+  const testing::TempFolder temporary_;  // all files of the guide
   const ComposedKeys composed_ = composeKeys({.seconds = 62});
   const int64_t begin_ = static_cast<int64_t>(machNow());
   VirtualQueue main_{"main"};
   VirtualQueue worker_{"worker"};
   std::shared_ptr<testing::CaptureScript> capture_ = std::make_shared<testing::CaptureScript>();
   std::string seen_, shown_;
+  bool soundSystem_ = true;
   int levels_ = 0;  ///< how often the level was told
   std::filesystem::path kept_;
   RecordingGuide guide_{
       {.main = main_,
        .worker = worker_,
-       .makeCapture = [this] { return std::make_unique<testing::ScriptedCapture>(capture_); },
+       .makeCapture =
+           [this] {
+             if (!soundSystem_) throw std::runtime_error("there is no sound system");
+             return std::make_unique<testing::ScriptedCapture>(capture_);
+           },
        .setSilent = [this](bool silent) { seen_ += silent ? "  silent\n" : "  not silent\n"; },
        .play =
            [this](const std::filesystem::path& pack) { seen_ += "  plays " + nameOf(pack) + "\n"; },
@@ -165,9 +182,7 @@ TEST_F(RecordingGuideTest, LeadsFromAMicrophoneToAPackAndLeavesNothingBehind) {
   guide_.packsAdded();
   after("put among the others");
   EXPECT_FALSE(std::filesystem::exists(folder));
-  guide_.begin();
-  guide_.startTyping();
-  guide_.finish();
+  recordSomething();
   guide_.leave();
   guide_.leave();
   guide_.keepFailed("too late");
@@ -177,7 +192,40 @@ TEST_F(RecordingGuideTest, LeadsFromAMicrophoneToAPackAndLeavesNothingBehind) {
   guide_.leave();
   advance(1000);
   EXPECT_EQ(main_.nextDue(), std::nullopt) << "nobody looks any more";
+  EXPECT_EQ(testing::entriesIn(temporary_.path()), 0) << "what was typed while a pack was made";
   testing::expectKeptText(seen_, "Tobrin/recording-guide.txt");
+}
+
+TEST_F(RecordingGuideTest, KeepsThePackOfAClosedPanelAndSaysWhatIsMissing) {
+  setenv("TMPDIR", "nowhere", 1);
+  recordSomething();
+  advance(100);
+  EXPECT_EQ(guide_.problem(), "no temporary folder in nowhere: No such file or directory");
+  EXPECT_EQ(guide_.stage(), RecordingGuide::Stage::typing);
+  setenv("TMPDIR", temporary_.path().c_str(), 1);
+  guide_.finish();
+  advance(100);
+  seen_.clear();
+  guide_.keep("Board");
+  guide_.panelClosed();
+  guide_.packsAdded();  // somebody's, earlier
+  guide_.keepFailed("somebody's, earlier");
+  advance(100);
+  EXPECT_NE(seen_.find("  keeps Board\n"), std::string::npos) << seen_;
+  EXPECT_TRUE(std::filesystem::exists(kept_));
+  guide_.packsAdded();
+  EXPECT_EQ(testing::entriesIn(temporary_.path()), 0);
+  for (const bool types : {true, false}) {
+    soundSystem_ = true;
+    guide_.begin();
+    soundSystem_ = false;
+    types ? guide_.startTyping() : guide_.chooseInput("desk");
+    advance(1000);
+    EXPECT_EQ(guide_.problem(), "there is no sound system");
+    EXPECT_EQ(guide_.stage(), RecordingGuide::Stage::microphone);
+    guide_.panelClosed();
+    EXPECT_EQ(guide_.stage(), RecordingGuide::Stage::away);
+  }
 }
 
 }  // namespace

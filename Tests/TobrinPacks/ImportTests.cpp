@@ -220,6 +220,9 @@ TEST(ImportCommand, WritesNothingThatAnArchiveNamesAndFollowsNoLinkOutOfIt) {
   folder.write("work/.tobrin-work-1/key.wav", "by an import that was ended");
   ASSERT_EQ(setenv("TMPDIR", (folder.path() / "work").c_str(), 1), 0);
   const Json made = imported(folder.path() / "evil.tar", folder.path() / "into");
+  ASSERT_EQ(setenv("TMPDIR", "/nope", 1), 0);
+  const Outcome refused = run({"slice", folder.path() / "evil.tar"});
+  EXPECT_EQ(refused.err, "tobrin-packs: no temporary folder in /nope: No such file or directory\n");
   unsetenv("TMPDIR");
   EXPECT_EQ(testing::entriesIn(folder.path() / "work"), 0) << "what an ended import left";
   EXPECT_NE(made["notes"].dump().find("lead out of the archive"), std::string::npos);
@@ -272,9 +275,6 @@ TEST(InstallCommand, PutsAnExportedPackInPlaceOfTheOldOneAndKeepsThatWhereTheNew
   ASSERT_EQ(run({"install", file}).status, 0);
   EXPECT_EQ(testing::filesIn(packs / "named"), testing::filesIn(folder.path() / "made"));
 
-  const std::string again = folder.path() / "made/named.tobrinpack";
-  for (int i = 0; i < 2; ++i) {
-    ASSERT_EQ(run({"export", folder.path() / "made", "--out", again}).status, 0);
   const fs::path here = fs::current_path();
   fs::current_path(packs / "named");
   const Outcome underfoot = run({"install", file});
@@ -283,6 +283,9 @@ TEST(InstallCommand, PutsAnExportedPackInPlaceOfTheOldOneAndKeepsThatWhereTheNew
                                " is the folder this command runs in, or above it; "
                                "it was left alone\n");
 
+  const std::string again = folder.path() / "made/named.tobrinpack";
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_EQ(run({"export", folder.path() / "made", "--out", again}).status, 0);
     EXPECT_TRUE(testing::contentOf(again) == testing::contentOf(file)) << "it holds itself";
   }
 

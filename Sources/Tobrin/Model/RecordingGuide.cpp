@@ -60,12 +60,7 @@ RecordingGuide::~RecordingGuide() {
 
 void RecordingGuide::begin() {
   if (stage_ != Stage::away) return;
-  try {
-    setRecorder(std::make_shared<KeyboardRecorder>(services_.makeCapture()));
-  } catch (const std::exception& error) {
-    problem_ = error.what();
-    return setStage(Stage::microphone);
-  }
+  if (!renewRecorder()) return setStage(Stage::microphone);
   inputs_ = recorder_->inputs();
   const auto usual = std::find_if(inputs_.begin(), inputs_.end(),
                                   [](const SoundCapture::Input& input) { return input.isDefault; });
@@ -80,14 +75,13 @@ void RecordingGuide::chooseInput(const std::string& name) {
   if (stage_ != Stage::microphone || recorder_ == nullptr) return;
   recorder_->stop();
   input_ = name;
-  setRecorder(std::make_shared<KeyboardRecorder>(services_.makeCapture()));
-  record();
+  if (renewRecorder()) record();
 }
 
 void RecordingGuide::startTyping() {
   if (stage_ != Stage::microphone || recorder_ == nullptr) return;
   recorder_->stop();  // what was said while trying the microphone belongs to no pack
-  setRecorder(std::make_shared<KeyboardRecorder>(services_.makeCapture()));
+  if (!renewRecorder()) return;
   have_ = {};
   isPaused_ = !record();
   setStage(Stage::typing);
@@ -123,6 +117,7 @@ void RecordingGuide::finish() {
     keyCount_ = built.keyCount;
     goodCount_ = built.goodCount;
     if (!problem_.empty()) return setStage(Stage::typing);
+    folder_ = built.folder;
     services_.setSilent(false);
     services_.play(folder_->path() / "pack");
     setStage(Stage::listening);
@@ -143,23 +138,33 @@ void RecordingGuide::listen() {
 
 void RecordingGuide::keep(const std::string& name) {
   if (stage_ != Stage::listening) return;
+  keeping_ = Keeping::making;
   setStage(Stage::building);
   build(name.empty() ? defaultName : name, [this](const Built& built) {
-    problem_ = built.problem;
-    if (!problem_.empty()) return setStage(Stage::listening);
-    isKeeping_ = true;
+    if (!built.problem.empty()) return stopKeeping(built.problem);
+    problem_.clear();
+    folder_ = built.folder;
+    keeping_ = Keeping::adding;
     services_.keep(folder_->path() / "pack");
   });
 }
 
 void RecordingGuide::packsAdded() {
-  if (isKeeping_) leave();
+  if (keeping_ == Keeping::adding) leave();
 }
 
 void RecordingGuide::keepFailed(const std::string& reason) {
-  if (!std::exchange(isKeeping_, false)) return;
-  problem_ = reason;
+  if (keeping_ == Keeping::adding) stopKeeping(reason);
+}
+
+void RecordingGuide::stopKeeping(const std::string& problem) {
+  keeping_ = Keeping::no;
+  problem_ = problem;
   setStage(Stage::listening);
+}
+
+void RecordingGuide::panelClosed() {
+  if (keeping_ == Keeping::no) leave();
 }
 
 void RecordingGuide::leave() {
@@ -167,7 +172,7 @@ void RecordingGuide::leave() {
   ++round_;
   stopRecording();
   folder_.reset();
-  isKeeping_ = false;
+  keeping_ = Keeping::no;
   problem_.clear();
   live_ = {};
   services_.play({});
@@ -252,14 +257,14 @@ void RecordingGuide::stopRecording() {
 }
 
 void RecordingGuide::build(const std::string& name, std::function<void(const Built&)> done) {
-  folder_ = std::make_unique<TemporaryFolder>();
   // Works on a copy of the recording, so that the recorder may go on or go away meanwhile.
-  services_.worker.async([this, &main = services_.main, name, into = folder_->path() / "pack",
-                          round = round_, recording = recorder_->takes().recording(),
-                          done = std::move(done), alive = std::weak_ptr(alive_)] {
+  services_.worker.async([this, &main = services_.main, name, round = round_,
+                          recording = recorder_->takes().recording(), done = std::move(done),
+                          alive = std::weak_ptr(alive_)] {
     Built built;
     try {
-      const auto sounds = buildPack(recording, name, into).sounds;
+      built.folder = std::make_shared<TemporaryFolder>();
+      const auto sounds = buildPack(recording, name, built.folder->path() / "pack").sounds;
       built.keyCount = sounds.size();
       built.goodCount = static_cast<std::size_t>(std::ranges::count(
           sounds, KeyFate::good, [](const KeyEventSound& sound) { return sound.fate; }));
@@ -275,6 +280,19 @@ void RecordingGuide::build(const std::string& name, std::function<void(const Bui
 void RecordingGuide::setStage(Stage stage) {
   stage_ = stage;
   emit changed();
+}
+
+/// False, with the problem set, where nothing can be recorded.
+bool RecordingGuide::renewRecorder() {
+  try {
+    setRecorder(std::make_shared<KeyboardRecorder>(services_.makeCapture()));
+    return true;
+  } catch (const std::exception& error) {
+    setRecorder(nullptr);
+    problem_ = error.what();
+    emit changed();
+    return false;
+  }
 }
 
 void RecordingGuide::setRecorder(std::shared_ptr<KeyboardRecorder> recorder) {

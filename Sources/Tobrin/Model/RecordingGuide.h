@@ -46,7 +46,7 @@ class RecordingGuide final : public QObject {
     std::function<void(bool)> setSilent;
     /// Lets a pack be heard in place of the selected one; an empty path brings that one back.
     std::function<void(const std::filesystem::path& packFolder)> play;
-    /// Puts the pack among the user's; its folder is left alone until `leave`.
+    /// Puts the pack among the user's; its folder stays until `leave`.
     std::function<void(const std::filesystem::path& packFolder)> keep;
   };
 
@@ -74,6 +74,8 @@ class RecordingGuide final : public QObject {
   void keepFailed(const std::string& reason);
   /// Ends the recording and forgets all of it.
   void leave();
+  /// Leaves, unless the pack is being kept: that goes on without the panel.
+  void panelClosed();
 
   /// Thread: any.
   void addKey(const KeyEvent& event);
@@ -99,8 +101,12 @@ class RecordingGuide final : public QObject {
   void levelChanged();  ///< of `live` the level alone
 
  private:
+  enum class Keeping { no, making, adding };
+
   struct Built {
     std::string problem;  // empty where the pack is there
+    // Held by the task that writes there, then by the guide; the last one removes it.
+    std::shared_ptr<const TemporaryFolder> folder;
     std::size_t keyCount = 0;
     std::size_t goodCount = 0;
   };
@@ -113,7 +119,9 @@ class RecordingGuide final : public QObject {
   bool record();
   void stopRecording();
   void build(const std::string& name, std::function<void(const Built&)> done);
+  void stopKeeping(const std::string& problem);
   void setStage(Stage stage);
+  bool renewRecorder();
   void setRecorder(std::shared_ptr<KeyboardRecorder> recorder);
 
   const Services services_;
@@ -125,12 +133,12 @@ class RecordingGuide final : public QObject {
   std::size_t atStepStart_ = 0;  // good takes of the step's group before it
   std::array<std::size_t, allSteps.size()> have_{};
   bool isPaused_ = false;
-  bool isKeeping_ = false;  // the pack is on its way to the user's
+  Keeping keeping_ = Keeping::no;  // whether the pack is on its way to the user's
   std::string problem_;
   std::size_t keyCount_ = 0;
   std::size_t goodCount_ = 0;
-  uint64_t round_ = 0;  // tasks of an earlier one are dropped
-  std::unique_ptr<TemporaryFolder> folder_;
+  uint64_t round_ = 0;                             // tasks of an earlier one are dropped
+  std::shared_ptr<const TemporaryFolder> folder_;  // has the pack that is heard or kept
 
   Mutex lock_;
   // Replaced under the lock, as keys come on another thread.

@@ -271,7 +271,7 @@ bool PanelWindow::eventFilter(QObject* watched, QEvent* event) {
       break;
     case QEvent::Hide:
       if (isReopening_) break;
-      model_->recording()->leave();
+      model_->recording()->panelClosed();
       model_->shelf()->panelClosed();
       model_->menuClosed();
       onClosed_();

@@ -183,4 +183,8 @@ void RecordingModel::leave() {
   guide_.leave();
 }
 
+void RecordingModel::panelClosed() {
+  guide_.panelClosed();
+}
+
 }  // namespace tobrin

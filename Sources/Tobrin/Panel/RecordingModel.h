@@ -69,6 +69,7 @@ class RecordingModel final : public QObject {
   Q_INVOKABLE void listen();
   Q_INVOKABLE void keep(const QString& name);
   Q_INVOKABLE void leave();
+  void panelClosed();
 
  signals:
   void changed();
