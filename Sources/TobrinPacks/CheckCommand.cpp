@@ -5,12 +5,12 @@
 #include <nlohmann/json.hpp>
 #include <span>
 
+#include "Base/PrintableText.h"
 #include "Commands.h"
 #include "InputFile.h"
 #include "JsonOutput.h"
 #include "PackArgument.h"
 #include "Packs/PackLoader.h"
-#include "PrintableText.h"
 #include "Warnings.h"
 
 namespace tobrin {

@@ -3,9 +3,9 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "Base/PrintableText.h"
 #include "Commands.h"
 #include "PackArgument.h"
-#include "PrintableText.h"
 
 namespace tobrin {
 namespace {

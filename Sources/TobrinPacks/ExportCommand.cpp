@@ -1,10 +1,10 @@
 #include <CLI/CLI.hpp>
 
+#include "Base/PrintableText.h"
 #include "Commands.h"
 #include "Importing/PackExport.h"
 #include "Importing/SourceLicense.h"
 #include "PackArgument.h"
-#include "PrintableText.h"
 #include "Warnings.h"
 
 namespace tobrin {

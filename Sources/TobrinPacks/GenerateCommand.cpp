@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "Base/PrintableText.h"
 #include "Commands.h"
-#include "PrintableText.h"
 #include "Synth/PackGenerator.h"
 
 namespace tobrin {

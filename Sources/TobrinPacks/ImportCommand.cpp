@@ -3,11 +3,11 @@
 #include <cstdio>
 
 #include "Base/ExchangeFolders.h"
+#include "Base/PrintableText.h"
 #include "Commands.h"
 #include "Evdev/KeyCodes.h"
 #include "Importing/PackImport.h"
 #include "JsonOutput.h"
-#include "PrintableText.h"
 #include "Progress.h"
 #include "System/SpawningProcessRunner.h"
 

@@ -3,11 +3,11 @@
 #include <nlohmann/json.hpp>
 
 #include "Base/ExchangeFolders.h"
+#include "Base/PrintableText.h"
 #include "Commands.h"
 #include "Evdev/KeyCodes.h"
 #include "Importing/PackInstall.h"
 #include "Packs/PackLibrary.h"
-#include "PrintableText.h"
 #include "System/SpawningProcessRunner.h"
 
 namespace tobrin {

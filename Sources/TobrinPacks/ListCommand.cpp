@@ -1,10 +1,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "Base/PrintableText.h"
 #include "Commands.h"
 #include "JsonOutput.h"
 #include "Packs/PackLibrary.h"
-#include "PrintableText.h"
 #include "Warnings.h"
 
 namespace tobrin {

@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "Base/ExchangeFolders.h"
+#include "Base/PrintableText.h"
 #include "Building/PackFolder.h"
 #include "Commands.h"
 #include "Desktop/SessionKeys.h"
@@ -18,7 +19,6 @@
 #include "Input/KeyMonitor.h"
 #include "JsonOutput.h"
 #include "Packs/WAVWriter.h"
-#include "PrintableText.h"
 #include "Progress.h"
 #include "Recording/KeyTimes.h"
 #include "Recording/KeyboardRecorder.h"

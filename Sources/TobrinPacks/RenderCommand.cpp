@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "Base/PrintableText.h"
 #include "Commands.h"
 #include "Engine/OfflineRenderer.h"
 #include "InputFile.h"
@@ -15,7 +16,6 @@
 #include "Packs/FloatWAVWriter.h"
 #include "Packs/PackLoader.h"
 #include "Packs/WAVWriter.h"
-#include "PrintableText.h"
 #include "Progress.h"
 #include "ScriptFile.h"
 #include "System/LargePages.h"

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "Base/PrintableText.h"
 #include "Building/UnknownNames.h"
-#include "PrintableText.h"
 
 namespace tobrin {
 

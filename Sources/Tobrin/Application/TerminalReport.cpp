@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "Base/PrintableText.h"
+
 namespace tobrin {
 
 namespace {
@@ -45,7 +47,7 @@ void TerminalReport::print(const std::string& subject, const std::string& text) 
   std::string& last = printed_[subject];
   if (text == last) return;
   last = text;
-  std::printf("%s: %s\n", subject.c_str(), text.c_str());
+  std::printf("%s: %s\n", subject.c_str(), printable(text).c_str());
 }
 
 }  // namespace tobrin

@@ -8,6 +8,7 @@
 #include "Application/Application.h"
 #include "Application/Diagnostics.h"
 #include "Application/Snapshot.h"
+#include "Base/PrintableText.h"
 #include "CommandLine/InstallFiles.h"
 
 namespace tobrin {
@@ -57,7 +58,7 @@ std::optional<int> runDiagnostic(const std::vector<std::string>& arguments) {
   if (first && first->starts_with('-')) {
     if (!isOurOwn(*first))
       std::fprintf(stderr, "tobrin: there is no option %s (see --help); starting without it.\n",
-                   first->c_str());
+                   printable(*first).c_str());
     return std::nullopt;
   }
   const std::vector<std::string> files = filesAmong(arguments);

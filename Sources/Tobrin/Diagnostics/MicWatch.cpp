@@ -6,6 +6,8 @@
 #include <thread>
 #include <utility>
 
+#include "Base/PrintableText.h"
+
 namespace tobrin {
 
 namespace {
@@ -57,7 +59,7 @@ std::string MicWatch::describe(const MicActivity& activity) const {
   text += "running: ";
   text += yesOrNo(activity.inputRunningSomewhere);
   text += separator;
-  return text + recorders(activity);
+  return printable(text + recorders(activity));
 }
 
 std::string MicWatch::recorders(const MicActivity& activity) const {

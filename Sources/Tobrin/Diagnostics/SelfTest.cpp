@@ -3,6 +3,7 @@
 #include <atomic>
 #include <ostream>
 
+#include "Base/PrintableText.h"
 #include "Engine/Conductor.h"
 #include "Packs/PackLoader.h"
 
@@ -124,14 +125,14 @@ void SelfTest::checkKeys(bool isListening, const std::function<int()>& heard) {
 }
 
 void SelfTest::check(bool passed, const std::string& text, std::string_view advice) {
-  out_ << (passed ? "PASS  " : "FAIL  ") << text << std::endl;
+  out_ << (passed ? "PASS  " : "FAIL  ") << printable(text) << std::endl;
   if (passed) return;
   ++failures_;
-  out_ << "      Try: " << advice << std::endl;
+  out_ << "      Try: " << printable(advice) << std::endl;
 }
 
 void SelfTest::skip(const std::string& text) {
-  out_ << "SKIP  " << text << std::endl;
+  out_ << "SKIP  " << printable(text) << std::endl;
 }
 
 }  // namespace tobrin

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Base/Mutex.h"
+#include "Base/PrintableText.h"
 
 namespace tobrin {
 namespace {
@@ -14,7 +15,7 @@ LogSink currentSink TOBRIN_GUARDED_BY(sinkLock);  // empty: standard error
 }  // namespace
 
 void logLine(const std::string& text) {
-  const std::string line = "Tobrin: " + text;
+  const std::string line = "Tobrin: " + printable(text);
   MutexLock lock(sinkLock);
   if (currentSink)
     currentSink(line);

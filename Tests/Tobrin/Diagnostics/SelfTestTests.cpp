@@ -48,9 +48,12 @@ std::string selfTest(bool works) {
   std::ostringstream out;
   SelfTest test({.discoverPacks =
                      [&] {
-                       return std::vector<PackInfo>(
-                           works ? 2 : 1,
-                           {.id = "", .name = "Bad", .kind = "", .summary = "", .directory = ""});
+                       return std::vector<PackInfo>(works ? 2 : 1, {.id = "",
+                                                                    .name = "B\x1b\xc2\x9b"
+                                                                            "ad",
+                                                                    .kind = "",
+                                                                    .summary = "",
+                                                                    .directory = ""});
                      },
                  .loadPack =
                      [&](const PackInfo&) {
