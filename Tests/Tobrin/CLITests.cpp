@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
+#include "CommandLine/InstallFiles.h"
+
 namespace tobrin {
 namespace {
 
@@ -24,6 +28,22 @@ TEST(CLI, TakesOnlyTheWordsItKnows) {
   const std::string said = ::testing::internal::GetCapturedStderr();
   EXPECT_NE(said.find("no option --bogus (see"), std::string::npos) << said;
   EXPECT_NE(said.find("no file help; starting"), std::string::npos) << said;
+}
+
+TEST(CLI, NamesTheFileThatCannotBeInstalled) {
+  const std::vector<std::string> files = {"Downloads/good.tobrinpack", "Downloads/bad.zip",
+                                          "Downloads/folder/"};
+  const std::array<const char*, 3> rows[] = {
+      {"bad.zip: holds no pack", "bad.zip", "holds no pack"},
+      {"bad.zip is no archive", "bad.zip", "it is no archive"},
+      {"folder: holds no pack", "folder", "holds no pack"},
+      {"no room: nothing left", "good.tobrinpack", "no room: nothing left"},
+  };
+  for (const auto& [reason, name, shown] : rows) {
+    const PackProblem expected{.name = name, .reason = shown};
+    const std::string said = "tobrin-packs: warning: x\ntobrin-packs: ";
+    EXPECT_EQ(problemIn(said + reason, files), expected) << reason;
+  }
 }
 
 TEST(CLI, SaysHowItIsUsed) {

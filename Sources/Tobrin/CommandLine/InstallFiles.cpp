@@ -9,9 +9,9 @@
 
 #include "Application/Translation.h"
 #include "Base/Log.h"
+#include "Base/PrintableText.h"
 #include "Base/SystemFolders.h"
 #include "Desktop/Notice.h"
-#include "Model/PackProblem.h"
 
 namespace tobrin {
 namespace {
@@ -19,14 +19,12 @@ namespace {
 constexpr std::string_view workshopName = "tobrin-packs";
 
 /// In the user's language; the program ends after it.
-void showFailure(const std::vector<std::string>& files, const std::string& reason) {
+void showFailure(const PackProblem& problem) {
   std::string name = "tobrin";
   char* words[] = {name.data(), nullptr};
   int count = 1;
   const QCoreApplication application(count, words);
   installTranslation();
-  const PackProblem problem{.name = std::filesystem::path(files.front()).filename().string(),
-                            .reason = reason};
   (void)showNotice("Tobrin", problem.sentence(translated));
 }
 
@@ -37,7 +35,24 @@ std::string reasonIn(const std::string& said) {
   return last.starts_with(before) ? last.substr(before.size()) : last;
 }
 
+std::string nameOf(const std::filesystem::path& file) {
+  return (file.has_filename() ? file : file.parent_path()).filename().string();
+}
+
 }  // namespace
+
+PackProblem problemIn(const std::string& said, const std::vector<std::string>& files) {
+  PackProblem problem{.name = nameOf(files.front()), .reason = reasonIn(said)};
+  std::string& reason = problem.reason;
+  for (const std::string& file : files)
+    if (reason.starts_with(nameOf(file))) problem.name = nameOf(file);
+  // The sentence that shows the reason begins with the name.
+  if (reason.starts_with(problem.name + ": "))
+    reason.erase(0, problem.name.size() + 2);
+  else if (reason.starts_with(problem.name + " "))
+    reason.replace(0, problem.name.size(), "it");
+  return problem;
+}
 
 std::vector<std::string> filesAmong(const std::vector<std::string>& arguments) {
   std::vector<std::string> files;
@@ -47,7 +62,8 @@ std::vector<std::string> filesAmong(const std::vector<std::string>& arguments) {
     if (std::filesystem::exists(argument, ignored))
       files.push_back(argument);
     else
-      std::fprintf(stderr, "tobrin: there is no file %s; starting without it.\n", argument.c_str());
+      std::fprintf(stderr, "tobrin: there is no file %s; starting without it.\n",
+                   printable(argument).c_str());
   }
   return files;
 }
@@ -68,7 +84,7 @@ bool installFiles(const std::vector<std::string>& files) {
   if (!said.empty()) std::fprintf(stderr, "%s\n", said.c_str());
   if (isDone) return true;
   logLine("A pack couldn't be installed: " + said);
-  if (isatty(STDERR_FILENO) == 0) showFailure(files, reasonIn(said));
+  if (isatty(STDERR_FILENO) == 0) showFailure(problemIn(said, files));
   return false;
 }
 
