@@ -88,7 +88,7 @@ Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> pr
   };
   const bool isPreview = preview.has_value();
   model_ = std::make_unique<AppModel>(std::move(services), std::move(preview));
-  if (!isPreview)
+  if (!isPreview && !dataFolder().empty())
     packsWatch_ =
         std::make_unique<PacksWatch>(userPacksDirectory(), [this] { model_->lookForPacks(); });
 }

@@ -90,7 +90,8 @@ FoundPacks findPacks(const Environment& environment) {
       byID.insert_or_assign(pack.id, std::move(pack));
   };
   if (const auto bundled = bundledPacksDirectory(environment)) merge(discoverPacks(*bundled, true));
-  merge(packsIn(userPacksDirectory(environment), false, &found.unusable));
+  if (!dataFolder(environment).empty())
+    merge(packsIn(userPacksDirectory(environment), false, &found.unusable));
 
   found.packs.reserve(byID.size());
   for (auto& [id, pack] : byID)

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <map>
 
@@ -7,6 +8,7 @@
 #include "Packs/PackLibrary.h"
 #include "Packs/PackManifest.h"
 #include "Support/Failure.h"
+#include "Support/InChild.h"
 #include "Support/TempFolder.h"
 
 namespace tobrin {
@@ -91,6 +93,20 @@ TEST_F(PackLibraryFolders, FindsTheUsersFolder) {
             "/config/cache");
   variables_.erase("HOME");
   EXPECT_TRUE(std::filesystem::path(folder()).is_absolute());
+}
+
+TEST_F(PackLibraryFolders, FindsTheBundledPacksOfAUserWithoutAHome) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become such a user";
+  pack("bundled/one", "one", "One");
+  variables_.erase("XDG_DATA_HOME");
+  std::filesystem::permissions(folder_.path(), std::filesystem::perms(0755));
+  EXPECT_EQ(testing::inChild([&] {
+              constexpr uid_t nobodyKnows = 47'110'815;
+              return setuid(nobodyKnows) == 0
+                         ? static_cast<int>(discoverPacks(environment()).size())
+                         : -1;
+            }),
+            1);
 }
 
 TEST(NameOrder, FollowsTheUsersLanguage) {
