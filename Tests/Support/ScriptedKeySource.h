@@ -41,7 +41,8 @@ class ScriptedKeySource final : public KeySource {
   [[nodiscard]] KeyPause pause() const override { return script_.pause; }
   [[nodiscard]] bool canGiveBackPermission() const override { return script_.canGiveBack; }
   [[nodiscard]] std::string problem() const override {
-    return script_.allowed ? "" : "not allowed";
+    if (!script_.allowed) return "not allowed";
+    return script_.works() ? "" : "no keyboard opens";
   }
   [[nodiscard]] std::string description() const override { return "a script"; }
 

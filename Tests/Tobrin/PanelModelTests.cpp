@@ -59,8 +59,10 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   desktop_.refusal.clear();
   keys_.work(false);
   keys_.allowed = keys_.canGiveBack = true;
-  after("access, but no keys", 4600);
+  panel_->openSettings();
+  after("access, but no keys", 2900);
   seen_ += "  keyboards looked for: " + std::to_string(keys_.opens) + "\n";
+  advance(200);
   panel_->menuOpened();
   after("for more than 3 s");
   keys_.work(true);

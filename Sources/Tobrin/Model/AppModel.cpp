@@ -196,7 +196,7 @@ EngineSettings AppModel::effectiveSettings() const {
 
 SoundState AppModel::soundState() const {
   return tobrin::soundState(
-      {.hasKeyAccess = hasPermission(),
+      {.hasKeyAccess = hasPermission() && !keyAccess_->state().needsRelaunch,
        .hasSound = soundProblem_.empty(),
        .hasPack = !packError(),
        .isOn = settings().enabled,

@@ -26,6 +26,11 @@ bool KeyAccess::canGiveBack() const {
   return state().listening && services_.monitor.canGiveBackPermission();
 }
 
+std::string KeyAccess::problem() const {
+  const std::string reason = state().needsRelaunch ? services_.monitor.problem() : "";
+  return problem_.empty() && !reason.empty() ? "No keys come: " + reason : problem_;
+}
+
 void KeyAccess::allow() {
   services_.workspace.openKeyAccessSettings(settled("Access to keys can't be set up: "));
 }

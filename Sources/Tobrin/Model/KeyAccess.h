@@ -39,8 +39,9 @@ class KeyAccess final {
   [[nodiscard]] bool canGiveBack() const;
   /// Whether to ask the user to replace an older access, which other programs have too.
   [[nodiscard]] bool offersNarrower() const { return offersNarrower_; }
-  /// Why the user's last wish could not be met; empty while nothing went wrong.
-  [[nodiscard]] const std::string& problem() const { return problem_; }
+  /// Why the user's last wish could not be met, else why no keys come although access was given;
+  /// empty while nothing went wrong.
+  [[nodiscard]] std::string problem() const;
 
   /// Asks an administrator for access.
   void allow();

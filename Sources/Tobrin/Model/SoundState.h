@@ -8,7 +8,7 @@ namespace tobrin {
 
 /// In order of severity: of several, the first is what the user must mend first.
 enum class SoundState {
-  noKeyAccess,  ///< keys cannot be heard
+  noKeyAccess,  ///< keys cannot be heard, or access was given and still none come
   noSound,      ///< nothing plays: no sound server, no device
   packBroken,   ///< the selected pack did not load, or there is none
   off,          ///< switched off by the user

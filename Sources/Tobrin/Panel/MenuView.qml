@@ -13,6 +13,8 @@ Rectangle {
     property bool reducedMotion: false
     property bool framed: false
     property bool titled: false
+    // Access given, but no keys: the card has the button that starts Tobrin again.
+    readonly property bool lacksKeys: !model.hasPermission || model.needsRelaunch
     // A page in the panel's place, and what Escape leaves first.
     readonly property bool showsPage: recordPage.wanted || morePage.active
     property alias showsMore: morePage.active
@@ -84,11 +86,11 @@ Rectangle {
                 }
             }
             Part {
-                shown: !panel.model.hasPermission
+                shown: panel.lacksKeys
                 content: PermissionCard { model: panel.model }
             }
             Part {
-                shown: panel.model.hasPermission && panel.model.offersNarrowerKeyAccess
+                shown: !panel.lacksKeys && panel.model.offersNarrowerKeyAccess
                 content: AccessOfferCard { model: panel.model }
             }
             PackSection {

@@ -1,4 +1,4 @@
-// Asks for access to keys; shown only without it.
+// Asks for access to keys; shown only without it, or while no keys come in spite of it.
 import QtQuick
 import QtQuick.Layouts
 import Tobrin
