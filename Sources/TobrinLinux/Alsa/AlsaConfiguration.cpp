@@ -38,6 +38,10 @@ bool leadsTo(std::string_view type, snd_config_t* top, const char* name, int dep
 
 }  // namespace
 
+void readAlsaConfigurationAgain() {
+  snd_config_update_free_global();
+}
+
 bool alsaDeviceLeadsTo(const std::string& type, const std::string& name) {
   quietenAlsa();
   snd_config_t* top = nullptr;

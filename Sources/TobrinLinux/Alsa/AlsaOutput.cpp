@@ -55,6 +55,7 @@ class Pace {
 
 AlsaOutput::AlsaOutput(std::string deviceName, std::function<void()> onThreadStart)
     : deviceName_(std::move(deviceName)),
+      opened_(deviceName_),
       retryPause_(firstRetryPause),
       notifier_(std::make_unique<AsioQueue>("Tobrin.Notice")) {
   thread_ = std::thread([this, onStart = std::move(onThreadStart)] { run(onStart); });
@@ -100,9 +101,7 @@ bool AlsaOutput::start() {
   wake_.raise();
   phaseChanged_.wait_for(lock, openLimit, [this] { return phase_ != Phase::opening; });
   startIsAnswered_ = phase_ == Phase::playing;
-  if (phase_ == Phase::opening)
-    problem_ =
-        "the ALSA device '" + (chosen_.empty() ? deviceName_ : chosen_) + "' does not answer";
+  if (phase_ == Phase::opening) problem_ = "the ALSA device '" + opened_ + "' does not answer";
   return startIsAnswered_;
 }
 
@@ -111,8 +110,11 @@ void AlsaOutput::pause() {
   if (goal_ == Goal::quit) return;
   goal_ = Goal::pause;
   wake_.raise();
-  // A device that does not open may never answer; nothing is rendered before it does.
-  phaseChanged_.wait(lock, [this] { return phase_ != Phase::playing; });
+  // A device may never answer, also when another one is to be opened, or a lost one closed. Long
+  // before the limit the last block has been rendered.
+  if (phaseChanged_.wait_for(lock, stallLimit, [this] { return phase_ != Phase::playing; })) return;
+  phase_ = Phase::idle;
+  reopens_ = true;  // when it answers after all, it must not play on as if never paused
 }
 
 bool AlsaOutput::isRunning() const {
@@ -170,16 +172,24 @@ std::unique_ptr<AlsaPcm> AlsaOutput::open() {
     chosen = chosen_;
     isStandIn_ = false;
   }
-  if (chosen.empty() || leadsToServer()) return std::make_unique<AlsaPcm>(deviceName_);
+  if (chosen.empty() || leadsToServer()) return open(deviceName_);
   try {
-    return std::make_unique<AlsaPcm>(chosen);
+    return open(chosen);
   } catch (const std::runtime_error& error) {
     const std::lock_guard lock(mutex_);
     isStandIn_ = true;
     if (std::exchange(refusal_, error.what()) != error.what())
       logLine(refusal_ + "; the default device stands in");
   }
-  return std::make_unique<AlsaPcm>(deviceName_);
+  return open(deviceName_);
+}
+
+std::unique_ptr<AlsaPcm> AlsaOutput::open(const std::string& name) {
+  {
+    const std::lock_guard lock(mutex_);
+    opened_ = name;
+  }
+  return std::make_unique<AlsaPcm>(name);
 }
 
 void AlsaOutput::play(AlsaPcm& pcm) {
@@ -274,6 +284,7 @@ void AlsaOutput::listOutputs() {
 
 // Where a sound server runs, the cards belong to it, and its mixer says which one plays.
 bool AlsaOutput::leadsToServer() const {
+  readAlsaConfigurationAgain();  // the server may have been started since
   return alsaDeviceLeadsTo("pulse", deviceName_) || alsaDeviceLeadsTo("jack", deviceName_);
 }
 

@@ -52,6 +52,7 @@ class AlsaOutput final : public AudioDevice {
   void run(const std::function<void()>& onThreadStart);
   bool playOnce();
   [[nodiscard]] std::unique_ptr<AlsaPcm> open();
+  [[nodiscard]] std::unique_ptr<AlsaPcm> open(const std::string& name);
   [[nodiscard]] bool goesOn() const { return goal_ == Goal::play && !reopens_; }
   void play(AlsaPcm& pcm);
   void playOut(AlsaPcm& pcm);
@@ -76,6 +77,7 @@ class AlsaOutput final : public AudioDevice {
   bool startIsAnswered_ = false;          // guarded by mutex_
   std::string problem_;                   // guarded by mutex_
   std::string chosen_;                    // guarded by mutex_; empty: the default device
+  std::string opened_;                    // guarded by mutex_; or is being opened
   bool isStandIn_ = false;                // guarded by mutex_; the default plays for the chosen one
   SoundOutputs outputs_;                  // guarded by mutex_
   bool isListed_ = false;                 // guarded by mutex_; `outputs_` names what there is

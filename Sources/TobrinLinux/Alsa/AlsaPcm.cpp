@@ -21,8 +21,7 @@ constexpr unsigned sampleRate = 48000;
 
 AlsaPcm::AlsaPcm(const std::string& name) : name_(name) {
   quietenAlsa();
-  // Read again: the library keeps what it read first, perhaps before the sound server was started.
-  snd_config_update_free_global();
+  readAlsaConfigurationAgain();  // the sound server may have been started since
   if (alsaDeviceLeadsTo("jack", name)) quietenJack();
   const int result = snd_pcm_open(&pcm_, name.c_str(), SND_PCM_STREAM_PLAYBACK, SND_PCM_NONBLOCK);
   if (result < 0) fail("cannot be opened", result);

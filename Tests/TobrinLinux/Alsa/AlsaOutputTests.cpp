@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <fstream>
+#include <future>
 #include <memory>
 #include <vector>
 
@@ -134,28 +135,42 @@ TEST_F(AlsaOutputTest, TheDefaultStandsInForAChosenDeviceThatIsAway) {
   output.choose("");
   EXPECT_TRUE(plays("usual")) << "while it plays";
   EXPECT_FALSE(player_.overlapped);
-
-  configure("pcm.usual { type pulse }\npcm.chosen { type null }");
-  AlsaOutput beside("usual");
-  beside.setCallbacks(player_.callbacks());
-  beside.choose("chosen");
-  EXPECT_FALSE(beside.start()) << "the cards belong to the server";
+  output.pause();
+  folder_.write("later.conf", "pcm.!usual { type pulse }\npcm.chosen { type null }");
+  output.choose("chosen");
+  EXPECT_FALSE(output.start()) << "a server has come, and the cards belong to it";
 }
 
 TEST_F(AlsaOutputTest, ADeviceThatDoesNotAnswerStopsNobody) {
   ASSERT_EQ(mkfifo(recorded().c_str(), 0600), 0);  // opening it waits for a reader
   configure("pcm.hung { type file slave.pcm { type null } format raw file \"" + recorded() +
-            "\" }");
+            "\" }\npcm.silent { type null }");
   auto output = std::make_unique<AlsaOutput>("hung");
   output->setCallbacks(player_.callbacks());
+  output->choose("missing");
   EXPECT_FALSE(output->start());
   EXPECT_EQ(output->problem(), "the ALSA device 'hung' does not answer");
   output->pause();
+
+  testing::AudioPlayer others;
+  auto other = std::make_unique<AlsaOutput>("silent");
+  other->setCallbacks(others.callbacks());
+  ASSERT_TRUE(other->start()) << other->problem();
+  other->choose("hung");
+  EXPECT_TRUE(eventually([&] {
+    const int blocks = others.blocks;
+    std::this_thread::sleep_for(100ms);
+    return others.blocks == blocks;
+  }));
+  const auto paused = std::async(std::launch::async, [&] { other->pause(); });
+  EXPECT_EQ(paused.wait_for(5s), std::future_status::ready) << "while another one is opened";
+
   const int reader = open(recorded().c_str(), O_RDONLY | O_NONBLOCK);
   EXPECT_TRUE(output->start()) << output->problem();
   EXPECT_TRUE(eventually([&] { return player_.blocks > 0; }));
   output->pause();
   output.reset();  // writes to the end
+  other.reset();
   close(reader);
 }
 
