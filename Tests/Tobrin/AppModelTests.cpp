@@ -334,6 +334,12 @@ TEST_F(AppModelTest, EachDeviceHasItsLoudness) {
   change([](EngineSettings& settings) { settings.volume = 0.75F; });
   use("headset");
   EXPECT_EQ(model_->settings().volume, 0.75F) << "set before it was known which one plays";
+  EXPECT_EQ(model_->outputs().boost(), 1.5F) << "and that alone";
+  start();
+  model_->outputs().setBoost(1.25F);
+  use("headset");
+  EXPECT_EQ(model_->settings().volume, 0.75F);
+  EXPECT_EQ(model_->outputs().boost(), 1.25F);
 }
 
 TEST_F(AppModelTest, HoldsBackTheKeyboardsOfTheSavedList) {

@@ -33,21 +33,24 @@ void OutputChoice::outputsChanged(const SoundOutputs& outputs) {
   noteName();
   // Between two devices none is used for a moment; the volume waits for the next.
   if (!outputs_.used.empty() && std::exchange(used_, outputs_.used) != outputs_.used)
-    std::exchange(isSetBefore_, false) ? keepLoudness() : adoptLoudness();
+    adoptLoudness();
   emit changed();
 }
 
 void OutputChoice::volumeChanged() {
-  isSetBefore_ |= used_.empty();
+  isVolumeSetBefore_ |= used_.empty();
   keepLoudness();
 }
 
 void OutputChoice::adoptLoudness() {
   const auto known = services_.memory.loudness.find(used_);
-  if (known == services_.memory.loudness.end()) return keepLoudness();
-  boost_ = known->second.boost;
-  services_.setBoost(boost_);
-  services_.setVolume(known->second.volume);
+  if (known != services_.memory.loudness.end()) {
+    const Loudness remembered = known->second;
+    if (!isBoostSetBefore_) services_.setBoost(boost_ = remembered.boost);
+    if (!isVolumeSetBefore_) services_.setVolume(remembered.volume);
+  }
+  isVolumeSetBefore_ = isBoostSetBefore_ = false;
+  keepLoudness();
 }
 
 void OutputChoice::keepLoudness() {
@@ -60,7 +63,8 @@ void OutputChoice::keepLoudness() {
 void OutputChoice::setBoost(float boost) {
   boost_ = std::clamp(boost, 1.0F, VoiceBoost::most);
   services_.setBoost(boost_);
-  volumeChanged();
+  isBoostSetBefore_ |= used_.empty();
+  keepLoudness();
   emit changed();
 }
 

@@ -62,7 +62,9 @@ class OutputChoice final : public QObject {
   SoundOutputs outputs_;
   std::string used_;  // id of the device that the present loudness belongs to
   float boost_ = 1;
-  bool isSetBefore_ = false;  // by the user, before the first device was known: it is for that one
+  // By the user, before the first device was known: what is set is for that one.
+  bool isVolumeSetBefore_ = false;
+  bool isBoostSetBefore_ = false;
 };
 
 }  // namespace tobrin
