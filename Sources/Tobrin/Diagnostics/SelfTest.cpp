@@ -16,8 +16,9 @@ constexpr auto settleTime = 400ms;
 constexpr auto holdTime = 50ms;
 constexpr auto pauseTime = 80ms;
 constexpr auto deliveryTime = 100ms;
-// F13 to F16: real keys that no application does anything with.
-constexpr uint16_t quietKeys[] = {105, 107, 113, 106};
+// F14 to F17: real keys that nothing acts on. Not F13: the usual keyboard maps make it the key at
+// which desktops open their settings.
+constexpr uint16_t quietKeys[] = {107, 113, 106, 64};
 
 EngineSettings muted() {
   EngineSettings settings;
@@ -72,7 +73,8 @@ void SelfTest::checkEngine(std::shared_ptr<const LoadedPack> pack) {
   const bool isListening = monitor->start();
   const std::string tap(parts_.words.keyAccessCheck);
   check(isListening, isListening ? tap : tap + ": " + monitor->problem(),
-        parts_.words.keyAccessForProbe);
+        monitor->hasPermission() ? "access is there: mend what is named above, or log in again"
+                                 : parts_.words.keyAccessForProbe);
   parts_.sleep(settleTime);
   checkDevice(conductor.audio());
   checkKeys(isListening, [&] { return heard.load(std::memory_order_relaxed); });

@@ -4,6 +4,7 @@
 
 #include <sstream>
 
+#include "Base/Key.h"
 #include "Base/Log.h"
 #include "Base/MachTime.h"
 #include "Base/VirtualQueue.h"
@@ -21,6 +22,7 @@ class ScriptTyper final : public KeyTyper {
   explicit ScriptTyper(testing::KeyScript& keys) : keys_(keys) {}
   bool open() override { return true; }
   bool send(uint16_t code, KeyAction action) override {
+    EXPECT_NE(code, codeOf(Key::f13)) << "desktops open their settings at it";
     if (action == KeyAction::down)
       keys_.press(code);
     else
@@ -33,13 +35,14 @@ class ScriptTyper final : public KeyTyper {
   testing::KeyScript& keys_;
 };
 
-/// The self-test of a machine on which everything works or nothing does: all its words, and its
-/// status.
-std::string selfTest(bool works) {
+/// The self-test of a machine on which everything works or nothing does, and on which this program
+/// may listen or not: all its words, and its status.
+std::string selfTest(bool works, bool mayListen) {
   setLogSink([](const std::string&) {});
   testing::KeyScript keys;
   testing::MotionScript motion;
-  keys.allowed = works;
+  keys.allowed = mayListen;
+  keys.work(works);
   motion.work(false);
   const auto device = std::make_shared<testing::HandDrivenDevice::Controls>();
   device->refusal = works ? "" : "no server";
@@ -86,7 +89,12 @@ std::string selfTest(bool works) {
 }
 
 TEST(SelfTest, SaysWhatWorksAndWhatDoesNotWordForWord) {
-  testing::expectKeptText(selfTest(true) + selfTest(false), "Tobrin/Diagnostics/self-test.txt");
+  testing::expectKeptText(selfTest(true, true) + selfTest(false, false),
+                          "Tobrin/Diagnostics/self-test.txt");
+  const std::string keyless = selfTest(false, true);
+  EXPECT_NE(keyless.find("FAIL  tap: no keyboard opens\n      Try: access is there"),
+            std::string::npos)
+      << keyless;
 }
 
 }  // namespace
