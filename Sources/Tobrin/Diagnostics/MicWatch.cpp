@@ -69,7 +69,9 @@ std::string MicWatch::recorders(const MicActivity& activity) const {
   std::string names;
   for (const int32_t process : *activity.recordingProcesses) {
     if (!names.empty()) names += ", ";
-    names += surroundings_.processName(process).value_or("pid " + std::to_string(process));
+    const std::string unnamed =
+        process == 0 ? "an app that does not say who it is" : "pid " + std::to_string(process);
+    names += surroundings_.processName(process).value_or(unnamed);
   }
   return recording + (names.empty() ? "nobody" : names);
 }

@@ -13,7 +13,8 @@ struct MicActivity {
   std::optional<std::string> inputDeviceName;  ///< of the default input device
   bool inputRunningSomewhere = false;          ///< some process runs that device
   bool inputDeviceHasOutput = false;           ///< it plays too, as a headset does
-  /// Processes that record, this one excluded; absent where the system cannot tell.
+  /// Processes that record, this one excluded; 0 for those that do not say who they are; absent
+  /// where the system cannot tell.
   std::optional<std::vector<int32_t>> recordingProcesses;
   /// Some process, this one excluded, records what an output plays.
   bool outputRecorded = false;

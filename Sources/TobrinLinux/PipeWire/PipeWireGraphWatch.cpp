@@ -26,14 +26,14 @@ std::optional<uint32_t> numberOf(const spa_dict& properties, const char* key) {
   return number;
 }
 
-/// The server knows the process at the other end of its socket; the number that a program in a
-/// sandbox gives is of no use outside. All clients of the PulseAudio layer share that layer's
-/// process.
+/// The server knows the process at the other end of its socket. All clients of the PulseAudio layer
+/// share that layer's process, and the number that a program gives itself counts, unless it is in a
+/// sandbox: outside, that number is a stranger's, or ours. 0: not known.
 int32_t processOf(const spa_dict& properties) {
-  const bool isRelayed = textOf(properties, PW_KEY_CLIENT_API) == "pipewire-pulse";
   const auto own = numberOf(properties, PW_KEY_APP_PROCESS_ID);
-  const auto peer = numberOf(properties, PW_KEY_SEC_PID);
-  return static_cast<int32_t>((isRelayed && own ? own : peer).value_or(0));
+  const bool isRelayed = textOf(properties, PW_KEY_CLIENT_API) == "pipewire-pulse" && own;
+  if (isRelayed && !textOf(properties, "pipewire.access.portal.app_id").empty()) return 0;
+  return static_cast<int32_t>((isRelayed ? own : numberOf(properties, PW_KEY_SEC_PID)).value_or(0));
 }
 
 /// The name in the server's {"name": "..."}; empty where there is none.

@@ -23,7 +23,7 @@ TEST(MicWatch, SaysWhatItSeesWordForWord) {
   surroundings.processName = [](int32_t process) {
     return process == 7 ? std::optional<std::string>("caller") : std::nullopt;
   };
-  const MicActivity seen[] = {{std::nullopt, false, false, {{7, 98}}},
+  const MicActivity seen[] = {{std::nullopt, false, false, {{0, 7}}},
                               {std::nullopt, false, false, {std::vector<int32_t>()}},
                               {"Headset", true, true, {{98}}},
                               {std::nullopt, false, false, {std::vector<int32_t>()}},
@@ -43,7 +43,8 @@ TEST(MicWatch, SaysWhatItSeesWordForWord) {
             "Watching the microphone for 2 s (state only).\n"
             "  default input: none · running: no · recording: nobody\n  mic in use: no\n"
             "01:02:03  mic in use: sounds pause\n"
-            "  default input: none · running: no · recording: caller, pid 98\n"
+            "  default input: none · running: no · recording: an app that does not say who it is, "
+            "caller\n"
             "01:02:03  mic free: sounds resume\n"
             "  default input: none · running: no · recording: nobody\n"
             "01:02:03  mic in use: sounds pause\n"

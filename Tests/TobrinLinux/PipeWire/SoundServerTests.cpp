@@ -299,6 +299,12 @@ TEST_F(PipeWireMicSourceTest, IgnoresWhatIsNoMicrophoneUse) {
   EXPECT_FALSE(source_.read().micInUse());
   EXPECT_EQ(changes_, before);
 
+  {
+    const ChildProcess sandboxed({"parec", "-d", "test_mic",
+                                  "--property=pipewire.access.portal.app_id=org.example.Calls",
+                                  "--property=application.process.id=" + std::to_string(getpid())});
+    EXPECT_TRUE(record(Processes{0})) << "its number is its sandbox's";
+  }
   ChildProcess caller({"parec", "-d", "filtered"});
   EXPECT_TRUE(record(Processes{caller.id()}));
   EXPECT_TRUE(source_.read().inputRunningSomewhere);  // test_mic, through the filter
