@@ -1,12 +1,17 @@
 #include "Desktop/XdgAutostart.h"
 
+#include <unistd.h>
+
 #include <fstream>
+#include <string_view>
 
 #include "Base/AtomicFile.h"
 #include "Base/FlushToDisk.h"
 
 namespace tobrin {
 namespace {
+
+constexpr std::string_view tryExec = "TryExec=";
 
 /// An Exec value's argument, quoted as the desktop entry rules want it. The value is unescaped
 /// twice, once as a string and once as a command line.
@@ -29,6 +34,21 @@ std::string escaped(const std::string& text) {
   return result;
 }
 
+std::string unescaped(std::string_view value) {
+  std::string text;
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    if (value.substr(i).starts_with("\\\\")) ++i;
+    text += value[i];
+  }
+  return text;
+}
+
+/// Whether the desktop finds the program of a TryExec value. A bare name it looks for by itself; we
+/// never write one.
+bool isFound(const std::string& program) {
+  return !program.starts_with('/') || access(program.c_str(), X_OK) == 0;
+}
+
 }  // namespace
 
 XdgAutostart::XdgAutostart(const std::filesystem::path& configFolder, std::filesystem::path program)
@@ -40,6 +60,7 @@ bool XdgAutostart::isEnabled() const {
   bool startsTobrin = false;
   for (std::string line; std::getline(file, line);) {
     if (line == "Hidden=true" || line == "X-GNOME-Autostart-enabled=false") return false;
+    if (line.starts_with(tryExec) && !isFound(unescaped(line.substr(tryExec.size())))) return false;
     if (line.starts_with("Exec=")) startsTobrin = true;
   }
   return startsTobrin;
@@ -60,11 +81,9 @@ std::string XdgAutostart::setEnabled(bool on) {
                         "Comment=Velocity-sensitive keyboard sounds\n"
                         "Icon=app.tobrin.Tobrin\n"
                         "Exec=" +
-                            quoted(program_.string()) +
-                            " --at-login\n"
+                            quoted(program_.string()) + " --at-login\n" +
                             // Desktops leave the entry alone once the program was removed.
-                            "TryExec=" +
-                            escaped(program_.string()) +
+                            std::string(tryExec) + escaped(program_.string()) +
                             "\n"
                             "Terminal=false\n",
                         flushToDisk);

@@ -13,7 +13,7 @@ class XdgAutostart final : public LoginItem {
   /// `configFolder` is the user's settings folder, `program` what the session is to start.
   XdgAutostart(const std::filesystem::path& configFolder, std::filesystem::path program);
 
-  /// An entry exists, is not hidden and starts this program.
+  /// An entry exists, is not hidden and starts a program that is there.
   [[nodiscard]] bool isEnabled() const override;
   std::string setEnabled(bool on) override;
 

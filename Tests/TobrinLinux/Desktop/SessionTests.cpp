@@ -7,20 +7,27 @@
 namespace tobrin {
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr const char* entry = "autostart/app.tobrin.Tobrin.desktop";
 
 TEST(XdgAutostart, SwitchesAnEntryAndBelievesTheDesktopsOwnSwitches) {
   const testing::TempFolder folder;
-  XdgAutostart login(folder.path(), R"(/opt/a b/$x"\50%/tobrin)");
+  const fs::path program = folder.write(R"(a b/$x"\50%/tobrin)", "");
+  fs::permissions(program, fs::perms::owner_all);
+  XdgAutostart login(folder.path(), program);
   EXPECT_FALSE(login.isEnabled());
   EXPECT_EQ(login.setEnabled(false), "") << "off is off";
   EXPECT_EQ(login.setEnabled(true), "");
   const std::string text = testing::contentOf(folder.path() / entry);
   // The backslashes count double: the entry's text is unescaped first, its command line then.
-  EXPECT_NE(text.find("\nExec=\"/opt/a b/\\\\$x\\\\\"\\\\\\\\50%%/tobrin\" --at-login\n"),
+  EXPECT_NE(text.find("\nExec=\"" + folder.path().string() +
+                      "/a b/\\\\$x\\\\\"\\\\\\\\50%%/tobrin\" --at-login\n"),
             std::string::npos)
       << text;
-  EXPECT_NE(text.find("\nTryExec=/opt/a b/$x\"\\\\50%/tobrin\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("\nTryExec=" + folder.path().string() + "/a b/$x\"\\\\50%/tobrin\n"),
+            std::string::npos)
+      << text;
   EXPECT_EQ(login.setEnabled(false), "");
   EXPECT_FALSE(std::filesystem::exists(folder.path() / entry));
 
@@ -33,11 +40,11 @@ TEST(XdgAutostart, SwitchesAnEntryAndBelievesTheDesktopsOwnSwitches) {
   }
   EXPECT_EQ(login.setEnabled(true), "");
   EXPECT_TRUE(login.isEnabled()) << "replaces what was switched off";
+  fs::remove(program);
+  EXPECT_FALSE(login.isEnabled()) << "desktops start what is gone no more";
   folder.write("file", "in the way");
   EXPECT_NE(XdgAutostart(folder.path() / "file", "tobrin").setEnabled(true), "") << "says why";
 }
-
-namespace fs = std::filesystem;
 
 TEST(JsonSettingsStore, KeepsChoicesWhatItDoesNotKnowAndABrokenFileAside) {
   const testing::TempFolder folder;
