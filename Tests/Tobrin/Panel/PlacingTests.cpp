@@ -112,8 +112,11 @@ TEST(SwayPlacer, MovesItsOwnFloatingWindowBelowTheBar) {
   constexpr quint32 event = 0x80000003;
   for (const char* const type : {"floating_con", "con"}) {
     SwayPlacer placer(path);
+    EXPECT_FALSE(SwayPlacer::isOfThisSession(path, "sway")) << "a session that has ended";
     placer.placeNext();  // nobody is there: nothing comes of it
     FakeSway sway(path);
+    EXPECT_TRUE(SwayPlacer::isOfThisSession(path, "sway"));
+    EXPECT_FALSE(SwayPlacer::isOfThisSession(path, "Kubuntu:KDE")) << "of another session";
     placer.placeNext();
     ASSERT_EQ(sway.hear(), R"(2 ["window"])");
     sway.say(2, {{"success", true}});

@@ -1,6 +1,7 @@
 #include "Panel/Placing/SwayPlacer.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QMargins>
@@ -70,6 +71,10 @@ QByteArray commandFor(qint64 window, const QByteArray& command) {
 }
 
 }  // namespace
+
+bool SwayPlacer::isOfThisSession(const QString& socket, const QString& desktops) {
+  return QFileInfo::exists(socket) && !desktops.split(':').contains("KDE");
+}
 
 SwayPlacer::SwayPlacer(QString socket) : path_(std::move(socket)) {
   patience_.setSingleShot(true);

@@ -11,6 +11,10 @@ namespace tobrin {
 
 class SwayPlacer final : public QObject, public WindowPlacer {
  public:
+  /// Whether it is sway that runs this session: the environment of a user who has several sessions,
+  /// or had them, may name the socket of another one. `desktops` are those of XDG_CURRENT_DESKTOP.
+  static bool isOfThisSession(const QString& socket, const QString& desktops);
+
   explicit SwayPlacer(QString socket);
 
   void placeNext() override;

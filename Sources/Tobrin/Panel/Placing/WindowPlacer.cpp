@@ -9,8 +9,9 @@ namespace tobrin {
 
 std::unique_ptr<WindowPlacer> makeWindowPlacer() {
   if (!QGuiApplication::platformName().startsWith("wayland")) return nullptr;
-  if (const QString socket = qEnvironmentVariable("SWAYSOCK"); !socket.isEmpty())
-    return std::make_unique<SwayPlacer>(socket);
+  const QString sway = qEnvironmentVariable("SWAYSOCK");
+  if (SwayPlacer::isOfThisSession(sway, qEnvironmentVariable("XDG_CURRENT_DESKTOP")))
+    return std::make_unique<SwayPlacer>(sway);
   // Has no effect where no KWin is on the bus.
   return std::make_unique<KWinPlacer>();
 }
