@@ -15,6 +15,7 @@ import subprocess
 import sys
 import time
 import unittest
+import unittest.mock
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"))
 from desktopclients.loginmanager import LoginManager  # noqa: E402
@@ -94,6 +95,20 @@ class FaultsTest(DesktopTest):
             run("pactl", "unload-module", module)
 
         self.while_typing(plug)
+
+    def test_sound_card_never_answers(self):
+        pipe = self.folder / "pipe"  # opening it waits for a reader
+        os.mkfifo(pipe)
+        configuration = self.folder / "asound.conf"
+        configuration.write_text(f'pcm.!default {{ type file slave.pcm {{ type null }} format raw file "{pipe}" }}', encoding="utf-8")
+        control("kill-sound")
+        self.addCleanup(control, "start-sound")
+        with unittest.mock.patch.dict(os.environ, ALSA_CONFIG_PATH=str(configuration)):
+            program = Tobrin(PROGRAM, self.packs, pack="click")
+        self.addCleanup(program.__exit__)
+        program.wait_for("does not answer")
+        program.process.send_signal(signal.SIGTERM)
+        self.assertEqual(program.process.wait(6), 0, program.lines)
 
     def test_session_bus_dies(self):
         self.addCleanup(control, "restart-sound")

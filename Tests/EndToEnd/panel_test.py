@@ -363,6 +363,9 @@ class PanelTest(PanelDriver):
         tray = TrayWatcher()
         self.addCleanup(lambda: tray.close())
         self.assertTrue(eventually(lambda: tray.items, 20))
+        for words in (["--at-login"], ["-session", "1021_2"]):
+            self.assertEqual(subprocess.run([PROGRAM, *words], check=False, capture_output=True).stderr, b"")
+        self.assertFalse(eventually(panels, 1), "the desktop started a second one, not the user")
         self.assertEqual(tray.look("IconName"), "app.tobrin.Tobrin-playing")
         playing = self.legible_pictures(tray)
         tray.choose("Sounds")

@@ -25,9 +25,11 @@ TEST(CLI, TakesOnlyTheWordsItKnows) {
   for (const char* word : {"--bogus", "--Help", "help", "", "-hh"})
     EXPECT_EQ(runDiagnostic({word}), std::nullopt) << word;
   EXPECT_EQ(runDiagnostic({}), std::nullopt);
+  EXPECT_EQ(runDiagnostic({"-session", "1021_2"}), std::nullopt);
   const std::string said = ::testing::internal::GetCapturedStderr();
   EXPECT_NE(said.find("no option --bogus (see"), std::string::npos) << said;
   EXPECT_NE(said.find("no file help; starting"), std::string::npos) << said;
+  EXPECT_EQ(said.find("session"), std::string::npos) << "a session manager's: " << said;
 }
 
 TEST(CLI, NamesTheFileThatCannotBeInstalled) {

@@ -6,6 +6,7 @@
 #include <QSocketNotifier>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <thread>
@@ -24,10 +25,14 @@
 namespace tobrin {
 namespace {
 
+bool isStartedWith(const char* argument, int argc, char** argv) {
+  return argc > 1 && std::strcmp(argv[1], argument) == 0;
+}
+
 /// Becomes the one instance. A relaunched program gives the one before it time to end.
 std::unique_ptr<SingleInstance> takePlace(int argc, char** argv) {
   using namespace std::chrono_literals;
-  const bool isRelaunched = argc > 1 && std::strcmp(argv[1], relaunchedArgument) == 0;
+  const bool isRelaunched = isStartedWith(relaunchedArgument, argc, argv);
   constexpr int tries = 50;
   for (int i = 0;; ++i) {
     auto instance = std::make_unique<SingleInstance>(runtimeFolder());
@@ -41,6 +46,17 @@ int bringUpTheOther(const SingleInstance& instance) {
   std::puts(shown ? "Tobrin is already running."
                   : "Tobrin is already running, but does not answer.");
   return shown ? 0 : 1;
+}
+
+/// What ends with the process can wait for a sound device that never answers, and would keep the
+/// lock of the one instance, with all signals held back. What is to be saved takes moments. Shorter
+/// than a relaunched program waits for this one.
+void endInTime() {
+  using namespace std::chrono_literals;
+  std::thread([] {
+    std::this_thread::sleep_for(3s);
+    std::_Exit(0);
+  }).detach();
 }
 
 /// Null where there is no display, or its libraries are missing.
@@ -57,7 +73,11 @@ std::unique_ptr<UserInterface> userInterface() {
 
 int runApplication(int argc, char** argv) {
   const auto instance = takePlace(argc, argv);
-  if (!instance->isFirst()) return bringUpTheOther(*instance);
+  if (!instance->isFirst()) {
+    const bool isByDesktop =
+        isStartedWith(atLoginArgument, argc, argv) || isStartedWith(restoredArgument, argc, argv);
+    return isByDesktop ? 0 : bringUpTheOther(*instance);
+  }
 
   const Launcher launcher(DesktopWorkspace::errands());
   takeNoPrivileges();
@@ -72,6 +92,7 @@ int runApplication(int argc, char** argv) {
                                                 : std::make_unique<QCoreApplication>(argc, argv);
   if (interface != nullptr) installTranslation();
   const SignalWatcher endOnSignal([] { QCoreApplication::quit(); });
+  QObject::connect(application.get(), &QCoreApplication::aboutToQuit, endInTime);
   Assembly assembly(launcher);
   const TerminalReport report(assembly.model());
   if (interface != nullptr) interface->start(assembly.model());

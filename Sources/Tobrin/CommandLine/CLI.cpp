@@ -36,9 +36,9 @@ int printLine(const char* text) {
   return 0;
 }
 
-/// What the program and the desktop's autostart give to a new instance.
+/// What the program, the desktop's autostart and session managers give to a new instance.
 bool isOurOwn(std::string_view word) {
-  return word == relaunchedArgument || word == atLoginArgument;
+  return word == relaunchedArgument || word == atLoginArgument || word == restoredArgument;
 }
 
 }  // namespace

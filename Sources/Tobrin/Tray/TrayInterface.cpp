@@ -43,9 +43,10 @@ QString menuText(const std::string& name) {
   return line.replace('&', "&&");
 }
 
-/// Started by the desktop at login, whose tray may be slow to come.
+/// Started by the desktop at login, whose tray may be slow to come. The toolkit takes the session
+/// manager's argument away.
 bool isStartedAtLogin() {
-  return QCoreApplication::arguments().contains(atLoginArgument);
+  return QCoreApplication::arguments().contains(atLoginArgument) || qApp->isSessionRestored();
 }
 
 }  // namespace
