@@ -34,6 +34,9 @@ class SnapshotTest(unittest.TestCase):
         return data, struct.unpack(">II", data[16:24])
 
     def test_every_word_changes_the_picture(self):
+        settings = self.folder / ".config/Tobrin/settings.json"
+        settings.parent.mkdir(parents=True)
+        settings.write_text("broken", encoding="utf-8")
         pictures = []
         for words in ((), ("dark",), ("contrast",), ("more",), ("call",), ("pack=panda",)):
             self.assertEqual(self.snapshot(*words), (0, ""))
@@ -42,7 +45,8 @@ class SnapshotTest(unittest.TestCase):
         self.assertEqual(self.snapshot("call", "other", "dark", QT_SCALE_FACTOR="2"), (0, ""))
         (_, small), (_, large) = self.picture(), self.picture("other")
         self.assertEqual(large[0], 2 * small[0])
-        self.assertFalse((self.folder / ".config").exists(), "nothing else is written")
+        self.assertEqual((list(settings.parent.iterdir()), settings.read_text(encoding="utf-8")), ([settings], "broken"),
+                         "nothing else is written")
 
     def test_what_is_wrong_is_said(self):
         for words, said in ((("pack=none",), 'There is no pack "none".'), (("no/where.png",), "no/where.png: "),

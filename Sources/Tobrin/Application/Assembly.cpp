@@ -34,6 +34,11 @@ std::filesystem::path settingsFolder() {
   return folder.empty() ? "/.config" : folder;
 }
 
+/// None for a preview: even to read a broken file would rename it.
+std::filesystem::path settingsFile(bool isPreview) {
+  return isPreview ? std::filesystem::path() : settingsFolder() / "Tobrin" / "settings.json";
+}
+
 /// What the portal of this desktop answered; other desktops may answer differently.
 DesktopShortcuts::Memory portalMemory(SettingsStore& settings, SerialQueue& main) {
   const std::string key = "portalShortcut." + processVariable("XDG_CURRENT_DESKTOP");
@@ -47,7 +52,7 @@ DesktopShortcuts::Memory portalMemory(SettingsStore& settings, SerialQueue& main
 }  // namespace
 
 Assembly::Assembly(const Launcher& launcher, std::optional<AppModel::Preview> preview)
-    : settings_(settingsFolder() / "Tobrin" / "settings.json"),
+    : settings_(settingsFile(preview.has_value())),
       loginItem_(settingsFolder(), thisProgram()),
       workspace_(launcher),
       main_("main"),

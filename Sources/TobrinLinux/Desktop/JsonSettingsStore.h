@@ -14,7 +14,7 @@ class JsonSettingsStore final : public SettingsStore {
  public:
   /// Reads the file if it exists. One that cannot be read, or is no JSON object, is renamed to
   /// "*.broken" ("*.broken.2" and so on where there is one from before), which is logged, and the
-  /// store starts empty.
+  /// store starts empty. An empty path is one of a missing file.
   explicit JsonSettingsStore(std::filesystem::path file);
 
   [[nodiscard]] std::optional<std::string> read(std::string_view key) const override;
