@@ -92,6 +92,13 @@ TEST_F(AppModelTest, OpeningThePanelLoadsWhatIsNot) {
   EXPECT_FALSE(isHeard()) << "nothing was chosen";
   EXPECT_EQ(loadedPack(), "omega");
   EXPECT_EQ(model.packError(), std::nullopt);
+  found_.pop_back();
+  model.menuOpened();
+  advance(0);
+  EXPECT_EQ(loadedPack(), "alpha") << "the first one, where the chosen one is gone";
+  found_ = late;
+  model.setSelectedPackID("omega");
+  advance(0);
 
   damaged_ = {"omega"};
   found_.back().directory = "elsewhere";  // another of that id

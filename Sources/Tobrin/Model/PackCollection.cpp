@@ -40,9 +40,10 @@ void PackCollection::remove(const std::string& id) {
   const PackInfo* const pack = selection_.withID(id);
   if (pack == nullptr) return;
   const std::string selected = selection_.selectedID();
+  const auto place = static_cast<std::size_t>(pack - selection_.packs().data());
   if (!shelf_.discard(*pack)) return;
   selectedBeforeRemoval_ = selected;
-  look();
+  selection_.refresh(place);
 }
 
 void PackCollection::undoRemoval() {

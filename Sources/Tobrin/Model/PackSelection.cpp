@@ -39,17 +39,14 @@ void PackSelection::select(const std::string& id) {
   load(true);
 }
 
-void PackSelection::refresh() {
-  const PackInfo* const before = selected();
-  const std::size_t place =
-      before != nullptr ? static_cast<std::size_t>(before - found_.packs.data()) : 0;
+void PackSelection::refresh(std::size_t instead) {
   FoundPacks found = services_.findPacks();
   if (found != found_) {
     found_ = std::move(found);
     emit packsChanged();
   }
   if (selected() == nullptr && !found_.packs.empty())
-    select(found_.packs[std::min(place, found_.packs.size() - 1)].id);
+    select(found_.packs[std::min(instead, found_.packs.size() - 1)].id);
 }
 
 void PackSelection::loadWhereMissing(bool audition) {

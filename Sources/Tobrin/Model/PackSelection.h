@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QObject>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -52,8 +53,9 @@ class PackSelection final : public QObject {
   /// Chooses a pack, loads and auditions it. The pack that is chosen already is loaded again only
   /// where that has failed or it has changed.
   void select(const std::string& id);
-  /// Finds the packs again. Where the chosen one is gone, the one in its place is chosen.
-  void refresh();
+  /// Finds the packs again. Where the chosen one is gone, the one at the place `instead` is chosen,
+  /// or the last one where there are fewer.
+  void refresh(std::size_t instead = 0);
   /// Loads the selected pack, unless what was found last is loaded already or on its way: for a
   /// pack that appeared late, was mended or was replaced by another of its id.
   void loadWhereMissing(bool audition);
