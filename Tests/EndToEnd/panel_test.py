@@ -160,6 +160,11 @@ class PanelTest(PanelDriver):
         xdotool("key", CHORD + "s")  # let go meanwhile, and chosen again
         self.shows("Shortcut keys: Ctrl+Alt+Super+S")
         self.click("Shortcut keys: Ctrl+Alt+Super+S")
+        xdotool("key", "Tab")
+        self.assertTrue(eventually(lambda: focused() == "Shortcut: Ctrl+Alt+Super+S"), "left as it was")
+        self.click("Shortcut keys: Ctrl+Alt+Super+S")
+        xdotool("key", CHORD + "Tab")
+        self.click("Shortcut keys: Ctrl+Alt+Super+Tab")
         xdotool("key", "x", "ctrl+shift+F5")
         self.shows("Shortcut keys: Ctrl+Shift+F5", "Ctrl+Shift+F5 in any app to turn sounds on or off")
         xdotool("key", "ctrl+shift+F5")
@@ -393,6 +398,24 @@ class PanelTest(PanelDriver):
         self.assertTrue(eventually(lambda: tray.items, 20), "a tray that starts again gets the item again")
         tray.choose("Quit")
         self.assertEqual(program.process.wait(PATIENCE), 0)
+
+    def test_a_recording_outlasts_what_brings_its_window_back(self):
+        tray = TrayWatcher()
+        self.addCleanup(tray.close)
+        self.start()
+        self.assertTrue(eventually(lambda: tray.items))
+        other = OtherWindow()
+        self.addCleanup(other.close)
+        tray.click()
+        self.click("Record Your Keyboard…")
+        for bring_back in (tray.click, self.start_again, lambda: tray.choose("Open Tobrin")):
+            self.shows("Cancel")
+            bring_back()
+            xdotool("sleep", 0.5, "mousemove", 1390, 5, "windowfocus", other.id, "sleep", 2)
+        self.assertTrue(named("Cancel"), "it goes on")
+        self.click("Cancel")
+        tray.click()
+        self.assertTrue(eventually(lambda: not panels()), "nothing is lost any more")
 
     def test_focus_that_follows_the_pointer_leaves_the_panel_open(self):
         tray = TrayWatcher()

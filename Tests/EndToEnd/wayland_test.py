@@ -7,6 +7,7 @@ import re
 import socket
 import subprocess
 import sys
+import time
 import unittest
 
 TOOLS = pathlib.Path(__file__).resolve().parents[2] / "Tools" / "Desktop"
@@ -40,8 +41,11 @@ class WaylandTest(PanelDriver):
         return any(each.role == "frame" and "active" in each.states for each in screenreader.showing())
 
     @staticmethod
-    def ends_below_its_contents():
-        _, top, _, height = next(each for each in screenreader.showing() if each.role == "frame").place
+    def frame():
+        return next(each for each in screenreader.showing() if each.role == "frame").place
+
+    def ends_below_its_contents(self):
+        _, top, _, height = self.frame()
         return 0 <= top + height - named("Quit").at()[1] < 40
 
     def place(self):
@@ -151,6 +155,14 @@ class WaylandTest(PanelDriver):
         self.assertTrue(eventually(self.is_active))
         with Background(["weston-simple-shm"]):
             self.assertTrue(eventually(lambda: not self.is_open()))
+        time.sleep(0.3)  # a click sooner than that is the one that closed it
+        tray.click()
+        self.assertTrue(eventually(self.is_open))
+        before = self.frame()
+        named("Add Pack…").press()  # there is no portal
+        self.shows("Drop packs here: files, archives or folders.")
+        time.sleep(0.5)
+        self.assertEqual(self.frame(), before, "it does not grow over the tray's bar")
 
     def test_the_self_test_names_what_is_missing(self):
         done = subprocess.run([locked(), PROGRAM, "--selftest"], stdout=subprocess.PIPE, text=True, timeout=60, check=False,

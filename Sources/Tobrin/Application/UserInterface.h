@@ -45,8 +45,10 @@ class Panel {
  public:
   virtual ~Panel() = default;
   /// Opens the panel near a place on the screen (in the desktop's coordinates), or as an ordinary
-  /// window where `anchor` is null.
+  /// window where `anchor` is null or a keyboard is being recorded in it. Brings one that is open
+  /// to the front.
   virtual void open(const QPoint* anchor) = 0;
+  /// Brings it to the front instead while a keyboard is being recorded in it.
   virtual void close() = 0;
   virtual void setLook(const Look& look) = 0;
   [[nodiscard]] virtual bool isOpen() const = 0;

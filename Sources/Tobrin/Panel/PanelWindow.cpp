@@ -6,7 +6,6 @@
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QScreen>
-#include <QTimer>
 #include <mutex>
 
 #include "Base/Log.h"
@@ -22,6 +21,8 @@ namespace tobrin {
 using namespace std::chrono_literals;
 
 namespace {
+
+constexpr int unlimited = (1 << 24) - 1;  // of a side; the toolkit's own limit
 
 /// Window managers have drawn their frame by then.
 constexpr auto framedAfter = 150ms;
@@ -44,6 +45,15 @@ bool isOnWayland() {
 bool drawsOwnFrame() {
   static const bool draws = isOnWayland() && !desktopDrawsFrames();
   return draws;
+}
+
+/// Nobody says there on which screen a window will appear.
+QRect roomOnAnyScreen() {
+  constexpr int bars = 64;  // desktop bars may cover that much of it
+  QList<QRect> rooms;
+  for (const QScreen* screen : QGuiApplication::screens())
+    rooms.append(screen->availableGeometry());
+  return lowestOf(rooms).marginsRemoved({0, 0, 0, bars});
 }
 
 /// For title bars and lists of windows on X11; on Wayland they find it by the program's name.
@@ -74,6 +84,7 @@ void settle(QQuickItem& panel) {
 PanelWindow::PanelWindow(AppModel& model, std::function<void()> onClosed)
     : model_(std::make_unique<PanelModel>(model)), onClosed_(std::move(onClosed)) {
   drawInSoftware();
+  placer_ = makeWindowPlacer();  // may clear up in KWin, which takes a moment
   view_ = std::make_unique<QQuickView>();
   view_->engine()->addImageProvider("symbol", new SymbolProvider);  // the engine owns it
   view_->engine()->addImageProvider("app", new AppIconProvider);
@@ -85,7 +96,8 @@ PanelWindow::PanelWindow(AppModel& model, std::function<void()> onClosed)
   for (const QQmlError& error : view_->errors())
     logLine(error.toString().toStdString());
   view_->installEventFilter(this);
-  placer_ = makeWindowPlacer();
+  leaving_.setSingleShot(true);
+  leaving_.callOnTimeout(this, &PanelWindow::leaveWithFocus);
   wirePackChooser();
   connect(model_->recording(), &RecordingModel::changed, this, &PanelWindow::followRecording);
   if (QQuickItem* root = view_->rootObject()) {
@@ -106,9 +118,26 @@ void PanelWindow::open(const QPoint* anchor) {
   model_->menuOpened();
   // A panel that opens comes to the front.
   if (isOpen() && !view_->isActive() && isOnWayland()) hideToReopen();
-  closesWithFocus_ = anchor != nullptr;
-  anchor_ = anchor != nullptr ? *anchor : QPoint();
+  closesWithFocus_ = anchor != nullptr && !isRecording();
+  anchor_ = closesWithFocus_ ? *anchor : QPoint();
+  leaving_.stop();
   focusLoss_.opened();
+  takeForm();
+  tallest_ = unlimited;
+  fitToScreen();
+  if (closesWithFocus_ && placer_ != nullptr) {
+    placer_->placeNext();
+    tallest_ = fitted_.height();  // nothing moves it again, should it grow below a bar
+  }
+  view_->setWindowStates(view_->windowStates() & ~Qt::WindowMinimized);
+  view_->show();
+  QTimer::singleShot(framedAfter, this, &PanelWindow::windowIsFramed);
+  view_->raise();
+  view_->requestActivate();
+}
+
+/// That of a pop-up or of an ordinary window.
+void PanelWindow::takeForm() {
   view_->setFlags(closesWithFocus_  ? Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint
                   : drawsOwnFrame() ? Qt::Window | Qt::FramelessWindowHint
                                     : Qt::Window);
@@ -117,15 +146,11 @@ void PanelWindow::open(const QPoint* anchor) {
     root->setProperty("titled", drawsOwnFrame());
     settle(*root);
   }
-  fitToScreen();
-  if (closesWithFocus_ && placer_ != nullptr) placer_->placeNext();
-  view_->show();
-  QTimer::singleShot(framedAfter, this, &PanelWindow::windowIsFramed);
-  view_->raise();
-  view_->requestActivate();
 }
 
 void PanelWindow::close() {
+  // It lies behind what is typed into: who looks for it would lose minutes of typing.
+  if (isRecording()) return open(nullptr);
   view_->hide();
 }
 
@@ -144,18 +169,23 @@ void PanelWindow::followContent() {
   keepFrameOnScreen();
 }
 
-void PanelWindow::fitToScreen() {
-  QScreen* screen = closesWithFocus_ ? QGuiApplication::screenAt(anchor_) : view_->screen();
+/// The part of the screen that it may take.
+QRect PanelWindow::roomOnScreen() const {
+  constexpr QMargins edges(screenEdge, screenEdge, screenEdge, screenEdge);
+  if (isOnWayland()) return roomOnAnyScreen().marginsRemoved(edges);
+  const QScreen* screen = closesWithFocus_ ? QGuiApplication::screenAt(anchor_) : view_->screen();
   if (screen == nullptr) screen = QGuiApplication::primaryScreen();
-  if (screen == nullptr || view_->rootObject() == nullptr) return;
-  constexpr int edge = screenEdge;
-  constexpr int bars = 64;  // desktop bars may cover that much of it
-  const QRect room =
-      screen->availableGeometry().adjusted(edge, edge, -edge, isOnWayland() ? -edge - bars : -edge);
+  return screen == nullptr ? QRect() : screen->availableGeometry().marginsRemoved(edges);
+}
+
+void PanelWindow::fitToScreen() {
+  const QRect room = roomOnScreen();
+  if (!room.isValid() || view_->rootObject() == nullptr) return;
   const QQuickItem* root = view_->rootObject();
   const QSize wanted(qRound(root->implicitWidth()), qRound(root->implicitHeight()));
   const QMargins frame = view_->frameMargins();  // none before it is shown
-  fitted_ = wanted.boundedTo(room.marginsRemoved(frame).size());
+  const QSize most = room.marginsRemoved(frame).size().boundedTo({unlimited, tallest_});
+  fitted_ = wanted.boundedTo(most);
   takeSize();
   if (closesWithFocus_) view_->setPosition(besideAnchor(anchor_, view_->size(), room));
 }
@@ -171,7 +201,6 @@ void PanelWindow::takeSize() {
 }
 
 void PanelWindow::windowIsFramed() {
-  constexpr int unlimited = (1 << 24) - 1;  // the toolkit's own limit
   if (isOnWayland()) return;
   view_->setMinimumSize({});
   view_->setMaximumSize({unlimited, unlimited});
@@ -208,7 +237,7 @@ void PanelWindow::loseFocus() {
                        QGuiApplication::queryKeyboardModifiers().testAnyFlags(switching));
   const auto patience = focusLoss_.patience();
   if (patience == patience.zero()) return leaveWithFocus();
-  QTimer::singleShot(patience, this, &PanelWindow::leaveWithFocus);
+  leaving_.start(patience);
 }
 
 void PanelWindow::leaveWithFocus() {
@@ -217,7 +246,7 @@ void PanelWindow::leaveWithFocus() {
   if (!keepsInputFocus(*view_)) return view_->hide();
   // During a grab we cannot see where the focus goes, so we ask until the grab ends.
   constexpr auto lookAgainAfter = 200ms;
-  QTimer::singleShot(lookAgainAfter, this, &PanelWindow::leaveWithFocus);
+  leaving_.start(lookAgainAfter);
 }
 
 void PanelWindow::wirePackChooser() {
@@ -242,9 +271,13 @@ void PanelWindow::endAsking(PackShelfModel::Asking next) {
   if (view_->isVisible()) view_->requestActivate();
 }
 
+bool PanelWindow::isRecording() const {
+  return model_->recording()->stage() != RecordingModel::Away;
+}
+
 /// While a keyboard is recorded the panel stays, wherever the focus goes.
 void PanelWindow::followRecording() {
-  if (model_->recording()->stage() == RecordingModel::Away || !closesWithFocus_) return;
+  if (!isRecording() || !closesWithFocus_) return;
   hideToReopen();
   open(nullptr);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QQuickView>
+#include <QTimer>
 #include <functional>
 #include <memory>
 
@@ -30,6 +31,8 @@ class PanelWindow final : public QObject, public Panel {
 
  private:
   bool eventFilter(QObject* watched, QEvent* event) override;
+  void takeForm();
+  [[nodiscard]] QRect roomOnScreen() const;
   void fitToScreen();
   void takeSize();
   void windowIsFramed();
@@ -40,6 +43,7 @@ class PanelWindow final : public QObject, public Panel {
   void leaveWithFocus();
   void wirePackChooser();
   void askForPacks();
+  [[nodiscard]] bool isRecording() const;
   void followRecording();
   void hideToReopen();
   void endAsking(PackShelfModel::Asking next);
@@ -52,8 +56,10 @@ class PanelWindow final : public QObject, public Panel {
   bool closesWithFocus_ = false;
   bool isReopening_ = false;  // hidden for a moment, and not closed
   FocusLoss focusLoss_;
-  QPoint anchor_;  // where it opened, if it closes with the focus
-  QSize fitted_;   // the size last chosen for it
+  QTimer leaving_;   // runs from a loss of the focus until it is known who has it
+  QPoint anchor_;    // where it opened, if it closes with the focus
+  QSize fitted_;     // the size last chosen for it
+  int tallest_ = 0;  // it may be while it is open
 };
 
 }  // namespace tobrin

@@ -58,9 +58,12 @@ class PanelDriver(DesktopTest):
         self.bring_up()
         return program
 
-    def bring_up(self):
+    def start_again(self):
         second = subprocess.run([self.program], stdout=subprocess.PIPE, text=True, check=False, timeout=PATIENCE)
         self.assertEqual((second.returncode, second.stdout), (0, "Tobrin is already running.\n"))
+
+    def bring_up(self):
+        self.start_again()
         self.assertTrue(eventually(lambda: self.is_open() and named("Quit")), f"{panels()} {screenreader.showing()}")
 
     def close_by_keyboard(self):

@@ -1,5 +1,7 @@
 #include "Panel/Placing/BesideAnchor.h"
 
+#include <algorithm>
+
 namespace tobrin {
 
 QPoint besideAnchor(QPoint anchor, QSize size, QRect room) {
@@ -10,6 +12,11 @@ QPoint besideAnchor(QPoint anchor, QSize size, QRect room) {
   // The left and upper edges are seen even of a window that is larger than the room.
   return {qMax(room.left(), qMin(left, room.right() + 1 - size.width())),
           qMax(room.top(), qMin(top, room.bottom() + 1 - size.height()))};
+}
+
+QRect lowestOf(const QList<QRect>& rooms) {
+  const auto lowest = std::ranges::min_element(rooms, {}, &QRect::height);
+  return lowest == rooms.end() ? QRect() : *lowest;
 }
 
 }  // namespace tobrin
