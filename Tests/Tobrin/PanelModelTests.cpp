@@ -79,9 +79,12 @@ TEST_F(PanelModelTest, ShowsAndDoesWhatItMust) {
   panel_->setFixedTier(4);
   panel_->setShortcutIndex(9);
   after("there is no such choice");
+  EXPECT_TRUE(panel_->chooseShortcut(48, Qt::AltModifier | Qt::ControlModifier));
   shortcuts_.answer = {ShortcutGrab::Result::taken, 0};
   EXPECT_FALSE(panel_->chooseShortcut(0, Qt::ShiftModifier));
-  EXPECT_FALSE(panel_->chooseShortcut(56, Qt::ControlModifier));
+  for (const quint32 modifier : {56U, 57U})
+    EXPECT_FALSE(panel_->chooseShortcut(modifier, Qt::ControlModifier));
+  EXPECT_FALSE(panel_->chooseShortcut(48, Qt::ShiftModifier)) << "Tab moves the focus";
   EXPECT_TRUE(panel_->chooseShortcut(0, Qt::ShiftModifier | Qt::MetaModifier));
   after("a shortcut that is taken");
   shortcuts_.answer = {ShortcutGrab::Result::failed, -9868};

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "Base/Log.h"
-#include "Input/KeyLayout.h"
+#include "Input/ModifierTracker.h"
 #include "Model/StatusTexts.h"
 
 namespace tobrin {
@@ -52,7 +52,7 @@ std::vector<Hotkey> ShortcutChoice::offered() const {
 
 std::optional<Hotkey> ShortcutChoice::of(uint32_t scanCode, Modifiers modifiers) const {
   const auto code = keyOfScanCode_(scanCode);
-  const bool isOwnKey = code && keyGroupOf(*code) != KeyGroup::modifier;
+  const bool isOwnKey = code && !ModifierTracker::isModifier(*code);
   const bool isFree = (modifiers.rawValue & ~Modifiers::shift) != 0;
   if (!isOwnKey || !isFree) return std::nullopt;
   return Hotkey{.keyCode = *code, .modifiers = modifiers};

@@ -19,8 +19,10 @@ PanelButton {
     Keys.onPressed: event => {
         if (!capturing)
             return;
-        event.accepted = true;
-        if (event.key === Qt.Key_Escape || model.chooseShortcut(event.nativeScanCode, event.modifiers))
+        const ends = event.key === Qt.Key_Escape || model.chooseShortcut(event.nativeScanCode, event.modifiers);
+        const movesFocus = event.key === Qt.Key_Tab || event.key === Qt.Key_Backtab;
+        event.accepted = ends || !movesFocus;
+        if (ends)
             capture(false);
     }
     Keys.onReleased: event => event.accepted = capturing
