@@ -10,10 +10,16 @@
 #include <QLocalSocket>
 #include <QTest>
 #include <cstring>
+#include <mutex>
+#include <set>
+#include <utility>
 
 #include "Panel/Placing/BesideAnchor.h"
+#include "Panel/Placing/KWinPlacer.h"
 #include "Panel/Placing/SwayPlacer.h"
+#include "Support/Eventually.h"
 #include "Support/TempFolder.h"
+#include "Tools/Desktop/PrivateBus.h"
 
 namespace tobrin {
 namespace {
@@ -31,6 +37,9 @@ TEST(BesideAnchor, IsNextToTheBarAndWithinTheRoom) {
         Row{{500, 60}, {1200, 900}, {0, 30}}})
     EXPECT_EQ(besideAnchor(row.anchor, row.size, room), row.corner)
         << row.anchor.x() << ", " << row.anchor.y();
+  const QRect low(1920, 0, 1366, 738);
+  EXPECT_EQ(lowestOf({{0, 0, 1920, 1050}, low, {3286, 0, 1080, 1920}}), low);
+  EXPECT_EQ(lowestOf({}), QRect());
 }
 
 /// The side of sway in a conversation.
@@ -133,6 +142,72 @@ TEST(SwayPlacer, MovesItsOwnFloatingWindowBelowTheBar) {
     }
     EXPECT_TRUE(sway.isLeft(2000)) << "a tile stays in its place";
   }
+}
+
+/// A KWin that forgets a script only at the message after the one that unloads it.
+class SlowKWin {
+ public:
+  int started() {
+    const std::scoped_lock lock(mutex_);
+    return started_;
+  }
+  /// How many scripts it has that were not unloaded.
+  std::size_t kept() {
+    const std::scoped_lock lock(mutex_);
+    return scripts_.size() - scripts_.count(leaving_);
+  }
+
+ private:
+  enum class Call { load, unload, start };
+
+  template <Call kind>
+  static int take(sd_bus_message* call, void* self, sd_bus_error*) {
+    auto& kwin = *static_cast<SlowKWin*>(self);
+    const std::scoped_lock lock(kwin.mutex_);
+    const std::string before = std::exchange(kwin.leaving_, "");
+    const char *file = "", *name = "";
+    if (kind == Call::load) {
+      sd_bus_message_read(call, "ss", &file, &name);
+      if (kwin.scripts_.insert(name).second) kwin.waiting_ = name;
+    } else if (kind == Call::unload) {
+      sd_bus_message_read(call, "s", &name);
+      if (kwin.scripts_.contains(name)) kwin.leaving_ = name;
+    } else {
+      kwin.started_ += static_cast<int>(kwin.scripts_.count(std::exchange(kwin.waiting_, "")));
+    }
+    kwin.scripts_.erase(before);
+    return sd_bus_reply_method_return(call, "");
+  }
+
+  static constexpr sd_bus_vtable methods[] = {
+      SD_BUS_VTABLE_START(0),
+      SD_BUS_METHOD("loadScript", "ss", "", &take<Call::load>, SD_BUS_VTABLE_UNPRIVILEGED),
+      SD_BUS_METHOD("unloadScript", "s", "", &take<Call::unload>, SD_BUS_VTABLE_UNPRIVILEGED),
+      SD_BUS_METHOD("start", "", "", &take<Call::start>, SD_BUS_VTABLE_UNPRIVILEGED),
+      SD_BUS_VTABLE_END};
+
+  std::mutex mutex_;
+  std::set<std::string> scripts_;
+  std::string leaving_, waiting_;  // unloaded by the last message; not yet started
+  int started_ = 0;
+  testing::BusService service_{&sd_bus_open_user,        "org.kde.KWin", "/Scripting",
+                               "org.kde.kwin.Scripting", methods,        this};
+};
+
+TEST(KWinPlacer, PlacesEveryPanelThatOpensSoonAfterAnother) {
+  int count = 0;
+  const QCoreApplication application(count, nullptr);
+  const testing::PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
+  SlowKWin kwin;
+  {
+    KWinPlacer placer("script");
+    for (int opening = 1; opening <= 3; ++opening) {
+      placer.placeNext();
+      EXPECT_TRUE(testing::eventually([&] { return kwin.started() == opening; })) << opening;
+    }
+    EXPECT_EQ(kwin.kept(), 1U);
+  }
+  EXPECT_TRUE(testing::eventually([&] { return kwin.kept() == 0; }));
 }
 
 /// What KWin offers its scripts; `names` is what a version calls things.

@@ -2,9 +2,9 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <array>
 #include <chrono>
-
-#include "Desktop/KWinScripts.h"
+#include <utility>
 
 namespace tobrin {
 namespace {
@@ -12,7 +12,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto patience = 3s;
-constexpr const char* scriptName = "app.tobrin.PlacePanel";
+/// KWin forgets a script some time after it was told to, and takes no other of its name until then.
+constexpr std::array names{"app.tobrin.PlacePanel", "app.tobrin.PlacePanelAgain"};
 
 /// Calls on one connection arrive in their order, so that none has to wait for another's answer.
 void call(const char* method, const QVariantList& arguments = {}) {
@@ -25,10 +26,12 @@ void call(const char* method, const QVariantList& arguments = {}) {
 
 }  // namespace
 
-KWinPlacer::KWinPlacer() {
+KWinPlacer::KWinPlacer(QString script) : script_(std::move(script)) {
   patience_.setSingleShot(true);
   patience_.setInterval(patience);
   patience_.callOnTimeout([this] { unload(); });
+  for (const char* const name : names)  // of a Tobrin that was killed
+    call("unloadScript", {name});
 }
 
 KWinPlacer::~KWinPlacer() {
@@ -36,17 +39,16 @@ KWinPlacer::~KWinPlacer() {
 }
 
 void KWinPlacer::placeNext() {
-  const std::string script = kwinScript("place-panel.js");
-  if (script.empty()) return;
-  unload();  // of the last time, or of a Tobrin that was killed
-  call("loadScript", {QString::fromStdString(script), scriptName});
+  if (patience_.isActive()) unload();  // of the last time
+  name_ = (name_ + 1) % names.size();
+  call("loadScript", {script_, names[name_]});
   call("start");
   patience_.start();
 }
 
 void KWinPlacer::unload() {
   patience_.stop();
-  call("unloadScript", {scriptName});
+  call("unloadScript", {names[name_]});
 }
 
 }  // namespace tobrin

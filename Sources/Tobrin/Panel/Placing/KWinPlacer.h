@@ -1,7 +1,9 @@
 /// Plasma: KWin runs a script of ours that moves the panel when it appears. Thread: main.
 #pragma once
 
+#include <QString>
 #include <QTimer>
+#include <cstddef>
 
 #include "Panel/Placing/WindowPlacer.h"
 
@@ -9,7 +11,8 @@ namespace tobrin {
 
 class KWinPlacer final : public WindowPlacer {
  public:
-  KWinPlacer();
+  /// `script` is the file that KWin runs.
+  explicit KWinPlacer(QString script);
   ~KWinPlacer() override;
 
   void placeNext() override;
@@ -17,7 +20,9 @@ class KWinPlacer final : public WindowPlacer {
  private:
   void unload();
 
-  QTimer patience_;  // runs while the script is loaded
+  const QString script_;
+  std::size_t name_ = 0;  // of those that the script has in turn
+  QTimer patience_;       // runs while the script is loaded
 };
 
 }  // namespace tobrin

@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 
+#include "Desktop/KWinScripts.h"
 #include "Panel/Placing/KWinPlacer.h"
 #include "Panel/Placing/SwayPlacer.h"
 
@@ -12,8 +13,10 @@ std::unique_ptr<WindowPlacer> makeWindowPlacer() {
   const QString sway = qEnvironmentVariable("SWAYSOCK");
   if (SwayPlacer::isOfThisSession(sway, qEnvironmentVariable("XDG_CURRENT_DESKTOP")))
     return std::make_unique<SwayPlacer>(sway);
+  const std::string script = kwinScript("place-panel.js");
+  if (script.empty()) return nullptr;
   // Has no effect where no KWin is on the bus.
-  return std::make_unique<KWinPlacer>();
+  return std::make_unique<KWinPlacer>(QString::fromStdString(script));
 }
 
 }  // namespace tobrin
