@@ -16,8 +16,8 @@ namespace tobrin {
 std::optional<RecordedTake> cutSound(const SampleBuffer& sound, const SoundRef& ref,
                                      ImportNotes& notes);
 
-/// Whether `release` is no release sound of its own: it lies in the press, or only continues it, as
-/// where one sound was cut in two.
+/// Whether `release` is no separate sound: it lies within the press, or continues it because one
+/// sound was cut in two.
 bool belongsToPress(const SampleBuffer& sound, const SoundRef::Part& press,
                     const SoundRef::Part& release);
 

@@ -11,11 +11,10 @@
 namespace tobrin {
 
 /// Writes the pack as the folder `parent`/id, in place of what stands there, and returns that
-/// folder. A group's files are the same whichever other groups are written, but for their level
-/// where `groups` lacks the letters. Takes are rendered on up to `threads` threads, 0 for one a
-/// core. Throws the file system's own error; what was written until then stays, and the next
-/// generation replaces it. An id that is no plain folder name throws `std::invalid_argument` and
-/// touches nothing.
+/// folder. Which other groups are written does not change a group's files; only without the letters
+/// they have another level. Takes are rendered on up to `threads` threads, 0 for one a core. Throws
+/// the file system's own error; what was written until then stays, and the next generation replaces
+/// it. An id that is no plain folder name throws `std::invalid_argument` and touches nothing.
 std::filesystem::path generatePack(const SynthProfile& profile, const std::filesystem::path& parent,
                                    std::span<const KeyGroup> groups = allKeyGroups,
                                    unsigned threads = 0);
