@@ -399,13 +399,17 @@ class PanelTest(PanelDriver):
         tray.choose("Quit")
         self.assertEqual(program.process.wait(PATIENCE), 0)
 
-    def test_a_recording_outlasts_what_brings_its_window_back(self):
+    def start_beside_another_window(self):
         tray = TrayWatcher()
         self.addCleanup(tray.close)
         self.start()
         self.assertTrue(eventually(lambda: tray.items))
         other = OtherWindow()
         self.addCleanup(other.close)
+        return tray, other
+
+    def test_a_recording_outlasts_what_brings_its_window_back(self):
+        tray, other = self.start_beside_another_window()
         tray.click()
         self.click("Record Your Keyboard…")
         for bring_back in (tray.click, self.start_again, lambda: tray.choose("Open Tobrin")):
@@ -418,12 +422,7 @@ class PanelTest(PanelDriver):
         self.assertTrue(eventually(lambda: not panels()), "nothing is lost any more")
 
     def test_focus_that_follows_the_pointer_leaves_the_panel_open(self):
-        tray = TrayWatcher()
-        self.addCleanup(tray.close)
-        self.start()
-        self.assertTrue(eventually(lambda: tray.items))
-        other = OtherWindow()
-        self.addCleanup(other.close)
+        tray, other = self.start_beside_another_window()
         inside, away, focus = ("mousemove", 1300, 200), ("mousemove", 1390, 5), ("windowfocus", other.id)
         pause = ("sleep", 0.5)
         for case, words, stays in (("pointer first", (*inside, *pause, *away, *focus), True),

@@ -269,7 +269,7 @@ std::string describe(const TypingModel& model) {
   for (const Bell& bell : {model.pressDb, model.releaseDb, model.strayDb, model.partDb,
                            model.logHold, model.logInterval})
     text += line("%.7f %.7f, ", bell.mean, bell.deviation);
-  return text + line("heard %.7f, strays %.7f, parts %.7f\n", model.heardReleases,
+  return text + line("heard %.7f, strays %.7f, beside %.7f\n", model.heardReleases,
                      model.straysASecond, model.partsBeside);
 }
 
